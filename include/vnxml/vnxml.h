@@ -2,3 +2,5 @@
 #pragma once
 
 #include "vnxml/common.h"
+#include "vnxml/sax.h"
+#include "vnxml/xml_utils.h"

@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 
+#include "internal/platform_classes.h"
 #include "vnxml/common/exception.h"
 #include "vnxml/common/sysutils.h"
 
@@ -27,8 +28,10 @@ bool ClassInheritsFrom(TClass AClass, TClass AAncestor) {
 }
 
 TObject* CreateInstance(TClass AClass) {
-  if (!AClass || !AClass->Factory) throw EAbstractError(u"Abstract Error");
-  return AClass->Factory();
+  // The factory of an abstract class exists but makes nothing.
+  TObject* obj = AClass && AClass->Factory ? AClass->Factory() : nullptr;
+  if (!obj) throw EAbstractError(u"Abstract Error");
+  return obj;
 }
 
 namespace {
@@ -58,6 +61,8 @@ void UnRegisterClass(TClass AClass) {
 }
 
 TClass GetClass(std::u16string_view AClassName) {
+  static const bool platformClassesRegistered = (detail::RegisterPlatformClasses(), true);
+  (void)platformClassesRegistered;
   auto& r = Registry();
   std::lock_guard g(r.Lock);
   auto it = r.ByName.find(UpperCase(AClassName));

@@ -20,7 +20,7 @@ struct TTypeInfo;
 struct TClassInfo {
   const char16_t* Name;
   const TClassInfo* Parent;
-  /// Creates an instance with its default constructor; nullptr for abstract classes.
+  /// Creates an instance with its default constructor; returns nullptr for abstract classes.
   TObject* (*Factory)();
   /// Filled by the reflection registration of the class; may stay nullptr.
   mutable const TTypeInfo* TypeInfo = nullptr;

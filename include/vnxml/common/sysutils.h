@@ -16,7 +16,9 @@ UnicodeString IntToStr(Int64 AValue);
 UnicodeString UIntToStr(UInt64 AValue);
 /// Upper-case hexadecimal, left-padded with '0' to ADigits.
 UnicodeString IntToHex(UInt64 AValue, Integer ADigits);
-/// Optional sign, then decimal, '$' hex or '0x' hex; leading and trailing blanks are refused.
+/// Leading spaces, an optional sign, then decimal digits, or hex digits behind '$', 'x' or '0x'.
+/// Anything else (trailing blanks, tabs, a fraction) raises EConvertError. Decimal text must fit the
+/// type; hex text may fill its unsigned range and wraps ("$FFFFFFFF" is -1 for StrToInt).
 Integer StrToInt(std::u16string_view AText);
 Int64 StrToInt64(std::u16string_view AText);
 UInt64 StrToUInt64(std::u16string_view AText);
@@ -27,9 +29,11 @@ bool TryStrToInt64(std::u16string_view AText, Int64& AValue);
 bool TryStrToUInt64(std::u16string_view AText, UInt64& AValue);
 
 // ---- floating point ----
-/// General format, 15 significant digits; exponent form "1E15", "1E-5" as the platform writes it.
+/// General format, 15 significant digits rounded half away from zero; fixed notation unless the
+/// exponent is above 14 or below -5, then "1E15", "1E-5". Zero (also -0) is "0"; NAN, INF, -INF.
 UnicodeString FloatToStr(Extended AValue);
-/// Decimal text with '.' separator, optional exponent, surrounding blanks allowed.
+/// Decimal text with '.' separator and optional exponent; spaces around it are allowed, and
+/// "INF", "-INF", "NAN" (any case) read back what FloatToStr writes. A value too small reads as 0.
 Extended StrToFloat(std::u16string_view AText);
 Extended StrToFloatDef(std::u16string_view AText, Extended ADefault);
 bool TryStrToFloat(std::u16string_view AText, Extended& AValue);
@@ -43,6 +47,7 @@ bool TryStrToBool(std::u16string_view AText, bool& AValue);
 
 // ---- formatting ----
 /// %s %d %u %x %f %g %e %n %m %p %c and %%, with index, '-', width and precision (also '*').
+/// Floats use '.' and ',' (thousands) and '$' for %m. Misuse raises EConvertError.
 UnicodeString Format(std::u16string_view AFormat, std::initializer_list<TVarRec> AArgs);
 
 // ---- text ----
@@ -60,6 +65,10 @@ Integer CompareStr(std::u16string_view A, std::u16string_view B);
 UnicodeString AnsiUpperCase(std::u16string_view AText);
 UnicodeString AnsiLowerCase(std::u16string_view AText);
 bool AnsiSameText(std::u16string_view A, std::u16string_view B);
+/// Linguistic order (ICU root collation, lower case before upper); distinct texts never compare equal.
+Integer AnsiCompareStr(std::u16string_view A, std::u16string_view B);
+/// Linguistic order ignoring case; 0 exactly when AnsiSameText holds.
+Integer AnsiCompareText(std::u16string_view A, std::u16string_view B);
 UnicodeString QuotedStr(std::u16string_view AText, char16_t AQuote = u'\'');
 /// Removes the quotes of a quoted text and halves doubled quotes inside.
 UnicodeString AnsiDequotedStr(std::u16string_view AText, char16_t AQuote);
@@ -99,11 +108,15 @@ bool IsLeapYear(Word AYear);
 Word DaysInAMonth(Word AYear, Word AMonth);
 /// 1 = Sunday ... 7 = Saturday.
 Word DayOfWeek(TDateTime ADate);
+/// Steps through the platform's time stamp, so that steps across 1899-12-30 stay exact.
 TDateTime IncMilliSecond(TDateTime AValue, Int64 ANumberOf = 1);
 TDateTime IncSecond(TDateTime AValue, Int64 ANumberOf = 1);
 TDateTime IncMinute(TDateTime AValue, Int64 ANumberOf = 1);
+TDateTime IncHour(TDateTime AValue, Int64 ANumberOf = 1);
 TDateTime IncDay(TDateTime AValue, Integer ANumberOf = 1);
+/// Same day in the target month, clipped to its last day; the time of day is kept.
 TDateTime IncMonth(TDateTime AValue, Integer ANumberOf = 1);
+TDateTime IncYear(TDateTime AValue, Integer ANumberOf = 1);
 /// Local date and time of the operating system's clock.
 TDateTime Now();
 TDateTime Date();

@@ -1,0 +1,36 @@
+// dom_messages.h: the fixed message texts of the XML document object model (unit uVnXMLDOM).
+// Callers and tests compare against these constants; %s and %d are filled by Format.
+#pragma once
+
+namespace vn {
+
+inline constexpr char16_t cVnDomNoImpl[] =
+    u"DOM Objects do not support interfaces. All interface requests should be handled by the DOMIMpl object.";
+inline constexpr char16_t cVnDomDestroyedWhileCounted[] = u"An instance of %s is destroyed while it's refcount is not 0!";
+inline constexpr char16_t cVnDomSetNodeValueNotSupported[] = u"The SetNodeValue is not supported by the TVnDomNode";
+inline constexpr char16_t cVnDomSetInnerXMLNotSupported[] = u"The SetInnerXML is not supported by the TVnDomNode";
+inline constexpr char16_t cVnDomListEmpty[] = u"Failed to get the first node!\r\nThe list contains no nodes.";
+inline constexpr char16_t cVnDomRefNodeNotInList[] = u"The specified referencenode is not part of this list!";
+inline constexpr char16_t cVnDomNoChildElementNamed[] = u"There is no childelement with the name %s!";
+inline constexpr char16_t cVnDomInvalidIdx[] = u"Invalid idx value";
+inline constexpr char16_t cVnDomBothCaseOptions[] =
+    u"It is not possible to specify both soCaseSensitive and soCaseInsensitive!";
+inline constexpr char16_t cVnDomNoCreateInFind[] = u"It is not possible to specify soCreate!";
+inline constexpr char16_t cVnDomNoNodeForName[] = u"There is no node for the given name \"%s\".";
+inline constexpr char16_t cVnDomNoChildNamed[] = u"There is no child with the name \"%s\"!";
+inline constexpr char16_t cVnDomNodeClassRequired[] = u"A NodeClass is required when soCreate is specified!";
+inline constexpr char16_t cVnDomNoChildLocalNS[] = u"There is no child with the localname \"%s\" and namespace \"%s\"!";
+inline constexpr char16_t cVnDomNotAChild[] = u"The specified ChildNode is not a child of this element!";
+inline constexpr char16_t cVnDomNoRaiseOrCreate[] = u"It is not possible to specify either soRaise or soCreate!";
+inline constexpr char16_t cVnDomNoCDATAIndex[] = u"There is no CDATA element with index %d!";
+inline constexpr char16_t cVnDomHasRoot[] = u"This DOM document already contains a rootnode!";
+inline constexpr char16_t cVnDomNoDocumentClone[] =
+    u"It is not possible to clone a TVnDOMDocument using the CloneNode method!";
+inline constexpr char16_t cVnDomNotANamespace[] = u"The attribute is not a namespace declaration!";
+inline constexpr char16_t cVnDomSplitNeedsParent[] = u"SplitText needs a node with a parent!";
+inline constexpr char16_t cVnDomObjectGone[] = u"The DOM object behind this interface has been freed.";
+inline constexpr char16_t cVnDomHasParent[] = u"The node already has a parent; remove it there first!";
+inline constexpr char16_t cVnDomAddToItself[] = u"A node cannot be added below itself!";
+inline constexpr char16_t cVnDomNotYetSupported[] = u"%s is not supported yet.";
+
+}  // namespace vn

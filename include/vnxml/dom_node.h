@@ -1,0 +1,154 @@
+// dom_node.h: TVnDOMNode, the common class of every node of the XML tree (unit uVnXMLDOM).
+// A node owns its children (attributes of an element among them) in one ordered array; list
+// objects over it are made only when asked for. Adding takes ownership of a detached node;
+// removing a node frees it unless an interface still holds it. Freeing a node frees its subtree
+// without recursion, so trees of any depth can be built, cloned and dropped.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "vnxml/dom_object.h"
+#include "vnxml/dom_storage.h"
+
+namespace vn {
+
+class TStream;
+
+namespace detail {
+struct NodeExtras;
+}
+
+class TVnDOMNode : public TVnDOMObject {
+  VN_DECLARE_CLASS(TVnDOMNode, TVnDOMObject)
+ public:
+  TVnDOMNode();
+  ~TVnDOMNode() override;
+
+  // ---- names and values ----
+  TVnDOMNodeType GetNodeType() const noexcept { return FNodeType; }
+  UnicodeString GetLocalName() const { return UnicodeString(FName.Local()); }
+  UnicodeString GetPrefix() const { return UnicodeString(FName.Prefix()); }
+  /// "prefix:local", or the local name with an empty prefix.
+  UnicodeString GetQualifiedName() const { return UnicodeString(FName.Qualified()); }
+  /// The same names without a copy; valid until the node is renamed or freed.
+  std::u16string_view LocalNameView() const noexcept { return FName.Local(); }
+  std::u16string_view PrefixView() const noexcept { return FName.Prefix(); }
+  std::u16string_view QualifiedNameView() const noexcept { return FName.Qualified(); }
+  /// The parent's setting, or DefaultPreserveCase with no parent.
+  virtual bool GetPreserveSpace() const;
+  /// The decoded value; empty on a plain node.
+  virtual UnicodeString GetNodeValue() const;
+  virtual UnicodeString GetText() const;
+  /// The parent's URI, or the pending one with no parent.
+  virtual UnicodeString GetNamespaceURI() const;
+  virtual UnicodeString GetInnerXML();
+  virtual UnicodeString GetFormattedInnerXML();
+  /// The node written as XML text, unformatted or formatted.
+  UnicodeString GetXML();
+  UnicodeString GetFormattedXML();
+  /// Raises EVnDomNotSupported on a plain node.
+  virtual void SetNodeValue(std::u16string_view AValue);
+  virtual void SetPrefix(std::u16string_view AValue);
+  /// Splits AName at its first colon into prefix and local name.
+  virtual void SetQualifiedName(std::u16string_view AName);
+  virtual void SetInnerXML(std::u16string_view AXML);
+  /// Recomputes the namespace declarations in scope over the whole subtree.
+  virtual void RefreshNamespaces();
+  /// Merges neighbouring text nodes; nothing on a plain node.
+  virtual void NormalizeTextNodes();
+
+  // ---- text in and out ----
+  /// Writes this node (and its subtree) as XML to AStream in ACodePage.
+  virtual void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel);
+  virtual void SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted);
+  /// Parses XML from AStream into this node (arrives with the document loader).
+  virtual void LoadFromStream(TStream& AStream, Word ACodePage);
+
+  // ---- the tree ----
+  /// Takes ownership of the detached ANode and puts it among the children; returns ANode.
+  virtual TVnDOMNode* AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode = nullptr, TVnDOMPosition APosition = rdpLast);
+  /// Creates a node of AClass by its virtual constructor and adds it.
+  virtual TVnDOMNode* AddChild(TClass AClass, TVnDOMNode* ARefNode, TVnDOMPosition APosition);
+  /// Adds ANode as last child.
+  virtual TVnDOMNode* AppendChild(TVnDOMNode* ANode);
+  TVnDOMNode* InsertBefore(TVnDOMNode* ANode, TVnDOMNode* ARefNode);
+  /// Adopts a node the caller owns: parent->Append(std::make_unique<TVnDOMText>()).
+  template <class T>
+  T* Append(std::unique_ptr<T> ANode) {
+    T* n = ANode.get();
+    AppendChild(ANode.release());
+    return n;
+  }
+  /// Detaches ANode; frees it unless an interface holds it (then it lives on, detached).
+  virtual void RemoveChild(TVnDOMNode* ANode);
+  /// Removes every child, last first.
+  virtual void Clear();
+  /// A detached copy that the caller owns; a deep one copies the subtree (attributes included).
+  virtual std::unique_ptr<TVnDOMNode> CloneNode(bool ADeep) const;
+  /// A detached copy of this node alone: same class, same name (and stored value for leaves).
+  virtual std::unique_ptr<TVnDOMNode> CreateClone() const;
+
+  Integer NodeCount() const noexcept { return static_cast<Integer>(FChildren.size()); }
+  /// Child by position in document order, attributes included; no range check.
+  TVnDOMNode* ChildAt(Integer AIndex) const noexcept { return FChildren[static_cast<uint32_t>(AIndex)]; }
+  bool HasChilds() const noexcept { return !FChildren.empty(); }
+  /// The node is an element and has attributes.
+  virtual bool HasAttributes() const;
+  /// The list of all children (made on first use, owned by this node).
+  TVnDOMNodeList* GetChildNodes();
+  TVnDOMNode* ParentNode() const noexcept { return static_cast<TVnDOMNode*>(FParent); }
+  TVnDOMDocument* Document() const noexcept { return FDOMDocument; }
+  TVnDOMNode* NextSibling() const;
+  TVnDOMNode* PreviousSibling() const;
+  /// "/a/b[@id=\"7\"]": the steps from the document down, the key attribute on the last step only.
+  UnicodeString NodePath(bool AUseLocalName = false, std::u16string_view AKeyAttribute = {}) const;
+
+  // ---- Transform (XSLT through libxslt) ----
+  /// Applies the style sheet in file AXSLFile to this node's XML; the result text.
+  UnicodeString Transform(std::u16string_view AXSLFile);
+  /// Applies the style sheet AXSLNode to this node's XML; the result text.
+  UnicodeString Transform(TVnDOMNode* AXSLNode);
+  /// As above, the result parsed into a new document that the caller owns.
+  std::unique_ptr<TVnDOMDocument> TransformToDocument(std::u16string_view AXSLFile);
+  std::unique_ptr<TVnDOMDocument> TransformToDocument(TVnDOMNode* AXSLNode);
+
+  // ---- the object model ----
+  bool CanAutoDestroy() const override;
+  void SetDOMDocument(TVnDOMDocument* ADocument) override;
+  void SetParentNode(TVnDOMObject* AParent) override;
+  void BeforeDestruction() override;
+  /// The children array itself, for walks that must not allocate.
+  const detail::PtrVector<TVnDOMNode>& ChildrenView() const noexcept { return FChildren; }
+
+ protected:
+  TVnDOMObjectImpl* CreateDOMImpl() override;
+  /// Puts ANode into the children array at its place, with no other effect.
+  void InsertIntoChildren(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition);
+  /// The children array of another node, for the typed bookkeeping of subclasses.
+  static detail::PtrVector<TVnDOMNode>& ChildrenOf(TVnDOMNode* ANode) noexcept { return ANode->FChildren; }
+  detail::NodeExtras& Extras();
+  detail::NodeExtras* ExtrasIfAny() const noexcept { return FExtras.get(); }
+  /// Frees ANode and its subtree with an explicit stack; nodes held by interfaces are detached.
+  static void DestroySubtree(TVnDOMNode* ANode);
+  /// This node's own part of RefreshNamespaces; the walk over the subtree is RefreshNamespaces.
+  virtual void RefreshNamespacesSelf() {}
+  /// Drops the typed bookkeeping of all children at destruction (elements override).
+  virtual void ForgetAllChildren() {}
+
+  detail::QName FName;
+  detail::PtrVector<TVnDOMNode> FChildren;
+  std::unique_ptr<detail::NodeExtras> FExtras;
+  TVnDOMNodeType FNodeType = ntUnknown;
+  TVnDOMLoadState FLoadState = lsUninitialized;
+  /// FNamespaceURI (in the extras) holds a pending value.
+  bool FNamespaceSet = false;
+
+  friend class TVnDOMNodeListBase;
+
+ private:
+  static void ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TVnDOMNode*>& ADoomed);
+};
+using TVnDOMNodeClass = TClass;
+
+}  // namespace vn

@@ -1,0 +1,188 @@
+// TVnDOMElement: namespace declarations in scope, the element's own namespace link, pending URIs
+// across detachment, and what happens when an element joins or leaves a parent.
+#include <algorithm>
+#include <unordered_map>
+#include <vector>
+
+#include "dom/node_extras.h"
+#include "dom/ns_scope.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/dom_messages.h"
+
+namespace vn {
+
+namespace {
+UnicodeString DeclarationName(std::u16string_view APrefix) {
+  return APrefix.empty() ? UnicodeString(u"xmlns") : u"xmlns:" + UnicodeString(APrefix);
+}
+}  // namespace
+
+TVnDOMAttribute* TVnDOMElement::FindScopeDeclaration(std::u16string_view AQName) const {
+  return detail::FindByName(FScope, AQName, GetCollation());
+}
+
+TVnDOMAttribute* TVnDOMElement::FindScopeNamespace(std::u16string_view AURI) const {
+  return detail::FindByURI(FScope, AURI, GetCollation());
+}
+
+TVnDOMAttribute* TVnDOMElement::FindNamespace(std::u16string_view AURI) const {
+  for (const TVnDOMElement* e = this; e; e = CastObject<TVnDOMElement>(e->FParent)) {
+    TVnXPathCollationClass coll = e->GetCollation();
+    for (TVnDOMNode* n : e->FAttrs) {
+      auto* a = static_cast<TVnDOMAttribute*>(n);
+      if (a->IsNamespace() && coll->SameText(a->GetNodeValue(), AURI)) return a;
+    }
+  }
+  return nullptr;
+}
+
+UnicodeString TVnDOMElement::GetNamespaceURI() const {
+  if (FNamespace) return FNamespace->GetNodeValue();
+  if (FParent) return {};
+  return FExtras ? FExtras->NamespaceURI : UnicodeString();
+}
+
+void TVnDOMElement::SetPrefix(std::u16string_view AValue) {
+  TVnDOMNode::SetPrefix(AValue);
+  FNamespace = FindScopeDeclaration(DeclarationName(PrefixView()));
+}
+
+void TVnDOMElement::SetNamespaceURI(std::u16string_view AURI) {
+  if (!FParent) {
+    Extras().NamespaceURI.assign(AURI);
+    FNamespaceSet = true;
+    return;
+  }
+  bool wanted;
+  if (TVnDOMAttribute* found = FindScopeNamespace(AURI)) {
+    bool isDefault = found->PrefixView().empty();
+    bool hasPrefix = !PrefixView().empty();
+    wanted = isDefault == hasPrefix;
+  } else {
+    wanted = FNamespaceSet;
+  }
+  if (!wanted) return;
+  UnicodeString uri(AURI);  // AURI may live in the pending value cleared below
+  TVnDOMAttribute* decl = AttributeByName(DeclarationName(PrefixView()), {soCreate, soQualifiedName});
+  FNamespace = decl;
+  decl->SetNodeValue(uri);
+  if (FExtras) FExtras->NamespaceURI.clear();
+  FNamespaceSet = false;
+}
+
+void TVnDOMElement::RefreshNamespacesSelf() {
+  detail::NsScope* previous = FScope;
+  FScope = nullptr;
+  TVnDOMNode* parent = ParentNode();
+  if (!parent) {
+    detail::Release(previous);
+    if (FNamespace && FAttrs.IndexOf(FNamespace) < 0) FNamespace = nullptr;
+    return;
+  }
+  TVnXPathCollationClass coll = GetCollation();
+  bool setAgain = true;
+  TVnDOMAttribute* old = FNamespace;
+  FNamespace = nullptr;
+  detail::NsScope* base = nullptr;
+  if (parent->GetNodeType() == ntElement) {
+    auto* pe = static_cast<TVnDOMElement*>(parent);
+    base = pe->FScope;
+    FScope = detail::Retain(base);
+    if (coll->SameText(PrefixView(), pe->PrefixView())) {
+      FNamespace = pe->FNamespace;
+      setAgain = false;
+      bool pendingEmpty = !FExtras || FExtras->NamespaceURI.empty();
+      if (PrefixView().empty() && pendingEmpty && FNamespace) {
+        FNamespace = nullptr;
+        SetNamespaceURI(u"");
+      }
+    }
+  }
+  detail::Release(previous);
+
+  // Own declarations: each replaces an entry of the same name, whether inherited or own.
+  std::vector<TVnDOMAttribute*> own, hidden;
+  std::unordered_map<std::string, size_t> ownByName;  // only filled for elements with many declarations
+  bool useMap = FAttrs.size() > 16;
+  for (TVnDOMNode* n : FAttrs) {
+    auto* a = static_cast<TVnDOMAttribute*>(n);
+    if (!a->IsNamespace()) continue;
+    if (a == old) {
+      FNamespace = a;
+      FNamespaceSet = true;
+      Extras().NamespaceURI = a->GetNodeValue();
+    }
+    TVnDOMAttribute* dup = nullptr;
+    std::string key;
+    if (useMap) {
+      key = coll->SortKey(a->QualifiedNameView());
+      if (auto it = ownByName.find(key); it != ownByName.end() && own[it->second]) {
+        dup = own[it->second];
+        own[it->second] = nullptr;
+      }
+    } else {
+      for (size_t i = own.size(); i-- > 0;)
+        if (own[i] && coll->SameText(own[i]->QualifiedNameView(), a->QualifiedNameView())) {
+          dup = own[i];
+          own[i] = nullptr;
+          break;
+        }
+    }
+    if (!dup) {
+      dup = detail::FindByName(base, a->QualifiedNameView(), coll);
+      if (dup && std::find(hidden.begin(), hidden.end(), dup) == hidden.end())
+        hidden.push_back(dup);
+      else
+        dup = nullptr;
+    }
+    if (dup && dup == FNamespace) {
+      FNamespace = nullptr;
+      setAgain = true;
+    }
+    if (useMap) ownByName[key] = own.size();
+    own.push_back(a);
+  }
+  std::erase(own, nullptr);
+  if (!own.empty() || !hidden.empty()) {
+    auto* scope = new detail::NsScope();
+    scope->Parent = base ? detail::Retain(base) : nullptr;
+    scope->Count = (base ? base->Count : 0) - hidden.size() + own.size();
+    scope->Own = std::move(own);
+    scope->Hidden = std::move(hidden);
+    detail::Release(FScope);
+    FScope = scope;
+  }
+  if (setAgain) FNamespace = FindScopeDeclaration(DeclarationName(PrefixView()));
+}
+
+void TVnDOMElement::SetParentNode(TVnDOMObject* AParent) {
+  TVnDOMObject* old = FParent;
+  bool hadNamespace = FNamespace != nullptr;
+  if (!FDestroying) {
+    if (FNamespace) {
+      Extras().NamespaceURI = FNamespace->GetNodeValue();
+      FNamespaceSet = true;
+    } else if (old && !AParent) {
+      UnicodeString uri = GetNamespaceURI();
+      Extras().NamespaceURI = std::move(uri);
+      FNamespaceSet = true;
+    }
+  }
+  TVnDOMNode::SetParentNode(AParent);
+  if (FDestroying) return;
+  if (TVnDOMNode* space = detail::FindInItems(FAttrs, *this, u"xml:space", {soQualifiedName})) {
+    FPreserveSpace = SameText(static_cast<TVnDOMAttribute*>(space)->GetStoredValue(), u"preserve");
+    _SetPreseveSpace(FPreserveSpace);
+  } else {
+    auto* pe = CastObject<TVnDOMElement>(AParent);
+    bool wanted = pe ? pe->FPreserveSpace : DefaultPreserveCase;
+    if (wanted != FPreserveSpace) _SetPreseveSpace(wanted);
+  }
+  if ((!old || hadNamespace) && AParent && FExtras && !FExtras->NamespaceURI.empty()) {
+    UnicodeString uri = FExtras->NamespaceURI;
+    SetNamespaceURI(uri);
+  }
+}
+
+}  // namespace vn

@@ -1,0 +1,299 @@
+// TVnDOMNode: children, insertion and removal, cloning, paths, and destruction of subtrees.
+// Every walk over a subtree uses an explicit stack: trees may be a million levels deep.
+#include <vector>
+
+#include "dom/node_extras.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/dom_messages.h"
+
+namespace vn {
+
+namespace detail {
+void InsertByPosition(PtrVector<TVnDOMNode>& AItems, TVnDOMNode* ANode, TVnDOMNode* ARefNode,
+                      TVnDOMPosition APosition) {
+  switch (APosition) {
+    case rdpFirst:
+      AItems.insert(0, ANode);
+      return;
+    case rdpLast:
+      AItems.push_back(ANode);
+      return;
+    case rdpBefore: {
+      int64_t i = ARefNode ? AItems.IndexOf(ARefNode, true) : -1;
+      AItems.insert(i < 0 ? 0 : static_cast<uint32_t>(i), ANode);
+      return;
+    }
+    case rdpAfter: {
+      int64_t i = ARefNode ? AItems.IndexOf(ARefNode, true) : -1;
+      if (i < 0)
+        AItems.push_back(ANode);
+      else
+        AItems.insert(static_cast<uint32_t>(i + 1), ANode);
+      return;
+    }
+  }
+}
+}  // namespace detail
+
+TVnDOMNode::TVnDOMNode() = default;
+
+TVnDOMNode::~TVnDOMNode() { EnsureBeforeDestruction(); }
+
+detail::NodeExtras& TVnDOMNode::Extras() {
+  if (!FExtras) FExtras = std::make_unique<detail::NodeExtras>();
+  return *FExtras;
+}
+
+// ---- destruction ----
+
+// Takes the children out of ANode, which is being destroyed: children still held by an
+// interface are detached and live on; the others go to ADoomed, to be freed by the caller's loop.
+void TVnDOMNode::ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TVnDOMNode*>& ADoomed) {
+  auto& children = ANode->FChildren;
+  for (uint32_t i = children.size(); i-- > 0;) {
+    if (i >= children.size()) continue;
+    TVnDOMNode* c = children[i];
+    if (!c->CanAutoDestroy()) {
+      ANode->RemoveChild(c);
+    } else {
+      c->FParent = nullptr;
+      c->FDestroying = true;
+      c->FBeforeDestructionDone = true;
+      ADoomed.push_back(c);
+    }
+  }
+  ANode->ForgetAllChildren();
+  children.reset();
+}
+
+void TVnDOMNode::BeforeDestruction() {
+  TVnDOMObject::BeforeDestruction();
+  std::vector<TVnDOMNode*> doomed;
+  ReleaseChildrenForDestruction(this, doomed);
+  while (!doomed.empty()) {
+    TVnDOMNode* n = doomed.back();
+    doomed.pop_back();
+    ReleaseChildrenForDestruction(n, doomed);
+    delete n;
+  }
+  if (FParent) ParentNode()->RemoveChild(this);
+}
+
+void TVnDOMNode::DestroySubtree(TVnDOMNode* ANode) { delete ANode; }
+
+bool TVnDOMNode::CanAutoDestroy() const {
+  if (FDOMImpl) return false;
+  return TVnDOMObject::CanAutoDestroy();
+}
+
+// ---- names and values ----
+
+bool TVnDOMNode::GetPreserveSpace() const {
+  return FParent ? ParentNode()->GetPreserveSpace() : DefaultPreserveCase;
+}
+
+UnicodeString TVnDOMNode::GetNodeValue() const { return {}; }
+UnicodeString TVnDOMNode::GetText() const { return {}; }
+UnicodeString TVnDOMNode::GetInnerXML() { return {}; }
+UnicodeString TVnDOMNode::GetFormattedInnerXML() { return {}; }
+
+UnicodeString TVnDOMNode::GetNamespaceURI() const {
+  if (FParent) return ParentNode()->GetNamespaceURI();
+  return FExtras ? FExtras->NamespaceURI : UnicodeString();
+}
+
+void TVnDOMNode::SetNodeValue(std::u16string_view) { throw EVnDomNotSupported(cVnDomSetNodeValueNotSupported); }
+void TVnDOMNode::SetInnerXML(std::u16string_view) { throw EVnDomNotSupported(cVnDomSetInnerXMLNotSupported); }
+
+void TVnDOMNode::SetPrefix(std::u16string_view AValue) {
+  if (AValue != FName.Prefix()) FName.SetPrefix(AValue);
+}
+
+void TVnDOMNode::SetQualifiedName(std::u16string_view AName) {
+  FName.Set(AName);
+  std::u16string prefix(FName.Prefix());
+  SetPrefix(prefix);
+}
+
+void TVnDOMNode::RefreshNamespaces() {
+  // Pre-order: a parent's scope is ready before its children compute theirs.
+  std::vector<TVnDOMNode*> stack{this};
+  while (!stack.empty()) {
+    TVnDOMNode* n = stack.back();
+    stack.pop_back();
+    n->RefreshNamespacesSelf();
+    const auto& ch = n->FChildren;
+    for (uint32_t i = ch.size(); i-- > 0;) stack.push_back(ch[i]);
+  }
+}
+
+void TVnDOMNode::NormalizeTextNodes() {}
+
+void TVnDOMNode::LoadFromStream(TStream&, Word) {
+  throw EVnDomNotSupported(cVnDomNotYetSupported, {u"LoadFromStream"});
+}
+
+// ---- the tree ----
+
+void TVnDOMNode::InsertIntoChildren(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  detail::InsertByPosition(FChildren, ANode, ARefNode, APosition);
+}
+
+TVnDOMNode* TVnDOMNode::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  if (!ANode) return nullptr;
+  if (ANode->FParent) throw EVnDomHierarchyRequest(cVnDomHasParent);
+  if (ANode == this) throw EVnDomHierarchyRequest(cVnDomAddToItself);
+  if (ANode->HasChilds())
+    for (TVnDOMObject* p = FParent; p; p = p->GetParent())
+      if (p == ANode) throw EVnDomHierarchyRequest(cVnDomAddToItself);
+  InsertIntoChildren(ANode, ARefNode, APosition);
+  ANode->SetParentNode(this);
+  return ANode;
+}
+
+TVnDOMNode* TVnDOMNode::AddChild(TClass AClass, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  std::unique_ptr<TObject> obj(CreateInstance(AClass));
+  auto* node = CastObject<TVnDOMNode>(obj.get());
+  if (!node) throw EInvalidCast(u"Invalid class typecast");
+  AddChild(node, ARefNode, APosition);
+  obj.release();
+  return node;
+}
+
+TVnDOMNode* TVnDOMNode::AppendChild(TVnDOMNode* ANode) { return AddChild(ANode, nullptr, rdpLast); }
+
+TVnDOMNode* TVnDOMNode::InsertBefore(TVnDOMNode* ANode, TVnDOMNode* ARefNode) {
+  return AddChild(ANode, ARefNode, rdpBefore);
+}
+
+void TVnDOMNode::RemoveChild(TVnDOMNode* ANode) {
+  if (!ANode) return;
+  // Detaching a child may release the last count on this node's own Impl; keep this node
+  // alive until the call is done.
+  TVnDOMObjectImpl* self = FDOMImpl;
+  if (self) self->KeepAlive();
+  ANode->SetParentNode(nullptr);
+  int64_t i = FChildren.IndexOf(ANode, true);
+  if (i >= 0) FChildren.erase(static_cast<uint32_t>(i));
+  if (ANode->CanAutoDestroy())
+    delete ANode;
+  else if (TVnDOMObjectImpl* impl = ANode->GetDOMImpl())
+    impl->MarkOwner();
+  if (self) self->LetGo();
+}
+
+void TVnDOMNode::Clear() {
+  while (!FChildren.empty()) {
+    TVnDOMNode* c = FChildren.back();
+    RemoveChild(c);
+    // a child that RemoveChild could not take out would loop forever
+    if (!FChildren.empty() && FChildren.back() == c) FChildren.pop_back();
+  }
+}
+
+std::unique_ptr<TVnDOMNode> TVnDOMNode::CreateClone() const {
+  std::unique_ptr<TObject> obj(CreateInstance(ClassType()));
+  std::unique_ptr<TVnDOMNode> node(static_cast<TVnDOMNode*>(obj.release()));
+  node->SetQualifiedName(FName.Qualified());
+  return node;
+}
+
+std::unique_ptr<TVnDOMNode> TVnDOMNode::CloneNode(bool ADeep) const {
+  std::unique_ptr<TVnDOMNode> root = CreateClone();
+  if (!ADeep) return root;
+  std::vector<std::pair<const TVnDOMNode*, TVnDOMNode*>> stack{{this, root.get()}};
+  while (!stack.empty()) {
+    auto [src, dst] = stack.back();
+    stack.pop_back();
+    size_t mark = stack.size();
+    for (TVnDOMNode* c : src->FChildren) {
+      std::unique_ptr<TVnDOMNode> copy = c->CreateClone();
+      TVnDOMNode* added = dst->AddChild(copy.get(), nullptr, rdpAfter);
+      copy.release();
+      if (c->HasChilds()) stack.emplace_back(c, added);
+    }
+    // children are copied in order; their subtrees may go in any order
+    (void)mark;
+  }
+  return root;
+}
+
+bool TVnDOMNode::HasAttributes() const { return false; }
+
+TVnDOMNodeList* TVnDOMNode::GetChildNodes() {
+  auto& x = Extras();
+  if (!x.ChildNodes) x.ChildNodes = std::make_unique<TVnDOMNodeList>(this, &FChildren);
+  return x.ChildNodes.get();
+}
+
+TVnDOMNode* TVnDOMNode::NextSibling() const {
+  if (!FParent) return nullptr;
+  const auto& sib = ParentNode()->FChildren;
+  int64_t i = sib.IndexOf(this);
+  if (i < 0) return sib.empty() ? nullptr : sib[0];
+  return static_cast<uint32_t>(i + 1) < sib.size() ? sib[static_cast<uint32_t>(i + 1)] : nullptr;
+}
+
+TVnDOMNode* TVnDOMNode::PreviousSibling() const {
+  if (!FParent) return nullptr;
+  return ParentNode()->GetChildNodes()->Previous(this);
+}
+
+UnicodeString TVnDOMNode::NodePath(bool AUseLocalName, std::u16string_view AKeyAttribute) const {
+  if (FNodeType == ntDocument) return {};
+  std::vector<const TVnDOMNode*> steps;
+  const TVnDOMNode* top = this;
+  for (const TVnDOMNode* n = this; n && n->FNodeType != ntDocument; n = n->ParentNode()) {
+    steps.push_back(n);
+    top = n;
+  }
+  UnicodeString path;
+  if (top->FParent) path += u'/';  // the top step hangs below a document
+  for (size_t i = steps.size(); i-- > 0;) {
+    const TVnDOMNode* n = steps[i];
+    if (n->FNodeType == ntAttribute) path += u'@';
+    path += AUseLocalName ? n->FName.Local() : n->FName.Qualified();
+    if (i > 0) path += u'/';
+  }
+  if (!AKeyAttribute.empty() && FNodeType == ntElement) {
+    TVnDOMSelectOptions opts{soCaseInsensitive};
+    if (AUseLocalName) opts = opts + TVnDOMSelectOptions{soLocalName};
+    auto* self = static_cast<TVnDOMElement*>(const_cast<TVnDOMNode*>(this));
+    if (TVnDOMAttribute* key = self->FindAttribute(AKeyAttribute, opts)) {
+      path += u"[@";
+      path += AKeyAttribute;
+      path += u"=\"";
+      path += key->GetNodeValue();
+      path += u"\"]";
+    }
+  }
+  return path;
+}
+
+// ---- the object model ----
+
+void TVnDOMNode::SetDOMDocument(TVnDOMDocument* ADocument) {
+  std::vector<TVnDOMNode*> stack{this};
+  while (!stack.empty()) {
+    TVnDOMNode* n = stack.back();
+    stack.pop_back();
+    n->FDOMDocument = ADocument;
+    for (TVnDOMNode* c : n->FChildren) stack.push_back(c);
+  }
+}
+
+void TVnDOMNode::SetParentNode(TVnDOMObject* AParent) {
+  TVnDOMObject* old = FParent;
+  TVnDOMObject::SetParentNode(AParent);
+  if (FDestroying) return;
+  if (AParent) {
+    if (FDOMDocument && (FDOMDocument->GetLoadState() != lsLoading || FNodeType == ntElement)) RefreshNamespaces();
+  } else if (old && FDOMImpl) {
+    // A node that lives on outside the tree must not keep links to declarations of its old
+    // ancestors, which may be freed before it.
+    RefreshNamespaces();
+  }
+}
+
+}  // namespace vn

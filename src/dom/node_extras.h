@@ -1,0 +1,31 @@
+// What a node needs only now and then: list objects made on request and a pending namespace URI.
+#pragma once
+
+#include <memory>
+
+#include "vnxml/dom_lists.h"
+
+namespace vn::detail {
+
+struct NodeExtras {
+  std::unique_ptr<TVnDOMNodeList> ChildNodes;
+  std::unique_ptr<TVnDOMAttrList> Attributes;
+  std::unique_ptr<TVnDOMElementList> Elements;
+  std::unique_ptr<TVnDOMNodeList> CharNodes;
+  std::unique_ptr<TVnDOMAttrList> Namespaces;
+  /// A URI held while there is nothing to attach it to (FNamespaceSet tells whether it counts).
+  UnicodeString NamespaceURI;
+};
+
+/// Puts ANode into AItems by position and reference: a reference not in AItems counts as none.
+void InsertByPosition(PtrVector<TVnDOMNode>& AItems, TVnDOMNode* ANode, TVnDOMNode* ARefNode,
+                      TVnDOMPosition APosition);
+
+/// The last node of AItems with the local name (and URI, when given), under ACtx's collation.
+TVnDOMNode* FindInItems(const PtrVector<TVnDOMNode>& AItems, const TVnDOMObject& ACtx,
+                        std::u16string_view ANamespaceURI, std::u16string_view ALocalName);
+/// The last node of AItems named AName under AOptions (collation and match from ACtx by default).
+TVnDOMNode* FindInItems(const PtrVector<TVnDOMNode>& AItems, const TVnDOMObject& ACtx, std::u16string_view AName,
+                        TVnDOMSelectOptions AOptions);
+
+}  // namespace vn::detail

@@ -1,0 +1,98 @@
+// Namespace scopes: chains of shared declaration lists, with hash indexes for large ones.
+#include "dom/ns_scope.h"
+
+#include <algorithm>
+
+#include "vnxml/dom_leaves.h"
+
+namespace vn::detail {
+
+std::atomic<uint64_t> gNamespaceEpoch{0};
+
+namespace {
+// Below this many entries a plain scan beats building an index.
+constexpr size_t kIndexThreshold = 24;
+
+bool IsHidden(const std::vector<const NsScope*>& AChain, size_t AFrom, const TVnDOMAttribute* AAttr) {
+  for (size_t i = 0; i < AFrom; ++i) {
+    const auto& h = AChain[i]->Hidden;
+    if (!h.empty() && std::find(h.begin(), h.end(), AAttr) != h.end()) return true;
+  }
+  return false;
+}
+
+void Chain(const NsScope* AScope, std::vector<const NsScope*>& AOut) {
+  for (const NsScope* s = AScope; s; s = s->Parent) AOut.push_back(s);
+}
+
+const NsScope::Index& IndexOf(const NsScope* AScope, TVnXPathCollationClass ACollation) {
+  uint64_t epoch = gNamespaceEpoch.load(std::memory_order_relaxed);
+  auto& idx = AScope->Lookup;
+  if (idx && idx->Epoch == epoch && idx->Collation == ACollation) return *idx;
+  auto fresh = std::make_unique<NsScope::Index>();
+  fresh->Epoch = epoch;
+  fresh->Collation = ACollation;
+  std::vector<TVnDOMAttribute*> all;
+  Flatten(AScope, all);
+  for (TVnDOMAttribute* a : all) {
+    fresh->ByName[ACollation->SortKey(a->QualifiedNameView())] = a;
+    fresh->ByURI.emplace(ACollation->SortKey(a->GetNodeValue()), a);
+  }
+  idx = std::move(fresh);
+  return *idx;
+}
+}  // namespace
+
+NsScope* Retain(NsScope* AScope) noexcept {
+  if (AScope) ++AScope->Refs;
+  return AScope;
+}
+
+void Release(NsScope* AScope) noexcept {
+  while (AScope && --AScope->Refs == 0) {
+    NsScope* parent = AScope->Parent;
+    delete AScope;
+    AScope = parent;
+  }
+}
+
+void Flatten(const NsScope* AScope, std::vector<TVnDOMAttribute*>& AOut) {
+  std::vector<const NsScope*> chain;
+  Chain(AScope, chain);
+  for (size_t i = chain.size(); i-- > 0;)
+    for (TVnDOMAttribute* a : chain[i]->Own)
+      if (!IsHidden(chain, i, a)) AOut.push_back(a);
+}
+
+TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
+  if (!AScope) return nullptr;
+  if (AScope->Count > kIndexThreshold) {
+    const auto& idx = IndexOf(AScope, ACollation);
+    auto it = idx.ByName.find(ACollation->SortKey(AQName));
+    return it == idx.ByName.end() ? nullptr : it->second;
+  }
+  std::vector<const NsScope*> chain;
+  Chain(AScope, chain);
+  for (size_t i = 0; i < chain.size(); ++i) {
+    const auto& own = chain[i]->Own;
+    for (size_t j = own.size(); j-- > 0;)
+      if (ACollation->SameText(own[j]->QualifiedNameView(), AQName) && !IsHidden(chain, i, own[j])) return own[j];
+  }
+  return nullptr;
+}
+
+TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation) {
+  if (!AScope) return nullptr;
+  if (AScope->Count > kIndexThreshold) {
+    const auto& idx = IndexOf(AScope, ACollation);
+    auto it = idx.ByURI.find(ACollation->SortKey(AURI));
+    return it == idx.ByURI.end() ? nullptr : it->second;
+  }
+  std::vector<TVnDOMAttribute*> all;
+  Flatten(AScope, all);
+  for (TVnDOMAttribute* a : all)
+    if (ACollation->SameText(a->GetNodeValue(), AURI)) return a;
+  return nullptr;
+}
+
+}  // namespace vn::detail

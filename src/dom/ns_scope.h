@@ -1,0 +1,50 @@
+// The namespace declarations in scope at an element, shared between parent and children.
+// A scope is the parent's scope (minus the entries this element redeclares) followed by the
+// element's own declarations; an element that declares nothing shares its parent's scope, so
+// a wide tree under a root with many declarations costs nothing per child.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "vnxml/dom_names.h"
+
+namespace vn {
+class TVnDOMAttribute;
+}
+
+namespace vn::detail {
+
+/// Bumped whenever a declaration's name or value changes, so that lookup indexes rebuild.
+extern std::atomic<uint64_t> gNamespaceEpoch;
+
+struct NsScope {
+  int32_t Refs = 1;
+  NsScope* Parent = nullptr;               // counted; nil at the top
+  std::vector<TVnDOMAttribute*> Own;       // appended entries, in order
+  std::vector<TVnDOMAttribute*> Hidden;    // entries of the parent chain redeclared here
+  size_t Count = 0;                        // entries in the whole scope
+
+  struct Index {
+    uint64_t Epoch;
+    TVnXPathCollationClass Collation;
+    std::unordered_map<std::string, TVnDOMAttribute*> ByName;  // last entry of each name
+    std::unordered_map<std::string, TVnDOMAttribute*> ByURI;   // first entry of each URI
+  };
+  mutable std::unique_ptr<Index> Lookup;
+};
+
+NsScope* Retain(NsScope* AScope) noexcept;
+/// Drops one count, freeing scopes up the chain while their counts reach 0 (no recursion).
+void Release(NsScope* AScope) noexcept;
+/// All entries in order: parent's first (minus hidden ones), then own.
+void Flatten(const NsScope* AScope, std::vector<TVnDOMAttribute*>& AOut);
+/// The last entry whose qualified name equals AQName under ACollation.
+TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation);
+/// The first entry whose decoded value equals AURI under ACollation.
+TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation);
+
+}  // namespace vn::detail

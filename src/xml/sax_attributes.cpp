@@ -1,0 +1,160 @@
+// TVnSAXXMAttributes and TVnSAXNamespaceList: what a start tag carries and the declarations in force.
+#include "vnxml/common/sysutils.h"
+#include "vnxml/sax_reader.h"
+
+namespace vn {
+
+namespace {
+
+// Names compare as the platform's SameText: A-Z folded, nothing else.
+bool SameName(std::u16string_view A, std::u16string_view B) {
+  if (A.size() != B.size()) return false;
+  for (size_t i = 0; i < A.size(); ++i) {
+    char16_t a = A[i], b = B[i];
+    if (a == b) continue;
+    if (a >= u'A' && a <= u'Z') a = static_cast<char16_t>(a + 32);
+    if (b >= u'A' && b <= u'Z') b = static_cast<char16_t>(b + 32);
+    if (a != b) return false;
+  }
+  return true;
+}
+
+const VnXMLString& EmptyXMLString() {
+  static const VnXMLString empty;
+  return empty;
+}
+
+}  // namespace
+
+// ---- TVnSAXXMAttributes ----
+
+TVnSAXXMAttributes::TVnSAXXMAttributes() { SetAutoDestroy(false); }
+
+TVnSAXXMAttributes::~TVnSAXXMAttributes() {
+  Clear();
+  while (FSpare) delete std::exchange(FSpare, FSpare->Next);
+}
+
+void TVnSAXXMAttributes::Add(std::u16string_view ALocalName, std::u16string_view AQName, std::u16string_view AURI,
+                             std::u16string_view AValue, TVnSAXAttributeType AAttrType) {
+  PVnSAXXMAttribute rec = FSpare;
+  if (rec)
+    FSpare = rec->Next;
+  else
+    rec = new TVnSAXXMAttribute;
+  // Assigning into a reused record keeps its strings' capacity: no allocation once warm.
+  rec->LocalName.assign(ALocalName);
+  rec->QName.assign(AQName);
+  rec->URI.assign(AURI);
+  rec->Value.assign(AValue);
+  rec->AttrType = AAttrType;
+  rec->Idx = FCount;
+  rec->Prev = FLast;
+  rec->Next = nullptr;
+  if (FLast)
+    FLast->Next = rec;
+  else
+    FFirst = rec;
+  FLast = rec;
+  ++FCount;
+}
+
+void TVnSAXXMAttributes::Clear() {
+  if (FLast) {
+    FLast->Next = FSpare;
+    FSpare = FFirst;
+  }
+  FFirst = FLast = FCurrent = nullptr;
+  FCount = 0;
+}
+
+PVnSAXXMAttribute TVnSAXXMAttributes::GetAttribute(Integer AIndex) {
+  if (AIndex < 0 || AIndex >= FCount)
+    throw EVnXMLParseError(cVnXMLErrListIndexOutOfBounds, _cVnXMLListIndexOutOfBounds1, {AIndex});
+  for (FCurrent = FFirst; FCurrent->Idx != AIndex; FCurrent = FCurrent->Next) {
+  }
+  return FCurrent;
+}
+
+PVnSAXXMAttribute TVnSAXXMAttributes::FindQName(std::u16string_view AQName) {
+  for (FCurrent = FFirst; FCurrent; FCurrent = FCurrent->Next)
+    if (SameName(FCurrent->QName, AQName)) return FCurrent;
+  return nullptr;
+}
+
+PVnSAXXMAttribute TVnSAXXMAttributes::FindName(std::u16string_view AURI, std::u16string_view ALocalName,
+                                               bool AWildcard) {
+  bool any = AWildcard && AURI == u"*";
+  for (FCurrent = FFirst; FCurrent; FCurrent = FCurrent->Next)
+    if ((any || SameName(FCurrent->URI, AURI)) && SameName(FCurrent->LocalName, ALocalName)) return FCurrent;
+  return nullptr;
+}
+
+Integer TVnSAXXMAttributes::GetIndex(std::u16string_view AQName) {
+  PVnSAXXMAttribute rec = FindQName(AQName);
+  return rec ? rec->Idx : -1;
+}
+
+Integer TVnSAXXMAttributes::GetIndex(std::u16string_view AURI, std::u16string_view ALocalName) {
+  PVnSAXXMAttribute rec = FindName(AURI, ALocalName, false);
+  return rec ? rec->Idx : -1;
+}
+
+TVnSAXAttributeType TVnSAXXMAttributes::GetType(std::u16string_view AQName) {
+  if (PVnSAXXMAttribute rec = FindQName(AQName)) return rec->AttrType;
+  throw EVnXMLParseError(cVnXMLErrListIndexOutOfBounds, _cVnXMLListIndexOutOfBounds2, {AQName});
+}
+
+TVnSAXAttributeType TVnSAXXMAttributes::GetType(std::u16string_view AURI, std::u16string_view ALocalName) {
+  if (PVnSAXXMAttribute rec = FindName(AURI, ALocalName, false)) return rec->AttrType;
+  throw EVnXMLParseError(cVnXMLErrListIndexOutOfBounds, _cVnXMLListIndexOutOfBounds3, {AURI, ALocalName});
+}
+
+const VnXMLString& TVnSAXXMAttributes::GetValue(std::u16string_view AQName) {
+  if (PVnSAXXMAttribute rec = FindQName(AQName)) return rec->Value;
+  throw EVnXMLParseError(cVnXMLErrListIndexOutOfBounds, _cVnXMLListIndexOutOfBounds2, {AQName});
+}
+
+const VnXMLString& TVnSAXXMAttributes::GetValue(std::u16string_view AURI, std::u16string_view ALocalName) {
+  if (PVnSAXXMAttribute rec = FindName(AURI, ALocalName, true)) return rec->Value;
+  throw EVnXMLParseError(cVnXMLErrListIndexOutOfBounds, _cVnXMLListIndexOutOfBounds3, {AURI, ALocalName});
+}
+
+// ---- TVnSAXNamespaceList ----
+
+void TVnSAXNamespaceList::AddURI(Integer ALevel, std::u16string_view APrefix, std::u16string_view AURI) {
+  TVnSAXNamespace& ns = FList.emplace_back();
+  ns.Level = ALevel;
+  ns.Prefix.assign(APrefix);
+  ns.URI.assign(AURI);
+  if (FOwner) {
+    if (IPtr<IVnSAXContentHandler> handler = FOwner->GetContentHandler()) handler->StartPrefixMapping(APrefix, AURI);
+  }
+}
+
+const VnXMLString& TVnSAXNamespaceList::GetURI(std::u16string_view APrefix) const {
+  for (auto it = FList.rbegin(); it != FList.rend(); ++it)
+    if (SameName(it->Prefix, APrefix)) return it->URI;
+  return EmptyXMLString();
+}
+
+PVnSAXNamespace TVnSAXNamespaceList::GetNamespace(std::u16string_view APrefix) {
+  for (auto it = FList.rbegin(); it != FList.rend(); ++it)
+    if (SameName(it->Prefix, APrefix)) return &*it;
+  return nullptr;
+}
+
+void TVnSAXNamespaceList::RemoveLevel(Integer ALevel) {
+  IPtr<IVnSAXContentHandler> handler;
+  while (!FList.empty() && FList.back().Level >= ALevel) {
+    if (FOwner && !handler) handler = FOwner->GetContentHandler();
+    // The record goes first, so a handler that raises leaves the list consistent.
+    VnXMLString prefix = std::move(FList.back().Prefix);
+    FList.pop_back();
+    if (handler) handler->EndPrefixMapping(prefix);
+  }
+}
+
+void TVnSAXNamespaceList::Clear() { FList.clear(); }
+
+}  // namespace vn

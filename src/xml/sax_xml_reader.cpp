@@ -1,0 +1,504 @@
+// TVnSAXXMLReader: the flat reading loop over prolog, tags, text and the tail after the root.
+// The loop walks the scanner's buffer with a local pointer, one instantiation per kind of code
+// unit, and hands the scanner its position back before every event and every failure, so that
+// a locator always reports where the reader stands.
+#include "common/text_parser_scan.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/sax_reader.h"
+
+namespace vn {
+
+namespace detail {
+
+namespace {
+
+constexpr ByteClass kElementName{":<>/", true, false};
+constexpr ByteClass kElementLocalName{">/", true, false};
+constexpr ByteClass kAttributeName{"=:<>", false, false};
+constexpr ByteClass kAttributeLocalName{"=<>", false, false};
+constexpr ByteClass kQuoteOrTagEnd{"'\"<>", false, false};
+constexpr ByteClass kQuotesAndWhite{"'\"", true, false};
+constexpr ByteClass kSpaceOrQuest{" ?", false, false};
+constexpr ByteClass kAngles{"<>", false, false};
+
+std::u16string_view TrimView(std::u16string_view s) {
+  size_t b = 0, e = s.size();
+  while (b < e && s[b] <= u' ') ++b;
+  while (e > b && s[e - 1] <= u' ') --e;
+  return s.substr(b, e - b);
+}
+
+// "xmlns" as five characters whose low bytes spell it, in any case.
+bool IsXmlns(std::u16string_view s) {
+  if (s.size() != 5) return false;
+  static constexpr char kWord[] = "xmlns";
+  for (size_t i = 0; i < 5; ++i)
+    if (((s[i] & 0xFF) | 0x20) != kWord[i]) return false;
+  return true;
+}
+
+struct Utf16Units {
+  using U = char16_t;
+  static const U* Next(const U* p, const U*) { return p + 1; }
+};
+struct Utf8Units {
+  using U = uint8_t;
+  static const U* Next(const U* p, const U* e) { return Utf8Next(p, e); }
+};
+struct AnsiUnits {
+  using U = uint8_t;
+  static const U* Next(const U* p, const U*) { return p + 1; }
+};
+
+}  // namespace
+
+template <class Enc>
+class XmlReadLoop {
+  using U = typename Enc::U;
+
+ public:
+  explicit XmlReadLoop(TVnSAXXMLReader& AReader)
+      : R(AReader),
+        P(*AReader.GetXMLParser()),
+        C(P.Cursor()),
+        NS(AReader.FNamespaceList),
+        Content(AReader.FContentHandler.Get()),
+        Lexical(AReader.FLexicalHandler.Get()),
+        Check(AReader.FCheckSingleRootElm) {
+    p = reinterpret_cast<const U*>(C.Cur);
+    end = reinterpret_cast<const U*>(C.End);
+    FastUtf8 = P.GetCharacterSetType() == csUTF8 &&
+               (P.GetContentCodePage() == 65001 || P.GetContentCodePage() == 0);
+    if (!R.FTagAttributes) R.FTagAttributes = std::make_unique<TVnSAXXMAttributes>();
+    Attributes = R.FTagAttributes.get();
+  }
+
+  void Run() {
+    p = FindUnit(p, end, U('<'));
+    Sync();
+    Content->StartDocument();
+    Prolog();
+    p = SkipAtMost(p, end, 0x20);
+    CheckCurr(u'<');
+    while (p < end) {
+      if (Tail) {
+        TailStep();
+        continue;
+      }
+      if (*p != U('<')) {
+        Characters();
+        continue;
+      }
+      char16_t next = PeekW();
+      if (next == u'!') {
+        Next();
+        if (PeekW() == u'-')
+          Comment();
+        else
+          CData();
+      } else if (next == u'?') {
+        ProcessingInstruction();
+      } else {
+        Element();
+      }
+    }
+    Sync();
+    Content->EndDocument();
+  }
+
+ private:
+  // ---- cursor ----
+  void Sync() { C.Cur = reinterpret_cast<const Byte*>(p); }
+  char16_t Cur() const { return p < end ? static_cast<char16_t>(*p) : 0; }
+  // The character after the current one, as far as the reader needs it: ASCII exactly,
+  // anything else as some unit that is neither markup nor white space.
+  char16_t PeekW() const {
+    if (p >= end) return 0;
+    const U* q = Enc::Next(p, end);
+    if (q >= end) return 0;
+    return static_cast<char16_t>(*q);
+  }
+  void Next() {
+    if (p >= end) {
+      Sync();
+      TVnTextParser::RaiseEOF();
+    }
+    p = Enc::Next(p, end);
+  }
+  void MarkStart() { R.MarkConstructStart(p - reinterpret_cast<const U*>(C.Begin)); }
+
+  std::u16string_view Sel(const U* a, const U* b, std::u16string& buf) const {
+    if (b <= a) return {};
+    if constexpr (std::is_same_v<U, char16_t>) {
+      return {a, static_cast<size_t>(b - a)};
+    } else {
+      if (FastUtf8) {
+        buf.clear();
+        AppendUtf8(a, b, buf);
+        return buf;
+      }
+      return P.DecodeSpanView(a, b, buf);
+    }
+  }
+
+  // ---- failures ----
+  void CheckCurr(char16_t AExpected) {
+    if (Cur() != AExpected) {
+      Sync();
+      P.RaiseNotWellFormed(AExpected);
+    }
+  }
+  [[noreturn]] void Fail(Integer ACode, std::u16string_view AMessage) {
+    Sync();
+    throw EVnXMLParseError(ACode, UnicodeString(AMessage));
+  }
+  void CheckNameStart() {
+    char16_t c = Cur();
+    if (c < 0x80 && ((c | 0x20) >= u'a' && (c | 0x20) <= u'z')) return;
+    if (c == u'_') return;
+    Sync();
+    P.CheckValidNameStartChar();
+  }
+
+  // ---- constructs ----
+  void Prolog() {
+    for (;;) {
+      char16_t next = PeekW();
+      if (next >= 1 && next <= 32) {
+        Next();
+      } else if (next == u'!') {
+        Next();
+        if (PeekW() == u'-')
+          Comment();
+        else
+          Dtd();
+      } else if (next == u'?') {
+        ProcessingInstruction();
+      } else {
+        return;
+      }
+      p = FindUnit(p, end, U('<'));
+      if (p >= end) return;
+    }
+  }
+
+  void TailStep() {
+    p = SkipAtMost(p, end, 0x20);
+    if (p >= end) return;
+    if (*p == U('<')) {
+      char16_t next = PeekW();
+      if (next == u'!') {
+        Next();
+        if (PeekW() == u'-')
+          Comment();
+        else
+          CData();
+      } else if (next == u'?') {
+        ProcessingInstruction();
+      } else if (Check) {
+        Fail(cVnXMLErrMultipleRoot, _cVnXMLMultipleRoot);
+      } else {
+        Element();
+      }
+    } else if (Check) {
+      Fail(cVnXMLErrInvalidTextAtRoot, _cVnXMLInvalidTextAtRoot);
+    } else {
+      Characters();
+    }
+  }
+
+  void Element() {
+    MarkStart();
+    CheckCurr(u'<');
+    Next();
+    bool endTag = Cur() == u'/';
+    if (endTag) Next();
+    CheckNameStart();
+    const U* nameStart = p;
+    p = FindInClass(p, end, kElementName);
+    if (Cur() == u'<') {
+      Integer line, col;
+      R.ConstructLineCol(line, col);
+      Sync();
+      throw EVnXMLParseError(cVnXMLErrELMNotClosed, _cVnXMLELMNotClosed, {line, col});
+    }
+    bool prefixed = Cur() == u':';
+    if (prefixed) {
+      Next();
+      CheckNameStart();
+      p = FindInClass(p, end, kElementLocalName);
+    }
+    std::u16string_view qname = Sel(nameStart, p, QNameBuf);
+    std::u16string_view prefix, local = qname;
+    if (prefixed) {
+      size_t colon = qname.find(u':');
+      prefix = qname.substr(0, colon);
+      local = qname.substr(colon + 1);
+    }
+    p = SkipEqual(p, end, U(' '));
+    if (endTag) {
+      const VnXMLString& uri = NS.GetURI(prefix);
+      CheckCurr(u'>');
+      Sync();
+      Content->EndElement(uri, local, qname);
+      NS.RemoveLevel(Level);
+      --Level;
+    } else {
+      ++Level;
+      IVnSAXAttributes* set = R.FEmptyAttributes.get();
+      char16_t c = Cur();
+      if (c != u'/' && c != u'>') {
+        set = Attributes;
+        Attributes->Clear();
+        ParseAttributes();
+      }
+      c = Cur();
+      if (c == u'/') {
+        const VnXMLString& uri = NS.GetURI(prefix);
+        Sync();
+        Content->StartElement(uri, local, qname, set);
+        Content->EndElement(uri, local, qname);
+        NS.RemoveLevel(Level);
+        --Level;
+      } else if (c == u'>') {
+        Sync();
+        Content->StartElement(NS.GetURI(prefix), local, qname, set);
+      }
+    }
+    p = FindUnit(p, end, U('>'));
+    if (Level == 0) {
+      // The root has closed: what follows is read by the tail step, in this same loop.
+      Next();
+      Tail = true;
+      return;
+    }
+    Next();
+    if (p < end && *p != U('<')) Characters();
+  }
+
+  void ParseAttributes() {
+    MarkStart();
+    do {
+      const U* nameStart = p;
+      p = FindInClass(p, end, kAttributeName);
+      char16_t c = Cur();
+      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+      std::u16string_view prefix, local, qname;
+      if (c == u':') {
+        prefix = TrimView(Sel(nameStart, p, PrefixBuf));
+        p = SkipEqual(p, end, U(':'));
+        const U* localStart = p;
+        p = FindInClass(p, end, kAttributeLocalName);
+        c = Cur();
+        if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+        local = TrimView(Sel(localStart, p, LocalBuf));
+        qname = TrimView(Sel(nameStart, p, AttrQNameBuf));
+      } else {
+        qname = local = TrimView(Sel(nameStart, p, AttrQNameBuf));
+      }
+      // Whatever stands between the name and the quote is dropped.
+      p = FindInClass(p, end, kQuoteOrTagEnd);
+      c = Cur();
+      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+      U quote = p < end ? *p : U(0);
+      Next();
+      const U* valueStart = p;
+      p = FindUnit(p, end, quote);
+      std::u16string_view value = Sel(valueStart, p, ValueBuf);
+      if (IsXmlns(qname)) {
+        Attributes->Add(local, qname, {}, value, TVnSAXAttributeType::CDATA);
+        Sync();
+        NS.AddURI(Level, {}, value);
+      } else if (IsXmlns(prefix)) {
+        Attributes->Add(local, qname, {}, value, TVnSAXAttributeType::CDATA);
+        Sync();
+        NS.AddURI(Level, local, value);
+      } else {
+        Attributes->Add(local, qname, NS.GetURI(prefix), value, TVnSAXAttributeType::CDATA);
+      }
+      p = SkipInClass(p, end, kQuotesAndWhite);
+    } while (p < end && *p != U('>') && *p != U('/'));
+  }
+
+  void Characters() {
+    MarkStart();
+    const U* start = p;
+    const U* q = SkipAtMost(p, end, 0x20);
+    bool allWhite = q >= end || *q == U('<');
+    p = allWhite ? q : FindUnit(q, end, U('<'));
+    const U* textEnd = nullptr;
+    if (Check) {
+      if (p >= end) {
+        Sync();
+        TVnTextParser::RaiseEOF();
+      }
+    } else if (p >= end) {
+      textEnd = p;
+    }
+    Sync();
+    if (allWhite) {
+      Content->IgnorableWhitespace(Sel(start, p, TextBuf));
+    } else if (textEnd) {
+      Content->Characters(Sel(start, textEnd, TextBuf));
+      Content->IgnorableWhitespace({});
+    } else {
+      Content->Characters(Sel(start, p, TextBuf));
+    }
+  }
+
+  void CData() {
+    MarkStart();
+    CheckCurr(u'!');
+    const U* start = p;
+    for (int i = 0; i < 7; ++i) Next();
+    const U* through = p < end ? Enc::Next(p, end) : p;
+    static constexpr char kOpen[] = "![CDATA[";
+    bool ok = through - start == 8;
+    for (int i = 0; ok && i < 8; ++i) ok = start[i] == U(kOpen[i]);
+    if (!ok) {
+      UnicodeString found(Sel(start, through, TextBuf));
+      Sync();
+      throw EVnXMLParseError(cVnXMLErrCDATAExpected, _cVnXMLCDATAExpected, {found});
+    }
+    Sync();
+    if (Lexical) Lexical->StartCDATA();
+    Next();
+    const U* text = p;
+    for (;;) {
+      p = FindUnit(p, end, U(']'));
+      if (end - p >= 3 && p[1] == U(']') && p[2] == U('>')) break;
+      Next();
+      if (p >= end) break;
+    }
+    Sync();
+    Content->Characters(Sel(text, p, TextBuf));
+    if (Lexical) Lexical->EndCDATA();
+    p = FindUnit(p, end, U('>'));
+    Next();
+  }
+
+  void Comment() {
+    MarkStart();
+    CheckCurr(u'!');
+    // The '!' and two more characters; the second of them isn't looked at.
+    Next();
+    Next();
+    Next();
+    const U* text = p;
+    for (;;) {
+      p = FindUnit(p, end, U('-'));
+      if (end - p >= 3 && p[1] == U('-') && p[2] == U('>')) break;
+      Next();
+      if (p >= end) break;
+    }
+    if (Lexical) {
+      Sync();
+      Lexical->Comment(Sel(text, p, TextBuf));
+    }
+    p = FindUnit(p, end, U('>'));
+    Next();
+  }
+
+  void ProcessingInstruction() {
+    MarkStart();
+    CheckCurr(u'<');
+    Next();
+    Next();
+    const U* targetStart = p;
+    p = FindInClass(p, end, kSpaceOrQuest);
+    std::u16string_view target = Sel(targetStart, p, QNameBuf);
+    std::u16string_view data;
+    if (Cur() == u' ') {
+      p = SkipEqual(p, end, U(' '));
+      const U* dataStart = p;
+      p = FindUnit(p, end, U('?'));
+      data = Sel(dataStart, p, TextBuf);
+    } else {
+      p = SkipInClass(p, end, kSpaceOrQuest);
+    }
+    Sync();
+    Content->ProcessingInstruction(target, data);
+    p = FindUnit(p, end, U('>'));
+    Next();
+  }
+
+  void Dtd() {
+    MarkStart();
+    CheckCurr(u'!');
+    Next();
+    const U* nameStart = p;
+    p = FindUnit(p, end, U(' '));
+    std::u16string_view name = Sel(nameStart, p, QNameBuf);
+    if (name != u"DOCTYPE") {
+      UnicodeString found(name);
+      Sync();
+      throw EVnXMLParseError(cVnXMLErrDOCTypeExpected, _cVnXMLDOCTypeExpected, {found});
+    }
+    Sync();
+    if (Lexical) Lexical->StartDTD();
+    // Brackets are counted, nothing else: quotes and comments mean nothing here.
+    Integer depth = 1;
+    do {
+      Next();
+      p = FindInClass(p, end, kAngles);
+      if (p >= end) break;
+      depth += *p == U('<') ? 1 : -1;
+    } while (depth != 0);
+    Sync();
+    if (Lexical) Lexical->EndDTD();
+    p = FindUnit(p, end, U('>'));
+    Next();
+  }
+
+  TVnSAXXMLReader& R;
+  TVnXMLParser& P;
+  TextCursor& C;
+  TVnSAXNamespaceList& NS;
+  IVnSAXContentHandler* Content;
+  IVnSAXLexicalHandler* Lexical;
+  TVnSAXXMAttributes* Attributes = nullptr;
+  const bool Check;
+  bool FastUtf8 = false;
+  bool Tail = false;
+  Integer Level = 0;  // the only memory of open elements
+  const U* p;
+  const U* end;
+  // Reused decode buffers: one per name or value that must outlive the next selection.
+  std::u16string QNameBuf, PrefixBuf, LocalBuf, AttrQNameBuf, ValueBuf, TextBuf;
+};
+
+}  // namespace detail
+
+// ---- TVnSAXXMLReader ----
+
+TVnSAXXMLReader::TVnSAXXMLReader() : FNamespaceList(this) {}
+
+TVnSAXXMLReader::~TVnSAXXMLReader() = default;
+
+std::unique_ptr<TVnTextParser> TVnSAXXMLReader::CreateParser(TStream* AStream, bool AOwnsStream, bool ADetectBOM,
+                                                             Word ACodePage) {
+  return std::make_unique<TVnXMLParser>(AStream, AOwnsStream, ADetectBOM, ACodePage);
+}
+
+void TVnSAXXMLReader::InternalParse() {
+  // Raised outside the failure path: no handler hears of them.
+  if (!FContentHandler) throw EVnXMLParseError(cVnXMLErrNoContentHandler, UnicodeString(_cVnXMLNoContentHandler));
+  if (!FErrorHandler) throw EVnXMLParseError(cVnXMLErrNoErrorHandler, UnicodeString(_cVnXMLNoErrorHandler));
+  VnAssert(FParser != nullptr, u"TVnSAXXMLReader.InternalParse: no parser");
+  // The handlers are held for the whole parse even if one of them replaces another.
+  IPtr<IVnSAXContentHandler> content = FContentHandler;
+  IPtr<IVnSAXErrorHandler> errors = FErrorHandler;
+  IPtr<IVnSAXLexicalHandler> lexical = FLexicalHandler;
+  try {
+    switch (FParser->GetCharacterSetType()) {
+      case csUTF16: detail::XmlReadLoop<detail::Utf16Units>(*this).Run(); break;
+      case csUTF8: detail::XmlReadLoop<detail::Utf8Units>(*this).Run(); break;
+      default: detail::XmlReadLoop<detail::AnsiUnits>(*this).Run(); break;
+    }
+  } catch (const std::exception& e) {
+    ReportFailure(e);
+    throw;
+  }
+}
+
+}  // namespace vn

@@ -1,0 +1,180 @@
+// TPersistent's Assign protocol, TComponent ownership, names and notifications, and GetClass.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "vnxml/common/classes.h"
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/sync_objs.h"
+
+using namespace vn;
+
+namespace {
+
+// Records what it is told and counts its own destruction.
+class TProbe : public TComponent {
+  VN_DECLARE_CLASS(TProbe, TComponent)
+ public:
+  explicit TProbe(TComponent* AOwner = nullptr, int* AFreed = nullptr) : TComponent(AOwner), FFreed(AFreed) {}
+  ~TProbe() override {
+    if (FFreed) ++*FFreed;
+  }
+  struct Event {
+    TComponent* Component;
+    TOperation Operation;
+  };
+  std::vector<Event> Events;
+  TComponent* Watched = nullptr;
+
+ protected:
+  void Notification(TComponent* AComponent, TOperation AOperation) override {
+    TComponent::Notification(AComponent, AOperation);
+    Events.push_back({AComponent, AOperation});
+    if (AOperation == opRemove && AComponent == Watched) Watched = nullptr;
+  }
+
+ private:
+  int* FFreed;
+};
+
+// Knows how to put itself into a string list, as a platform class would through AssignTo.
+class TPoint2 : public TPersistent {
+  VN_DECLARE_CLASS(TPoint2, TPersistent)
+ public:
+  int X = 0, Y = 0;
+
+ protected:
+  void AssignTo(TPersistent* ADest) const override {
+    if (auto* list = CastObject<TStrings>(ADest)) {
+      list->Clear();
+      list->AddPair(u"X", IntToStr(X));
+      list->AddPair(u"Y", IntToStr(Y));
+      return;
+    }
+    TPersistent::AssignTo(ADest);
+  }
+};
+
+template <class E, class F>
+UnicodeString MessageOf(F AFunc) {
+  try {
+    AFunc();
+  } catch (const E& e) {
+    return e.Message();
+  }
+  return u"(no exception)";
+}
+
+}  // namespace
+
+TEST(TPersistent, AssignFallsBackToAssignToThenFails) {
+  TPoint2 point;
+  point.X = 3;
+  point.Y = -4;
+  TStringList list;
+  list.Assign(&point);
+  EXPECT_EQ(list.GetText(), u"X=3\r\nY=-4\r\n");
+
+  TPoint2 other;
+  EXPECT_EQ(MessageOf<EConvertError>([&] { other.Assign(&list); }), u"Cannot assign a TStringList to a TPoint2");
+  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(nullptr); }), u"Cannot assign a nil to a TStringList");
+  TComponent component;
+  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(&component); }), u"Cannot assign a TComponent to a TStringList");
+  EXPECT_EQ(point.GetNamePath(), u"TPoint2");
+}
+
+TEST(TComponent, OwnerFreesOwnedComponentsLastFirst) {
+  int freed = 0;
+  auto* owner = new TProbe(nullptr, &freed);
+  auto* a = new TProbe(owner, &freed);
+  auto* b = new TProbe(owner, &freed);
+  new TProbe(a, &freed);  // a grandchild goes with its parent
+  EXPECT_EQ(owner->GetComponentCount(), 2);
+  EXPECT_EQ(owner->GetComponents(1), b);
+  EXPECT_EQ(b->GetComponentIndex(), 1);
+  EXPECT_EQ(a->GetOwner(), owner);
+  std::vector<TComponent*> seen;
+  for (TComponent* c : *owner) seen.push_back(c);
+  EXPECT_EQ(seen, (std::vector<TComponent*>{a, b}));
+
+  delete b;  // leaves its owner on the way out
+  EXPECT_EQ(owner->GetComponentCount(), 1);
+  EXPECT_EQ(freed, 1);
+  delete owner;
+  EXPECT_EQ(freed, 4);
+}
+
+TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
+  TComponent owner;
+  auto* a = new TComponent(&owner);
+  auto* b = new TComponent(&owner);
+  a->SetName(u"Alpha");
+  EXPECT_EQ(owner.FindComponent(u"ALPHA"), a);
+  EXPECT_EQ(owner.FindComponent(u"Beta"), nullptr);
+  EXPECT_EQ(owner.FindComponent(u""), nullptr);
+  EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"alpha"); }), u"A component named alpha already exists");
+  EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"1abc"); }), u"'1abc' is not a valid component name");
+  EXPECT_THROW(b->SetName(u"a b"), EComponentError);
+  a->SetName(u"ALPHA");  // a new case of its own name is no clash
+  b->SetName(u"_beta2");
+  EXPECT_EQ(b->GetNamePath(), u"_beta2");
+  b->SetName(u"");
+  EXPECT_EQ(owner.FindComponent(u"_beta2"), nullptr);
+  EXPECT_THROW(owner.GetComponents(2), EListError);
+}
+
+TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
+  TProbe first, second;
+  auto* child = new TComponent(&first);
+  ASSERT_EQ(first.Events.size(), 1u);
+  EXPECT_EQ(first.Events[0].Component, child);
+  EXPECT_EQ(first.Events[0].Operation, opInsert);
+
+  second.InsertComponent(child);
+  EXPECT_EQ(child->GetOwner(), &second);
+  EXPECT_EQ(first.GetComponentCount(), 0);
+  EXPECT_EQ(first.Events.back().Operation, opRemove);
+
+  auto* named = new TComponent(&first);
+  named->SetName(u"Dup");
+  child->SetName(u"Dup");
+  EXPECT_THROW(first.InsertComponent(child), EComponentError);  // the name is taken there
+  EXPECT_EQ(child->GetOwner(), &second);
+
+  second.RemoveComponent(child);
+  EXPECT_EQ(child->GetOwner(), nullptr);
+  delete child;
+}
+
+TEST(TComponent, FreeNotificationTellsTheSurvivor) {
+  TProbe watcher;
+  int freed = 0;
+  auto* target = new TProbe(nullptr, &freed);
+  watcher.Watched = target;
+  watcher.FreeNotification(target);
+  delete target;
+  EXPECT_EQ(watcher.Watched, nullptr);
+  EXPECT_EQ(freed, 1);
+  // The survivor no longer holds the freed one: its own destruction must not touch it (ASan checks).
+
+  auto* other = new TProbe();
+  watcher.FreeNotification(other);
+  watcher.RemoveFreeNotification(other);
+  watcher.Watched = other;
+  delete other;
+  EXPECT_EQ(watcher.Watched, other);  // no longer told
+}
+
+TEST(ClassRegistry, PlatformClassesAreFoundByName) {
+  EXPECT_EQ(GetClass(u"tstringlist"), TStringList::StaticClass());
+  EXPECT_EQ(GetClass(u"TObjectList"), TObjectList::StaticClass());
+  EXPECT_EQ(GetClass(u"TCriticalSection"), TCriticalSection::StaticClass());
+  EXPECT_EQ(FindClass(u"TComponent"), TComponent::StaticClass());
+  EXPECT_TRUE(ClassInheritsFrom(TObjectList::StaticClass(), TList::StaticClass()));
+  EXPECT_TRUE(ClassInheritsFrom(TStringList::StaticClass(), TPersistent::StaticClass()));
+  TObject* created = CreateInstance(GetClass(u"TStringList"));
+  ASSERT_NE(created, nullptr);
+  EXPECT_EQ(created->ClassName(), u"TStringList");
+  delete created;
+}

@@ -1,0 +1,174 @@
+// Generic containers: list order and errors, ownership of objects, dictionary keys and order.
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "tracked.h"
+#include "vnxml/common/generics.h"
+#include "vnxml/common/sync_objs.h"
+#include "vnxml/common/sysutils.h"
+
+#include <thread>
+
+using namespace vn;
+using namespace vn::generics;
+using vn::test::TTracked;
+
+TEST(GenericList, OrderSearchAndErrors) {
+  TList<int> list;
+  list.AddRange({5, 3, 9});
+  list.Insert(1, 7);  // 5 7 3 9
+  EXPECT_EQ(list.IndexOf(3), 2);
+  EXPECT_EQ(list.Remove(42), -1);
+  EXPECT_EQ(list.Remove(7), 1);
+  list.Add(5);
+  EXPECT_EQ(list.LastIndexOf(5), 3);
+  list.Sort();
+  EXPECT_EQ(list.ToArray(), (std::vector<int>{3, 5, 5, 9}));
+  Integer at = -1;
+  EXPECT_TRUE(list.BinarySearch(5, at));
+  EXPECT_EQ(at, 1);
+  EXPECT_FALSE(list.BinarySearch(6, at));
+  EXPECT_EQ(at, 3);
+  list.Sort([](const int& a, const int& b) { return b - a; });
+  EXPECT_EQ(list.First(), 9);
+  EXPECT_EQ(std::accumulate(list.begin(), list.end(), 0), 22);
+  list.Move(0, 3);
+  list.Exchange(0, 1);
+  list.DeleteRange(1, 2);
+  EXPECT_EQ(list.ToArray(), (std::vector<int>{5, 9}));
+  try {
+    list[2];
+    ADD_FAILURE();
+  } catch (const EArgumentOutOfRangeException& e) {
+    EXPECT_EQ(e.Message(), u"Argument out of range");
+  }
+  EXPECT_THROW(list.Insert(3, 1), EArgumentOutOfRangeException);
+  EXPECT_THROW(list.DeleteRange(1, 2), EArgumentOutOfRangeException);
+  list.Clear();
+  EXPECT_THROW(list.Last(), EArgumentOutOfRangeException);
+}
+
+TEST(GenericObjectList, OwnsAndFrees) {
+  int freed = 0;
+  auto* list = new TObjectList<TTracked>();
+  for (int i = 1; i <= 4; ++i) list->Add(new TTracked(&freed, i));
+  list->Delete(0);
+  EXPECT_EQ(freed, 1);
+  TTracked* kept = list->Extract(list->First());
+  EXPECT_EQ(freed, 1);
+  list->SetItem(0, new TTracked(&freed, 9));  // the replaced one is freed
+  EXPECT_EQ(freed, 2);
+  int ids = 0;
+  for (TTracked* t : *list) ids += t->Id();
+  EXPECT_EQ(ids, 9 + 4);
+  delete list;
+  EXPECT_EQ(freed, 4);
+  delete kept;
+
+  TTracked a(&freed);
+  {
+    TObjectList<TTracked> borrowed(false);
+    borrowed.Add(&a);
+    borrowed.Remove(&a);
+    borrowed.Add(&a);
+  }
+  EXPECT_EQ(freed, 5);  // only kept
+}
+
+TEST(GenericList, ClassNamesPerInstantiation) {
+  TObjectList<TTracked> list;
+  EXPECT_EQ(list.ClassName(), u"TObjectList<T>");
+  EXPECT_TRUE(list.InheritsFrom(TList<TTracked*>::StaticClass()));
+  EXPECT_FALSE(list.InheritsFrom(TList<int>::StaticClass()));
+  TList<double>::SetClassName(u"TList<System.Double>");
+  EXPECT_EQ(TList<double>().ClassName(), u"TList<System.Double>");
+  EXPECT_EQ(TList<float>().ClassName(), u"TList<T>");
+  EXPECT_EQ((TDictionary<int, int>::StaticClass()->Name), UnicodeString(u"TDictionary<T,T>"));
+}
+
+TEST(GenericDictionary, KeysValuesAndErrors) {
+  TDictionary<UnicodeString, int> map;
+  map.Add(u"b", 2);
+  map.Add(u"a", 1);
+  map.Add(u"c", 3);
+  try {
+    map.Add(u"a", 9);
+    ADD_FAILURE();
+  } catch (const EListError& e) {
+    EXPECT_EQ(e.Message(), u"Duplicates not allowed");
+  }
+  try {
+    map[u"zz"];
+    ADD_FAILURE();
+  } catch (const EListError& e) {
+    EXPECT_EQ(e.Message(), u"Item not found");
+  }
+  EXPECT_THROW(map.SetItem(u"zz", 1), EListError);
+  map.Remove(u"b");
+  map.Remove(u"missing");
+  map.AddOrSetValue(u"a", 10);
+  map.AddOrSetValue(u"d", 4);
+  EXPECT_EQ(map.Keys(), (std::vector<UnicodeString>{u"a", u"c", u"d"}));  // insertion order
+  EXPECT_EQ(map.Values(), (std::vector<int>{10, 3, 4}));
+  int v = -1;
+  EXPECT_TRUE(map.TryGetValue(u"c", v));
+  EXPECT_EQ(v, 3);
+  EXPECT_FALSE(map.TryGetValue(u"b", v));
+  EXPECT_EQ(v, 0);
+  EXPECT_TRUE(map.ContainsValue(4));
+  EXPECT_FALSE(map.ContainsKey(u"b"));
+  int sum = 0;
+  for (const auto& pair : map) sum += pair.Value;
+  EXPECT_EQ(sum, 17);
+  EXPECT_EQ(map.ExtractPair(u"a").Value, 10);
+  EXPECT_EQ(map.Count(), 2);
+  EXPECT_EQ(map[u"d"], 4);  // the index still holds after removals in the middle
+}
+
+TEST(GenericObjectDictionary, OwnershipsDecideWhatIsFreed) {
+  int freed = 0;
+  {
+    TObjectDictionary<UnicodeString, TTracked*> values(doOwnsValues);
+    values.Add(u"x", new TTracked(&freed));
+    values.AddOrSetValue(u"x", new TTracked(&freed));  // the replaced value is freed
+    EXPECT_EQ(freed, 1);
+    values.Add(u"y", new TTracked(&freed));
+    values.Remove(u"y");
+    EXPECT_EQ(freed, 2);
+    auto pair = values.ExtractPair(u"x");
+    EXPECT_EQ(freed, 2);
+    delete pair.Value;
+    values.Add(u"z", new TTracked(&freed));
+  }
+  EXPECT_EQ(freed, 4);
+  {
+    TObjectDictionary<TTracked*, int> keys(doOwnsKeys);
+    keys.Add(new TTracked(&freed), 1);
+    keys.Add(new TTracked(&freed), 2);
+  }
+  EXPECT_EQ(freed, 6);
+}
+
+TEST(TCriticalSection, ReentrantAndExclusive) {
+  TCriticalSection lock;
+  lock.Enter();
+  EXPECT_TRUE(lock.TryEnter());  // the holder may take it again
+  bool otherGotIt = true;
+  std::thread([&] { otherGotIt = lock.TryEnter(); }).join();
+  EXPECT_FALSE(otherGotIt);
+  lock.Leave();
+  lock.Leave();
+
+  int counter = 0;
+  auto work = [&] {
+    for (int i = 0; i < 10000; ++i) {
+      std::lock_guard guard(lock);
+      ++counter;
+    }
+  };
+  std::thread t1(work), t2(work);
+  t1.join();
+  t2.join();
+  EXPECT_EQ(counter, 20000);
+}

@@ -1,0 +1,124 @@
+// TList (pointers) and TObjectList: notifications, index errors, and who frees the items.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tracked.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/rtl_messages.h"
+
+using namespace vn;
+using vn::test::TTracked;
+
+namespace {
+
+class TRecordingList : public TList {
+ public:
+  std::vector<std::pair<void*, TListNotification>> Log;
+
+ protected:
+  void Notify(void* AItem, TListNotification AAction) override { Log.emplace_back(AItem, AAction); }
+};
+
+UnicodeString ListErrorOf(const std::function<void()>& AFunc) {
+  try {
+    AFunc();
+  } catch (const EListError& e) {
+    return e.Message();
+  }
+  return u"(no EListError)";
+}
+
+}  // namespace
+
+TEST(TList, NotifiesNonNilItemsThatComeAndGo) {
+  int a = 0, b = 0, c = 0;
+  TRecordingList list;
+  EXPECT_EQ(list.Add(&a), 0);
+  EXPECT_EQ(list.Add(nullptr), 1);  // nil is stored but not told
+  list.Insert(0, &b);
+  list.SetItem(2, &c);            // replaces nil: only the newcomer is told
+  EXPECT_EQ(list.Remove(&a), 1);  // now [b, c]
+  EXPECT_EQ(list.Extract(&c), &c);
+  EXPECT_EQ(list.Extract(&c), nullptr);
+  using N = std::pair<void*, TListNotification>;
+  EXPECT_EQ(list.Log, (std::vector<N>{{&a, lnAdded}, {&b, lnAdded}, {&c, lnAdded}, {&a, lnDeleted}, {&c, lnExtracted}}));
+  list.Log.clear();
+  list.Add(&a);
+  list.Clear();  // deletes from the end
+  EXPECT_EQ(list.Log, (std::vector<N>{{&a, lnAdded}, {&a, lnDeleted}, {&b, lnDeleted}}));
+}
+
+TEST(TList, OrderOperations) {
+  int v[4] = {3, 1, 2, 0};
+  TList list;
+  for (int& x : v) list.Add(&x);
+  list.Move(0, 3);
+  EXPECT_EQ(list.Last(), &v[0]);
+  list.Exchange(0, 1);
+  EXPECT_EQ(list.First(), &v[2]);
+  list.Sort([](void* x, void* y) { return *static_cast<int*>(x) - *static_cast<int*>(y); });
+  std::vector<int> sorted;
+  for (void* p : list) sorted.push_back(*static_cast<int*>(p));
+  EXPECT_EQ(sorted, (std::vector<int>{0, 1, 2, 3}));
+  list.SetCount(6);
+  EXPECT_EQ(list.GetItem(5), nullptr);
+  list.Pack();
+  EXPECT_EQ(list.GetCount(), 4);
+  EXPECT_EQ(list.IndexOf(&v[1]), 1);
+  EXPECT_EQ(list.IndexOf(nullptr), -1);
+}
+
+TEST(TList, IndexErrorsCarryTheIndex) {
+  TList list;
+  EXPECT_EQ(ListErrorOf([&] { list.First(); }), u"List index out of bounds (0)");
+  EXPECT_EQ(ListErrorOf([&] { list.Last(); }), u"List index out of bounds (-1)");
+  list.Add(nullptr);
+  EXPECT_EQ(ListErrorOf([&] { list.Delete(5); }), u"List index out of bounds (5)");
+  EXPECT_EQ(ListErrorOf([&] { list.Insert(2, nullptr); }), u"List index out of bounds (2)");
+  EXPECT_EQ(ListErrorOf([&] { list.Move(0, 1); }), u"List index out of bounds (1)");
+  EXPECT_EQ(ListErrorOf([&] { list.SetCount(-1); }), u"List count out of bounds (-1)");
+  EXPECT_EQ(ListErrorOf([&] { list.SetCapacity(0); }), u"List capacity out of bounds (0)");
+  list.Insert(1, nullptr);  // inserting at Count appends
+  EXPECT_EQ(list.GetCount(), 2);
+}
+
+TEST(TObjectList, OwnedItemsAreFreedUnlessExtracted) {
+  int freed = 0;
+  auto* list = new TObjectList();
+  auto* a = new TTracked(&freed, 1);
+  auto* b = new TTracked(&freed, 2);
+  auto* c = new TTracked(&freed, 3);
+  list->Add(a);
+  list->Add(b);
+  list->Add(c);
+  list->Delete(0);
+  EXPECT_EQ(freed, 1);
+  EXPECT_EQ(list->Extract(b), b);
+  EXPECT_EQ(freed, 1);
+  auto* d = new TTracked(&freed, 4);
+  list->SetItem(0, d);  // replaces c, which is freed
+  EXPECT_EQ(freed, 2);
+  int ids = 0;
+  for (TObject* o : *list) ids += static_cast<TTracked*>(o)->Id();
+  EXPECT_EQ(ids, 4);
+  delete list;
+  EXPECT_EQ(freed, 3);
+  delete b;
+  EXPECT_EQ(freed, 4);
+}
+
+TEST(TObjectList, NotOwningLeavesItemsAlone) {
+  int freed = 0;
+  TTracked a(&freed), b(&freed);
+  {
+    TObjectList list(false);
+    list.Add(&a);
+    list.Add(&b);
+    list.Remove(&a);
+    EXPECT_EQ(list.FindInstanceOf(TTracked::StaticClass()), 0);
+    EXPECT_EQ(list.FindInstanceOf(TObject::StaticClass()), -1);
+    EXPECT_EQ(list.FindInstanceOf(TObject::StaticClass(), false), 0);
+  }
+  EXPECT_EQ(freed, 0);
+}

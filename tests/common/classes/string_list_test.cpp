@@ -1,0 +1,246 @@
+// TStrings and TStringList: lines and objects, sorting and duplicates, names and values, text forms.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tracked.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+
+using namespace vn;
+using vn::test::TTracked;
+
+namespace {
+
+std::vector<UnicodeString> Lines(const TStrings& AList) {
+  std::vector<UnicodeString> lines;
+  for (const UnicodeString& s : AList) lines.push_back(s);
+  return lines;
+}
+
+using L = std::vector<UnicodeString>;
+
+UnicodeString StringListErrorOf(const std::function<void()>& AFunc) {
+  try {
+    AFunc();
+  } catch (const EStringListError& e) {
+    return e.Message();
+  }
+  return u"(no EStringListError)";
+}
+
+}  // namespace
+
+TEST(TStringList, LinesObjectsAndIndexErrors) {
+  TStringList list;
+  int dummy = 0;
+  TTracked object(&dummy);
+  EXPECT_EQ(list.Add(u"one"), 0);
+  EXPECT_EQ(list.AddObject(u"two", &object), 1);
+  list.Insert(0, u"zero");
+  EXPECT_EQ(Lines(list), (L{u"zero", u"one", u"two"}));
+  EXPECT_EQ(list.GetObjects(2), &object);
+  EXPECT_EQ(list.IndexOfObject(&object), 2);
+  EXPECT_EQ(list.IndexOf(u"ONE"), 1);  // case-insensitive by default
+  list.SetCaseSensitive(true);
+  EXPECT_EQ(list.IndexOf(u"ONE"), -1);
+  list.SetStrings(1, u"uno");
+  list.Move(2, 0);
+  EXPECT_EQ(Lines(list), (L{u"two", u"zero", u"uno"}));
+  EXPECT_EQ(list.GetObjects(0), &object);  // the object travels with its line
+  list.Exchange(0, 2);
+  EXPECT_EQ(list[0], u"uno");
+  list.Delete(1);
+  EXPECT_EQ(list.GetCount(), 2);
+  EXPECT_EQ(StringListErrorOf([&] { list.GetStrings(2); }), u"List index out of bounds (2)");
+  EXPECT_EQ(StringListErrorOf([&] { list.Delete(-1); }), u"List index out of bounds (-1)");
+  EXPECT_EQ(StringListErrorOf([&] { list.Insert(3, u"x"); }), u"List index out of bounds (3)");
+  EXPECT_EQ(StringListErrorOf([&] { list.SetObjects(9, nullptr); }), u"List index out of bounds (9)");
+}
+
+TEST(TStringList, SortedListsAndDuplicates) {
+  TStringList list;
+  list.SetSorted(true);
+  for (const char16_t* s : {u"pear", u"Apple", u"banana", u"apple"}) list.Add(s);
+  EXPECT_EQ(Lines(list), (L{u"Apple", u"banana", u"pear"}));  // "apple" equals "Apple": ignored
+  Integer at = -1;
+  EXPECT_FALSE(list.Find(u"cherry", at));
+  EXPECT_EQ(at, 2);
+  EXPECT_TRUE(list.Find(u"PEAR", at));
+  EXPECT_EQ(at, 2);
+  EXPECT_EQ(list.IndexOf(u"BANANA"), 1);
+  EXPECT_EQ(StringListErrorOf([&] { list.Insert(0, u"x"); }), cRtlSortedListError);
+  EXPECT_EQ(StringListErrorOf([&] { list.SetStrings(0, u"x"); }), cRtlSortedListError);
+
+  list.SetDuplicates(dupError);
+  EXPECT_EQ(StringListErrorOf([&] { list.Add(u"PEAR"); }), u"String list does not allow duplicates");
+  list.SetDuplicates(dupAccept);
+  EXPECT_EQ(list.Add(u"PEAR"), 2);  // before the equal line already there
+  EXPECT_EQ(list.GetCount(), 4);
+
+  TStringList cased(dupAccept, true, true);
+  for (const char16_t* s : {u"b", u"B", u"a", u"A", u"_", u"10", u"9"}) cased.Add(s);
+  // Linguistic order: punctuation, digits as text, lower case before upper case.
+  EXPECT_EQ(Lines(cased), (L{u"_", u"10", u"9", u"a", u"A", u"b", u"B"}));
+  cased.SetCaseSensitive(false);  // re-sorts; equal lines keep their order
+  EXPECT_EQ(Lines(cased), (L{u"_", u"10", u"9", u"a", u"A", u"b", u"B"}));
+
+  TStringList unsorted;
+  for (const char16_t* s : {u"c", u"a", u"b"}) unsorted.Add(s);
+  unsorted.CustomSort([](TStringList* AList, Integer A, Integer B) { return CompareStr(AList->GetStrings(B), AList->GetStrings(A)); });
+  EXPECT_EQ(Lines(unsorted), (L{u"c", u"b", u"a"}));
+  unsorted.SetSorted(true);
+  EXPECT_EQ(Lines(unsorted), (L{u"a", u"b", u"c"}));
+}
+
+TEST(TStrings, NamesAndValues) {
+  TStringList list;
+  list.SetText(u"host=example\r\nport=80\r\nflag\r\nempty=\r\neq=a=b");
+  EXPECT_EQ(list.GetNames(0), u"host");
+  EXPECT_EQ(list.GetNames(2), u"");
+  EXPECT_EQ(list.GetValueFromIndex(2), u"");  // no separator, no value
+  EXPECT_EQ(list.GetValueFromIndex(4), u"a=b");
+  EXPECT_EQ(list.GetValues(u"PORT"), u"80");
+  EXPECT_EQ(list.GetValues(u"flag"), u"");
+  EXPECT_EQ(list.IndexOfName(u"empty"), 3);
+  EXPECT_EQ(list.IndexOfName(u"flag"), -1);
+
+  list.SetValues(u"port", u"8080");
+  list.SetValues(u"user", u"me");    // appended
+  list.SetValues(u"host", u"");      // an empty value deletes the line
+  EXPECT_EQ(Lines(list), (L{u"port=8080", u"flag", u"empty=", u"eq=a=b", u"user=me"}));
+  list.SetValueFromIndex(1, u"on");  // a line without name becomes "=on"
+  EXPECT_EQ(list[1], u"=on");
+  list.SetValueFromIndex(-1, u"new");
+  EXPECT_EQ(list[5], u"=new");
+  list.SetNameValueSeparator(u':');
+  list.AddPair(u"k", u"v");
+  EXPECT_EQ(list.GetValues(u"k"), u"v");
+}
+
+TEST(TStrings, TextSplitsOnAnyLineEnd) {
+  TStringList list;
+  struct Case {
+    const char16_t* Text;
+    L Lines;
+  };
+  const Case cases[] = {
+      {u"", {}},
+      {u"a", {u"a"}},
+      {u"a\r\n", {u"a"}},
+      {u"\r\n", {u""}},
+      {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}},
+      {u"a\n\nb", {u"a", u"", u"b"}},
+      {u"a\r\r\nb", {u"a", u"", u"b"}},
+  };
+  for (const auto& c : cases) {
+    list.SetText(c.Text);
+    EXPECT_EQ(Lines(list), c.Lines);
+  }
+  list.SetText(u"x\ny");
+  EXPECT_EQ(list.GetText(), u"x\r\ny\r\n");
+  list.SetTrailingLineBreak(false);
+  EXPECT_EQ(list.GetText(), u"x\r\ny");
+  list.SetLineBreak(u"|");
+  list.SetText(u"p|q\nr");
+  EXPECT_EQ(Lines(list), (L{u"p", u"q\nr"}));
+  list.Clear();
+  EXPECT_EQ(list.GetText(), u"");
+}
+
+TEST(TStrings, CommaTextQuotesWhatNeedsIt) {
+  TStringList list;
+  for (const char16_t* s : {u"a b", u"c", u"", u"d\"e", u"f,g", u"h\ti"}) list.Add(s);
+  EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\",\"f,g\",\"h\ti\"");
+  list.Clear();
+  list.Add(u"");
+  EXPECT_EQ(list.GetCommaText(), u"\"\"");  // a lone empty line must not vanish
+  list.Clear();
+  EXPECT_EQ(list.GetCommaText(), u"");
+}
+
+TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
+  using namespace std::literals;
+  struct Case {
+    std::u16string_view Text;
+    L Lines;
+  };
+  const Case cases[] = {
+      {u"", {}},
+      {u"a,b", {u"a", u"b"}},
+      {u"a b", {u"a", u"b"}},  // blanks separate too
+      {u"  a , b  ", {u"a", u"b"}},
+      {u"\"a b\",c", {u"a b", u"c"}},
+      {u"\"x\"\"y\"", {u"x\"y"}},
+      {u"a,", {u"a", u""}},
+      {u",a", {u"", u"a"}},
+      {u"a,,b", {u"a", u"", u"b"}},
+      {u"\"unclosed", {u"unclosed"}},
+      {u"\"q\"tail,z", {u"q", u"tail", u"z"}},
+      {u"\"\"", {u""}},
+      {u"a\0b"sv, {u"a"}},
+  };
+  TStringList list;
+  for (const auto& c : cases) {
+    list.SetCommaText(c.Text);
+    EXPECT_EQ(Lines(list), c.Lines) << c.Text.size();
+  }
+  list.SetCommaText(u"\"a b\",c,,\"d\"\"e\"");
+  EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\"");
+}
+
+TEST(TStrings, DelimitedTextWithStrictDelimiter) {
+  TStringList list;
+  list.SetDelimiter(u';');
+  list.SetQuoteChar(u'\'');
+  list.SetStrictDelimiter(true);
+  list.SetDelimitedText(u" a b ;'c;d';;e");
+  EXPECT_EQ(Lines(list), (L{u" a b ", u"c;d", u"", u"e"}));
+  EXPECT_EQ(list.GetDelimitedText(), u" a b ;'c;d';;e");  // blanks need no quotes when strict
+  EXPECT_EQ(list.GetCommaText(), u"\" a b \",c;d,,e");   // the comma form keeps its own rules
+  EXPECT_EQ(list.GetDelimiter(), u';');
+}
+
+TEST(TStringList, OwnedObjectsAreFreedWithTheirLines) {
+  int freed = 0;
+  {
+    TStringList list(true);
+    list.AddObject(u"a", new TTracked(&freed));
+    list.AddObject(u"b", new TTracked(&freed));
+    list.AddObject(u"c", new TTracked(&freed));
+    list.AddObject(u"d", new TTracked(&freed));
+    list.Delete(0);
+    EXPECT_EQ(freed, 1);
+    list.Move(0, 2);  // moving is not deleting
+    EXPECT_EQ(freed, 1);
+    list.Clear();
+    EXPECT_EQ(freed, 4);
+    list.AddObject(u"e", new TTracked(&freed));
+  }
+  EXPECT_EQ(freed, 5);
+}
+
+TEST(TStringList, AssignCopiesLinesObjectsAndSettings) {
+  int dummy = 0;
+  TTracked object(&dummy);
+  TStringList source(dupAccept, true, true);
+  source.SetDelimiter(u';');
+  source.AddObject(u"b", &object);
+  source.Add(u"a");
+  source.Add(u"a");
+  TStringList copy;
+  copy.Assign(&source);
+  EXPECT_EQ(Lines(copy), (L{u"a", u"a", u"b"}));
+  EXPECT_EQ(copy.GetObjects(2), &object);
+  EXPECT_TRUE(copy.GetSorted());
+  EXPECT_TRUE(copy.GetCaseSensitive());
+  EXPECT_EQ(copy.GetDuplicates(), dupAccept);
+  EXPECT_EQ(copy.GetDelimiter(), u';');
+  EXPECT_TRUE(copy.Equals(source));
+  copy.SetSorted(false);
+  copy.Add(u"c");
+  EXPECT_FALSE(copy.Equals(source));
+  copy.AddStrings(copy);  // adding a list to itself doubles it once
+  EXPECT_EQ(copy.GetCount(), 8);
+}

@@ -1,0 +1,224 @@
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include "common/dates/tz_scope.h"
+#include "vnxml/common/date_utils.h"
+#include "vnxml/common/exception.h"
+
+namespace vn {
+namespace {
+
+using test::TimeZoneScope;
+
+constexpr double cHour = 1.0 / 24;
+constexpr double cMinute = cHour / 60;
+constexpr TDateTime c2020Jan1 = 43831;
+constexpr TDateTime c2020Jul1 = 44013;
+constexpr TDateTime c2020Mar29 = 43919;  // clocks go forward in Central Europe
+constexpr TDateTime c2020Oct25 = 44129;  // clocks go back
+
+// Half a millisecond: the resolution TDateTime callers rely on.
+constexpr double cMoment = 0.5 / 86400000;
+
+// ---- parsing ----
+
+struct PartsCase {
+  const char16_t* Text;
+  int Year, Month, Day, Hour, Minute, Second, MilliSecond;
+  bool NegativeYear, HasDate, HasTime;
+  TVnTimeZoneFormat Zone;
+  int Offset;
+};
+
+TEST(DecodeISODateTime, AcceptedForms) {
+  const PartsCase cases[] = {
+      {u"2020-03-04T05:06:07", 2020, 3, 4, 5, 6, 7, 0, false, true, true, tzfNone, 0},
+      {u"2020-03-04T05:06:07.1239+02:30", 2020, 3, 4, 5, 6, 7, 123, false, true, true, tzfOffset, 150},
+      {u"2020-03-04T05:06:07.5Z", 2020, 3, 4, 5, 6, 7, 500, false, true, true, tzfUTC, 0},
+      {u"2020-03-04 05:06", 2020, 3, 4, 5, 6, 0, 0, false, true, true, tzfNone, 0},
+      {u"  2020-02-29-05:00 ", 2020, 2, 29, 0, 0, 0, 0, false, true, false, tzfOffset, -300},
+      {u"-0044-03-15", 44, 3, 15, 0, 0, 0, 0, true, true, false, tzfNone, 0},
+      {u"12345-01-01", 12345, 1, 1, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+      {u"23:59:59.05-0330", 0, 0, 0, 23, 59, 59, 50, false, false, true, tzfOffset, -210},
+      {u"00:00+14", 0, 0, 0, 0, 0, 0, 0, false, false, true, tzfOffset, 840},
+      {u"2020", 2020, 0, 0, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+      {u"2020-05", 2020, 5, 0, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+      // A signed "hh:" after a year or month is a zone, not a month or day.
+      {u"2020-05:00", 2020, 0, 0, 0, 0, 0, 0, false, true, false, tzfOffset, -300},
+      {u"2020-11-05:00", 2020, 11, 0, 0, 0, 0, 0, false, true, false, tzfOffset, -300},
+      {u"--02-29Z", 0, 2, 29, 0, 0, 0, 0, false, true, false, tzfUTC, 0},
+      {u"--12", 0, 12, 0, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+      {u"---31", 0, 0, 31, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.Text, c.Text + std::char_traits<char16_t>::length(c.Text)));
+    TVnDateTimeParts p = VnDecodeISODateTime(c.Text);
+    EXPECT_EQ(p.Year, c.Year);
+    EXPECT_EQ(p.Month, c.Month);
+    EXPECT_EQ(p.Day, c.Day);
+    EXPECT_EQ(p.Hour, c.Hour);
+    EXPECT_EQ(p.Minute, c.Minute);
+    EXPECT_EQ(p.Second, c.Second);
+    EXPECT_EQ(p.MilliSecond, c.MilliSecond);
+    EXPECT_EQ(p.NegativeYear, c.NegativeYear);
+    EXPECT_EQ(p.HasDate, c.HasDate);
+    EXPECT_EQ(p.HasTime, c.HasTime);
+    EXPECT_EQ(p.TimeZone, c.Zone);
+    EXPECT_EQ(p.TimeZoneOffset(), c.Offset);
+    EXPECT_EQ(p.TimeZoneNegative, c.Offset < 0);
+    EXPECT_EQ(p.TimeZoneHour * 60 + p.TimeZoneMinute, std::abs(c.Offset));
+  }
+}
+
+TEST(DecodeISODateTime, RejectedTexts) {
+  const char16_t* texts[] = {
+      u"",
+      u"   ",
+      u"T",
+      u"Z",
+      u"2021-02-29",
+      u"1900-02-29",
+      u"2020-04-31",
+      u"2020-13-01",
+      u"2020-00-10",
+      u"2020-01-00",
+      u"24:00:00",
+      u"10:60:00",
+      u"10:00:60",
+      u"10:00:00.",
+      u"10",
+      u"10:0",
+      u"2020-01-01T",
+      u"2020-01-01T10",
+      u"2020-01-01X10:00:00",
+      u"2020-01-01T10:00:00+15:00",
+      u"2020-01-01T10:00:00+14:30",
+      u"2020-01-01T10:00:00+02:60",
+      u"2020-01-01T10:00:00+2",
+      u"2020-01-01T10:00:00Zjunk",
+      u"2020-01-01T10:00:00ZZ",
+      u"123-01-01",
+      u"123456-01-01",
+      u"99999",
+      u"2020-1-01",
+      u"2020/01/01",
+      u"20200101",
+      u"--13",
+      u"---32",
+      u"--02-30",
+      u"-",
+      u"--",
+      u"---",
+      u"+2020-01-01",
+  };
+  for (const char16_t* text : texts) {
+    SCOPED_TRACE(std::string(text, text + std::char_traits<char16_t>::length(text)));
+    EXPECT_THROW(VnDecodeISODateTime(text), EConvertError);
+  }
+}
+
+TEST(DecodeISODateTime, MessageNamesTheText) {
+  try {
+    VnDecodeISODateTime(u"2020-02-30");
+    FAIL() << "no exception";
+  } catch (const EConvertError& e) {
+    EXPECT_NE(e.Message().find(u"'2020-02-30'"), UnicodeString::npos) << e.what();
+  }
+}
+
+// ---- durations ----
+
+TEST(EncodeDuration, SumsPartsIntoMonthsAndSeconds) {
+  TVnDuration d = VnEncodeDuration(1, 14, 2, 25, 61, 59, 250, true);
+  EXPECT_TRUE(d.Negative);
+  EXPECT_EQ(d.Months, 26);
+  EXPECT_DOUBLE_EQ(d.Seconds, 2 * 86400.0 + 25 * 3600.0 + 61 * 60.0 + 59.25);
+  // The largest parts a duration text can carry do not overflow.
+  TVnDuration big = VnEncodeDuration(65535, 65535, 65535, 65535, 65535, 65535, 999, false);
+  EXPECT_EQ(big.Months, 65535 * 13);
+  EXPECT_DOUBLE_EQ(big.Seconds, 65535.0 * (86400 + 3600 + 60 + 1) + 0.999);
+}
+
+// ---- time zones ----
+
+TEST(TimeZone, UTCLeavesValuesAlone) {
+  TimeZoneScope zone(test::cZoneUTC);
+  for (TDateTime value : {c2020Jan1 + 0.5, c2020Jul1 + 0.25, -1.25, 0.0}) {
+    EXPECT_EQ(VnCalcTimeZoneOffset(value), 0);
+    EXPECT_NEAR(VnLocalToUTC(value), value, cMoment);
+    EXPECT_NEAR(VnUTCToLocal(value), value, cMoment);
+  }
+}
+
+TEST(TimeZone, DaylightSavingFollowsTheMoment) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jan1 + 12 * cHour), 60);
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jul1 + 12 * cHour), 120);
+  EXPECT_NEAR(VnLocalToUTC(c2020Jul1 + 12 * cHour), c2020Jul1 + 10 * cHour, cMoment);
+  EXPECT_NEAR(VnUTCToLocal(c2020Jul1 + 10 * cHour), c2020Jul1 + 12 * cHour, cMoment);
+  EXPECT_NEAR(VnLocalToUTC(c2020Jan1 + 0.5 * cHour), c2020Jan1 - 0.5 * cHour, cMoment);
+
+  bool negative = true;
+  Word hours = 0, minutes = 0;
+  VnCalcTimeZoneOffset(c2020Jul1, negative, hours, minutes);
+  EXPECT_FALSE(negative);
+  EXPECT_EQ(hours, 2);
+  EXPECT_EQ(minutes, 0);
+}
+
+TEST(TimeZone, SpringSwitchSkipsAnHour) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  // 01:59:59 CET, then 03:00 CEST at 01:00 UTC.
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Mar29 + 2 * cHour - cMinute), 60);
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Mar29 + 3 * cHour), 120);
+  EXPECT_NEAR(VnLocalToUTC(c2020Mar29 + 3 * cHour), c2020Mar29 + 1 * cHour, cMoment);
+  EXPECT_NEAR(VnUTCToLocal(c2020Mar29 + 1 * cHour), c2020Mar29 + 3 * cHour, cMoment);
+  EXPECT_NEAR(VnUTCToLocal(c2020Mar29 + 1 * cHour - cMinute), c2020Mar29 + 2 * cHour - cMinute, cMoment);
+  // 02:30 never shows on a clock: it is read with the offset before the switch.
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Mar29 + 2.5 * cHour), 60);
+  EXPECT_NEAR(VnLocalToUTC(c2020Mar29 + 2.5 * cHour), c2020Mar29 + 1.5 * cHour, cMoment);
+}
+
+TEST(TimeZone, AutumnSwitchRepeatsAnHour) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  // 00:30 and 01:30 UTC both show 02:30; a local 02:30 means the first of them.
+  EXPECT_NEAR(VnUTCToLocal(c2020Oct25 + 0.5 * cHour), c2020Oct25 + 2.5 * cHour, cMoment);
+  EXPECT_NEAR(VnUTCToLocal(c2020Oct25 + 1.5 * cHour), c2020Oct25 + 2.5 * cHour, cMoment);
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Oct25 + 2.5 * cHour), 120);
+  EXPECT_NEAR(VnLocalToUTC(c2020Oct25 + 2.5 * cHour), c2020Oct25 + 0.5 * cHour, cMoment);
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Oct25 + 3 * cHour), 60);
+  EXPECT_NEAR(VnLocalToUTC(c2020Oct25 + 3 * cHour), c2020Oct25 + 2 * cHour, cMoment);
+}
+
+TEST(TimeZone, NegativeOffsetWithMinutes) {
+  TimeZoneScope zone(test::cZoneNewfoundland);
+  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jan1), -210);
+  bool negative = false;
+  Word hours = 0, minutes = 0;
+  VnCalcTimeZoneOffset(c2020Jul1, negative, hours, minutes);
+  EXPECT_TRUE(negative);
+  EXPECT_EQ(hours, 2);
+  EXPECT_EQ(minutes, 30);
+  // Local midnight is already the next day in UTC.
+  EXPECT_NEAR(VnLocalToUTC(c2020Jan1 + 22 * cHour), c2020Jan1 + 1 + 1.5 * cHour, cMoment);
+}
+
+TEST(TimeZone, ValuesBefore1900CountTimeForwards) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  // -1.25 is 1899-12-29 06:00; 05:00 UTC is -1.2083..., not -1.2916... as plain subtraction gives.
+  EXPECT_NEAR(VnLocalToUTC(-1.25), -(1 + 5 * cHour), cMoment);
+  EXPECT_NEAR(VnUTCToLocal(-(1 + 5 * cHour)), -1.25, cMoment);
+  // Crossing day 0: 1899-12-30 00:30 local is 1899-12-29 23:30 UTC.
+  EXPECT_NEAR(VnLocalToUTC(0.5 * cHour), -(1 + 23.5 * cHour), cMoment);
+}
+
+TEST(TimeZone, UnrepresentableValuesPassThrough) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  EXPECT_EQ(VnLocalToUTC(1e300), 1e300);
+  EXPECT_TRUE(std::isnan(VnUTCToLocal(NAN)));
+  EXPECT_EQ(VnCalcTimeZoneOffset(INFINITY), 0);
+}
+
+}  // namespace
+}  // namespace vn

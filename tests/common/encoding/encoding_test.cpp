@@ -1,0 +1,187 @@
+// TVnEncoding: the code pages callers meet, and bad input decoded inside its buffer.
+#include <gtest/gtest.h>
+#include <unicode/ucnv.h>
+
+#include <memory>
+#include <random>
+#include <string>
+
+#include "vnxml/common/encoding.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_exception.h"
+
+namespace vn {
+namespace {
+
+// Decodes from a heap block of exactly the input's size, so that AddressSanitizer reports any
+// read past the end (a std::string would hide it behind its terminator or inline buffer).
+UnicodeString DecodeExact(Word ACodePage, std::string_view ABytes) {
+  std::unique_ptr<char[]> block(new char[ABytes.size()]);
+  std::copy(ABytes.begin(), ABytes.end(), block.get());
+  return TVnEncoding::GetEncoding(ACodePage)->GetString(std::string_view(block.get(), ABytes.size()));
+}
+
+TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
+  struct Case {
+    Word CodePage;
+    std::string Bytes;
+    std::u16string Text;
+  };
+  const Case cases[] = {
+      {65001, "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"a\u00E9\u20AC\U0001F600"},
+      {1200, std::string("a\0\xAC\x20=\xD8\0\xDE", 8), u"a\u20AC\U0001F600"},
+      {1201, std::string("\0a\x20\xAC\xD8=\xDE\0", 8), u"a\u20AC\U0001F600"},
+      {12000, std::string("a\0\0\0\0\xF6\x01\0", 8), u"a\U0001F600"},
+      {12001, std::string("\0\0\0a\0\x01\xF6\0", 8), u"a\U0001F600"},
+      {28591, "a\xA4\xE9\xFF", u"a\u00A4\u00E9\u00FF"},
+      {28605, "a\xA4\xE9", u"a\u20AC\u00E9"},  // latin-9 puts the euro where latin-1 has the currency sign
+      {28592, "\xB1\xE6", u"\u0105\u0107"},
+      {28595, "\xB0\xEF", u"\u0410\u044F"},
+      {28597, "\xC1\xF9", u"\u0391\u03C9"},
+      {1250, "\x8A\xB9", u"\u0160\u0105"},
+      {1251, "\xC0\xFF", u"\u0410\u044F"},
+      {1252, "\x80\x93\xE9", u"\u20AC\u201C\u00E9"},
+      {1253, "\xC1", u"\u0391"},
+      {1254, "\xF0", u"\u011F"},
+      {1255, "\xE0", u"\u05D0"},
+      {1256, "\xC7", u"\u0627"},
+      {1257, "\xE0", u"\u0105"},
+      {1258, "\xD2", u"\u0309"},
+      {20127, "plain", u"plain"},
+      {932, "\x93\xFA\x96\x7B", u"\u65E5\u672C"},
+      {20932, "\xC6\xFC\xCB\xDC", u"\u65E5\u672C"},
+      {936, "\xD6\xD0", u"\u4E2D"},
+      {950, "\xA4\xA4", u"\u4E2D"},
+      {20866, "\xE1\xC2", u"\u0410\u0431"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.CodePage);
+    const TVnEncoding* encoding = TVnEncoding::GetEncoding(c.CodePage);
+    EXPECT_EQ(encoding->GetCodePage(), c.CodePage);
+    EXPECT_EQ(DecodeExact(c.CodePage, c.Bytes), c.Text);
+    EXPECT_EQ(encoding->GetBytes(c.Text), c.Bytes);
+    EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes);
+    EXPECT_EQ(TVnEncoding::ConvertA(c.Bytes, c.CodePage), c.Text);
+  }
+  EXPECT_EQ(TVnEncoding::GetEncoding(0), TVnEncoding::UTF8());  // the 8-bit default
+  EXPECT_EQ(TVnEncoding::GetEncoding(1252), TVnEncoding::GetEncoding(1252));  // cached
+  EXPECT_EQ(TVnEncoding::UTF8()->GetPreamble(), "\xEF\xBB\xBF");
+  EXPECT_EQ(TVnEncoding::GetEncoding(1252)->GetPreamble(), "");
+}
+
+TEST(VnEncoding, UnknownCodePageRaises) {
+  try {
+    TVnEncoding::GetEncoding(4);
+    FAIL();
+  } catch (const EVnException& e) {
+    EXPECT_EQ(e.Message(), u"Unsupported code page 4");
+    EXPECT_EQ(e.GetCode(), cVnErrUnknownEncoding);
+  }
+  EXPECT_THROW(TVnEncoding::ConvertA("x", 4), EVnException);  // and again: failures aren't cached
+}
+
+TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {
+  EXPECT_EQ(TVnEncoding::ConvertW(u"a\u4E2Db\U0001F600c", 1252), "a?b?c");
+  EXPECT_EQ(TVnEncoding::ConvertW(u"a\u0100b\U0001F600c", 28591), "a?b?c");
+  EXPECT_EQ(TVnEncoding::ConvertW(u"\u00E9", 20127), "?");
+  EXPECT_EQ(TVnEncoding::ConvertW(u"\u00E9\u0E01", 932), "??");
+  // Lone surrogates can't be encoded as Unicode either.
+  EXPECT_EQ(TVnEncoding::ConvertW(u"a\xD800", 65001), "a\xEF\xBF\xBD");
+  EXPECT_EQ(TVnEncoding::ConvertW(u"\xDC00" u"a", 12000), std::string("\xFD\xFF\0\0a\0\0\0", 8));
+}
+
+TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
+  struct Case {
+    Word CodePage;
+    std::string Bytes;
+    std::u16string Text;
+  };
+  const Case cases[] = {
+      // UTF-8: one U+FFFD per maximal bad subpart.
+      {65001, "\x80", u"\uFFFD"},
+      {65001, "a\xC3", u"a\uFFFD"},                 // truncated at the end
+      {65001, "\xE2\x82", u"\uFFFD"},               // truncated three-byte sequence: one subpart
+      {65001, "\xF0\x9F\x98", u"\uFFFD"},
+      {65001, "\xC0\xAF", u"\uFFFD\uFFFD"},         // overlong
+      {65001, "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
+      {65001, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},  // an encoded surrogate
+      {65001, "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
+      {65001, "\xF5\xFF", u"\uFFFD\uFFFD"},
+      {65001, "\xC3(\xC3\xA9", u"\uFFFD(\u00E9"},
+      {65001, std::string(40, 'a') + "\xFF" + std::string(20, 'b'),
+       std::u16string(40, u'a') + u"\uFFFD" + std::u16string(20, u'b')},  // across the 16-byte blocks
+      // UTF-16/32: a truncated tail is one replacement, lone surrogates stay as they are.
+      {1200, "a", u"\uFFFD"},
+      {1200, std::string("a\0b", 3), u"a\uFFFD"},
+      {1201, std::string("\0a\0", 3), u"a\uFFFD"},
+      {1200, std::string("\0\xD8", 2), u"\xD800"},
+      {12000, std::string("a\0\0\0b\0", 6), u"a\uFFFD"},
+      {12000, std::string("\0\0\x11\0", 4), u"\uFFFD"},  // beyond U+10FFFF
+      {12001, std::string("\0\0\xD8\0", 4), u"\uFFFD"},  // a surrogate code point
+      {20127, "a\x80", u"a\uFFFD"},
+      {932, "\x81", u"\uFFFD"},                     // a lead byte with nothing behind it
+      {20932, "\xC6", u"\uFFFD"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.CodePage << " " << testing::PrintToString(c.Bytes));
+    EXPECT_EQ(DecodeExact(c.CodePage, c.Bytes), c.Text);
+  }
+  // Undefined bytes of a single-byte code page decode to something, never fail.
+  EXPECT_EQ(DecodeExact(1252, "\x81").size(), 1u);
+}
+
+// The UTF-8 decoder against the converter library's, on random bytes biased towards
+// sequences that are almost valid: both must agree on every replacement.
+TEST(VnEncoding, Utf8DecoderAgreesWithIcuOnRandomInput) {
+  UErrorCode err = U_ZERO_ERROR;
+  UConverter* icu = ucnv_open("UTF-8", &err);
+  ASSERT_TRUE(U_SUCCESS(err));
+  std::mt19937 rng(42);
+  const uint8_t pieces[] = {'a', 0x80, 0xBF, 0xC2, 0xC3, 0xDF, 0xE0, 0xE2, 0xED, 0xEF, 0xF0, 0xF4, 0xF5, 0x9F, 0xA0, 0x90, 0x8F};
+  for (int round = 0; round < 2000; ++round) {
+    std::string bytes(rng() % 40, '\0');
+    for (char& b : bytes) b = static_cast<char>(pieces[rng() % sizeof(pieces)]);
+    std::u16string expected(bytes.size() * 2 + 4, u'\0');
+    err = U_ZERO_ERROR;
+    const int32_t n = ucnv_toUChars(icu, reinterpret_cast<UChar*>(expected.data()), static_cast<int32_t>(expected.size()),
+                                    bytes.data(), static_cast<int32_t>(bytes.size()), &err);
+    ASSERT_TRUE(U_SUCCESS(err));
+    expected.resize(static_cast<size_t>(n));
+    ASSERT_EQ(DecodeExact(65001, bytes), expected) << testing::PrintToString(bytes);
+    ASSERT_EQ(Utf8ToUnicode(bytes), expected) << testing::PrintToString(bytes);
+  }
+  ucnv_close(icu);
+}
+
+TEST(VnEncoding, Utf8RoundTripsEveryCodePoint) {
+  std::u16string text;
+  for (uint32_t cp = 1; cp <= 0x10FFFF; cp += cp < 0x800 ? 1 : 61) {
+    if (cp >= 0xD800 && cp <= 0xDFFF) continue;
+    if (cp >= 0x10000) {
+      text.push_back(static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10)));
+      text.push_back(static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
+    } else {
+      text.push_back(static_cast<char16_t>(cp));
+    }
+  }
+  const RawByteString utf8 = TVnEncoding::UTF8()->GetBytes(text);
+  EXPECT_EQ(utf8, UnicodeToUtf8(text));
+  EXPECT_EQ(DecodeExact(65001, utf8), text);
+}
+
+TEST(VnEncoding, Utf8CompletePrefixStopsBeforeAnUnfinishedCharacter) {
+  struct Case {
+    std::string Bytes;
+    size_t Prefix;
+  };
+  const Case cases[] = {
+      {"", 0},           {"abc", 3},           {"a\xC3", 1},        {"a\xC3\xA9", 3},   {"a\xE2\x82", 1},
+      {"a\xF0\x9F\x98", 1}, {"a\xF0\x9F\x98\x80", 5}, {"a\x80", 2},  // a stray continuation byte isn't waited for
+      {"a\xE0\x80", 3},  // can never become valid: decode it now
+      {"a\xFF", 2},
+  };
+  for (const Case& c : cases) EXPECT_EQ(detail::Utf8CompletePrefix(c.Bytes), c.Prefix) << testing::PrintToString(c.Bytes);
+}
+
+}  // namespace
+}  // namespace vn

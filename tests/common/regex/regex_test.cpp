@@ -1,0 +1,286 @@
+// TRegEx: options, UTF-16 handling, matches and groups, replacement references, splitting,
+// failures, and the shared pattern cache under concurrent use.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "vnxml/common/regex.h"
+#include "vnxml/common/sysutils.h"
+
+namespace vn {
+namespace {
+
+std::string Narrow(std::u16string_view AText) { return std::string(AText.begin(), AText.end()); }
+
+// ---- options ----
+
+struct OptionCase {
+  std::u16string_view Pattern;
+  TRegExOptions Options;
+  std::u16string_view Input;
+  bool Expected;
+};
+
+TEST(TRegEx, OptionsChangeWhatMatches) {
+  const OptionCase cases[] = {
+      {u"b", {}, u"ABC", false},
+      {u"b", {roIgnoreCase}, u"ABC", true},
+      {u"^b$", {}, u"a\nb", false},
+      {u"^b$", {roMultiLine}, u"a\nb", true},
+      {u"a.b", {}, u"a\nb", false},
+      {u"a.b", {roSingleLine}, u"a\nb", true},
+      {u"a b  c # comment", {}, u"abc", false},
+      {u"a b  c # comment", {roIgnorePatternSpace}, u"abc", true},
+      {u"a+b", {roCompiled}, u"xaab", true},
+      {u"a+b", {roCompiled, roIgnoreCase}, u"XAAB", true},
+      {u"\u00E9", {roIgnoreCase}, u"\u00C9", true},  // case folding beyond ASCII
+      {u"", {}, u"anything", true},
+  };
+  for (const OptionCase& c : cases)
+    EXPECT_EQ(TRegEx::IsMatch(c.Input, c.Pattern, c.Options), c.Expected) << Narrow(c.Pattern);
+}
+
+TEST(TRegEx, ExplicitCaptureKeepsOnlyNamedGroups) {
+  const std::u16string pattern = u"(a)(?<n>b)(c)";
+  EXPECT_EQ(TRegEx(pattern).Match(u"abc").GetGroups().GetCount(), 4);
+  const TMatch explicitOnly = TRegEx(pattern, {roExplicitCapture}).Match(u"abc");
+  ASSERT_EQ(explicitOnly.GetGroups().GetCount(), 2);
+  EXPECT_EQ(explicitOnly.GetGroups()[u"n"].GetValue(), u"b");
+}
+
+TEST(TRegEx, NotEmptySkipsEmptyMatches) {
+  EXPECT_EQ(TRegEx(u"a*").Match(u"baa").GetIndex(), 1);
+  const TMatch m = TRegEx(u"a*", {roNotEmpty}).Match(u"baa");
+  EXPECT_EQ(m.GetIndex(), 2);
+  EXPECT_EQ(m.GetValue(), u"aa");
+}
+
+// ---- UTF-16 ----
+
+TEST(TRegEx, SurrogatePairsAreOneCharacter) {
+  EXPECT_TRUE(TRegEx::IsMatch(u"\U0001F600", u"^.$"));
+  EXPECT_TRUE(TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}"));
+  EXPECT_EQ(TRegEx::Replace(u"a\U0001F600b", u".", u"-"), u"---");
+  // Positions and lengths count code units.
+  const TMatch m = TRegEx::Match(u"\U0001F600bc", u"b.");
+  EXPECT_EQ(m.GetIndex(), 3);
+  EXPECT_EQ(m.GetLength(), 2);
+  // Empty matches step over a whole pair, never into it.
+  EXPECT_EQ(TRegEx::Replace(u"\U0001F600", u"x*", u"-"), u"-\U0001F600-");
+}
+
+TEST(TRegEx, LoneSurrogatesInTheInputDoNotFail) {
+  EXPECT_TRUE(
+      TRegEx::IsMatch(u"a\xD800"
+                      u"b",
+                      u"b"));
+  EXPECT_FALSE(TRegEx::IsMatch(u"\xDC00", u"x"));
+  EXPECT_EQ(TRegEx::Replace(u"a\xD800"
+                            u"b",
+                            u"[ab]", u"x"),
+            u"x\xD800x");
+}
+
+// ---- matches and groups ----
+
+TEST(TRegEx, MatchReportsPositionValueAndGroups) {
+  const TMatch m = TRegEx::Match(u"x 12-ab y", u"(\\d+)-(?<word>\\w+)");
+  ASSERT_TRUE(m.GetSuccess());
+  EXPECT_EQ(m.GetIndex(), 3);
+  EXPECT_EQ(m.GetLength(), 5);
+  EXPECT_EQ(m.GetValue(), u"12-ab");
+  ASSERT_EQ(m.GetGroups().GetCount(), 3);
+  EXPECT_EQ(m.GetGroups()[0].GetValue(), u"12-ab");
+  EXPECT_EQ(m.GetGroups()[1].GetValue(), u"12");
+  EXPECT_EQ(m.GetGroups()[1].GetIndex(), 3);
+  EXPECT_EQ(m.GetGroups()[u"word"].GetValue(), u"ab");
+  EXPECT_EQ(m.GetGroups()[u"word"].GetIndex(), 6);
+
+  const TMatch alternative = TRegEx::Match(u"b", u"(a)|(b)");
+  EXPECT_FALSE(alternative.GetGroups()[1].GetSuccess());
+  EXPECT_EQ(alternative.GetGroups()[1].GetIndex(), 0);
+  EXPECT_TRUE(alternative.GetGroups()[2].GetSuccess());
+
+  const TMatch none = TRegEx::Match(u"abc", u"\\d");
+  EXPECT_FALSE(none.GetSuccess());
+  EXPECT_EQ(none.GetIndex(), 0);
+  EXPECT_EQ(none.GetValue(), u"");
+  EXPECT_FALSE(none.NextMatch().GetSuccess());
+}
+
+TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
+  TMatch m;
+  {
+    const std::u16string input = u"a1b22c333";
+    m = TRegEx(u"\\d+").Match(input);
+  }  // the match keeps its own copy of the input
+  std::vector<std::u16string> found;
+  for (; m.GetSuccess(); m = m.NextMatch()) found.push_back(m.GetValue());
+  EXPECT_EQ(found, (std::vector<std::u16string>{u"1", u"22", u"333"}));
+}
+
+TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
+  const TMatchCollection all = TRegEx(u"x*").Matches(u"abc");
+  ASSERT_EQ(all.GetCount(), 4);
+  for (Integer i = 0; i < all.GetCount(); ++i) {
+    EXPECT_EQ(all[i].GetIndex(), i + 1);
+    EXPECT_EQ(all[i].GetLength(), 0);
+  }
+  const TMatchCollection words = TRegEx::Matches(u"one two  three", u"\\w+");
+  ASSERT_EQ(words.GetCount(), 3);
+  EXPECT_EQ(words[2].GetValue(), u"three");
+  EXPECT_EQ(TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), 2);  // from a 1-based start position
+  EXPECT_TRUE(TRegEx(u"c").IsMatch(u"abc", 3));
+  EXPECT_FALSE(TRegEx(u"a").IsMatch(u"abc", 2));
+}
+
+// ---- replacement ----
+
+struct ReplaceCase {
+  std::u16string_view Pattern;
+  std::u16string_view Input;
+  std::u16string_view Replacement;
+  std::u16string_view Expected;
+};
+
+TEST(TRegEx, ReplacementReferences) {
+  const ReplaceCase cases[] = {
+      {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
+      {u"b+", u"abbc", u"[$0|$&|\\0]", u"a[bb|bb|bb]c"},
+      {u"(?<y>\\d{4})-(\\d\\d)", u"2024-05", u"${2}/${y}", u"05/2024"},
+      {u"b", u"abc", u"$$\\\\", u"a$\\c"},
+      {u"(b)", u"abc", u"$9\\7${x}", u"a$9\\7${x}c"},  // no such group: stays as written
+      {u"(b)", u"abc", u"$10", u"ab0c"},               // one group: "$1" then "0"
+      {u"(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)", u"abcdefghij", u"$10$1", u"ja"},
+      {u"(a)|(b)", u"b", u"[$1]", u"[]"},  // a group that took no part gives nothing
+      {u"b", u"abc", u"<$`|$'|$_>", u"a<a|c|abc>c"},
+      {u"x*", u"abc", u"-", u"-a-b-c-"},
+      {u"b", u"abc", u"$", u"a$c"},
+      {u"b", u"abc", u"${", u"a${c"},
+      {u"\\s+", u"a  b\t\tc", u" ", u"a b c"},
+  };
+  for (const ReplaceCase& c : cases)
+    EXPECT_EQ(TRegEx::Replace(c.Input, c.Pattern, c.Replacement), c.Expected) << Narrow(c.Replacement);
+}
+
+TEST(TRegEx, ReplaceWithCountAndEvaluator) {
+  const TRegEx digits(u"\\d");
+  EXPECT_EQ(digits.Replace(u"1a2b3", u"#", 2), u"#a#b3");
+  EXPECT_EQ(digits.Replace(u"1a2b3", u"#"), u"#a#b#");
+  EXPECT_EQ(digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }),
+            u"11a22b33");
+  EXPECT_EQ(TRegEx(u"\\w+").Replace(
+                u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1),
+            u"AB cd");
+}
+
+// ---- splitting ----
+
+TEST(TRegEx, SplitKeepsEmptyPieces) {
+  using Pieces = std::vector<UnicodeString>;
+  EXPECT_EQ(TRegEx::Split(u"a,b,,c", u","), (Pieces{u"a", u"b", u"", u"c"}));
+  EXPECT_EQ(TRegEx::Split(u",a,", u","), (Pieces{u"", u"a", u""}));
+  EXPECT_EQ(TRegEx::Split(u"a  b\tc", u"\\s+"), (Pieces{u"a", u"b", u"c"}));
+  EXPECT_EQ(TRegEx::Split(u"abc", u"x"), (Pieces{u"abc"}));
+  EXPECT_EQ(TRegEx::Split(u"", u","), (Pieces{u""}));
+  EXPECT_EQ(TRegEx(u",").Split(u"a,b,c,d", 2), (Pieces{u"a", u"b,c,d"}));
+  EXPECT_EQ(TRegEx(u",").Split(u"a,b", 1), (Pieces{u"a,b"}));
+  EXPECT_EQ(TRegEx::Split(u"A1b2C", u"\\d", {roIgnoreCase}), (Pieces{u"A", u"b", u"C"}));
+}
+
+// ---- failures ----
+
+TEST(TRegEx, BadPatternsRaiseWithPcresMessage) {
+  for (std::u16string_view bad : {u"(", u"[a", u"a{2,1}", u"\\", u"(?<n>a)(?<n>b)", u"\xD800"}) {
+    try {
+      TRegEx::IsMatch(u"a", bad);
+      ADD_FAILURE() << "no error for " << Narrow(bad);
+    } catch (const ERegularExpressionError& e) {
+      EXPECT_EQ(e.Message().rfind(u"Error in regular expression at offset ", 0), 0u) << e.what();
+    }
+  }
+  try {
+    TRegEx(u"ab(c");
+  } catch (const ERegularExpressionError& e) {
+    EXPECT_EQ(e.Message(), u"Error in regular expression at offset 4: missing closing parenthesis");
+  }
+}
+
+TEST(TRegEx, MisuseRaisesInsteadOfCrashing) {
+  EXPECT_THROW(TRegEx().IsMatch(u"a"), ERegularExpressionError);
+  EXPECT_THROW(TRegEx().Split(u"a"), ERegularExpressionError);
+  const TRegEx any(u"(a)");
+  EXPECT_THROW(any.IsMatch(u"abc", 0), ERegularExpressionError);
+  EXPECT_THROW(any.IsMatch(u"abc", 5), ERegularExpressionError);
+  EXPECT_FALSE(any.IsMatch(u"abc", 4));  // just behind the end is a valid start
+  const TMatch m = any.Match(u"a");
+  EXPECT_THROW(m.GetGroups()[2], ERegularExpressionError);
+  EXPECT_THROW(m.GetGroups()[-1], ERegularExpressionError);
+  EXPECT_THROW(m.GetGroups()[u"nope"], ERegularExpressionError);
+  EXPECT_THROW(any.Matches(u"aa")[2], ERegularExpressionError);
+}
+
+TEST(TRegEx, RunawayBacktrackingStopsWithAnError) {
+  const std::u16string input = std::u16string(40, u'a') + u"b";
+  EXPECT_THROW(TRegEx::IsMatch(input, u"^(a|aa)+$"), ERegularExpressionError);
+}
+
+TEST(TRegEx, ArbitraryPatternsCompileOrRaise) {
+  const std::u16string alphabet = u"()[]{}*+?|\\^$.-,:<>=!ab1 \xD800\U0001F600";
+  std::mt19937 random(11);
+  for (int round = 0; round < 2000; ++round) {
+    std::u16string pattern(random() % 12, u' ');
+    for (char16_t& c : pattern) c = alphabet[random() % alphabet.size()];
+    try {
+      const TRegEx regex(pattern, {roIgnoreCase});
+      regex.Matches(u"ab1 a(b) \U0001F600 \xD800 bb");
+      regex.Replace(u"a1b", u"[$1$&]");
+      regex.Split(u"aab");
+    } catch (const ERegularExpressionError&) {
+    }
+  }
+}
+
+// ---- cache and threads ----
+
+TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacity) {
+  for (size_t i = 0; i < TRegEx::CacheCapacity * 2 + 5; ++i) {
+    const UnicodeString number = IntToStr(static_cast<Int64>(i));
+    ASSERT_TRUE(TRegEx::IsMatch(u"n" + number + u"!", u"^n" + number + u"!$"));
+    ASSERT_FALSE(TRegEx::IsMatch(u"n" + number + u"?", u"^n" + number + u"!$"));
+  }
+  // The same pattern under other options is another entry.
+  EXPECT_FALSE(TRegEx::IsMatch(u"N1!", u"^n1!$"));
+  EXPECT_TRUE(TRegEx::IsMatch(u"N1!", u"^n1!$", {roIgnoreCase}));
+}
+
+TEST(TRegEx, ConcurrentStaticCallsShareTheCache) {
+  std::vector<std::thread> threads;
+  std::vector<int> failures(4, 0);
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([t, &failures] {
+      for (int i = 0; i < 300; ++i) {
+        const UnicodeString key = IntToStr(static_cast<Int64>((i * 7 + t) % 150));
+        const UnicodeString text = u"id=" + key + u";";
+        if (TRegEx::Replace(text, u"id=(" + key + u");", u"<$1>") != u"<" + key + u">")
+          ++failures[static_cast<size_t>(t)];
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(failures, (std::vector<int>{0, 0, 0, 0}));
+}
+
+TEST(TRegEx, EscapeQuotesMetacharacters) {
+  const UnicodeString text = u"a.b*c+(d)[e]{f}^$|?\\-#";
+  EXPECT_TRUE(TRegEx::IsMatch(text, u"^" + TRegEx::Escape(text) + u"$"));
+  EXPECT_FALSE(TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b")));
+  EXPECT_EQ(TRegEx::Escape(u"*.txt?", true), u".*\\.txt.");
+  EXPECT_TRUE(TRegEx::IsMatch(u"notes.txt", u"^" + TRegEx::Escape(u"*.tx?", true) + u"$"));
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,340 @@
+// Reflection over the shop domain through the contract's operations only.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "shop_domain.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/variant.h"
+
+namespace {
+
+using namespace vn;
+using namespace shop;
+
+TRttiType* TypeOfName(std::u16string_view AName) {
+  TRttiType* t = TRttiContext::FindType(AName);
+  EXPECT_NE(t, nullptr) << UnicodeToUtf8(AName);
+  return t;
+}
+
+std::vector<UnicodeString> Names(const auto& AMembers) {
+  std::vector<UnicodeString> names;
+  for (const auto* m : AMembers) names.push_back(m->Name());
+  return names;
+}
+
+UnicodeString HintOf(const TRttiObject* AObject, size_t AIndex = 0) {
+  const auto& attrs = AObject->GetAttributes();
+  if (AIndex >= attrs.size()) return u"<none>";
+  auto* hint = CastObject<THint>(attrs[AIndex]);
+  return hint ? hint->FValue : u"<other>";
+}
+
+TEST(RttiTypes, LookupByNameAndClass) {
+  TRttiType* item = TypeOfName(u"uShop.TItem");
+  EXPECT_EQ(TypeOfName(u"tshop"), TypeOfName(u"USHOP.TSHOP"));  // short and qualified, any case
+  EXPECT_EQ(item->QualifiedName(), u"uShop.TItem");
+  EXPECT_EQ(item->Handle(), TItem::StaticClass()->TypeInfo);
+  EXPECT_EQ(UnicodeString(TItem::StaticClass()->QualifiedName), u"uShop.TItem");
+  EXPECT_EQ(TRttiContext::GetType(TItem::StaticClass()), item);
+  EXPECT_EQ(TRttiContext::FindType(u"uShop.TNoSuchType"), nullptr);
+  EXPECT_EQ(item->BaseType(), TypeOfName(u"uShop.TNamed"));
+  EXPECT_EQ(item->BaseType()->BaseType(), TypeOfName(u"System.TObject"));
+  EXPECT_EQ(item->BaseType()->BaseType()->BaseType(), nullptr);
+
+  // A class that was never registered still has a type, with its ancestors' members.
+  TRttiType* special = TRttiContext::GetType(TSpecialItem::StaticClass());
+  ASSERT_NE(special, nullptr);
+  EXPECT_EQ(special->Name(), u"TSpecialItem");
+  EXPECT_EQ(special->BaseType(), item);
+  EXPECT_NE(special->GetProperty(u"Price"), nullptr);
+  // Naming it from C++ must not hand it its registered ancestor's names.
+  EXPECT_EQ(TypeInfoOf<TSpecialItem*>()->Name, u"TSpecialItem");
+  EXPECT_EQ(TypeOfName(u"uShop.TItem"), item);
+}
+
+TEST(RttiTypes, BuiltinsAreDistinctNamedTypes) {
+  EXPECT_EQ(TypeInfoOf<UnicodeString>()->Name, u"string");
+  EXPECT_EQ(TypeInfoOf<UnicodeString>()->QualifiedName, u"System.string");
+  EXPECT_EQ(FindTypeInfo(u"UnicodeString"), TypeInfoOf<UnicodeString>());
+  EXPECT_EQ(TypeInfoOf<VnXMLString>()->Name, u"VnXMLString");
+  EXPECT_EQ(TypeInfoOf<VnJSONString>()->Name, u"VnJSONString");
+  EXPECT_EQ(TypeInfoOf<VnXMLString>()->Kind, tkUString);
+  EXPECT_EQ(TypeInfoOf<TValue>()->QualifiedName, u"System.Rtti.TValue");
+  EXPECT_EQ(TypeInfoOf<AnsiString>()->Kind, tkLString);
+  EXPECT_EQ(TypeInfoOf<ShortString>()->Kind, tkString);
+  EXPECT_EQ(FindTypeInfo(u"WideString")->Kind, tkWString);
+  EXPECT_EQ(TypeInfoOf<Variant>()->Kind, tkVariant);
+  EXPECT_EQ(TypeInfoOf<Int64>()->Kind, tkInt64);
+  EXPECT_TRUE(TypeInfoOf<UInt64>()->IsUnsigned);
+  EXPECT_EQ(TypeInfoOf<Word>()->OrdType, otUWord);
+  EXPECT_EQ(TypeInfoOf<ShortInt>()->MinValue, -128);
+  EXPECT_EQ(TypeInfoOf<Currency>()->FloatType, ftCurr);
+  EXPECT_EQ(TypeInfoOf<char16_t>()->Kind, tkWChar);
+  EXPECT_EQ(TypeInfoOf<char>()->Kind, tkChar);
+  for (const char16_t* date : {u"TDateTime", u"TDate", u"TTime"}) {
+    const TTypeInfo* t = FindTypeInfo(date);
+    ASSERT_NE(t, nullptr);
+    EXPECT_EQ(t->Kind, tkFloat);
+    EXPECT_NE(t, TypeInfoOf<Double>());
+  }
+  const TTypeInfo* boolean = TypeInfoOf<bool>();
+  EXPECT_EQ(boolean->Kind, tkEnumeration);
+  EXPECT_EQ(GetEnumName(boolean, 1), u"True");
+  EXPECT_EQ(GetEnumValue(boolean, u"false"), 0);
+}
+
+TEST(RttiMembers, OwnFirstThenInheritedNamesMayRepeat) {
+  TRttiType* item = TypeOfName(u"uShop.TItem");
+  EXPECT_EQ(Names(item->GetProperties()), (std::vector<UnicodeString>{u"Name", u"Price", u"Color", u"Name"}));
+  EXPECT_EQ(Names(item->GetFields()), std::vector<UnicodeString>{u"Tag"});
+  // The derived Name wins a lookup, whatever the case.
+  TRttiProperty* name = item->GetProperty(u"NAME");
+  ASSERT_NE(name, nullptr);
+  EXPECT_EQ(name->Parent(), item);
+  EXPECT_FALSE(name->IsWritable());
+  EXPECT_EQ(item->GetField(u"tag")->Parent(), TypeOfName(u"uShop.TNamed"));
+  EXPECT_EQ(item->GetField(u"Price"), nullptr);  // a property, not a field
+  EXPECT_EQ(item->GetMethod(u"Nothing"), nullptr);
+  EXPECT_EQ(item->GetIndexedProperty(u"Items"), nullptr);
+}
+
+TEST(RttiMembers, VisibilityIsOrdered) {
+  TRttiType* shop = TypeOfName(u"uShop.TShop");
+  EXPECT_EQ(shop->GetField(u"Secret")->Visibility(), mvPrivate);
+  EXPECT_EQ(shop->GetProperty(u"Internal")->Visibility(), mvProtected);
+  EXPECT_EQ(shop->GetField(u"Address")->Visibility(), mvPublic);
+  EXPECT_EQ(shop->GetProperty(u"Colors")->Visibility(), mvPublished);
+  EXPECT_TRUE(mvPrivate < mvProtected && mvProtected < mvPublic && mvPublic < mvPublished);
+}
+
+TEST(RttiMembers, AttributesInDeclaredOrder) {
+  TRttiType* item = TypeOfName(u"uShop.TItem");
+  TRttiProperty* name = item->GetProperty(u"Name");
+  ASSERT_EQ(name->GetAttributes().size(), 2u);
+  EXPECT_EQ(HintOf(name, 0), u"first");
+  EXPECT_EQ(HintOf(name, 1), u"second");
+  EXPECT_EQ(HintOf(item->GetField(u"Tag")), u"tag");
+  EXPECT_TRUE(item->GetProperty(u"Price")->GetAttributes().empty());
+  EXPECT_EQ(HintOf(TypeOfName(u"uShop.TShop")), u"shop");
+  EXPECT_EQ(HintOf(TypeInfoOf<TColor>()->RttiType), u"cl");  // on an enumeration type
+}
+
+TEST(RttiMembers, ReadAndWriteObjectMembers) {
+  TShop shop(u"Corner");
+  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+  EXPECT_EQ(type->GetProperty(u"Name")->GetValue(&shop).AsString(), u"Corner");
+  type->GetProperty(u"Name")->SetValue(&shop, TValue::From(UnicodeString(u"Main")));
+  EXPECT_EQ(shop.GetName(), u"Main");
+
+  type->GetField(u"Tag")->SetValue(&shop, TValue::From<Integer>(7));
+  EXPECT_EQ(shop.FTag, 7);
+  type->GetProperty(u"Colors")->SetValue(&shop, TValue::From(TColors{clRed, clBlue}));
+  EXPECT_TRUE(shop.FColors.Contains(clBlue));
+  EXPECT_EQ(type->GetProperty(u"Colors")->GetValue(&shop).ToString(), u"[clRed,clBlue]");
+
+  // A date field is a float of its own type.
+  TRttiField* opened = type->GetField(u"Opened");
+  EXPECT_EQ(opened->FieldTypeInfo(), FindTypeInfo(u"TDateTime"));
+  opened->SetValue(&shop, TValue::From<Double>(45000.5));
+  EXPECT_EQ(shop.FOpened, 45000.5);
+  EXPECT_EQ(VarType(opened->GetValue(&shop).AsVariant()), varDate);
+
+  // A value is a copy: changing it leaves the object alone.
+  TValue name = type->GetProperty(u"Name")->GetValue(&shop);
+  *static_cast<UnicodeString*>(name.GetReferenceToRawData()) = u"Copy";
+  EXPECT_EQ(shop.GetName(), u"Main");
+
+  // Protected and private members read like any other.
+  EXPECT_EQ(type->GetProperty(u"Internal")->GetValue(&shop).AsInteger(), 42);
+  EXPECT_EQ(type->GetField(u"Secret")->GetValue(&shop).AsInteger(), 42);
+}
+
+TEST(RttiMembers, WritesConvertOrRefuse) {
+  TShop shop;
+  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+  EXPECT_THROW(type->GetProperty(u"Count")->SetValue(&shop, TValue::From<Integer>(1)), EPropertyError);
+  EXPECT_THROW(type->GetField(u"Tag")->SetValue(&shop, TValue::From(UnicodeString(u"7"))), EInvalidCast);
+  EXPECT_THROW(type->GetField(u"Tag")->GetValue(static_cast<TObject*>(nullptr)), EInvalidPointer);
+
+  // Objects: the declared class or a descendant, nothing else.
+  TRttiField* partner = type->GetField(u"Partner");
+  TShop other;
+  partner->SetValue(&shop, TValue::From(&other));
+  EXPECT_EQ(shop.FPartner, &other);
+  EXPECT_EQ(partner->GetValue(&shop).AsObject(), &other);
+  TItem item;
+  EXPECT_THROW(partner->SetValue(&shop, TValue::From(&item)), EInvalidCast);
+  partner->SetValue(&shop, TValue());  // the empty value clears it
+  EXPECT_EQ(shop.FPartner, nullptr);
+
+  // Class references: the class or a descendant.
+  TRttiField* itemClass = type->GetField(u"ItemClass");
+  EXPECT_EQ(itemClass->FieldTypeInfo()->Name, u"TItemClass");
+  itemClass->SetValue(&shop, TValue::From<TClass>(TSpecialItem::StaticClass()));
+  EXPECT_EQ(shop.FItemClass.Value, TSpecialItem::StaticClass());
+  EXPECT_THROW(itemClass->SetValue(&shop, TValue::From<TClass>(TShop::StaticClass())), EInvalidCast);
+}
+
+TEST(RttiMembers, RecordsAtAnAddress) {
+  TRttiType* address = TypeOfName(u"uShop.TAddress");
+  EXPECT_EQ(address->TypeKind(), tkRecord);
+  TAddress a{u"High Street", 5};
+  EXPECT_EQ(address->GetField(u"street")->GetValue(&a).AsString(), u"High Street");
+  address->GetField(u"Number")->SetValue(&a, TValue::From<Integer>(9));
+  EXPECT_EQ(a.Number, 9);
+
+  // A record member of an object: its address inside the object takes writes.
+  TShop shop;
+  TRttiField* field = TRttiContext::GetType(shop.ClassType())->GetField(u"Address");
+  void* inside = field->GetAddress(&shop);
+  address->GetField(u"Street")->SetValue(inside, TValue::From(UnicodeString(u"Quay")));
+  EXPECT_EQ(shop.FAddress.Street, u"Quay");
+  // A read gives a copy, written back as a whole.
+  TValue copy = field->GetValue(&shop);
+  address->GetField(u"Number")->SetValue(copy.GetReferenceToRawData(), TValue::From<Integer>(3));
+  EXPECT_EQ(shop.FAddress.Number, 0);
+  field->SetValue(&shop, copy);
+  EXPECT_EQ(shop.FAddress.Number, 3);
+}
+
+TEST(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
+  TShop shop;
+  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+  TRttiField* lines = type->GetField(u"Lines");
+  EXPECT_EQ(lines->FieldType()->TypeKind(), tkDynArray);
+  EXPECT_EQ(lines->FieldType()->Name(), u"TArray<uShop.TLine>");
+  EXPECT_EQ(lines->FieldType()->GetElementType(), TypeOfName(u"uShop.TLine"));
+
+  void* array = lines->GetAddress(&shop);
+  DynArraySetLength(array, lines->FieldTypeInfo(), 2);
+  EXPECT_EQ(DynArraySize(array, lines->FieldTypeInfo()), 2);
+  TValue value = lines->GetValue(&shop);
+  TValue line = value.GetArrayElement(1);
+  TypeOfName(u"uShop.TLine")->GetField(u"Sku")->SetValue(line.GetReferenceToRawData(), TValue::From(UnicodeString(u"A-1")));
+  value.SetArrayElement(1, line);
+  lines->SetValue(&shop, value);
+  EXPECT_EQ(shop.FLines[1].Sku, u"A-1");
+  EXPECT_THROW(value.GetArrayElement(2), EArgumentOutOfRangeException);
+  EXPECT_THROW(value.SetArrayElement(0, TValue::From<Integer>(1)), EInvalidCast);
+
+  TRttiType* ratings = type->GetField(u"Ratings")->FieldType();
+  EXPECT_EQ(ratings->TypeKind(), tkArray);
+  EXPECT_EQ(ratings->Name(), u"array[0..2] of Integer");
+  TValue r = type->GetField(u"Ratings")->GetValue(&shop);
+  EXPECT_EQ(r.GetArrayLength(), 3);
+  EXPECT_THROW(r.SetArrayLength(4), EInvalidCast);  // a static array keeps its size
+}
+
+TEST(RttiMembers, ElementMetaclassAndHandle) {
+  TRttiType* colors = TRttiContext::GetType(TypeInfoOf<TColors>());
+  EXPECT_EQ(colors->TypeKind(), tkSet);
+  EXPECT_EQ(colors->QualifiedName(), u"uShop.TColors");
+  EXPECT_EQ(colors->GetElementType()->GetHandle(), TypeInfoOf<TColor>());
+  TRttiType* itemClass = TRttiContext::GetType(TypeInfoOf<TClassRef<TItem>>());
+  EXPECT_EQ(itemClass->TypeKind(), tkClassRef);
+  EXPECT_EQ(itemClass->GetMetaclassType(), TItem::StaticClass());
+  EXPECT_EQ(TypeOfName(u"uShop.TItem")->GetMetaclassType(), TItem::StaticClass());
+  EXPECT_EQ(TypeOfName(u"uShop.TItem")->GetElementType(), nullptr);
+  EXPECT_EQ(TypeInfoOf<IInterface>()->Kind, tkInterface);
+}
+
+TEST(RttiMembers, IndexedProperty) {
+  TShop shop;
+  shop.Add(new TItem);
+  shop.Add(new TItem);
+  TRttiIndexedProperty* items = TRttiContext::GetType(shop.ClassType())->GetIndexedProperty(u"items");
+  ASSERT_NE(items, nullptr);
+  EXPECT_EQ(items->GetValue(&shop, TValue::From<Integer>(1)).AsObject(), shop.GetItem(1));
+  auto* replacement = new TSpecialItem;
+  TItem* old = shop.GetItem(0);
+  items->SetValue(&shop, TValue::From<Integer>(0), TValue::From(replacement));
+  EXPECT_EQ(shop.GetItem(0), replacement);
+  delete old;
+  EXPECT_THROW(items->GetValue(&shop, TValue::From(UnicodeString(u"x"))), EInvalidCast);
+}
+
+TEST(RttiMethods, ParametersAndInvoke) {
+  TShop shop;
+  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+  TRttiMethod* add = type->GetMethod(u"add");
+  ASSERT_EQ(add->GetParameters().size(), 1u);
+  EXPECT_EQ(add->GetParameters()[0]->Name(), u"AItem");
+  EXPECT_EQ(add->GetParameters()[0]->ParamType(), TypeOfName(u"uShop.TItem"));
+  EXPECT_EQ(add->ReturnType(), TRttiContext::GetType(TypeInfoOf<Integer>()));
+  auto* item = new TItem;
+  item->FPrice = 2.5;
+  EXPECT_EQ(add->Invoke(&shop, {TValue::From(item)}).AsInteger(), 0);
+  EXPECT_EQ(shop.GetCount(), 1);
+  EXPECT_THROW(add->Invoke(&shop, {}), EInvocationError);
+  EXPECT_THROW(add->Invoke(&shop, {TValue::From<Integer>(1)}), EInvalidCast);
+
+  // Arguments convert to the parameter types: an Integer reaches a Double.
+  EXPECT_EQ(type->GetMethod(u"Total")->Invoke(&shop, {TValue::From<Integer>(2)}).AsExtended(), 5.0);
+  TRttiMethod* motto = type->GetMethod(u"Motto");
+  EXPECT_TRUE(motto->IsStatic());
+  EXPECT_EQ(motto->Invoke(TShop::StaticClass(), {}).AsString(), u"cheap");
+}
+
+TEST(RttiMethods, Constructors) {
+  TRttiMethod* create = TypeOfName(u"uShop.TShop")->GetMethod(u"Create");
+  ASSERT_TRUE(create->IsConstructor());
+  ASSERT_EQ(create->GetParameters().size(), 1u);
+  std::unique_ptr<TObject> shop(create->Invoke(TShop::StaticClass(), {TValue::From(UnicodeString(u"New"))}).AsObject());
+  ASSERT_TRUE(shop->Is<TShop>());
+  EXPECT_EQ(static_cast<TShop*>(shop.get())->GetName(), u"New");
+
+  // Without a constructor of its own a class finds TObject's, which builds the class asked for.
+  TRttiMethod* inherited = TypeOfName(u"uShop.TItem")->GetMethod(u"Create");
+  ASSERT_NE(inherited, nullptr);
+  EXPECT_TRUE(inherited->GetParameters().empty());
+  std::unique_ptr<TObject> item(inherited->Invoke(TSpecialItem::StaticClass(), {}).AsObject());
+  EXPECT_EQ(item->ClassType(), TSpecialItem::StaticClass());
+  EXPECT_THROW(TypeOfName(u"uShop.TShop")->GetMethod(u"Add")->Invoke(TShop::StaticClass(), {}), EInvocationError);
+}
+
+TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
+  TSpecialItem special;
+  EXPECT_EQ(special.ClassName(), u"TSpecialItem");
+  EXPECT_TRUE(special.InheritsFrom(TNamed::StaticClass()));
+  EXPECT_FALSE(special.InheritsFrom(TShop::StaticClass()));
+  EXPECT_EQ(TItem().ClassInfo(), TypeInfoOf<TItem>());
+
+  EXPECT_EQ(GetClass(u"TItem"), nullptr);  // reflection does not register for GetClass
+  RegisterClass(TItem::StaticClass());
+  EXPECT_EQ(GetClass(u"titem"), TItem::StaticClass());
+  UnRegisterClass(TItem::StaticClass());
+  EXPECT_EQ(GetClass(u"TItem"), nullptr);
+}
+
+TEST(RttiClasses, PlatformClassesAreRegistered) {
+  TRttiType* component = TypeOfName(u"System.Classes.TComponent");
+  EXPECT_EQ(component->GetProperty(u"Name")->Visibility(), mvPublished);
+  EXPECT_EQ(component->GetProperty(u"Tag")->Visibility(), mvPublished);
+  EXPECT_EQ(component->BaseType(), TypeOfName(u"System.Classes.TPersistent"));
+  EXPECT_NE(TRttiContext::FindType(u"System.Classes.TStringList"), nullptr);
+
+  TComponent owner;
+  TRttiMethod* create = component->GetMethod(u"Create");
+  ASSERT_EQ(create->GetParameters().size(), 1u);
+  TObject* made = create->Invoke(TComponent::StaticClass(), {TValue::From(&owner)}).AsObject();
+  auto* child = CastObject<TComponent>(made);
+  ASSERT_NE(child, nullptr);
+  EXPECT_EQ(child->GetOwner(), &owner);  // the owner frees it
+  component->GetProperty(u"Tag")->SetValue(child, TValue::From<Integer>(5));
+  EXPECT_EQ(child->GetTag(), 5);
+}
+
+TEST(RttiClasses, SelfReferenceRegisters) {
+  TRttiType* node = TypeOfName(u"uTree.TNode");
+  EXPECT_EQ(node->GetField(u"Next")->FieldType(), node);
+  EXPECT_EQ(node->GetField(u"Children")->FieldType()->GetElementType(), node);
+  TNode a, b;
+  node->GetField(u"Next")->SetValue(&a, TValue::From(&b));
+  EXPECT_EQ(a.FNext, &b);
+}
+
+}  // namespace

@@ -1,0 +1,166 @@
+// TValue: typed copies, conversions, arrays and display text; enumeration and set names.
+#include <gtest/gtest.h>
+
+#include "shop_domain.h"
+#include "vnxml/common/currency.h"
+#include "vnxml/common/variant.h"
+
+namespace {
+
+using namespace vn;
+using namespace shop;
+
+TEST(TValueBasics, EmptyKindAndTypeInfo) {
+  TValue empty = TValue::GetEmpty();
+  EXPECT_TRUE(empty.IsEmpty());
+  EXPECT_EQ(empty.Kind(), tkUnknown);
+  EXPECT_EQ(empty.TypeInfo(), nullptr);
+  EXPECT_EQ(empty.GetReferenceToRawData(), nullptr);
+  EXPECT_EQ(empty.ToString(), u"(empty)");
+  EXPECT_EQ(empty.AsObject(), nullptr);
+
+  // A nil reference is empty yet keeps its type.
+  TValue nilShop = TValue::From<TShop*>(nullptr);
+  EXPECT_TRUE(nilShop.IsEmpty());
+  EXPECT_EQ(nilShop.TypeInfo(), TypeInfoOf<TShop>());
+  EXPECT_TRUE(TValue::From(IPtr<IInterface>()).IsEmpty());
+  EXPECT_TRUE(TValue::From(std::vector<TLine>{}).IsEmpty());
+  EXPECT_FALSE(TValue::From<Integer>(0).IsEmpty());
+
+  EXPECT_EQ(TValue::From<Integer>(1).Kind(), tkInteger);
+  EXPECT_EQ(TValue::From(UnicodeString(u"x")).Kind(), tkUString);
+  EXPECT_EQ(TValue::From(TAddress{}).Kind(), tkRecord);
+  EXPECT_EQ(TValue::From(clGreen).Kind(), tkEnumeration);
+  EXPECT_EQ(TValue::From(Variant(1)).Kind(), tkVariant);
+}
+
+TEST(TValueBasics, CopiesOwnTheirPayload) {
+  // Large payloads live on the heap; copies and moves must not share or leak them.
+  TValue a = TValue::From(TAddress{u"a long enough street name to leave small-string storage", 1});
+  TValue b = a;
+  static_cast<TAddress*>(b.GetReferenceToRawData())->Number = 2;
+  EXPECT_EQ(static_cast<const TAddress*>(a.GetReferenceToRawData())->Number, 1);
+  TValue c = std::move(b);
+  EXPECT_TRUE(b.IsEmpty());
+  EXPECT_EQ(c.AsType<TAddress>().Number, 2);
+  c = a;
+  c = TValue::From<Integer>(5);
+  EXPECT_EQ(c.AsInteger(), 5);
+  TAddress out;
+  a.ExtractRawData(&out);
+  EXPECT_EQ(out.Number, 1);
+
+  // Objects are held by reference, not copied.
+  TItem item;
+  TValue v = TValue::From(&item);
+  EXPECT_EQ(v.AsObject(), &item);
+  EXPECT_EQ(v.AsClass(), TItem::StaticClass());
+  EXPECT_TRUE(v.IsType<TNamed*>());
+  EXPECT_FALSE(v.IsType<TShop*>());
+  EXPECT_EQ(v.AsType<TNamed*>(), &item);
+}
+
+TEST(TValueBasics, OrdinalsAndRanges) {
+  EXPECT_EQ(TValue::FromOrdinal(TypeInfoOf<TColor>(), 2).ToString(), u"clBlue");
+  EXPECT_THROW(TValue::FromOrdinal(TypeInfoOf<TColor>(), 3), EInvalidCast);
+  EXPECT_THROW(TValue::FromOrdinal(TypeInfoOf<Byte>(), 256), EInvalidCast);
+  EXPECT_THROW(TValue::FromOrdinal(TypeInfoOf<UnicodeString>(), 1), EInvalidCast);
+  EXPECT_EQ(TValue::FromOrdinal(TypeInfoOf<ShortInt>(), -5).AsInteger(), -5);
+  EXPECT_TRUE(TValue::FromOrdinal(TypeInfoOf<bool>(), 1).AsBoolean());
+  EXPECT_EQ(TValue::From(clGreen).AsOrdinal(), 1);
+  EXPECT_EQ(TValue::From<UInt64>(UINT64_MAX).ToString(), u"18446744073709551615");
+  EXPECT_THROW(TValue::From<UInt64>(UINT64_MAX).AsInt64(), EInvalidCast);
+  EXPECT_THROW(TValue::From<Int64>(Int64{1} << 40).AsInteger(), EInvalidCast);
+  EXPECT_EQ(TValue::From<Integer>(300).Cast(TypeInfoOf<Word>()).AsInteger(), 300);
+  EXPECT_THROW(TValue::From<Integer>(-1).Cast(TypeInfoOf<Cardinal>()), EInvalidCast);
+  // An enumeration never becomes another one, a char never a number.
+  EXPECT_THROW(TValue::From(clRed).AsBoolean(), EInvalidCast);
+  EXPECT_THROW(TValue::From(u'A').AsInteger(), EInvalidCast);
+}
+
+TEST(TValueBasics, ConversionsBetweenKinds) {
+  EXPECT_EQ(TValue::From<Integer>(3).AsExtended(), 3.0L);
+  EXPECT_EQ(TValue::From<Single>(1.5f).AsExtended(), 1.5L);
+  EXPECT_EQ(TValue::From(Currency::FromRaw(12345)).AsExtended(), 1.2345L);
+  EXPECT_EQ(TValue::From<Double>(2.5).AsCurrency(), Currency::FromRaw(25000));
+  EXPECT_THROW(TValue::From<Double>(2.5).AsInteger(), EInvalidCast);
+  EXPECT_THROW(TValue::From<Integer>(1).AsString(), EInvalidCast);
+  EXPECT_EQ(TValue::From(u'z').AsString(), u"z");
+  EXPECT_EQ(TValue::From(AnsiString("caf\xC3\xA9")).AsString(), u"caf\u00E9");
+  EXPECT_EQ(TValue::From(UnicodeString(u"x")).AsType<VnXMLString>(), VnXMLString(u"x"));
+  EXPECT_EQ(TValue::From(UnicodeString(u"\u00E9")).AsType<AnsiString>(), "\xC3\xA9");
+  EXPECT_THROW(TValue::From(TAddress{}).AsString(), EInvalidCast);
+  EXPECT_THROW(TValue::From(TAddress{}).AsObject(), EInvalidCast);
+  EXPECT_THROW(TValue::From<Integer>(1).GetArrayLength(), EInvalidCast);
+
+  // A TValue-typed target wraps the value; reading it back unwraps it.
+  TValue wrapped = TValue::From<Integer>(8).Cast(TypeInfoOf<TValue>());
+  EXPECT_EQ(wrapped.TypeInfo(), TypeInfoOf<TValue>());
+  EXPECT_EQ(wrapped.AsType<TValue>().TypeInfo(), TypeInfoOf<Integer>());
+  EXPECT_EQ(wrapped.AsInteger(), 8);
+}
+
+TEST(TValueBasics, VariantsBothWays) {
+  EXPECT_EQ(VarType(TValue::From<Byte>(7).AsVariant()), varByte);
+  EXPECT_EQ(VarType(TValue::From<Int64>(7).AsVariant()), varInt64);
+  EXPECT_EQ(VarType(TValue::From(true).AsVariant()), varBoolean);
+  EXPECT_EQ(VarType(TValue::From(UnicodeString(u"s")).AsVariant()), varUString);
+  EXPECT_EQ(VarType(TValue::From(Currency::FromRaw(1)).AsVariant()), varCurrency);
+  EXPECT_EQ(VarType(TValue::Make(nullptr, FindTypeInfo(u"TDate")).AsVariant()), varDate);
+  EXPECT_EQ(VarType(TValue().AsVariant()), varEmpty);
+  EXPECT_THROW(TValue::From(TAddress{}).AsVariant(), EInvalidCast);
+
+  EXPECT_TRUE(TValue::FromVariant(Variant::Null()).IsEmpty());
+  EXPECT_EQ(TValue::FromVariant(Variant(5)).TypeInfo(), TypeInfoOf<Integer>());
+  EXPECT_EQ(TValue::FromVariant(Variant::FromDate(2.0)).TypeInfo(), FindTypeInfo(u"TDateTime"));
+  EXPECT_EQ(TValue::FromVariant(Variant(u"t")).AsString(), u"t");
+  // A Variant-typed value converts through its content.
+  EXPECT_EQ(TValue::From(Variant(u"12")).AsType<UnicodeString>(), u"12");
+  EXPECT_EQ(TValue::From(Variant(12)).AsInteger(), 12);
+  EXPECT_EQ(TValue::From<Integer>(4).AsType<Variant>().AsInteger(), 4);
+}
+
+TEST(TValueBasics, InterfacesAreCounted) {
+  IPtr<IInterface> intf(new TInterfacedObject);
+  auto* object = static_cast<TInterfacedObject*>(intf.Get());
+  {
+    TValue v = TValue::From(intf);
+    EXPECT_EQ(object->GetRefCount(), 2);
+    EXPECT_EQ(v.AsInterface(), intf);
+    TValue copy = v;
+    EXPECT_EQ(object->GetRefCount(), 3);
+  }
+  EXPECT_EQ(object->GetRefCount(), 1);
+  TShop shop;
+  TRttiField* service = TRttiContext::GetType(shop.ClassType())->GetField(u"Service");
+  service->SetValue(&shop, TValue::From(intf));
+  EXPECT_EQ(shop.FService, intf);
+  EXPECT_EQ(service->GetValue(&shop).AsInterface(), intf);
+}
+
+TEST(TValueText, EnumerationsAndSets) {
+  const TTypeInfo* colors = TypeInfoOf<TColors>();
+  EXPECT_EQ(TValue::From(TColors{}).ToString(), u"[]");
+  EXPECT_EQ(TValue::From(TColors{clBlue, clRed}).ToString(), u"[clRed,clBlue]");
+  EXPECT_EQ(SetToString(colors, TColors{clGreen}.Bits()), u"clGreen");
+  EXPECT_EQ(StringToSet(colors, u"[clblue, clRed]"), (TColors{clRed, clBlue}.Bits()));
+  EXPECT_EQ(StringToSet(colors, u""), 0u);
+  EXPECT_THROW(StringToSet(colors, u"clRed,clPink"), EPropertyConvertError);
+
+  const TTypeInfo* color = TypeInfoOf<TColor>();
+  EXPECT_EQ(GetEnumName(color, 1), u"clGreen");
+  EXPECT_EQ(GetEnumName(color, 7), u"7");
+  EXPECT_EQ(GetEnumValue(color, u"CLBLUE"), 2);
+  EXPECT_EQ(GetEnumValue(color, u"clPink"), -1);
+  EXPECT_EQ(GetEnumValue(color, u""), -1);
+  EXPECT_EQ(GetEnumValue(TypeInfoOf<Integer>(), u"12"), 12);
+
+  EXPECT_EQ(TValue::From<Integer>(-3).ToString(), u"-3");
+  EXPECT_EQ(TValue::From<Double>(0.5).ToString(), u"0.5");
+  EXPECT_EQ(TValue::From(TAddress{}).ToString(), u"(record)");
+  EXPECT_EQ(TValue::From(std::vector<TLine>(1)).ToString(), u"(dynamic array)");
+  TItem item;
+  EXPECT_EQ(TValue::From(&item).ToString().rfind(u"(TItem @ ", 0), 0u);
+}
+
+}  // namespace

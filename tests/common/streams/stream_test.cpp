@@ -1,0 +1,220 @@
+// Memory, bytes, string and file streams: positions, sizes, block copies, modes and error texts.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "vnxml/common/stream.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+
+namespace vn {
+namespace {
+
+std::string ReadAll(TStream& AStream) {
+  std::string bytes(static_cast<size_t>(AStream.GetSize()), '\0');
+  AStream.SetPosition(0);
+  if (!bytes.empty()) AStream.ReadBuffer(bytes.data(), static_cast<Int64>(bytes.size()));
+  return bytes;
+}
+
+// A private folder per test process, removed at the end.
+class TempDir {
+ public:
+  TempDir() : FPath(std::filesystem::temp_directory_path() / ("vnxml_streams_" + std::to_string(::getpid()))) {
+    std::filesystem::create_directories(FPath);
+  }
+  ~TempDir() { std::filesystem::remove_all(FPath); }
+  UnicodeString File(const std::string& AName) const { return Utf8ToUnicode((FPath / AName).string()); }
+
+ private:
+  std::filesystem::path FPath;
+};
+
+TEST(MemoryStream, WriteSeekReadAndSize) {
+  TMemoryStream m;
+  m.WriteBuffer("hello world", 11);
+  EXPECT_EQ(m.GetSize(), 11);
+  EXPECT_EQ(m.GetPosition(), 11);
+  EXPECT_EQ(m.Seek(-5, soEnd), 6);
+  char buf[8] = {};
+  EXPECT_EQ(m.Read(buf, 8), 5);  // a short read at the end is not an error
+  EXPECT_EQ(std::string(buf, 5), "world");
+  EXPECT_EQ(m.Read(buf, 8), 0);
+  EXPECT_EQ(m.Seek(-100, soCurrent), 0);  // clipped to the start
+  m.Seek(2, soBeginning);
+  m.WriteBuffer("LL", 2);  // overwrites in place
+  EXPECT_EQ(ReadAll(m), "heLLo world");
+
+  // Writing after a seek past the end leaves zeros in the gap, not garbage.
+  m.Seek(13, soBeginning);
+  m.WriteBuffer("!", 1);
+  EXPECT_EQ(ReadAll(m), std::string("heLLo world\0\0!", 14));
+
+  m.SetSize(5);
+  EXPECT_EQ(ReadAll(m), "heLLo");
+  m.SetPosition(5);
+  m.SetSize(2);
+  EXPECT_EQ(m.GetPosition(), 2);  // clipped with the size
+  m.Clear();
+  EXPECT_EQ(m.GetSize(), 0);
+  EXPECT_EQ(m.GetCapacity(), 0);
+  EXPECT_EQ(m.GetMemory(), nullptr);
+}
+
+TEST(MemoryStream, GrowsGeometricallyAndKeepsContent) {
+  TMemoryStream m;
+  std::string expected;
+  Int64 reallocations = 0, lastCapacity = 0;
+  for (int i = 0; i < 100000; ++i) {
+    const std::string piece = std::to_string(i) + ",";
+    m.WriteBuffer(piece.data(), static_cast<Int64>(piece.size()));
+    expected += piece;
+    if (m.GetCapacity() != lastCapacity) ++reallocations, lastCapacity = m.GetCapacity();
+  }
+  EXPECT_EQ(ReadAll(m), expected);
+  EXPECT_LT(reallocations, 40);
+  m.SetCapacity(1);  // never below the size
+  EXPECT_EQ(m.GetCapacity(), m.GetSize());
+}
+
+TEST(MemoryStream, ReadAndWriteBufferErrors) {
+  TMemoryStream m;
+  m.WriteBuffer("abc", 3);
+  m.SetPosition(1);
+  char buf[4];
+  try {
+    m.ReadBuffer(buf, 3);
+    FAIL() << "no exception";
+  } catch (const EReadError& e) {
+    EXPECT_EQ(e.Message(), u"Stream read error");
+  }
+  TMemoryStream empty;
+  EXPECT_THROW(empty.ReadBuffer(buf, 1), EReadError);
+  empty.ReadBuffer(buf, 0);  // nothing asked, nothing missing
+}
+
+TEST(MemoryStream, CopyFromAndLoadFromStream) {
+  TMemoryStream source;
+  std::string content(3 * 1024 * 1024 + 17, '\0');
+  for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7);
+  source.WriteBuffer(content.data(), static_cast<Int64>(content.size()));
+
+  TMemoryStream all;
+  EXPECT_EQ(all.CopyFrom(&source, 0), static_cast<Int64>(content.size()));  // 0: everything from the start
+  EXPECT_EQ(ReadAll(all), content);
+
+  source.SetPosition(10);
+  TMemoryStream part;
+  EXPECT_EQ(part.CopyFrom(&source, 5), 5);
+  EXPECT_EQ(ReadAll(part), content.substr(10, 5));
+  EXPECT_EQ(source.GetPosition(), 15);
+
+  source.SetPosition(content.size() - 2);
+  EXPECT_THROW(part.CopyFrom(&source, 5), EReadError);
+
+  TMemoryStream loaded;
+  loaded.LoadFromStream(&source);
+  EXPECT_EQ(loaded.GetPosition(), 0);
+  EXPECT_EQ(ReadAll(loaded), content);
+}
+
+TEST(BytesAndStringStream, RoundTrips) {
+  TBytesStream b(TBytes{1, 2, 3});
+  EXPECT_EQ(b.GetPosition(), 0);
+  b.Seek(0, soEnd);
+  b.WriteBuffer("\x04", 1);
+  EXPECT_EQ(b.GetBytes(), (TBytes{1, 2, 3, 4}));
+
+  TStringStream utf8(u"h\u00E9\u20AC");
+  EXPECT_EQ(utf8.GetSize(), 6);
+  EXPECT_EQ(utf8.GetDataString(), u"h\u00E9\u20AC");
+  TStringStream latin(u"h\u00E9", 28591);
+  EXPECT_EQ(ReadAll(latin), "h\xE9");
+  latin.WriteString(u"!");
+  EXPECT_EQ(latin.GetDataString(), u"h\u00E9!");
+}
+
+TEST(FileStream, CreateWriteReopenAndModes) {
+  TempDir dir;
+  const UnicodeString name = dir.File("a.bin");
+  {
+    TFileStream f(name, fmCreate);
+    f.WriteBuffer("0123456789", 10);
+    EXPECT_EQ(f.GetSize(), 10);
+    f.SetSize(4);
+    EXPECT_EQ(f.GetPosition(), 4);
+    EXPECT_EQ(f.GetFileName(), name);
+  }
+  {
+    TFileStream f(name, fmOpenRead);
+    EXPECT_EQ(ReadAll(f), "0123");
+    EXPECT_EQ(f.Write("x", 1), 0);  // opened for reading only
+    EXPECT_THROW(f.WriteBuffer("x", 1), EWriteError);
+  }
+  {
+    TFileStream f(name, fmOpenReadWrite);
+    f.Seek(0, soEnd);
+    f.WriteBuffer("45", 2);
+  }
+  {
+    TFileStream f(name, fmOpenWrite);
+    char c;
+    EXPECT_EQ(f.Read(&c, 1), 0);  // opened for writing only
+    f.WriteBuffer("A", 1);       // at the start, no truncation
+  }
+  TMemoryStream m;
+  m.LoadFromFile(name);
+  EXPECT_EQ(ReadAll(m), "A12345");
+  m.SaveToFile(dir.File("b.bin"));
+  TMemoryStream copy;
+  copy.LoadFromFile(dir.File("b.bin"));
+  EXPECT_EQ(ReadAll(copy), "A12345");
+
+  { TFileStream again(name, fmCreate); }  // fmCreate truncates an existing file
+  EXPECT_EQ(TFileStream(name, fmOpenRead).GetSize(), 0);
+}
+
+template <class E>
+void ExpectFileError(std::u16string_view AName, Word AMode, const UnicodeString& AMessage) {
+  try {
+    TFileStream f(AName, AMode);
+    ADD_FAILURE() << "no exception for mode " << AMode;
+  } catch (const E& e) {
+    EXPECT_EQ(e.Message(), AMessage);
+  }
+}
+
+TEST(FileStream, ErrorsCarryFileNameAndSystemReason) {
+  TempDir dir;
+  const UnicodeString missing = dir.File("missing.xml");
+  ExpectFileError<EFOpenError>(missing, fmOpenRead, u"Cannot open file \"" + missing + u"\". No such file or directory");
+  const UnicodeString badDir = dir.File("no/such/dir.xml");
+  ExpectFileError<EFCreateError>(badDir, fmCreate,
+                                 u"Cannot create file \"" + badDir + u"\". No such file or directory");
+  ExpectFileError<EFOpenError>(dir.File(""), fmOpenRead,
+                               u"Cannot open file \"" + dir.File("") + u"\". Is a directory");
+
+  const UnicodeString name = dir.File("x");
+  { TFileStream f(name, fmCreate); }
+  ExpectFileError<EFCreateError>(name, fmCreate | fmExclusive, u"Cannot create file \"" + name + u"\". File exists");
+}
+
+TEST(FileStream, ShareModesExcludeEachOther) {
+  TempDir dir;
+  const UnicodeString name = dir.File("locked");
+  TFileStream writer(name, fmCreate | fmShareExclusive);
+  writer.WriteBuffer("data", 4);
+  EXPECT_THROW(TFileStream(name, fmOpenRead | fmShareDenyWrite), EFOpenError);
+  EXPECT_THROW(TFileStream(name, fmOpenRead | fmShareExclusive), EFOpenError);
+  // A stream that asks for no lock still opens, as share-compatible opens do.
+  TFileStream reader(name, fmOpenRead | fmShareDenyNone);
+  EXPECT_EQ(ReadAll(reader), "data");
+  // fmCreate doesn't truncate a file it isn't allowed to lock.
+  EXPECT_THROW(TFileStream(name, fmCreate | fmShareExclusive), EFCreateError);
+  EXPECT_EQ(reader.GetSize(), 4);
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,207 @@
+// TVnMemoryStream views, TVnStringStream text in its code page, and the UTF-8 adapter's carries.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_streams.h"
+
+namespace vn {
+namespace {
+
+std::string ReadAll(TStream& AStream) {
+  std::string bytes(static_cast<size_t>(AStream.GetSize()), '\0');
+  AStream.SetPosition(0);
+  if (!bytes.empty()) AStream.ReadBuffer(bytes.data(), static_cast<Int64>(bytes.size()));
+  return bytes;
+}
+
+std::string Utf16Bytes(std::u16string_view AText) {
+  return std::string(reinterpret_cast<const char*>(AText.data()), AText.size() * 2);
+}
+
+TEST(VnMemoryStream, ViewsCallerMemoryWithoutCopyAndRefusesWrites) {
+  static const char block[] = "<a>view</a>";
+  TVnMemoryStream view(block, 11);
+  EXPECT_TRUE(view.IsReadOnly());
+  EXPECT_EQ(view.GetMemory(), block);
+  EXPECT_EQ(view.GetSize(), 11);
+  char buf[3];
+  view.Seek(3, soBeginning);
+  view.ReadBuffer(buf, 3);
+  EXPECT_EQ(std::string(buf, 3), "vie");
+  EXPECT_EQ(view.Write("x", 1), 0);
+  try {
+    view.WriteBuffer("x", 1);
+    FAIL();
+  } catch (const EWriteError& e) {
+    EXPECT_EQ(e.Message(), u"Stream write error");
+  }
+  EXPECT_THROW(view.SetSize(3), EStreamError);
+  EXPECT_EQ(std::string(block), "<a>view</a>");
+  // Clear drops the view; the stream then owns and grows its own block.
+  view.Clear();
+  view.WriteBuffer("ok", 2);
+  EXPECT_EQ(ReadAll(view), "ok");
+
+  TVnMemoryStream sized(1024);
+  EXPECT_EQ(sized.GetCapacity(), 1024);
+  EXPECT_EQ(sized.GetSize(), 0);
+}
+
+TEST(VnStringStream, AddStoresTextInItsCodePage) {
+  const std::u16string text = u"a<\u00E9>\u20AC\U0001F600";
+  struct Case {
+    Word CodePage;
+    std::string Bytes;
+  };
+  const Case cases[] = {
+      {1200, Utf16Bytes(text)},
+      {65001, UnicodeToUtf8(text)},
+      {0, UnicodeToUtf8(text)},  // the 8-bit default is UTF-8
+      {1252, "a<\xE9>\x80?"},    // the emoji has no place in windows-1252
+      {28591, "a<\xE9>??"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.CodePage);
+    TVnStringStream s(c.CodePage);
+    s.Add(text.substr(0, 2));
+    s.AddChar(text[2]);
+    s.Add(text.substr(3));
+    EXPECT_EQ(s.GetBytesView(), c.Bytes);
+    EXPECT_EQ(s.GetPosition(), static_cast<Int64>(c.Bytes.size()));
+    if (c.CodePage == 1200 || c.CodePage == 65001 || c.CodePage == 0) {
+      EXPECT_EQ(s.GetWString(), text);
+      EXPECT_EQ(s.GetAsUTF8(), UnicodeToUtf8(text));
+      EXPECT_EQ(s.StringData(1200), Utf16Bytes(text));
+    }
+  }
+}
+
+TEST(VnStringStream, ConstructorsAndConversions) {
+  TVnStringStream wide(u"<r>\u00E9</r>");
+  EXPECT_EQ(wide.GetCodePage(), 1200);
+  EXPECT_EQ(wide.GetPosition(), 0);  // ready to be parsed
+  EXPECT_EQ(wide.GetWString(), u"<r>\u00E9</r>");
+  EXPECT_EQ(wide.GetAString(), "<r>\xC3\xA9</r>");
+  EXPECT_EQ(wide.StringData(28591), "<r>\xE9</r>");
+
+  TVnStringStream latin("caf\xE9", 28591);
+  EXPECT_EQ(latin.GetWString(), u"caf\u00E9");
+  EXPECT_EQ(latin.GetAString(), "caf\xE9");  // an 8-bit stream gives its own bytes
+  EXPECT_EQ(latin.GetAsUTF8(), "caf\xC3\xA9");
+
+  // 8-bit text added to a UTF-16 stream is taken as UTF-8 and widened.
+  TVnStringStream mixed;
+  mixed.Add(std::string_view("\xC3\xA9"));
+  mixed.Add(u"!");
+  EXPECT_EQ(mixed.GetWString(), u"\u00E9!");
+  // ... and to an 8-bit stream as bytes of its code page.
+  TVnStringStream ansi(1252);
+  ansi.Add(std::string_view("\x80"));
+  EXPECT_EQ(ansi.GetWString(), u"\u20AC");
+}
+
+TEST(VnStringStream, ManySmallAddsAndOverwrites) {
+  TVnStringStream utf16(1200, 16), utf8(65001, 16);
+  std::u16string expected;
+  for (int i = 0; i < 20000; ++i) {
+    const char16_t c = static_cast<char16_t>(u'a' + i % 26);
+    utf16.AddChar(c);
+    utf8.AddChar(i % 3 ? c : u'\u00E9');
+    expected.push_back(c);
+    if (i % 100 == 0) {
+      utf16.Add(u"\u4E2D");
+      expected += u"\u4E2D";
+    }
+  }
+  EXPECT_EQ(utf16.GetWString(), expected);
+  EXPECT_EQ(utf8.GetWString().size(), 20000u);
+
+  // Adding after a rewind overwrites, and a seek past the end leaves NULs, in both fast paths.
+  TVnStringStream s8(65001), s16(1200);
+  s8.Add(u"abcdef");
+  s8.SetPosition(1);
+  s8.Add(u"\u00E9");
+  EXPECT_EQ(s8.GetWString(), u"a\u00E9def");
+  s16.Add(u"ab");
+  s16.SetPosition(6);
+  s16.AddChar(u'z');
+  EXPECT_EQ(s16.GetWString(), std::u16string(u"ab\0z", 4));
+}
+
+TEST(VnUTF8StreamAdapter, WritesUtf8WhateverTheSplitOfWrites) {
+  const std::u16string text = u"x\u00E9\u20AC\U0001F600y\U00010348";
+  const std::string bytes = Utf16Bytes(text);
+  // Every split point, odd ones and those between the halves of a surrogate pair included.
+  for (size_t cut = 0; cut <= bytes.size(); ++cut) {
+    SCOPED_TRACE(cut);
+    TMemoryStream target;
+    {
+      TVnUTF8StreamAdapter adapter(&target);
+      adapter.WriteBuffer(bytes.data(), static_cast<Int64>(cut));
+      adapter.WriteBuffer(bytes.data() + cut, static_cast<Int64>(bytes.size() - cut));
+      EXPECT_EQ(adapter.GetPosition(), static_cast<Int64>(bytes.size()));
+    }
+    EXPECT_EQ(ReadAll(target), UnicodeToUtf8(text));
+  }
+  // One byte at a time.
+  TMemoryStream target;
+  {
+    TVnUTF8StreamAdapter adapter(&target, true);
+    for (char b : bytes) adapter.WriteBuffer(&b, 1);
+  }
+  EXPECT_EQ(ReadAll(target), "\xEF\xBB\xBF" + UnicodeToUtf8(text));
+}
+
+TEST(VnUTF8StreamAdapter, BrokenTextBecomesReplacementCharacters) {
+  const std::u16string text = u"a\xD800" u"b\xDC00\xD801";  // lone high, lone low, high at the end
+  TMemoryStream target;
+  {
+    TVnUTF8StreamAdapter adapter(&target);
+    adapter.WriteBuffer(text.data(), static_cast<Int64>(text.size() * 2));
+    adapter.WriteBuffer("c", 1);  // half a unit left over
+  }
+  EXPECT_EQ(ReadAll(target), "a\xEF\xBF\xBD" "b\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+
+  // Two high surrogates in a row: only the first is lone.
+  TMemoryStream second;
+  {
+    TVnUTF8StreamAdapter adapter(&second);
+    const std::u16string units = u"\xD800\xD83D\xDE00";
+    const std::string raw = Utf16Bytes(units);
+    adapter.WriteBuffer(raw.data(), 2);
+    adapter.WriteBuffer(raw.data() + 2, 4);
+  }
+  EXPECT_EQ(ReadAll(second), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
+}
+
+TEST(VnUTF8StreamAdapter, ReadsUtf8AsUtf16InAnyChunkSize) {
+  std::u16string text;
+  for (int i = 0; i < 30000; ++i) text += i % 7 ? u"\u00E9t\u20AC" : u"\U0001F600";
+  const std::string utf8 = UnicodeToUtf8(text) + "\xE2\x82";  // ends in half a character
+  for (Int64 chunk : {1, 3, 4096, 1 << 20}) {
+    SCOPED_TRACE(chunk);
+    TVnMemoryStream source(utf8.data(), static_cast<Int64>(utf8.size()));
+    TVnUTF8StreamAdapter adapter(&source);
+    std::string out;
+    std::string buf(static_cast<size_t>(chunk), '\0');
+    for (Int64 n; (n = adapter.Read(buf.data(), chunk)) > 0;) out.append(buf.data(), static_cast<size_t>(n));
+    EXPECT_EQ(out, Utf16Bytes(text + u"\uFFFD"));
+  }
+  TVnMemoryStream source("", 0);
+  TVnUTF8StreamAdapter adapter(&source);
+  EXPECT_THROW(adapter.Seek(0, soEnd), EStreamError);
+  EXPECT_EQ(adapter.Seek(0, soCurrent), 0);
+}
+
+TEST(VnUTF8StreamAdapter, OwnsTheInnerStreamWhenAsked) {
+  // LeakSanitizer reports the inner stream if the adapter doesn't free it.
+  TVnUTF8StreamAdapter adapter(new TMemoryStream, false, true);
+  adapter.WriteBuffer(u"ok", 4);
+  EXPECT_EQ(adapter.GetStream()->GetSize(), 2);
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,110 @@
+// TDateTime encoding, decoding (also before 1899-12-30), stepping and the clock.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ctime>
+
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+
+using namespace vn;
+
+namespace {
+
+struct Parts {
+  Word Y, M, D, H, N, S, MS;
+  bool operator==(const Parts&) const = default;
+};
+
+Parts Decode(TDateTime AValue) {
+  Parts p{};
+  DecodeDateTime(AValue, p.Y, p.M, p.D, p.H, p.N, p.S, p.MS);
+  return p;
+}
+
+}  // namespace
+
+TEST(EncodeDate, SerialNumbers) {
+  struct Case {
+    Word Y, M, D;
+    double Serial;
+  };
+  const Case cases[] = {{1899, 12, 30, 0},  {1899, 12, 31, 1},  {1900, 1, 1, 2},       {1900, 3, 1, 61},
+                        {2000, 1, 1, 36526}, {2024, 2, 29, 45351}, {1, 1, 1, -693593}, {9999, 12, 31, 2958465}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(EncodeDate(c.Y, c.M, c.D), c.Serial) << c.Y << "-" << c.M << "-" << c.D;
+    EXPECT_EQ(Decode(c.Serial), (Parts{c.Y, c.M, c.D, 0, 0, 0, 0}));
+  }
+}
+
+TEST(EncodeDate, InvalidArguments) {
+  const Word bad[][3] = {{0, 1, 1}, {10000, 1, 1}, {2023, 2, 29}, {1900, 2, 29}, {2000, 13, 1}, {2000, 0, 1}, {2000, 4, 31}};
+  for (const auto& b : bad) {
+    TDateTime d = 0;
+    EXPECT_FALSE(TryEncodeDate(b[0], b[1], b[2], d));
+    try {
+      EncodeDate(b[0], b[1], b[2]);
+      ADD_FAILURE() << "no exception";
+    } catch (const EConvertError& e) {
+      EXPECT_EQ(e.Message(), cRtlDateEncodeError);
+    }
+  }
+  EXPECT_TRUE(IsLeapYear(2000));
+  EXPECT_FALSE(IsLeapYear(1900));
+  EXPECT_EQ(DaysInAMonth(2024, 2), 29);
+}
+
+TEST(EncodeTime, RangeAndFractions) {
+  EXPECT_EQ(EncodeTime(12, 0, 0, 0), 0.5);
+  EXPECT_EQ(EncodeTime(6, 0, 0, 0), 0.25);
+  EXPECT_EQ(Decode(EncodeTime(23, 59, 59, 999)), (Parts{1899, 12, 30, 23, 59, 59, 999}));
+  EXPECT_THROW(EncodeTime(24, 0, 0, 0), EConvertError);
+  EXPECT_THROW(EncodeTime(0, 60, 0, 0), EConvertError);
+  EXPECT_THROW(EncodeTime(0, 0, 0, 1000), EConvertError);
+}
+
+TEST(DecodeDateTime, NegativeValuesCountTimeForward) {
+  // The whole part counts days back from 1899-12-30; the fraction is still the time of day.
+  EXPECT_EQ(Decode(-1.25), (Parts{1899, 12, 29, 6, 0, 0, 0}));
+  EXPECT_EQ(Decode(-0.5), (Parts{1899, 12, 30, 12, 0, 0, 0}));
+  EXPECT_EQ(Decode(EncodeDateTime(1800, 6, 15, 18, 30, 0, 0)), (Parts{1800, 6, 15, 18, 30, 0, 0}));
+  EXPECT_LT(EncodeDateTime(1800, 6, 15, 18, 30, 0, 0), EncodeDate(1800, 6, 15));
+  // Times within half a millisecond of midnight round into the next day.
+  EXPECT_EQ(Decode(1.9999999999), (Parts{1900, 1, 1, 0, 0, 0, 0}));
+  Word y = 1, m = 1, d = 1;
+  DecodeDate(-700000, y, m, d);  // before 0001-01-01
+  EXPECT_EQ(y + m + d, 0);
+}
+
+TEST(DayOfWeek, SundayIsOne) {
+  EXPECT_EQ(DayOfWeek(0), 7);                             // 1899-12-30, a Saturday
+  EXPECT_EQ(DayOfWeek(EncodeDate(2024, 1, 1)), 2);        // Monday
+  EXPECT_EQ(DayOfWeek(EncodeDate(2023, 12, 31) + 0.9), 1);  // Sunday evening
+}
+
+TEST(IncDateTime, StepsAcrossTheOrigin) {
+  EXPECT_EQ(Decode(IncMilliSecond(0, -1)), (Parts{1899, 12, 29, 23, 59, 59, 999}));
+  EXPECT_EQ(Decode(IncMilliSecond(-1.25, 1)), (Parts{1899, 12, 29, 6, 0, 0, 1}));
+  EXPECT_EQ(Decode(IncSecond(-0.0, -3600)), (Parts{1899, 12, 29, 23, 0, 0, 0}));
+  EXPECT_EQ(Decode(IncMinute(EncodeDate(2024, 12, 31) + EncodeTime(23, 59, 0, 0), 2)), (Parts{2025, 1, 1, 0, 1, 0, 0}));
+  EXPECT_EQ(Decode(IncMilliSecond(EncodeDate(2000, 1, 1), 86400000LL * 366)), (Parts{2001, 1, 1, 0, 0, 0, 0}));
+  EXPECT_EQ(Decode(IncHour(EncodeDate(2000, 1, 1), -25)), (Parts{1999, 12, 30, 23, 0, 0, 0}));
+  EXPECT_EQ(Decode(IncYear(EncodeDate(2024, 2, 29), 1)), (Parts{2025, 2, 28, 0, 0, 0, 0}));
+  EXPECT_EQ(IncDay(10.5, 3), 13.5);
+  EXPECT_EQ(Decode(IncMonth(EncodeDate(2024, 1, 31) + 0.5, 1)), (Parts{2024, 2, 29, 12, 0, 0, 0}));
+  EXPECT_EQ(Decode(IncMonth(EncodeDate(2024, 3, 15), -15)), (Parts{2022, 12, 15, 0, 0, 0, 0}));
+}
+
+TEST(Clock, NowIsLocalTime) {
+  const std::time_t t = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&t, &local);
+  const TDateTime now = Now();
+  const TDateTime expected = EncodeDate(static_cast<Word>(local.tm_year + 1900), static_cast<Word>(local.tm_mon + 1),
+                                        static_cast<Word>(local.tm_mday)) +
+                             EncodeTime(static_cast<Word>(local.tm_hour), static_cast<Word>(local.tm_min),
+                                        static_cast<Word>(local.tm_sec), 0);
+  EXPECT_NEAR(now, expected, 5.0 / 86400);
+  EXPECT_EQ(Date(), std::trunc(Date()));
+  EXPECT_LT(Time(), 1.0);
+}

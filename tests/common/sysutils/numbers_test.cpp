@@ -1,0 +1,180 @@
+// Integer and floating-point text conversions against the platform's documented results.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+
+using namespace vn;
+
+namespace {
+
+template <class F>
+UnicodeString ConvertErrorOf(F AFunc) {
+  try {
+    AFunc();
+  } catch (const EConvertError& e) {
+    return e.Message();
+  }
+  return u"(no EConvertError)";
+}
+
+}  // namespace
+
+TEST(StrToInt, AcceptedForms) {
+  struct Case {
+    const char16_t* Text;
+    Int64 Expected;
+  };
+  const Case cases[] = {
+      {u"0", 0},           {u"42", 42},       {u"+42", 42},         {u"-42", -42},
+      {u"007", 7},         {u"$1F", 31},      {u"0x1f", 31},        {u"0X1F", 31},
+      {u"x10", 16},        {u"-$10", -16},    {u"  12", 12},        {u"2147483647", 2147483647},
+      {u"-2147483648", INT32_MIN},            {u"$FFFFFFFF", -1},   {u"$80000000", INT32_MIN},
+  };
+  for (const auto& c : cases) EXPECT_EQ(StrToInt(c.Text), c.Expected) << UnicodeToUtf8(c.Text);
+}
+
+TEST(StrToInt, RefusedFormsRaiseThePlatformText) {
+  const char16_t* bad[] = {u"",          u" ",     u"12 ",      u"1a",  u"$",  u"0x",      u"--1", u"+",
+                           u"2147483648", u"-2147483649", u"$100000000", u"1.0", u"1e3", u"\t12", u"12\n"};
+  for (const char16_t* text : bad) {
+    Integer v = 99;
+    EXPECT_FALSE(TryStrToInt(text, v)) << UnicodeToUtf8(text);
+    EXPECT_EQ(v, 99);
+  }
+  EXPECT_EQ(ConvertErrorOf([] { StrToInt(u"12x"); }), u"'12x' is not a valid integer value");
+  EXPECT_EQ(StrToIntDef(u"nope", -7), -7);
+}
+
+TEST(StrToInt64, RangeAndHex) {
+  EXPECT_EQ(StrToInt64(u"9223372036854775807"), INT64_MAX);
+  EXPECT_EQ(StrToInt64(u"-9223372036854775808"), INT64_MIN);
+  EXPECT_EQ(StrToInt64(u"$FFFFFFFFFFFFFFFF"), -1);
+  EXPECT_EQ(StrToInt64(u"$FFFFFFFF"), 4294967295LL);
+  EXPECT_THROW(StrToInt64(u"9223372036854775808"), EConvertError);
+  EXPECT_THROW(StrToInt64(u"99999999999999999999"), EConvertError);
+  EXPECT_EQ(StrToInt64Def(u"", 5), 5);
+
+  EXPECT_EQ(StrToUInt64(u"18446744073709551615"), UINT64_MAX);
+  EXPECT_EQ(StrToUInt64(u"0x8000000000000000"), 0x8000000000000000ULL);
+  EXPECT_THROW(StrToUInt64(u"18446744073709551616"), EConvertError);
+  EXPECT_THROW(StrToUInt64(u"-1"), EConvertError);
+}
+
+TEST(IntToStr, Extremes) {
+  EXPECT_EQ(IntToStr(0), u"0");
+  EXPECT_EQ(IntToStr(-17), u"-17");
+  EXPECT_EQ(IntToStr(INT64_MIN), u"-9223372036854775808");
+  EXPECT_EQ(UIntToStr(UINT64_MAX), u"18446744073709551615");
+  EXPECT_EQ(IntToHex(255, 4), u"00FF");
+  EXPECT_EQ(IntToHex(0x1234, 2), u"1234");
+  EXPECT_EQ(IntToHex(0, 0), u"0");
+}
+
+TEST(StrToBool, NumbersAndWords) {
+  EXPECT_TRUE(StrToBool(u"true"));
+  EXPECT_TRUE(StrToBool(u"TRUE"));
+  EXPECT_FALSE(StrToBool(u"False"));
+  EXPECT_TRUE(StrToBool(u"-1"));
+  EXPECT_TRUE(StrToBool(u"0.5"));
+  EXPECT_FALSE(StrToBool(u"0"));
+  EXPECT_EQ(ConvertErrorOf([] { StrToBool(u"yes"); }), u"'yes' is not a valid boolean value");
+  EXPECT_EQ(BoolToStr(true), u"-1");
+  EXPECT_EQ(BoolToStr(false), u"0");
+  EXPECT_EQ(BoolToStr(true, true), u"True");
+  EXPECT_EQ(BoolToStr(false, true), u"False");
+}
+
+TEST(FloatToStr, PlatformTable) {
+  struct Case {
+    Extended Value;
+    const char16_t* Expected;
+  };
+  const Case cases[] = {
+      {0.0, u"0"},
+      {-0.0, u"0"},
+      {0.1, u"0.1"},
+      {1.0 / 3.0, u"0.333333333333333"},
+      {2.0 / 3.0, u"0.666666666666667"},
+      {100.0, u"100"},
+      {-2.5, u"-2.5"},
+      {1e15, u"1E15"},
+      {1e14, u"100000000000000"},
+      {999999999999999.0, u"999999999999999"},
+      {9999999999999999.0, u"1E16"},
+      {1e-5, u"1E-5"},
+      {0.0001, u"0.0001"},
+      {0.00012345, u"0.00012345"},
+      {1.5e-7, u"1.5E-7"},
+      {123456789.125, u"123456789.125"},
+      {1.7976931348623157e308, u"1.79769313486232E308"},
+      {-1.7976931348623157e308, u"-1.79769313486232E308"},
+      {5e-324, u"4.94065645841247E-324"},
+      {2.2250738585072014e-308, u"2.2250738585072E-308"},
+      {1.0L / 3.0L, u"0.333333333333333"},
+      {std::numeric_limits<double>::quiet_NaN(), u"NAN"},
+      {std::numeric_limits<double>::infinity(), u"INF"},
+      {-std::numeric_limits<double>::infinity(), u"-INF"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(FloatToStr(c.Value), c.Expected) << static_cast<double>(c.Value);
+}
+
+TEST(StrToFloat, AcceptedForms) {
+  struct Case {
+    const char16_t* Text;
+    double Expected;
+  };
+  const Case cases[] = {
+      {u"0", 0.0},        {u"1.5", 1.5},     {u"-1.5", -1.5},        {u"+2", 2.0},
+      {u".5", 0.5},       {u"5.", 5.0},      {u"1e3", 1000.0},       {u"1E+3", 1000.0},
+      {u"2.5e-3", 0.0025}, {u"  7.25  ", 7.25}, {u"1e-5000", 0.0}, {u"1e-99999999999999999999", 0.0}, {u"0e99999", 0.0},    {u"0.1", 0.1},
+  };
+  for (const auto& c : cases) EXPECT_EQ(static_cast<double>(StrToFloat(c.Text)), c.Expected) << UnicodeToUtf8(c.Text);
+  // FloatToStr of the largest double reads back as an Extended just above it.
+  EXPECT_EQ(StrToFloat(u"1.79769313486232E308"), 1.79769313486232e308L);
+  EXPECT_TRUE(std::isnan(StrToFloat(u"NAN")));
+  EXPECT_EQ(StrToFloat(u"-inf"), -std::numeric_limits<Extended>::infinity());
+}
+
+TEST(StrToFloat, RefusedForms) {
+  const char16_t* bad[] = {u"", u" ", u".", u"e5", u"1e", u"1e+", u"1,5", u"1.2.3", u"0x10", u"1 2", u"--1", u"1e5000", u"abc",
+                           u"1e99999999999999999999", u"1e+", u"INFINITY", u"+-1"};
+  for (const char16_t* text : bad) {
+    Extended v = 42;
+    EXPECT_FALSE(TryStrToFloat(text, v)) << UnicodeToUtf8(text);
+  }
+  Double d = 0;
+  EXPECT_FALSE(TryStrToFloat(u"1e400", d));  // fits Extended, not Double
+  EXPECT_EQ(ConvertErrorOf([] { StrToFloat(u"1,5"); }), u"'1,5' is not a valid floating point value");
+  EXPECT_EQ(StrToFloatDef(u"x", 2.5), 2.5);
+}
+
+TEST(FloatToStr, RoundTripsThroughStrToFloat) {
+  for (double v : {0.1, 1.0 / 7.0, 123.456, 6.02214076e23, 1e-300, 42.0})
+    EXPECT_EQ(FloatToStr(StrToFloat(FloatToStr(v))), FloatToStr(v));
+}
+
+TEST(Rounding, BankersRoundAndFriends) {
+  struct Case {
+    Extended Value;
+    Int64 Round, Trunc, Ceil, Floor;
+  };
+  const Case cases[] = {
+      {0.5, 0, 0, 1, 0},     {1.5, 2, 1, 2, 1},     {2.5, 2, 2, 3, 2},   {-0.5, 0, 0, 0, -1},
+      {-1.5, -2, -1, -1, -2}, {-2.5, -2, -2, -2, -3}, {2.6, 3, 2, 3, 2},  {-2.6, -3, -2, -2, -3},
+      {7.0, 7, 7, 7, 7},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Round(c.Value), c.Round) << static_cast<double>(c.Value);
+    EXPECT_EQ(Trunc(c.Value), c.Trunc) << static_cast<double>(c.Value);
+    EXPECT_EQ(Ceil(c.Value), c.Ceil) << static_cast<double>(c.Value);
+    EXPECT_EQ(Floor(c.Value), c.Floor) << static_cast<double>(c.Value);
+  }
+  EXPECT_THROW(Round(1e30), EInvalidOp);
+  EXPECT_THROW(Trunc(std::numeric_limits<Extended>::quiet_NaN()), EInvalidOp);
+}

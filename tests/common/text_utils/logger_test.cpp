@@ -1,0 +1,85 @@
+// Named loggers: identity by name, level filtering, and the replaceable sink.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "vnxml/common/logger.h"
+
+namespace vn {
+namespace {
+
+struct Record {
+  TVnLogLevel Level;
+  UnicodeString Name;
+  UnicodeString Message;
+  bool operator==(const Record&) const = default;
+};
+
+// Installs a recording sink for one test and restores the silent default afterwards.
+class LoggerTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Logger::SetSink([this](TVnLogLevel ALevel, std::u16string_view AName, std::u16string_view AMessage) {
+      std::lock_guard lock(FMutex);
+      FRecords.push_back({ALevel, UnicodeString(AName), UnicodeString(AMessage)});
+    });
+  }
+  void TearDown() override { Logger::SetSink({}); }
+
+  std::vector<Record> Records() {
+    std::lock_guard lock(FMutex);
+    return FRecords;
+  }
+
+ private:
+  std::mutex FMutex;
+  std::vector<Record> FRecords;
+};
+
+TEST_F(LoggerTest, OneLoggerPerName) {
+  TVnLogger& xpath = Logger::GetLogger(u"XPath");
+  EXPECT_EQ(&xpath, &Logger::GetLogger(u"XPath"));
+  EXPECT_NE(&xpath, &Logger::GetLogger(u"xpath"));
+  EXPECT_EQ(xpath.GetName(), u"XPath");
+}
+
+TEST_F(LoggerTest, SinkReceivesWhatPassesTheLevel) {
+  TVnLogger& log = Logger::GetLogger(u"test.levels");
+  log.Debug(u"d");
+  log.Info(u"i");
+  log.SetLevel(llWarn);
+  EXPECT_FALSE(log.IsEnabled(llInfo));
+  EXPECT_TRUE(log.IsEnabled(llError));
+  log.Info(u"dropped");
+  log.Warn(u"w");
+  log.Error(u"e");
+  log.SetLevel(llDebug);
+  EXPECT_EQ(Records(), (std::vector<Record>{{llDebug, u"test.levels", u"d"},
+                                            {llInfo, u"test.levels", u"i"},
+                                            {llWarn, u"test.levels", u"w"},
+                                            {llError, u"test.levels", u"e"}}));
+}
+
+TEST_F(LoggerTest, EmptySinkSilencesEverything) {
+  Logger::SetSink({});
+  Logger::GetLogger(u"test.silent").Error(u"nobody hears this");
+  EXPECT_TRUE(Records().empty());
+  EXPECT_EQ(Logger::LevelName(llWarn), u"WARN");
+}
+
+TEST_F(LoggerTest, ConcurrentLoggingLosesNothing) {
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([] {
+      for (int i = 0; i < 250; ++i) Logger::GetLogger(u"test.threads").Info(u"x");
+    });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(Records().size(), 1000u);
+}
+
+}  // namespace
+}  // namespace vn

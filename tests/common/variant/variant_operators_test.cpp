@@ -1,0 +1,205 @@
+// Variant comparison and arithmetic: the platform's coercion and result kinds, failures included.
+#include <cmath>
+#include <limits>
+
+#include "variant_test_support.h"
+#include "vnxml/common/interfaced_object.h"
+
+namespace vn {
+namespace {
+
+using test::CastText;
+using test::ExpectRaise;
+using test::ExpectVariant;
+
+const char* RelText(TVariantRelationship r) {
+  static const char* const kNames[] = {"vrEqual", "vrLessThan", "vrGreaterThan", "vrNotEqual"};
+  return kNames[r];
+}
+
+TEST(VariantComparison, Table) {
+  struct Row {
+    Variant A, B;
+    TVariantRelationship Expected;
+  };
+  const double nan = std::nan("");
+  const Row rows[] = {
+      // numbers across kinds
+      {1, 1.0, vrEqual},
+      {int8_t(-1), uint64_t(UINT64_MAX), vrLessThan},
+      {uint64_t(UINT64_MAX), int64_t(-1), vrGreaterThan},
+      {int64_t(INT64_MAX), int64_t(INT64_MAX - 1), vrGreaterThan},  // beyond a double's precision
+      {Currency::FromRaw(15000), 1.5f, vrEqual},
+      {Currency::FromRaw(1), Currency::FromRaw(2), vrLessThan},
+      {Variant::FromDate(2), 2, vrEqual},
+      {nan, nan, vrNotEqual},
+      // texts compare as texts, code unit by code unit
+      {u"2", u"10", vrGreaterThan},
+      {u"abc", u"abd", vrLessThan},
+      {u"B", u"a", vrLessThan},
+      {"abc", u"abc", vrEqual},
+      {Variant::FromOleStr(u"x"), u"x", vrEqual},
+      // a text against a number becomes a number
+      {2, u"10", vrLessThan},
+      {u"5.0", 5, vrEqual},
+      {u"9223372036854775807", int64_t(INT64_MAX), vrEqual},
+      {u" 7", 7, vrEqual},
+      // True is -1 as a number; a text against a Boolean is read as a Boolean
+      {true, -1, vrEqual},
+      {true, false, vrLessThan},
+      {u"True", true, vrEqual},
+      {u"0", false, vrEqual},
+      {u"2024-02-29", Variant::FromDate(EncodeDate(2024, 2, 29)), vrEqual},
+      // Empty is 0 or "" as the other side needs; Null equals only Null
+      {Variant(), 0, vrEqual},
+      {Variant(), u"", vrEqual},
+      {Variant(), u"a", vrLessThan},
+      {Variant(), Variant(), vrEqual},
+      {Variant::Null(), Variant::Null(), vrEqual},
+      {Variant::Null(), 1, vrNotEqual},
+      {Variant::Null(), Variant(), vrNotEqual},
+      {u"", Variant::Null(), vrNotEqual},
+  };
+  for (const Row& r : rows) {
+    TVariantRelationship got = VarCompareValue(r.A, r.B);
+    EXPECT_EQ(got, r.Expected) << testing::PrintToString(r.A) << " vs " << testing::PrintToString(r.B) << ": "
+                               << RelText(got);
+  }
+}
+
+TEST(VariantComparison, Operators) {
+  EXPECT_TRUE(Variant(1) == Variant(1.0));
+  EXPECT_TRUE(Variant(u"10") < Variant(u"9"));  // texts, not numbers
+  EXPECT_TRUE(Variant(10) > Variant(u"9.5"));  // a number
+  EXPECT_TRUE(Variant(2) <= 2.0);
+  EXPECT_TRUE(Variant(3) >= Variant(u"3"));
+  EXPECT_TRUE(Variant::Null() == Variant::Null());
+  EXPECT_TRUE(Variant::Null() != 1);
+  EXPECT_FALSE(Variant::Null() == Variant());
+  // In ordering Null stands for Unassigned.
+  EXPECT_TRUE(Variant::Null() < 1);
+  EXPECT_TRUE(Variant::Null() <= Variant());
+  EXPECT_FALSE(Variant(std::nan("")) == Variant(std::nan("")));
+  EXPECT_FALSE(Variant(std::nan("")) < 1);
+}
+
+TEST(VariantComparison, FailuresAndInterfaces) {
+  // The failure a path filter relies on: a text without number against a number.
+  ExpectRaise<EVariantTypeCastError>([] { (void)(Variant(u"x") == Variant(5)); }, CastText(u"UnicodeString", u"Double"));
+  ExpectRaise<EVariantTypeCastError>([] { (void)(Variant(5) < Variant("x")); }, CastText(u"String", u"Double"));
+  ExpectRaise<EVariantTypeCastError>([] { (void)(Variant(u"yes") == Variant(true)); },
+                                     CastText(u"UnicodeString", u"Boolean"));
+  ExpectRaise<EVariantInvalidOpError>([] { (void)(VarArrayOf({1}) == Variant(1)); }, test::U8(cRtlVarInvalidOp));
+  ExpectRaise<EVariantInvalidOpError>([] { (void)(VarArrayOf({1}) == VarArrayOf({1})); });
+
+  IPtr<IInterface> a(new TInterfacedObject), b(new TInterfacedObject);
+  EXPECT_TRUE(Variant(a) == Variant(a));
+  EXPECT_FALSE(Variant(a) == Variant(b));
+  EXPECT_EQ(VarCompareValue(Variant(a), Variant(b)), vrNotEqual);
+  ExpectRaise<EVariantInvalidOpError>([&] { (void)(Variant(a) < Variant(b)); });
+  ExpectRaise<EVariantInvalidOpError>([&] { (void)(Variant(a) == Variant(1)); });
+}
+
+TEST(VariantArithmetic, ResultKinds) {
+  struct Row {
+    Variant Result;
+    TVarType Type;
+    Variant Value;
+  };
+  const Variant date = Variant::FromDate(EncodeDate(2024, 2, 28));
+  const Row rows[] = {
+      {Variant(1) + 2, varInteger, 3},
+      {Variant(int16_t(1)) + uint8_t(2), varInteger, 3},
+      {Variant(INT32_MAX) + 1, varInt64, int64_t(2147483648LL)},  // grows rather than wraps
+      {Variant(int64_t(1)) + 1, varInt64, int64_t(2)},
+      {Variant(int64_t(INT64_MAX)) + 1, varDouble, 9223372036854775808.0},
+      {Variant(INT32_MIN) * -1, varInt64, int64_t(2147483648LL)},
+      {Variant(1) + 2.5, varDouble, 3.5},
+      {Variant(1.5f) + 1.5f, varSingle, 3.0f},
+      {Variant(1.5f) + 1, varDouble, 2.5},
+      {Variant(3e38f) * 10.0f, varSingle, std::numeric_limits<float>::infinity()},
+      {Variant(Currency::FromRaw(15000)) + 1, varCurrency, Currency::FromRaw(25000)},
+      {Variant(Currency::FromRaw(15000)) * Currency::FromRaw(15000), varCurrency, Currency::FromRaw(22500)},
+      {Variant(Currency::FromRaw(10000)) / 3, varCurrency, Currency::FromRaw(3333)},
+      {Variant(Currency::FromRaw(15000)) + 0.25, varDouble, 1.75},
+      {Variant(7) / 2, varDouble, 3.5},
+      {Variant(u"1") + 2, varDouble, 3},  // the text becomes a number
+      {Variant(u"1.5") * u"2", varDouble, 3},
+      {Variant(u"a") + u"b", varUString, u"ab"},
+      {Variant("a") + "b", varString, "ab"},
+      {Variant::FromOleStr(u"a") + "b", varOleStr, u"ab"},
+      {Variant() + u"b", varUString, u"b"},
+      {Variant() + 1, varInteger, 1},
+      {Variant() + Variant(), varInteger, 0},
+      {Variant(true) + 1, varInteger, 0},
+      {date + 1, varDate, Variant::FromDate(EncodeDate(2024, 2, 29))},
+      {date - 1.5, varDate, Variant::FromDate(EncodeDate(2024, 2, 26) + 0.5)},
+      {Variant::FromDate(EncodeDate(2024, 3, 1)) - date, varDouble, 2},
+      {VarIntDiv(7, 2), varInteger, 3},
+      {VarIntDiv(-7, 2), varInteger, -3},
+      {VarIntDiv(7.5, 2), varInteger, 4},  // 7.5 rounds to 8 first
+      {VarIntDiv(int64_t(10), u"3"), varInt64, int64_t(3)},
+      {Variant(7) % 3, varInteger, 1},
+      {Variant(-7) % 3, varInteger, -1},
+      {-Variant(5), varInteger, -5},
+      {-Variant(INT32_MIN), varInt64, int64_t(2147483648LL)},
+      {-Variant(u"2.5"), varDouble, -2.5},
+      {-Variant(Currency::FromRaw(1)), varCurrency, Currency::FromRaw(-1)},
+      {-Variant(uint64_t(9223372036854775808ULL)), varInt64, int64_t(INT64_MIN)},
+      {-Variant(true), varInteger, 1},
+  };
+  for (size_t i = 0; i < std::size(rows); ++i) {
+    SCOPED_TRACE(i);
+    ExpectVariant(rows[i].Result, rows[i].Type, rows[i].Value);
+  }
+}
+
+TEST(VariantArithmetic, LogicAndNot) {
+  ExpectVariant(Variant(true) & false, varBoolean, false);
+  ExpectVariant(Variant(true) | u"False", varBoolean, true);
+  ExpectVariant(Variant(true) ^ true, varBoolean, false);
+  ExpectVariant(Variant(6) & 3, varInteger, 2);
+  ExpectVariant(Variant(6) | int64_t(1), varInt64, int64_t(7));
+  ExpectVariant(Variant(6) ^ 3, varInteger, 5);
+  ExpectVariant(Variant(true) & 3, varInteger, 3);  // -1 and 3
+  ExpectVariant(!Variant(true), varBoolean, false);
+  ExpectVariant(!Variant(0), varInteger, -1);
+  ExpectVariant(!Variant(u"False"), varBoolean, true);
+  ExpectVariant(!Variant(u"5"), varInteger, -6);
+  EXPECT_TRUE(VarIsNull(!Variant::Null()));
+  ExpectRaise<EVariantTypeCastError>([] { (void)!Variant(u"x"); }, CastText(u"UnicodeString", u"Boolean"));
+}
+
+TEST(VariantArithmetic, NullPropagatesAndFailuresRaise) {
+  EXPECT_TRUE(VarIsNull(Variant::Null() + 1));
+  EXPECT_TRUE(VarIsNull(Variant(u"x") * Variant::Null()));
+  EXPECT_TRUE(VarIsNull(VarIntDiv(Variant::Null(), 0)));
+  EXPECT_TRUE(VarIsNull(-Variant::Null()));
+
+  ExpectRaise<EVariantTypeCastError>([] { (void)(Variant(u"a") + 1); }, CastText(u"UnicodeString", u"Double"));
+  ExpectRaise<EVariantTypeCastError>([] { (void)(Variant(u"a") % 2); }, CastText(u"UnicodeString", u"Int64"));
+  ExpectRaise<EVariantInvalidOpError>([] { (void)(VarArrayOf({1}) + 1); }, test::U8(cRtlVarInvalidOp));
+  ExpectRaise<EVariantInvalidOpError>([] { (void)(Variant(IPtr<IInterface>()) + 1); });
+  ExpectRaise<EVariantInvalidOpError>([] { (void)-VarArrayOf({1}); });
+  ExpectRaise<EDivByZero>([] { (void)VarIntDiv(1, 0); }, test::U8(cRtlDivByZero));
+  ExpectRaise<EDivByZero>([] { (void)(Variant(1) % 0); });
+  ExpectRaise<EZeroDivide>([] { (void)(Variant(1) / 0); }, test::U8(cRtlZeroDivide));
+  ExpectRaise<EInvalidOp>([] { (void)(Variant(0.0) / 0); });
+  ExpectRaise<EZeroDivide>([] { (void)(Variant(Currency::FromRaw(1)) / 0); });
+  // The edges of 64-bit division neither trap nor wrap.
+  ExpectVariant(Variant(int64_t(INT64_MIN)) % -1, varInt64, int64_t(0));
+  ExpectVariant(VarIntDiv(int64_t(INT64_MIN), -1), varDouble, 9223372036854775808.0);
+}
+
+TEST(VariantArithmetic, CompoundAssignmentConcatenatesLikeTheFunctionLibrary) {
+  // Concatenation from an empty text, as a sequence of additions builds it.
+  Variant text = u"";
+  for (const Variant& part : {Variant(u"a"), Variant(u"b"), Variant(u"c")}) text += part;
+  EXPECT_EQ(text.AsString(), u"abc");
+  Variant sum = 0;
+  for (int i = 1; i <= 4; ++i) sum += i;
+  ExpectVariant(sum, varInteger, 10);
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,169 @@
+// Counted objects: self-destruction, SetAutoDestroy, shared counts across interfaces, Assign,
+// and EVnException's code.
+#include <gtest/gtest.h>
+
+#include "vnxml/common/interfaced_object.h"
+#include "vnxml/common/vn_component.h"
+#include "vnxml/common/vn_exception.h"
+#include "vnxml/common/vn_object.h"
+
+namespace vn {
+namespace {
+
+struct IGreeter : IVnObject {
+  static constexpr TGUID IID = TGUID::Parse("0C1D4A4E-2B7C-4E57-9B0D-6A3A1F0E5C11");
+  virtual UnicodeString Greet() = 0;
+};
+struct ICounter : IInterface {
+  static constexpr TGUID IID = TGUID::Parse("5D0C2E0B-7A61-4B0E-8F5A-0E3C9B7D2A44");
+  virtual int Next() = 0;
+};
+
+// Records its destruction in a flag owned by the test.
+class TGreeter : public TVnObject, public IGreeter, public ICounter {
+  VN_DECLARE_CLASS(TGreeter, TVnObject)
+  VN_VNOBJECT_INTERFACES(TVnObject, IGreeter, ICounter)
+ public:
+  explicit TGreeter(bool* ADestroyed = nullptr) : FDestroyed(ADestroyed) {}
+  ~TGreeter() override {
+    if (FDestroyed) *FDestroyed = true;
+  }
+  UnicodeString Greet() override { return u"hello"; }
+  int Next() override { return ++FNext; }
+
+ private:
+  bool* FDestroyed;
+  int FNext = 0;
+};
+
+TEST(VnObject, LastInterfaceFreesTheObjectThroughAnyOfItsInterfaces) {
+  bool destroyed = false;
+  {
+    IPtr<IGreeter> greeter(new TGreeter(&destroyed));
+    IPtr<ICounter> counter = greeter.As<ICounter>();
+    IPtr<IVnObject> base = counter.As<IVnObject>();
+    IPtr<IInterface> unknown = greeter.As<IInterface>();
+    ASSERT_TRUE(counter && base && unknown);
+    auto* object = static_cast<TGreeter*>(greeter->Implementor());
+    EXPECT_EQ(object->GetRefCount(), 4);  // one count, whichever interface holds it
+    EXPECT_EQ(base->Implementor(), object);
+    EXPECT_EQ(VnImplementor(counter.Get()), object);
+    EXPECT_EQ(counter->Next(), 1);
+    greeter = nullptr;
+    counter = nullptr;
+    base = nullptr;
+    EXPECT_FALSE(destroyed);
+  }
+  EXPECT_TRUE(destroyed);
+}
+
+TEST(VnObject, AutoDestroyOffLeavesTheObjectToItsCreator) {
+  bool destroyed = false;
+  auto* object = new TGreeter(&destroyed);
+  EXPECT_TRUE(object->GetAutoDestroy());
+  object->SetAutoDestroy(false);
+  {
+    IPtr<IGreeter> held(object);
+    IPtr<IVnObject> other = held.As<IVnObject>();
+  }
+  EXPECT_FALSE(destroyed);
+  EXPECT_EQ(object->GetRefCount(), 0);
+  // Turning it back on doesn't free by itself; the next count that reaches 0 does.
+  object->SetAutoDestroy(true);
+  EXPECT_FALSE(destroyed);
+  { IPtr<IGreeter> again(object); }
+  EXPECT_TRUE(destroyed);
+}
+
+TEST(VnObject, UnknownInterfacesAndPlainObjects) {
+  IPtr<IVnObject> plain(new TVnObject);
+  EXPECT_FALSE(plain.As<IGreeter>());
+  void* obj = reinterpret_cast<void*>(1);
+  EXPECT_EQ(plain->QueryInterface(ICounter::IID, &obj), E_NOINTERFACE);
+  EXPECT_EQ(obj, nullptr);
+  EXPECT_EQ(VnImplementor(plain.Get()), plain->Implementor());
+  EXPECT_EQ(VnImplementor(nullptr), nullptr);
+
+  // An object without IVnObject has no implementor to give.
+  IPtr<IInterface> interfaced(new TInterfacedObject);
+  EXPECT_EQ(VnImplementor(interfaced.Get()), nullptr);
+  EXPECT_EQ(static_cast<TInterfacedObject*>(interfaced.Get())->GetRefCount(), 1);
+}
+
+class TPoint : public TVnObjectEx {
+  VN_DECLARE_CLASS(TPoint, TVnObjectEx)
+ public:
+  int X = 0;
+
+ protected:
+  void AssignTo(TObject* ADest) const override {
+    if (auto* dest = CastObject<TPoint>(ADest)) {
+      dest->X = X;
+      return;
+    }
+    TVnObjectEx::AssignTo(ADest);
+  }
+};
+class TOther : public TVnObjectEx {
+  VN_DECLARE_CLASS(TOther, TVnObjectEx)
+};
+
+TEST(VnObjectEx, AssignCopiesThroughAssignToOrNamesBothClasses) {
+  TPoint a, b;
+  a.X = 7;
+  b.Assign(&a);
+  EXPECT_EQ(b.X, 7);
+
+  TOther other;
+  auto expectAssignError = [](TVnObjectEx& ADest, const TObject* ASource, const UnicodeString& AMessage) {
+    try {
+      ADest.Assign(ASource);
+      ADD_FAILURE() << "no exception";
+    } catch (const EConvertError& e) {
+      EXPECT_EQ(e.Message(), AMessage);
+    }
+  };
+  expectAssignError(other, &a, u"Cannot assign a TPoint to a TOther");
+  expectAssignError(a, &other, u"Cannot assign a TOther to a TPoint");
+  expectAssignError(a, nullptr, u"Cannot assign a nil to a TPoint");
+  TObject plain;
+  expectAssignError(a, &plain, u"Cannot assign a TObject to a TPoint");
+}
+
+TEST(VnComponent, CountsLikeAVnObjectAndLeavesItsOwnerWhenFreed) {
+  TComponent owner;
+  auto* component = new TVnComponent(&owner);
+  {
+    IPtr<IVnObject> held(component);
+    EXPECT_EQ(held->Implementor(), component);
+    EXPECT_EQ(owner.GetComponentCount(), 1);
+  }
+  // The count freed it, and its destructor took it out of the owner's list.
+  EXPECT_EQ(owner.GetComponentCount(), 0);
+
+  auto* kept = new TVnComponent(&owner);
+  kept->SetAutoDestroy(false);
+  { IPtr<IVnObject> held(kept); }
+  EXPECT_EQ(owner.GetComponentCount(), 1);  // the owner frees it at the end of the test
+}
+
+VN_EXCEPTION(EVnTestError, EVnException)
+
+TEST(VnException, MessageFormatAndCode) {
+  const EVnException plain(u"plain");
+  EXPECT_EQ(plain.Message(), u"plain");
+  EXPECT_EQ(plain.GetCode(), 0);
+  // A format with one integer argument stays a format, not a code.
+  const EVnException formatted(u"%d items", {5});
+  EXPECT_EQ(formatted.Message(), u"5 items");
+  EXPECT_EQ(formatted.GetCode(), 0);
+  const EVnTestError coded(42, u"at %s", {u"x"});
+  EXPECT_EQ(coded.Message(), u"at x");
+  EXPECT_EQ(coded.GetCode(), 42);
+  EXPECT_STREQ(coded.what(), "at x");
+  EXPECT_TRUE(coded.InheritsFrom(EVnException::StaticClass()));
+  EXPECT_EQ(coded.ClassName(), u"EVnTestError");
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,173 @@
+// Lifetimes of the two halves: each case would read freed memory or leak under ASan if a rule broke.
+#include <gtest/gtest.h>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/dom.h"
+#include "vnxml/dom_messages.h"
+
+namespace vn {
+namespace {
+
+struct ITestExtra : IInterface {
+  static constexpr TGUID IID = TGUID::Parse("0b3c8a30-95a1-4d2e-9c0d-6f1d2f3e4a5b");
+  virtual int Answer() = 0;
+
+ protected:
+  ~ITestExtra() = default;
+};
+
+// An element that answers an interface of its own, which its Impl does not know.
+class TExtraElement : public TVnDOMElement, public ITestExtra {
+ public:
+  int Answer() override { return 42; }
+  HRESULT QueryInterface(const TGUID& AIID, void** AObj) override { return TVnDOMElement::QueryInterface(AIID, AObj); }
+  int32_t _AddRef() override { return TVnDOMElement::_AddRef(); }
+  int32_t _Release() override { return TVnDOMElement::_Release(); }
+
+ protected:
+  HRESULT QueryObjectInterface(const TGUID& AIID, void** AObj) override {
+    return detail::QueryInterfaces<ITestExtra>(this, AIID, AObj);
+  }
+};
+
+TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
+  auto doc = std::make_unique<TVnDOMDocument>();
+  TVnDOMElement* root = doc->CreateRootNode(u"root");
+  TVnDOMElement* child = root->AddElement(u"a")->AddElement(u"b");
+  {
+    IPtr<IVnDOMElement> held = child->As<IVnDOMElement>();
+    ASSERT_TRUE(held);
+    EXPECT_NE(child->GetDOMImpl(), nullptr);
+    EXPECT_NE(root->GetDOMImpl(), nullptr);
+    EXPECT_NE(doc->GetDOMImpl(), nullptr);
+    EXPECT_EQ(TVnDOMObjectImpl::Node(held.Get())->GetDOMDocument(), doc.get());
+  }
+  // The last release leaves every node in the tree, without an interface half; the document,
+  // which no interface ever held directly, stays its creator's.
+  EXPECT_EQ(child->GetDOMImpl(), nullptr);
+  EXPECT_EQ(root->GetDOMImpl(), nullptr);
+  EXPECT_EQ(doc->GetDOMImpl(), nullptr);
+  EXPECT_EQ(root->FirstElement()->FirstElement(), child);
+}
+
+TEST(DomLifetime, ReleasingLastInterfaceOfDetachedNodeFreesIt) {
+  auto* e = new TVnDOMElement();
+  e->SetQualifiedName(u"x");
+  e->AddElement(u"child")->AddText(u"t");
+  IPtr<IVnDOMElement> i = e->As<IVnDOMElement>();
+  i = nullptr;  // frees e and its subtree: LeakSanitizer would report otherwise
+}
+
+TEST(DomLifetime, RemovedNodeWithInterfaceSurvivesWithoutDocument) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  TVnDOMElement* a = root->AddElement(u"a");
+  a->AddElement(u"inner");
+  IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
+  root->RemoveChild(a);
+  EXPECT_EQ(root->ElementCount(), 0);
+  EXPECT_EQ(a->GetDOMDocument(), nullptr);
+  EXPECT_EQ(a->GetParent(), nullptr);
+  EXPECT_FALSE(held->ParentNode());
+  EXPECT_EQ(held->ElementCount(), 1);
+  held = nullptr;  // now a goes
+}
+
+TEST(DomLifetime, RemoveChildWithoutInterfaceFrees) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  for (int i = 0; i < 3; ++i) root->AddElement(u"a")->AddAttribute(u"k");
+  root->RemoveChild(root->FirstElement());
+  root->Clear();
+  EXPECT_FALSE(root->HasChilds());
+}
+
+TEST(DomLifetime, FreeingDocumentWhileNodeIsHeldRaises) {
+  auto* doc = new TVnDOMDocument();
+  TVnDOMElement* root = doc->CreateRootNode(u"root");
+  IPtr<IVnDOMElement> held = root->AddElement(u"a")->As<IVnDOMElement>();
+  try {
+    doc->Free();
+    FAIL() << "no exception";
+  } catch (const Exception& e) {
+    EXPECT_EQ(e.Message(), Format(cVnDomDestroyedWhileCounted, {u"TVnDOMDocument"}));
+  }
+  // The refused free left everything in place.
+  EXPECT_EQ(held->ParentNode()->GetQualifiedName(), u"root");
+  held = nullptr;
+  doc->Free();
+}
+
+TEST(DomLifetime, DeletingDocumentDetachesHeldNodes) {
+  auto doc = std::make_unique<TVnDOMDocument>();
+  TVnDOMElement* root = doc->CreateRootNode(u"root");
+  IPtr<IVnDOMElement> held = root->AddElement(u"a")->As<IVnDOMElement>();
+  doc.reset();  // delete never raises: the held subtree lives on, detached
+  EXPECT_FALSE(held->Document());
+  EXPECT_EQ(held->GetQualifiedName(), u"a");
+}
+
+TEST(DomLifetime, ReleaseWithoutImplRaises) {
+  TVnDOMElement e;
+  try {
+    e._Release();
+    FAIL() << "no exception";
+  } catch (const Exception& ex) {
+    EXPECT_EQ(ex.Message(), cVnDomNoImpl);
+  }
+}
+
+TEST(DomLifetime, ObjectAnswersWhatImplDeclines) {
+  auto* e = new TExtraElement();
+  e->SetQualifiedName(u"x");
+  IPtr<IVnDOMElement> i = e->As<IVnDOMElement>();
+  EXPECT_FALSE(i.As<ITestExtra>());  // the Impl alone does not know it
+  IPtr<ITestExtra> extra = e->As<ITestExtra>();
+  ASSERT_TRUE(extra);
+  EXPECT_EQ(extra->Answer(), 42);
+  EXPECT_EQ(TVnDOMObjectImpl::Node(extra.Get()), e);
+  i = nullptr;
+  extra = nullptr;  // the shared count ends here and frees e
+}
+
+TEST(DomLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  root->AddElement(u"a");
+  {
+    IPtr<IVnDOMElementList> owned = root->As<IVnDOMElement>()->GetElements();
+    EXPECT_EQ(owned->Count(), 1);
+  }
+  EXPECT_EQ(root->GetElements()->Count(), 1);  // the node's list is still there
+  IPtr<IVnDOMElementList> made = root->As<IVnDOMElement>()->CreateElementList(u"*", true);
+  EXPECT_EQ(made->Count(), 2);
+  made = nullptr;  // a caller's list goes with its last interface
+}
+
+TEST(DomLifetime, CloneThroughInterfaceBelongsToTheInterface) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  root->AddElement(u"a")->SetAttribute(u"k", u"v");
+  IPtr<IVnDOMNode> clone;
+  root->As<IVnDOMNode>()->CloneNode(true, clone);
+  EXPECT_FALSE(clone->ParentNode());
+  EXPECT_EQ(clone->NodeCount(), 1);
+}
+
+TEST(DomLifetime, DeepTreesAreBuiltHeldAndFreedWithoutRecursion) {
+  constexpr int kDepth = 100000;
+  auto doc = std::make_unique<TVnDOMDocument>();
+  TVnDOMElement* e = doc->CreateRootNode(u"r");
+  for (int i = 0; i < kDepth; ++i) e = e->AddElement(u"d");
+  {
+    IPtr<IVnDOMElement> deepest = e->As<IVnDOMElement>();  // an Impl on every ancestor
+    EXPECT_EQ(deepest->GetQualifiedName(), u"d");
+  }
+  auto clone = doc->GetRootNode()->CloneNode(true);
+  EXPECT_EQ(clone->NodeCount(), 1);
+  clone.reset();
+  doc.reset();
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,219 @@
+// Escaping and decoding of XML character data: the replacement table, the lenient decoder, the
+// entity keys, the 8-bit and stream forms, and round trips.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "vnxml/common/exception.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/xml_escape.h"
+
+namespace vn {
+namespace {
+
+// ---- escaping ----
+
+struct EscapeCase {
+  std::u16string_view Input;
+  bool Apostrophe;
+  bool Quote;
+  std::u16string_view Expected;
+};
+
+TEST(VnStrToXML, ReplacesMarkupAndControlCharacters) {
+  const EscapeCase cases[] = {
+      {u"", true, true, u""},
+      {u"plain text", true, true, u"plain text"},
+      {u"a<b>c&d", false, false, u"a&lt;b&gt;c&amp;d"},
+      {u"]]>", false, false, u"]]&gt;"},  // '>' always, not only after "]]"
+      {u"a'b", false, true, u"a'b"},
+      {u"a'b", true, false, u"a&apos;b"},
+      {u"a\"b", true, false, u"a\"b"},
+      {u"a\"b", false, true, u"a&quot;b"},
+      {u"\t\n\r", true, true, u"&#9;&#10;&#13;"},
+      {u"\x01x\x1F", true, true, u"&#1;x&#31;"},
+      {u"\x7F \u00E9\u20AC", true, true, u"\x7F \u00E9\u20AC"},  // DEL and anything above stay
+      {u"\U0001F600\xD800", true, true, u"\U0001F600\xD800"},    // pairs and lone surrogates too
+      {u"<<", true, true, u"&lt;&lt;"},
+      {u"&amp;", true, true, u"&amp;amp;"},  // already escaped text is escaped again
+  };
+  for (const EscapeCase& c : cases)
+    EXPECT_EQ(VnStrToXML(c.Input, c.Apostrophe, c.Quote), c.Expected)
+        << std::string(c.Input.begin(), c.Input.end());
+}
+
+TEST(VnStrToXML, StringFormDropsCharacterZeroOtherFormsKeepIt) {
+  const std::u16string withNul(u"a\0b<", 4);
+  EXPECT_EQ(VnStrToXML(withNul, true, true), u"ab&lt;");
+  EXPECT_EQ(VnStrToXML(std::string_view("a\0b<", 4), true, true), std::string("a\0b&lt;", 7));
+  TVnStringStream stream;
+  VnStrToXML(withNul.data(), static_cast<Integer>(withNul.size()), stream, true, true);
+  EXPECT_EQ(stream.GetWString(), std::u16string(u"a\0b&lt;", 7));
+}
+
+TEST(VnStrToXML, AnsiFormWorksOnBytes) {
+  EXPECT_EQ(VnStrToXML("x<'\"\n", true, true), "x&lt;&apos;&quot;&#10;");
+  EXPECT_EQ(VnStrToXML("x'\"", false, false), "x'\"");
+  EXPECT_EQ(VnStrToXML("caf\xC3\xA9 \xFF", true, true), "caf\xC3\xA9 \xFF");  // bytes above 127 pass
+  EXPECT_EQ(VnStrToXML("", true, true), "");
+}
+
+TEST(VnStrToXML, StreamFormAppendsInTheStreamsCodePage) {
+  TVnStringStream utf16;
+  utf16.Add(u"<p>");
+  const std::u16string text = u"\u00E9 & \"x\"\n'";
+  VnStrToXML(text.data(), static_cast<Integer>(text.size()), utf16, false, true);
+  EXPECT_EQ(utf16.GetWString(), u"<p>\u00E9 &amp; &quot;x&quot;&#10;'");
+
+  TVnStringStream utf8(cVnCodePageUTF8);
+  VnStrToXML(text.data(), static_cast<Integer>(text.size()), utf8, true, false);
+  EXPECT_EQ(utf8.GetAsUTF8(), "\xC3\xA9 &amp; \"x\"&#10;&apos;");
+
+  // A length cuts the text, and nothing at all is written for an empty one.
+  TVnStringStream cut;
+  VnStrToXML(u"ab<cd", 3, cut, true, true);
+  VnStrToXML(u"<", 0, cut, true, true);
+  VnStrToXML(nullptr, 0, cut, true, true);
+  EXPECT_EQ(cut.GetWString(), u"ab&lt;");
+}
+
+// ---- decoding ----
+
+struct DecodeCase {
+  std::u16string_view Input;
+  std::u16string_view Expected;
+};
+
+TEST(VnXMLToStr, LeavesWhatItDoesNotRecogniseInTheText) {
+  const DecodeCase cases[] = {
+      {u"", u""},
+      {u"no references", u"no references"},
+      {u"a & b", u"a & b"},          // the space stops the scan
+      {u"AT&T; x", u"AT&T; x"},      // T is no entity
+      {u"&foo&amp;", u"&foo&amp;"},  // the scan runs over the second '&': one unknown name
+      {u"x&", u"x&"},
+      {u"&amp", u"&amp"},
+      {u"&;", u"&;"},
+      {u"& amp;", u"& amp;"},
+      {u"&a &amp;", u"&a &"},  // the scan resumes at the space, so the next one decodes
+      {u"&AMP;&Amp;", u"&AMP;&Amp;"},
+      {u"&thetasymx;", u"&thetasymx;"},  // 9 characters are never looked up
+      {u"&#65", u"&#65"},
+      {u"&#6 5;", u"&#6 5;"},
+      {u"&unknown;&amp;", u"&unknown;&"},
+  };
+  for (const DecodeCase& c : cases)
+    EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
+}
+
+TEST(VnXMLToStr, DecodesNamesOfTheWholeEntityTable) {
+  const DecodeCase cases[] = {
+      {u"&lt;&gt;&amp;&quot;&apos;", u"<>&\"'"},
+      {u"&nbsp;&yuml;", u"\u00A0\u00FF"},                 // Latin-1 set, first and last
+      {u"&fnof;&diams;", u"\u0192\u2666"},                // Symbols
+      {u"&OElig;&euro;&rsaquo;", u"\u0152\u20AC\u203A"},  // Special
+      {u"&lang;&rang;", u"\u2329\u232A"},                 // the HTML 4.01 code points
+      {u"&Alpha;&alpha;", u"\u0391\u03B1"},               // case tells entries apart
+      {u"&thetasym;", u"\u03D1"},                         // exactly 8 characters
+      {u"&zwj;&zwnj;", u"\u200D\u200C"},
+      {u"a&amp;lt;b", u"a&lt;b"},  // one level of decoding only
+      {u"x&copy;y&reg;z", u"x\u00A9y\u00AEz"},
+      {u"&iexlc;", u"\u00A1"},  // folds to the key of iexcl
+      {u"&\u0161mp;", u"&"},    // only the low byte counts: U+0161 is 'a' here
+  };
+  for (const DecodeCase& c : cases)
+    EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
+}
+
+TEST(VnXMLToStr, NumericReferencesGiveOneCodeUnit) {
+  const DecodeCase cases[] = {
+      {u"&#65;&#x41;&#X41;", u"AAA"},
+      {u"&#10;&#9;", u"\n\t"},
+      {u"&#-1;", u"\xFFFF"},      // the sign is accepted and the value cut to 16 bits
+      {u"&#x1F600;", u"\xF600"},  // never a surrogate pair
+      {u"&#65601;", u"A"},        // 0x10041
+      {u"&#+66;", u"B"},
+      {u"&#x20ac;", u"\u20AC"},
+      {u"&#0000000067;", u"C"},  // the 8-character limit is for names only
+      {u"a&#60;b&#62;", u"a<b>"},
+  };
+  for (const DecodeCase& c : cases)
+    EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
+  EXPECT_EQ(VnXMLToStr(u"&#0;"), std::u16string(1, u'\0'));
+}
+
+TEST(VnXMLToStr, NumericReferenceWithoutDigitsRaises) {
+  for (std::u16string_view bad : {u"&#;", u"&#x;", u"&#12a;", u"&#xZZ;", u"a &#-;", u"&#99999999999;"})
+    EXPECT_THROW(VnXMLToStr(bad), EConvertError) << std::string(bad.begin(), bad.end());
+  for (std::string_view bad : {"&#;", "&#x;", "&#12a;", "&#xZZ;"})
+    EXPECT_THROW(VnXMLToStr(bad), EConvertError) << bad;
+}
+
+TEST(VnXMLToStr, AnsiFormKnowsFiveEntitiesByTheirFirstLetter) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"a &amp; b", "a & b"},
+      {"&AMP;&Amp;", "&&"},
+      {"&apos;&axe;&A;", "'''"},
+      {"&gt;&GT;&gone;", ">>>"},
+      {"&lambda;&lt;", "<<"},  // no length limit and no table here
+      {"&quot;&Q;", "\"\""},
+      {"&foo;&;& amp;&amp", "&foo;&;& amp;&amp"},
+      {"&#65;&#x42;", "AB"},
+      {"&#233;", "\xC3\xA9"},  // written in the 8-bit default, UTF-8
+      {"no references", "no references"},
+  };
+  for (const auto& [input, expected] : cases) EXPECT_EQ(VnXMLToStr(input), expected) << input;
+}
+
+TEST(VnXMLToStr, EntityKeysFoldMirroredCharacters) {
+  EXPECT_EQ(detail::XMLEntityKey(u"zwj"), 0x7A776A00u);
+  EXPECT_EQ(detail::XMLEntityKey(u"iexcl"), 0x696578CFu);
+  EXPECT_EQ(detail::XMLEntityKey(u"iexlc"), detail::XMLEntityKey(u"iexcl"));
+  char16_t ch = 0;
+  EXPECT_FALSE(detail::FindXMLEntity(detail::XMLEntityKey(u""), ch));
+  EXPECT_FALSE(detail::FindXMLEntity(detail::XMLEntityKey(u"AMP"), ch));
+  ASSERT_TRUE(detail::FindXMLEntity(detail::XMLEntityKey(u"apos"), ch));
+  EXPECT_EQ(ch, u'\'');
+}
+
+// ---- round trips ----
+
+TEST(VnXMLToStr, UndoesVnStrToXML) {
+  std::u16string every;
+  for (char16_t c = 1; c < 128; ++c) every.push_back(c);
+  every += u"\u00E9\u2329\U0001F600&amp;&#65;&lt";
+  EXPECT_EQ(VnXMLToStr(VnStrToXML(every, true, true)), every);
+  EXPECT_EQ(VnXMLToStr(VnStrToXML(every, false, true)), every);
+  EXPECT_EQ(VnXMLToStr(VnStrToXML(every, false, false)), every);
+
+  // Random texts over the characters that matter to both directions.
+  const std::u16string alphabet = u"&;# xX<>'\"\t\nampltg0123456789A\u00E9";
+  std::mt19937 random(42);
+  for (int round = 0; round < 2000; ++round) {
+    std::u16string text(random() % 24, u' ');
+    for (char16_t& c : text) c = alphabet[random() % alphabet.size()];
+    ASSERT_EQ(VnXMLToStr(VnStrToXML(text, true, true)), text) << round;
+  }
+}
+
+TEST(VnXMLToStr, ArbitraryInputDecodesOrRaisesConvertError) {
+  const std::u16string alphabet = u"&;#xX-+ 0129aAfFgltmpquo\xD800\U0001F600";
+  std::mt19937 random(7);
+  for (int round = 0; round < 3000; ++round) {
+    std::u16string text(random() % 20, u' ');
+    for (char16_t& c : text) c = alphabet[random() % alphabet.size()];
+    const std::string bytes(text.begin(), text.end());
+    try {
+      const std::u16string decoded = VnXMLToStr(text);
+      ASSERT_LE(decoded.size(), text.size());
+    } catch (const EConvertError&) {
+    }
+    try {
+      VnXMLToStr(bytes);
+    } catch (const EConvertError&) {
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vn

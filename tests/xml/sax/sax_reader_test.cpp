@@ -1,0 +1,294 @@
+// The XML reader's event sequences and failures. Every ASCII case runs through the three kinds
+// of code units (UTF-8 bytes, UTF-16 units, 8-bit Latin-1) and must give the same trace.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "sax_recorder.h"
+#include "vnxml/common/utf.h"
+
+using vntest::RecordingReader;
+
+namespace {
+
+struct Outcome {
+  std::vector<std::string> Events;
+  int Code = 0;  // EVnXMLParseError code, -1 for an end of text, 0 for success
+  std::string Message;
+  int Line = 0, Col = 0;  // the locator's report to FatalError
+};
+
+Outcome ReadWith(const std::function<void(vn::TVnSAXXMLReader&)>& AParse, bool ACheck, bool ALexical) {
+  RecordingReader r(ALexical, ACheck);
+  Outcome out;
+  try {
+    AParse(r.Reader);
+  } catch (const vn::EVnXMLParseError& e) {
+    out.Code = e.GetCode();
+    out.Message = vn::UnicodeToUtf8(e.Message());
+  } catch (const vn::EVnTextParserEOF& e) {
+    out.Code = -1;
+    out.Message = vn::UnicodeToUtf8(e.Message());
+  }
+  out.Events = r.Events();
+  out.Line = r.Rec->FatalLine;
+  out.Col = r.Rec->FatalCol;
+  return out;
+}
+
+// Reads ASCII text as UTF-8 (code page decided by the text), as UTF-16 and as Latin-1.
+Outcome Read(std::string_view AXml, bool ACheck = true, bool ALexical = true) {
+  Outcome utf8 = ReadWith([&](auto& r) { r.ParseBuffer(AXml.data(), AXml.size(), 0, u""); }, ACheck, ALexical);
+  std::u16string wide = vn::Utf8ToUnicode(AXml);
+  Outcome utf16 = ReadWith([&](auto& r) { r.Parse(wide, u""); }, ACheck, ALexical);
+  Outcome ansi = ReadWith([&](auto& r) { r.Parse(AXml, 28591, u""); }, ACheck, ALexical);
+  EXPECT_EQ(utf8.Events, utf16.Events) << "UTF-16 differs for: " << AXml;
+  EXPECT_EQ(utf8.Events, ansi.Events) << "Latin-1 differs for: " << AXml;
+  EXPECT_EQ(utf8.Code, utf16.Code);
+  EXPECT_EQ(utf8.Code, ansi.Code);
+  return utf8;
+}
+
+using Trace = std::vector<std::string>;
+
+void ExpectTrace(std::string_view AXml, const Trace& AExpected, bool ACheck = true) {
+  Outcome out = Read(AXml, ACheck);
+  EXPECT_EQ(out.Code, 0) << AXml << ": " << out.Message;
+  EXPECT_EQ(out.Events, AExpected) << AXml;
+}
+
+void ExpectFailure(std::string_view AXml, int ACode, int ALine, int ACol, bool ACheck = true) {
+  Outcome out = Read(AXml, ACheck);
+  EXPECT_EQ(out.Code, ACode) << AXml;
+  ASSERT_FALSE(out.Events.empty()) << AXml;
+  EXPECT_EQ(out.Events.back().rfind("fatal(", 0), 0u) << AXml << " last: " << out.Events.back();
+  EXPECT_EQ(out.Line, ALine) << AXml;
+  EXPECT_EQ(out.Col, ACol) << AXml;
+}
+
+}  // namespace
+
+TEST(SaxReader, WorkedExample) {
+  ExpectTrace(R"(<?xml version="1.0"?><r xmlns="u" a="1"><c/> t </r>)",
+              {"startDocument", "pi(xml|version=\"1.0\")", "startPrefix(=u)", "start({u}r xmlns=u {u}a=1)",
+               "start({u}c)", "end({u}c)", "chars( t )", "end({u}r)", "endPrefix()", "endDocument"});
+}
+
+TEST(SaxReader, ForgivingStructure) {
+  ExpectTrace("<a></b>", {"startDocument", "start(a)", "end(b)", "endDocument"});
+  ExpectTrace("<a><b>", {"startDocument", "start(a)", "start(b)", "endDocument"});
+  ExpectTrace("x<a/>", {"startDocument", "start(a)", "end(a)", "endDocument"});
+  ExpectTrace(R"(<?xml version="1.0"?>x<a/>)",
+              {"startDocument", "pi(xml|version=\"1.0\")", "start(a)", "end(a)", "endDocument"});
+  ExpectTrace("<a/><!-- c --><?p q?>",
+              {"startDocument", "start(a)", "end(a)", "comment( c )", "pi(p|q)", "endDocument"});
+  // Nothing looks at a name's later characters.
+  ExpectTrace("<a$%></a$%>", {"startDocument", "start(a$%)", "end(a$%)", "endDocument"});
+  ExpectTrace("<a></a >", {"startDocument", "start(a)", "end(a)", "endDocument"});
+  // A stray end tag before the root only lowers the depth.
+  ExpectTrace("</x><a/>", {"startDocument", "end(x)", "start(a)", "end(a)", "endDocument"});
+}
+
+TEST(SaxReader, AttributesAsWritten) {
+  ExpectTrace(R"(<a b="1" b="2"/>)", {"startDocument", "start(a b=1 b=2)", "end(a)", "endDocument"});
+  ExpectTrace(R"(<a b="1"c="2"/>)", {"startDocument", "start(a b=1 c=2)", "end(a)", "endDocument"});
+  ExpectTrace(R"(<a b="1"" c="2"/>)", {"startDocument", "start(a b=1 c=2)", "end(a)", "endDocument"});
+  ExpectTrace("<a b='x<y&z'/>", {"startDocument", "start(a b=x<y&z)", "end(a)", "endDocument"});
+  ExpectTrace("<a b = \"1\"\n\tc\n=\t'2'\n/>", {"startDocument", "start(a b=1 c=2)", "end(a)", "endDocument"});
+  ExpectTrace("<a b=\"line\r\nend\"/>", {"startDocument", "start(a b=line\r\nend)", "end(a)", "endDocument"});
+}
+
+TEST(SaxReader, NamespaceResolution) {
+  ExpectTrace("<a\nxmlns:p=\"u\"><p:b/></a>",
+              {"startDocument", "startPrefix(p=u)", "start(a xmlns:p=u)", "start({u}p:b)", "end({u}p:b)", "end(a)",
+               "endPrefix(p)", "endDocument"});
+  ExpectTrace("<p:a/>", {"startDocument", "start(p:a)", "end(p:a)", "endDocument"});
+  ExpectTrace(R"(<P:a xmlns:p="u"/>)",
+              {"startDocument", "startPrefix(p=u)", "start({u}P:a xmlns:p=u)", "end({u}P:a)", "endPrefix(p)",
+               "endDocument"});
+  // An attribute's URI is taken when it is read, the element's after all its attributes.
+  ExpectTrace(R"(<a x="1" xmlns="u"/>)", {"startDocument", "startPrefix(=u)", "start({u}a x=1 xmlns=u)",
+                                           "end({u}a)", "endPrefix()", "endDocument"});
+  ExpectTrace(R"(<a xmlns="u" x="1"/>)", {"startDocument", "startPrefix(=u)", "start({u}a xmlns=u {u}x=1)",
+                                           "end({u}a)", "endPrefix()", "endDocument"});
+  ExpectTrace(R"(<a XMLNS="u"/>)", {"startDocument", "startPrefix(=u)", "start({u}a XMLNS=u)", "end({u}a)",
+                                     "endPrefix()", "endDocument"});
+  // A redeclaration hides the outer one until its level closes; mappings end newest first.
+  ExpectTrace(R"(<a xmlns:p="1" xmlns:q="2"><b xmlns:p="3"><p:c/></b><p:d/></a>)",
+              {"startDocument", "startPrefix(p=1)", "startPrefix(q=2)", "start(a xmlns:p=1 xmlns:q=2)",
+               "startPrefix(p=3)", "start(b xmlns:p=3)", "start({3}p:c)", "end({3}p:c)", "end(b)", "endPrefix(p)",
+               "start({1}p:d)", "end({1}p:d)", "end(a)", "endPrefix(q)", "endPrefix(p)", "endDocument"});
+}
+
+TEST(SaxReader, LocalNamesAndPrefixes) {
+  RecordingReader r;
+  r.Reader.Parse(uR"(<x:a:b  y : z = "1" c="2"/>)", u"");
+  // A second colon belongs to the local name; attribute names are trimmed around the colon.
+  EXPECT_EQ(r.Rec->LocalNames, (std::vector<std::string>{"a:b", "@z", "@c"}));
+  EXPECT_EQ(r.Events()[1], "start(x:a:b y : z=1 c=2)");
+}
+
+TEST(SaxReader, TextAndCharacterData) {
+  ExpectTrace("<a>&amp;&#65;&e;</a>", {"startDocument", "start(a)", "chars(&amp;&#65;&e;)", "end(a)", "endDocument"});
+  ExpectTrace("<a> </a>", {"startDocument", "start(a)", "ws( )", "end(a)", "endDocument"});
+  ExpectTrace("<a>&#32;</a>", {"startDocument", "start(a)", "chars(&#32;)", "end(a)", "endDocument"});
+  ExpectTrace("<a><![CDATA[ ]]></a>",
+              {"startDocument", "start(a)", "startCDATA", "chars( )", "endCDATA", "end(a)", "endDocument"});
+  ExpectTrace("<a><![CDATA[]]></a>",
+              {"startDocument", "start(a)", "startCDATA", "chars()", "endCDATA", "end(a)", "endDocument"});
+  ExpectTrace("<a>x<![CDATA[y]]>z</a>", {"startDocument", "start(a)", "chars(x)", "startCDATA", "chars(y)",
+                                         "endCDATA", "chars(z)", "end(a)", "endDocument"});
+  ExpectTrace("<a><![CDATA[a]b]]c]]></a>",
+              {"startDocument", "start(a)", "startCDATA", "chars(a]b]]c)", "endCDATA", "end(a)", "endDocument"});
+  ExpectTrace("<a>x]]>y</a>", {"startDocument", "start(a)", "chars(x]]>y)", "end(a)", "endDocument"});
+}
+
+TEST(SaxReader, ProcessingInstructionsAndComments) {
+  ExpectTrace("<?p a?b?><r/>", {"startDocument", "pi(p|a)", "start(r)", "end(r)", "endDocument"});
+  ExpectTrace("<?p?><r/>", {"startDocument", "pi(p|)", "start(r)", "end(r)", "endDocument"});
+  ExpectTrace("<?p a ?><r/>", {"startDocument", "pi(p|a )", "start(r)", "end(r)", "endDocument"});
+  ExpectTrace("<?p\ta?><r/>", {"startDocument", "pi(p\ta|)", "start(r)", "end(r)", "endDocument"});
+  ExpectTrace("<!-- a -- b --><r/>", {"startDocument", "comment( a -- b )", "start(r)", "end(r)", "endDocument"});
+  ExpectTrace("<!-x text--><r/>", {"startDocument", "comment( text)", "start(r)", "end(r)", "endDocument"});
+  ExpectTrace("<r><!----></r>", {"startDocument", "start(r)", "comment()", "end(r)", "endDocument"});
+  // In the prolog a '<' followed by white space is dropped with what follows it.
+  ExpectTrace("< junk <r/>", {"startDocument", "start(r)", "end(r)", "endDocument"});
+}
+
+TEST(SaxReader, DocumentTypeIsSkipped) {
+  ExpectTrace(R"(<!DOCTYPE a [<!ENTITY e "x>y">]><a/>)",
+              {"startDocument", "startDTD", "endDTD", "start(a)", "end(a)", "endDocument"});
+  ExpectTrace("<!DOCTYPE a [<!ELEMENT a ANY>]>\n<a/>",
+              {"startDocument", "startDTD", "endDTD", "start(a)", "end(a)", "endDocument"});
+  Outcome plain = Read("<!DOCTYPE a><a>t</a>", true, false);
+  EXPECT_EQ(plain.Events, (Trace{"startDocument", "start(a)", "chars(t)", "end(a)", "endDocument"}));
+}
+
+TEST(SaxReader, SingleRootCheck) {
+  ExpectFailure("<a/>x", vn::cVnXMLErrInvalidTextAtRoot, 1, 5);
+  ExpectFailure("<a/><b/>", vn::cVnXMLErrMultipleRoot, 1, 5);
+  ExpectFailure("<a/>\n</a>", vn::cVnXMLErrMultipleRoot, 2, 1);
+  Outcome out = Read("<a>text");
+  EXPECT_EQ(out.Code, -1);
+  EXPECT_EQ(out.Line, 1);
+  EXPECT_EQ(out.Col, 4);
+  // Without the check, white space between top-level items vanishes and text is delivered.
+  ExpectTrace("<a>text", {"startDocument", "start(a)", "chars(text)", "ws()", "endDocument"}, false);
+  ExpectTrace("<a/> x <b> y </b>\n<c/>",
+              {"startDocument", "start(a)", "end(a)", "chars(x )", "start(b)", "chars( y )", "end(b)", "start(c)",
+               "end(c)", "endDocument"},
+              false);
+  ExpectTrace("<a/>  ", {"startDocument", "start(a)", "end(a)", "endDocument"}, true);
+}
+
+TEST(SaxReader, Failures) {
+  // Codes, and where the locator stands when FatalError hears of them.
+  ExpectFailure("", vn::cVnXMLErrNotWellFormed, 1, 1);
+  ExpectFailure("just text", vn::cVnXMLErrNotWellFormed, 1, 10);
+  ExpectFailure("<a></a\n>", vn::cVnXMLErrNotWellFormed, 1, 7);
+  ExpectFailure("<a b/>", vn::cVnXMLErrMissingAttribute, 1, 6);
+  ExpectFailure("<a b>", vn::cVnXMLErrMissingAttribute, 1, 5);
+  ExpectFailure("<a b=>", vn::cVnXMLErrMissingAttribute, 1, 6);
+  ExpectFailure("<r>\n  <a<b/></r>", vn::cVnXMLErrELMNotClosed, 2, 5);
+  ExpectFailure("<1a/>", vn::cVnXMLErrInvalidNameStartChar, 1, 2);
+  ExpectFailure("<a:1/>", vn::cVnXMLErrInvalidNameStartChar, 1, 4);
+  ExpectFailure("<!ENTITY x><a/>", vn::cVnXMLErrDOCTypeExpected, 1, 9);
+  ExpectFailure("<a><!DOCTYPE a></a>", vn::cVnXMLErrCDATAExpected, 1, 12);
+  ExpectFailure("<a><![cdata[x]]></a>", vn::cVnXMLErrCDATAExpected, 1, 12);
+
+  Outcome out = Read("<r>\n<a<b/></r>");
+  EXPECT_NE(out.Message.find("(Row: 2, Col: 1)"), std::string::npos) << out.Message;
+  out = Read("<:a/>");
+  EXPECT_EQ(out.Message, "The current character \":\" is only a valid NameStartChar when NameSpaces are not supported!");
+  out = Read("<a></a\n>");
+  EXPECT_EQ(out.Message, "The document is not wellformed!\r\n\">\" expected, but \"\n\" found!");
+  out = Read("<a><![CDATX[x]]></a>");
+  EXPECT_EQ(out.Message, "![CDATA[ expected, but \"![CDATX[\" found");
+  out = Read("<!DOCTYPE\na><a/>");
+  EXPECT_EQ(out.Code, vn::cVnXMLErrDOCTypeExpected);
+  // StartDocument went out before the failure, EndDocument never does.
+  out = Read("");
+  EXPECT_EQ(out.Events.front(), "startDocument");
+  for (const auto& e : out.Events) EXPECT_NE(e, "endDocument");
+}
+
+TEST(SaxReader, EndOfTextInsideConstructs) {
+  // The locator reports the start of the construct in which the text ended.
+  struct Case {
+    const char* Xml;
+    int Line, Col;
+  } cases[] = {
+      {"<r>\n  <a>text", 2, 6},         // text running to the end
+      {"<r>\n<!-- open", 2, 2},          // comment (it stands on the '!')
+      {"<r>\n <![CDATA[x", 2, 3},        // CDATA section
+      {"<r>\n<?pi data", 2, 1},          // processing instruction
+      {"<r>\n <a b=\"1", 2, 5},          // attribute list
+      {"<r>\n<a", 2, 3},                 // the attribute list that never began
+      {"<!DOCTYPE r [\n<!ELEMENT r>", 1, 2},
+  };
+  for (const Case& c : cases) {
+    Outcome out = Read(c.Xml);
+    EXPECT_EQ(out.Code, -1) << c.Xml;
+    EXPECT_EQ(out.Line, c.Line) << c.Xml;
+    EXPECT_EQ(out.Col, c.Col) << c.Xml;
+  }
+}
+
+TEST(SaxReader, HandlersAndFailurePath) {
+  vn::TVnSAXXMLReader reader;
+  try {
+    reader.Parse(u"<a/>", u"");
+    FAIL();
+  } catch (const vn::EVnXMLParseError& e) {
+    EXPECT_EQ(e.GetCode(), vn::cVnXMLErrNoContentHandler);
+  }
+  vntest::SaxRecorder* rec = new vntest::SaxRecorder;
+  vn::IPtr<vntest::SaxRecorder> keep(rec);
+  reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(rec));
+  try {
+    reader.Parse(u"<a/>", u"");
+    FAIL();
+  } catch (const vn::EVnXMLParseError& e) {
+    EXPECT_EQ(e.GetCode(), vn::cVnXMLErrNoErrorHandler);
+  }
+  EXPECT_TRUE(rec->Events.empty());  // neither reached a handler
+
+  // A handler's own exception goes through FatalError and comes out unchanged.
+  struct Throwing : vntest::SaxRecorder {
+    void Characters(std::u16string_view) override { throw vn::EConvertError(u"handler says no"); }
+  };
+  RecordingReader r;
+  vn::IPtr<Throwing> throwing(new Throwing);
+  r.Reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(throwing.Get()));
+  EXPECT_THROW(r.Reader.Parse(u"<a>x</a>", u""), vn::EConvertError);
+  EXPECT_EQ(r.Events().back(), "fatal(1:5 handler says no)");
+  EXPECT_EQ(r.Reader.GetParser(), nullptr);  // the scanner is gone whatever happened
+}
+
+TEST(SaxReader, EncodingsOfTheSource) {
+  // The declaration decides for 8-bit text without a code page.
+  RecordingReader latin;
+  std::string bytes = "<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'>\xE0</a>";
+  latin.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u"");
+  EXPECT_EQ(latin.Events()[2], "start(a v=\xC3\xA9)");
+  EXPECT_EQ(latin.Events()[3], "chars(\xC3\xA0)");
+
+  RecordingReader cp1252;
+  bytes = "<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>";
+  cp1252.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u"");
+  EXPECT_EQ(cp1252.Events()[3], "chars(\xE2\x82\xAC)");
+
+  // Multi-byte UTF-8 in names, values and text; a name may start with a non-ASCII letter.
+  RecordingReader utf8;
+  bytes = "<\xC3\xA9l a='\xE2\x82\xAC'>\xF0\x9F\x98\x80</\xC3\xA9l>";
+  utf8.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u"");
+  EXPECT_EQ(utf8.Events(), (Trace{"startDocument", "start(\xC3\xA9l a=\xE2\x82\xAC)", "chars(\xF0\x9F\x98\x80)",
+                                  "end(\xC3\xA9l)", "endDocument"}));
+
+  // A surrogate can't start a name, in UTF-16 and in UTF-8 alike.
+  RecordingReader wide;
+  EXPECT_THROW(wide.Reader.Parse(u"<\U0001F600/>", u""), vn::EVnXMLParseError);
+  RecordingReader astral;
+  bytes = "<\xF0\x9F\x98\x80/>";
+  EXPECT_THROW(astral.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u""), vn::EVnXMLParseError);
+}

@@ -1,0 +1,83 @@
+#include <gtest/gtest.h>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/xml_values.h"
+#include "xml/values/values_test_util.h"
+
+namespace vn {
+namespace {
+
+using test::ExpectRaises;
+using test::U8;
+
+TVnDuration Duration(bool ANegative, Integer AMonths, double ASeconds) {
+  TVnDuration d;
+  d.Negative = ANegative;
+  d.Months = AMonths;
+  d.Seconds = ASeconds;
+  return d;
+}
+
+TEST(DurationToXML, Parts) {
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 0))), "P0Y");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(true, 0, 0))), "-P0Y");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 90))), "PT1M30S");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 1.5))), "PT1.5S");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 0.25))), "PT0.25S");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(true, 14, 0))), "-P1Y2M");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 12, 86400))), "P1Y1D");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 3600))), "PT1H");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 25, 3 * 86400 + 4 * 3600 + 5 * 60 + 6.007))),
+            "P2Y1M3DT4H5M6.007S");
+  // Leading zeros of the fraction stay; a fraction that rounds to a whole second carries over.
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 1.05))), "PT1.05S");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 59.9996))), "PT1M");
+  // Negative parts are magnitudes with the sign flipped.
+  EXPECT_EQ(U8(VnDurationToXML(Duration(false, -14, 0))), "-P1Y2M");
+  EXPECT_EQ(U8(VnDurationToXML(Duration(true, 0, -60))), "PT1M");
+}
+
+TEST(XMLToDuration, MonthsBeforeTMinutesAfter) {
+  TVnDuration d = VnXMLToDuration(u"P1Y2MT3M");
+  EXPECT_FALSE(d.Negative);
+  EXPECT_EQ(d.Months, 14);
+  EXPECT_DOUBLE_EQ(d.Seconds, 180);
+
+  d = VnXMLToDuration(u"-P1DT2H3M4.5S");
+  EXPECT_TRUE(d.Negative);
+  EXPECT_EQ(d.Months, 0);
+  EXPECT_DOUBLE_EQ(d.Seconds, 86400 + 7200 + 180 + 4.5);
+
+  // Order is free, a repeated part keeps its last value, and fractions past milliseconds drop.
+  d = VnXMLToDuration(u"PT5M1D2Y3Y");
+  EXPECT_EQ(d.Months, 36);
+  EXPECT_DOUBLE_EQ(d.Seconds, 86400 + 300);
+  EXPECT_DOUBLE_EQ(VnXMLToDuration(u"PT0.12345S").Seconds, 0.123);
+  EXPECT_DOUBLE_EQ(VnXMLToDuration(u"PT0.2S").Seconds, 0.2);
+  EXPECT_DOUBLE_EQ(VnXMLToDuration(u"PT65535S").Seconds, 65535);
+  EXPECT_EQ(VnXMLToDuration(u"P").Months, 0);
+}
+
+TEST(XMLToDuration, RoundTrip) {
+  for (const char16_t* text :
+       {u"PT0.25S", u"P0Y", u"-P1Y2M", u"P1Y2M3DT4H5M6.007S", u"PT1.05S", u"-PT59M59.999S", u"P3DT1S"}) {
+    SCOPED_TRACE(U8(text));
+    EXPECT_EQ(U8(VnDurationToXML(VnXMLToDuration(text))), U8(text));
+  }
+  // Parts beyond their usual range come back normalised.
+  EXPECT_EQ(U8(VnDurationToXML(VnXMLToDuration(u"P13MT90M"))), "P1Y1MT1H30M");
+}
+
+TEST(XMLToDuration, Messages) {
+  ExpectRaises<Exception>([] { VnXMLToDuration(u""); }, cVnDurationEmpty);
+  for (const char16_t* text : {u"1Y", u"-1Y", u"-", u"p1Y", u" P1Y"})
+    ExpectRaises<Exception>([text] { VnXMLToDuration(text); }, cVnDurationNoP);
+  for (const char16_t* text : {u"P1X", u"P1", u"PY", u"P1.5Y", u"PT1.S", u"PT.5S", u"P-1Y", u"P1Y ",
+                               u"P70000D", u"PT99999999999999999999S"}) {
+    SCOPED_TRACE(U8(text));
+    ExpectRaises<Exception>([text] { VnXMLToDuration(text); }, Format(cVnDurationInvalid, {text}));
+  }
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,94 @@
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/xml_values.h"
+#include "xml/values/values_test_util.h"
+
+namespace vn {
+namespace {
+
+using test::U8;
+
+TEST(XMLIntegerText, EmptyAndBadText) {
+  EXPECT_EQ(VnXMLToIntDef(u"", 5), 0);  // empty means 0, not the default
+  EXPECT_EQ(VnXMLToIntDef(u"x", 5), 5);
+  EXPECT_EQ(VnXMLToIntDef(u"12", 5), 12);
+  EXPECT_EQ(VnXMLToInt(u""), 0);
+  EXPECT_THROW(VnXMLToInt(u"x"), EConvertError);
+  EXPECT_THROW(VnXMLToInt(u"1.5"), EConvertError);
+  EXPECT_THROW(VnXMLToInt(u"2147483648"), EConvertError);
+  EXPECT_THROW(VnXMLToInt64(u"9223372036854775808"), EConvertError);
+  EXPECT_EQ(VnXMLToInt64Def(u"9223372036854775808", -1), -1);
+  EXPECT_EQ(VnXMLToWordDef(u"", 9), 0);
+  EXPECT_EQ(VnXMLToUInt64Def(u"-", 9), 9u);
+}
+
+TEST(XMLIntegerText, CutToWidthWithoutRangeCheck) {
+  EXPECT_EQ(VnXMLToByte(u"256"), 0);
+  EXPECT_EQ(VnXMLToByte(u"-1"), 255);
+  EXPECT_EQ(VnXMLToShortint(u"200"), -56);
+  EXPECT_EQ(VnXMLToSmallint(u"-32769"), 32767);
+  EXPECT_EQ(VnXMLToWord(u"65537"), 1);
+  EXPECT_EQ(VnXMLToShortintDef(u"300", 1), 44);
+}
+
+TEST(XMLIntegerText, FullRangeOfWideTypes) {
+  // Values above the signed range must not be lost on the way through the text.
+  EXPECT_EQ(VnXMLToLongword(u"4294967295"), 4294967295u);
+  EXPECT_EQ(VnXMLToLongwordDef(u"4294967295", 0), 4294967295u);
+  EXPECT_EQ(VnXMLToUInt64(u"18446744073709551615"), std::numeric_limits<UInt64>::max());
+  EXPECT_EQ(VnXMLToUInt64(u"-1"), std::numeric_limits<UInt64>::max());
+  EXPECT_EQ(VnXMLToInt64(u"-9223372036854775808"), std::numeric_limits<Int64>::min());
+
+  EXPECT_EQ(VnShortIntToXML(-128), u"-128");
+  EXPECT_EQ(VnLongWordToXML(4294967295u), u"4294967295");
+  EXPECT_EQ(VnCardinalToXML(4294967295u), u"4294967295");
+  EXPECT_EQ(VnUInt64ToXML(std::numeric_limits<UInt64>::max()), u"18446744073709551615");
+  EXPECT_EQ(VnInt64ToXML(std::numeric_limits<Int64>::min()), u"-9223372036854775808");
+}
+
+TEST(XMLFloatText, DotIsTheOnlySeparator) {
+  EXPECT_DOUBLE_EQ(VnXMLToDouble(u"1.5e3"), 1500);
+  EXPECT_DOUBLE_EQ(VnXMLToDouble(u"-0.25"), -0.25);
+  EXPECT_EQ(VnXMLToDouble(u""), 0);
+  EXPECT_THROW(VnXMLToDouble(u"1,5"), EConvertError);
+  EXPECT_THROW(VnXMLToExtended(u"abc"), EConvertError);
+  EXPECT_EQ(VnXMLToDoubleDef(u"1,5", 7), 7);
+  EXPECT_EQ(VnXMLToSingleDef(u"", 7), 0);
+  EXPECT_FLOAT_EQ(VnXMLToSingle(u"0.1"), 0.1f);
+
+  EXPECT_EQ(VnDoubleToXML(0.1), u"0.1");
+  EXPECT_EQ(VnDoubleToXML(-1234.5), u"-1234.5");
+  EXPECT_EQ(VnExtToXML(1e20L), u"1E20");
+}
+
+TEST(XMLFloatText, SpecialValuesSurviveARoundTrip) {
+  EXPECT_EQ(VnXMLToDouble(VnDoubleToXML(HUGE_VAL)), HUGE_VAL);
+  EXPECT_EQ(VnXMLToDouble(VnDoubleToXML(-HUGE_VAL)), -HUGE_VAL);
+  EXPECT_TRUE(std::isnan(VnXMLToDouble(VnDoubleToXML(NAN))));
+  EXPECT_EQ(VnXMLToDouble(u"INF"), HUGE_VAL);
+  EXPECT_EQ(VnXMLToExtended(u"-INF"), -HUGE_VALL);
+  EXPECT_TRUE(std::isnan(VnXMLToSingle(u"NaN")));
+  // Out of the range of Single: infinity rather than an undefined narrowing.
+  EXPECT_EQ(VnXMLToSingle(u"1e300"), HUGE_VALF);
+  EXPECT_EQ(VnXMLToSingle(u"-1e300"), -HUGE_VALF);
+  for (double value : {0.1, 1.0 / 3, 123456789.125, 1e-5, -2.5e300}) {
+    SCOPED_TRACE(value);
+    EXPECT_NEAR(VnXMLToDouble(VnDoubleToXML(value)), value, std::fabs(value) * 1e-14);
+  }
+}
+
+TEST(XMLBoolText, OnlyOneAndTrueAreTrue) {
+  for (const char16_t* text : {u"1", u"true", u"TRUE", u"True", u"tRuE"})
+    EXPECT_TRUE(VnXMLToBool(text)) << U8(text);
+  for (const char16_t* text : {u"0", u"false", u"yes", u"", u" true", u"01", u"-1", u"truex"})
+    EXPECT_FALSE(VnXMLToBool(text)) << U8(text);
+  EXPECT_EQ(VnBoolToXML(true), u"true");
+  EXPECT_EQ(VnBoolToXML(false), u"false");
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,270 @@
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "common/dates/tz_scope.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/xml_values.h"
+#include "xml/values/values_test_util.h"
+
+namespace vn {
+namespace {
+
+using test::ExpectRaises;
+using test::TimeZoneScope;
+using test::U8;
+
+Variant IntArray(std::initializer_list<Integer> AValues) {
+  Variant result = VarArrayCreate({0, Integer(AValues.size()) - 1}, varInteger);
+  Integer i = 0;
+  for (Integer v : AValues) VarArrayPut(result, v, {i++});
+  return result;
+}
+
+// ---- VnVariantToXML ----
+
+TEST(VariantToXML, Scalars) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  EXPECT_EQ(U8(VnVariantToXML(Variant())), "");
+  EXPECT_EQ(U8(VnVariantToXML(Variant::Null())), "");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(ShortInt(-5)))), "-5");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(4294967295u))), "4294967295");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(std::numeric_limits<Int64>::min()))), "-9223372036854775808");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(std::numeric_limits<UInt64>::max()))), "18446744073709551615");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(2.5))), "2.5");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(Currency::FromRaw(12345)))), "1.2345");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(true))), "true");
+  EXPECT_EQ(U8(VnVariantToXML(Variant::FromDate(EncodeDateTime(2020, 7, 1, 12, 0, 0, 5)))),
+            "2020-07-01T12:00:00.005");
+  // Strings are escaped for any place in a document, quotes included.
+  EXPECT_EQ(U8(VnVariantToXML(Variant(u"a<b & \"c\" 'd'"))), "a&lt;b &amp; &quot;c&quot; &apos;d&apos;");
+  EXPECT_EQ(U8(VnVariantToXML(Variant::FromOleStr(u"x>y"))), "x&gt;y");
+  EXPECT_EQ(U8(VnVariantToXML(Variant(std::string("caf\xC3\xA9")))), "caf\xC3\xA9");
+
+  ExpectRaises<Exception>([] { VnVariantToXML(Variant::FromError(5)); },
+                          Format(cVnVariantToXMLInvalidType, {10}));
+  ExpectRaises<Exception>([] { VnVariantToXML(Variant(IPtr<IInterface>())); },
+                          Format(cVnVariantToXMLInvalidType, {13}));
+}
+
+TEST(VariantToXML, Arrays) {
+  EXPECT_EQ(U8(VnVariantToXML(IntArray({1, 2, 3}))),
+            "<array length=\"3\"><element nr=\"0\">1</element><element nr=\"1\">2</element>"
+            "<element nr=\"2\">3</element></array>");
+  EXPECT_EQ(U8(VnVariantToXML(IntArray({}))), "<array length=\"0\"></array>");
+  const Byte bytes[] = {0x0A, 0xFF};
+  EXPECT_EQ(U8(VnVariantToXML(VarArrayFromBytes(bytes))), "0AFF");
+  EXPECT_EQ(U8(VnVariantToXML(VarArrayFromBytes({}))), "");
+  EXPECT_EQ(U8(VnVariantToXML(VarArrayOf({u"<", true}))),
+            "<array length=\"2\"><element nr=\"0\">&lt;</element><element nr=\"1\">true</element></array>");
+  // Only one dimension has a text.
+  ExpectRaises<Exception>(
+      [] {
+        VnVariantToXML(VarArrayCreate({0, 1, 0, 1}, varInteger));
+      },
+      Format(cVnVariantToXMLInvalidType, {varArray | varInteger}));
+}
+
+// ---- VnXMLToVariant ----
+
+TEST(XMLToVariant, Scalars) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  struct Case {
+    const char16_t* Text;
+    TVarType Type;
+    Variant Expected;
+  };
+  const Case cases[] = {
+      {u"-7", varSmallint, Variant(SmallInt(-7))},
+      {u"70000", varInteger, Variant(70000)},
+      {u"300", varShortInt, Variant(ShortInt(44))},
+      {u"255", varByte, Variant(Byte(255))},
+      {u"65535", varWord, Variant(Word(65535))},
+      {u"4294967295", varLongWord, Variant(LongWord(4294967295u))},
+      {u"-9223372036854775808", varInt64, Variant(std::numeric_limits<Int64>::min())},
+      {u"18446744073709551615", varUInt64, Variant(std::numeric_limits<UInt64>::max())},
+      {u"0.5", varSingle, Variant(0.5f)},
+      {u"1.5e3", varDouble, Variant(1500.0)},
+      {u"1.2345", varCurrency, Variant(Currency::FromRaw(12345))},
+      {u"TRUE", varBoolean, Variant(true)},
+      {u"a&lt;b", varUString, Variant(u"a<b")},
+      {u"a&amp;b", varVariant, Variant(u"a&amp;b")},  // kept as it stands
+      {u"", varInteger, Variant(0)},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(U8(c.Text));
+    Variant v = VnXMLToVariant(c.Text, c.Type);
+    EXPECT_EQ(v.VarType(), c.Expected.VarType());
+    EXPECT_TRUE(v == c.Expected) << U8(VarToStr(v));
+  }
+  EXPECT_TRUE(VarIsEmpty(VnXMLToVariant(u"x", varEmpty)));
+  EXPECT_TRUE(VarIsNull(VnXMLToVariant(u"x", varNull)));
+  Variant date = VnXMLToVariant(u"2020-07-01T10:00:00Z", varDate);
+  EXPECT_EQ(date.VarType(), varDate);
+  EXPECT_NEAR(date.RawDouble(), EncodeDateTime(2020, 7, 1, 12, 0, 0, 0), 1e-9);
+  EXPECT_EQ(VnXMLToVariant(u"&#233;", varOleStr).VarType(), varOleStr);
+  EXPECT_EQ(U8(VnXMLToVariant(u"&#233;", varString).AsString()), "\xC3\xA9");
+
+  EXPECT_THROW(VnXMLToVariant(u"x", varInteger), EConvertError);
+  ExpectRaises<Exception>([] { VnXMLToVariant(u"x", varDispatch); },
+                          Format(cVnXMLToVariantUnsupported, {VarTypeAsText(varDispatch)}));
+  ExpectRaises<Exception>([] { VnXMLToVariant(u"x", varError); },
+                          Format(cVnXMLToVariantUnsupported, {VarTypeAsText(varError)}));
+}
+
+TEST(XMLToVariant, ByteArrays) {
+  Variant v = VnXMLToVariant(u"  0aFF10\r\n", varArray | varByte);
+  ASSERT_EQ(v.VarType(), varArray | varByte);
+  EXPECT_EQ(VarArrayToBytes(v), (TBytes{0x0A, 0xFF, 0x10}));
+  EXPECT_TRUE(VarIsNull(VnXMLToVariant(u"  ", varArray | varByte)));
+  EXPECT_THROW(VnXMLToVariant(u"0AF", varArray | varByte), EConvertError);
+  EXPECT_THROW(VnXMLToVariant(u"0G", varArray | varByte), EConvertError);
+  const Byte bytes[] = {0, 1, 0x7F, 0x80, 0xFE};
+  EXPECT_EQ(VarArrayToBytes(VnXMLToVariant(VnVariantToXML(VarArrayFromBytes(bytes)), varArray | varByte)),
+            TBytes(std::begin(bytes), std::end(bytes)));
+}
+
+TEST(XMLToVariant, ArraysReadBackWhatVariantToXMLWrites) {
+  Variant v = VnXMLToVariant(VnVariantToXML(IntArray({1, -2, 3})), varArray | varInteger);
+  ASSERT_EQ(v.VarType(), varArray | varInteger);
+  ASSERT_EQ(VarArrayHighBound(v, 1), 2);
+  EXPECT_TRUE(VarArrayGet(v, {0}) == Variant(1));
+  EXPECT_TRUE(VarArrayGet(v, {1}) == Variant(-2));
+  EXPECT_TRUE(VarArrayGet(v, {2}) == Variant(3));
+
+  // String elements become OleStr and keep their markup characters.
+  Variant strings = VarArrayCreate({0, 1}, varOleStr);
+  VarArrayPut(strings, u"a<b", {0});
+  VarArrayPut(strings, u"", {1});
+  v = VnXMLToVariant(VnVariantToXML(strings), varArray | varUString);
+  ASSERT_EQ(v.VarType(), varArray | varOleStr);
+  EXPECT_EQ(U8(VarArrayGet(v, {0}).AsString()), "a<b");
+  EXPECT_EQ(U8(VarArrayGet(v, {1}).AsString()), "");
+
+  // The same text once more in XML form, as a DOM value holds it.
+  v = VnXMLToVariant(
+      u"&lt;array length=&quot;2&quot;&gt;&lt;element nr=&quot;0&quot;&gt;7&lt;/element&gt;"
+      u"&lt;/array&gt;",
+      varArray | varInteger);
+  EXPECT_EQ(VarArrayHighBound(v, 1), 1);
+  EXPECT_TRUE(VarArrayGet(v, {0}) == Variant(7));
+  EXPECT_TRUE(VarArrayGet(v, {1}) == Variant(0));
+
+  EXPECT_TRUE(VarIsNull(VnXMLToVariant(u"", varArray | varInteger)));
+}
+
+TEST(XMLToVariant, BrokenArraysFailCleanly) {
+  // A length that no text of this size can fill would only allocate.
+  ExpectRaises<Exception>(
+      [] { VnXMLToVariant(u"<array length=\"999999999\"></array>", varArray | varInteger); },
+      Format(cVnXMLToVariantBadLength, {u"999999999"}));
+  ExpectRaises<Exception>([] { VnXMLToVariant(u"<array length=\"-1\"></array>", varArray | varInteger); },
+                          Format(cVnXMLToVariantBadLength, {u"-1"}));
+  ExpectRaises<Exception>([] { VnXMLToVariant(u"<array length=\"x\"></array>", varArray | varInteger); },
+                          Format(cVnXMLToVariantBadLength, {u"x"}));
+  ExpectRaises<Exception>([] { VnXMLToVariant(u"<array>", varArray | varInteger); },
+                          Format(cVnXMLToVariantBadLength, {u"<array>"}));
+  ExpectRaises<Exception>(
+      [] {
+        VnXMLToVariant(u"<array length=\"1\"><element>1</element><element>2</element></array>",
+                       varArray | varInteger);
+      },
+      Format(cVnXMLToVariantBadLength, {u"1"}));
+  EXPECT_THROW(VnXMLToVariant(u"<array length=\"1\"><element>x</element></array>", varArray | varInteger),
+               EConvertError);
+}
+
+// ---- Variant forms of the readers ----
+
+TEST(VariantReaders, NullGivesTheDefault) {
+  EXPECT_EQ(VnXMLToInt(Variant::Null(), 5), 5);
+  EXPECT_EQ(VnXMLToInt(Variant(), 5), 5);
+  EXPECT_EQ(VnXMLToDouble(Variant::Null(), 2.5), 2.5);
+  EXPECT_EQ(VnXMLToDateTime(Variant::Null(), 3.0), 3.0);
+  EXPECT_TRUE(VnXMLToBool(Variant::Null(), true));
+  EXPECT_EQ(U8(VnXMLToStr(Variant::Null(), u"d")), "d");
+}
+
+TEST(VariantReaders, IntegerTargetsByKind) {
+  EXPECT_EQ(VnXMLToInt(Variant(Int64(1) << 40 | 7), 0), 7);  // cut to 32 bits
+  EXPECT_EQ(VnXMLToByte(Variant(300), 0), 44);
+  EXPECT_EQ(VnXMLToUInt64(Variant(std::numeric_limits<UInt64>::max()), 0),
+            std::numeric_limits<UInt64>::max());
+  EXPECT_EQ(VnXMLToInt(Variant(u"42"), 0), 42);
+  EXPECT_EQ(VnXMLToLongword(Variant(u"4294967295"), 0), 4294967295u);
+  EXPECT_THROW(VnXMLToInt(Variant(u"4x"), 0), EConvertError);
+  EXPECT_EQ(VnXMLToInt(Variant(true), 0), 1);
+  EXPECT_EQ(VnXMLToWord(Variant(false), 9), 0);
+
+  ExpectRaises<EConvertError>([] { VnXMLToInt(Variant(1.5), 0); }, cVnInvalidInteger);
+  ExpectRaises<EConvertError>([] { VnXMLToShortint(Variant(1.5), 0); }, cVnInvalidShortint);
+  ExpectRaises<EConvertError>([] { VnXMLToSmallint(Variant::FromDate(1), 0); }, cVnInvalidSmallint);
+  ExpectRaises<EConvertError>([] { VnXMLToInt64(Variant(1.5f), 0); }, cVnInvalidInteger);
+  ExpectRaises<EConvertError>([] { VnXMLToUInt64(Variant(1.5), 0); }, cVnInvalidInteger);
+  ExpectRaises<EConvertError>([] { VnXMLToByte(IntArray({1}), 0); }, cVnInvalidByte);
+  ExpectRaises<EConvertError>([] { VnXMLToWord(Variant::FromError(1), 0); }, cVnInvalidWord);
+  ExpectRaises<EConvertError>([] { VnXMLToLongword(Variant(1.5), 0); }, cVnInvalidLongWord);
+}
+
+TEST(VariantReaders, FloatTargetsByKind) {
+  EXPECT_EQ(VnXMLToDouble(Variant(3), 0), 3);
+  EXPECT_EQ(VnXMLToDouble(Variant(std::numeric_limits<UInt64>::max()), 0), 18446744073709551615.0);
+  EXPECT_EQ(VnXMLToExtended(Variant(Currency::FromRaw(15000)), 0), 1.5L);
+  EXPECT_EQ(VnXMLToDouble(Variant::FromDate(43831.5), 0), 43831.5);
+  EXPECT_EQ(VnXMLToSingle(Variant(u"2.5"), 0), 2.5f);
+  EXPECT_EQ(VnXMLToDouble(Variant(u"INF"), 0), HUGE_VAL);
+  EXPECT_THROW(VnXMLToDouble(Variant(u"2,5"), 0), EConvertError);
+
+  ExpectRaises<EConvertError>([] { VnXMLToSingle(Variant(true), 0); }, cVnInvalidSingle);
+  ExpectRaises<EConvertError>([] { VnXMLToDouble(Variant(true), 0); }, cVnInvalidDouble);
+  ExpectRaises<EConvertError>([] { VnXMLToExtended(IntArray({}), 0); }, cVnInvalidExtended);
+}
+
+TEST(VariantReaders, DateTargetsByKind) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  EXPECT_EQ(VnXMLToDate(Variant(43831), 0), 43831);
+  EXPECT_EQ(VnXMLToDateTime(Variant(43831.25), 0), 43831.25);
+  EXPECT_EQ(VnXMLToTime(Variant::FromDate(0.5), 0), 0.5);
+  EXPECT_EQ(VnXMLToDate(Variant(u"2020-01-01"), 0), 43831);
+  EXPECT_NEAR(VnXMLToDateTime(Variant(u"2020-01-01T11:00:00Z"), 0), 43831.5, 1e-9);
+  EXPECT_NEAR(VnXMLToDateTime(Variant(u"2020-01-01T11:00:00Z"), 0, xdtfUTC), 43831 + 11.0 / 24, 1e-9);
+  EXPECT_NEAR(VnXMLToTime(Variant(u"11:00:00+01:00"), 0, tzfUTC), 10.0 / 24, 1e-9);
+  ExpectRaises<Exception>([] { VnXMLToTime(Variant(u"11:00:00"), 0, xdtfTimezone); },
+                          cVnXMLDateTimeNoTimezone);
+
+  ExpectRaises<EConvertError>([] { VnXMLToDate(Variant(true), 0); }, cVnInvalidDate);
+  ExpectRaises<EConvertError>([] { VnXMLToTime(Variant(true), 0); }, cVnInvalidTime);
+  ExpectRaises<EConvertError>([] { VnXMLToDateTime(IntArray({1}), 0); }, cVnInvalidDateTime);
+}
+
+TEST(VariantReaders, BooleanTarget) {
+  EXPECT_TRUE(VnXMLToBool(Variant(-3), false));
+  EXPECT_FALSE(VnXMLToBool(Variant(0), true));
+  EXPECT_TRUE(VnXMLToBool(Variant(u"1"), false));
+  EXPECT_TRUE(VnXMLToBool(Variant(u"True"), false));
+  EXPECT_FALSE(VnXMLToBool(Variant(u"yes"), true));
+  EXPECT_TRUE(VnXMLToBool(Variant(true), false));
+  ExpectRaises<EConvertError>([] { VnXMLToBool(Variant(1.0), false); }, cVnInvalidBoolean);
+  ExpectRaises<EConvertError>([] { VnXMLToBool(Variant::FromDate(1), false); }, cVnInvalidBoolean);
+}
+
+TEST(VariantReaders, StringOfAnyKind) {
+  TimeZoneScope zone(test::cZoneBerlin);
+  EXPECT_EQ(U8(VnXMLToStr(Variant(-12), u"")), "-12");
+  EXPECT_EQ(U8(VnXMLToStr(Variant(std::numeric_limits<UInt64>::max()), u"")), "18446744073709551615");
+  EXPECT_EQ(U8(VnXMLToStr(Variant(0.25), u"")), "0.25");
+  EXPECT_EQ(U8(VnXMLToStr(Variant(u"a&amp;b"), u"")), "a&b");
+  EXPECT_EQ(U8(VnXMLToStr(Variant(false), u"")), "false");
+  EXPECT_EQ(U8(VnXMLToStr(Variant::FromDate(43831.5), u"")), "2020-01-01T12:00:00.000");
+  EXPECT_EQ(U8(VnXMLToStr(VarArrayOf({1, u"x&lt;", Variant::Null()}), u"")), "1\r\nx<\r\n\r\n");
+  ExpectRaises<EConvertError>(
+      [] {
+        VnXMLToStr(VarArrayCreate({0, 1, 0, 1}, varInteger), u"");
+      },
+      cVnInvalidString);
+  ExpectRaises<EConvertError>([] { VnXMLToStr(Variant::FromError(1), u""); }, cVnInvalidString);
+}
+
+}  // namespace
+}  // namespace vn
