@@ -32,12 +32,6 @@ void BM_Utf8Decode_vnxml(benchmark::State& AState) {
   AState.SetBytesProcessed(static_cast<int64_t>(AState.iterations() * bytes->size()));
 }
 
-void BM_Utf8Decode_utf_h(benchmark::State& AState) {
-  const std::string* bytes = Input(AState);
-  for (auto _ : AState) benchmark::DoNotOptimize(vn::Utf8ToUnicode(*bytes));
-  AState.SetBytesProcessed(static_cast<int64_t>(AState.iterations() * bytes->size()));
-}
-
 void BM_Utf8Decode_icu(benchmark::State& AState) {
   const std::string* bytes = Input(AState);
   UErrorCode err = U_ZERO_ERROR;
@@ -72,7 +66,6 @@ void Files(benchmark::internal::Benchmark* ABench) {
 
 // Interleaved per file, so that the ratios are taken under the same conditions.
 BENCHMARK(BM_Utf8Decode_vnxml)->Apply(Files);
-BENCHMARK(BM_Utf8Decode_utf_h)->Apply(Files);
 BENCHMARK(BM_Utf8Decode_icu)->Apply(Files);
 BENCHMARK(BM_Utf8Encode_vnxml)->Apply(Files);
 

@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
   try {
     tour::Encodings();
     tour::Scanner();
+    tour::Sax();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

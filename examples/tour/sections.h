@@ -10,5 +10,6 @@ const std::string& DataDir();
 
 void Encodings();
 void Scanner();
+void Sax();
 
 }  // namespace tour

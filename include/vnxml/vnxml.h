@@ -2,5 +2,6 @@
 #pragma once
 
 #include "vnxml/common.h"
+#include "vnxml/dom.h"
 #include "vnxml/sax.h"
 #include "vnxml/xml_utils.h"

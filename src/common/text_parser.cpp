@@ -39,19 +39,24 @@ TVnTextParser::TVnTextParser(TStream* AStream, bool AOwnsStream, Word ACodePage)
                    false);
     return;
   }
-  std::vector<Byte> bytes;
-  if (AStream) {
-    Int64 rest = AStream->GetSize() - AStream->GetPosition();
-    if (rest > 0) bytes.reserve(static_cast<size_t>(rest));
-    for (;;) {
-      size_t have = bytes.size();
-      bytes.resize(have + cReadBlock);
-      Int64 got = AStream->Read(bytes.data() + have, static_cast<Int64>(cReadBlock));
-      bytes.resize(have + static_cast<size_t>(std::max<Int64>(got, 0)));
-      if (got <= 0) break;
+  // Read once into the buffer the scanner keeps: sized by what the stream says is left, plus
+  // room to see the end; it grows only for a stream that doesn't know its size.
+  size_t capacity = 1, have = 0;
+  if (AStream) capacity = static_cast<size_t>(std::max<Int64>(AStream->GetSize() - AStream->GetPosition(), 0)) + 1;
+  std::unique_ptr<Byte[]> buffer(new Byte[capacity]);
+  while (AStream) {
+    if (have == capacity) {
+      std::unique_ptr<Byte[]> grown(new Byte[capacity * 2 + cReadBlock]);
+      std::memcpy(grown.get(), buffer.get(), have);
+      buffer = std::move(grown);
+      capacity = capacity * 2 + cReadBlock;
     }
+    Int64 got = AStream->Read(buffer.get() + have, static_cast<Int64>(std::min(capacity - have, cReadBlock)));
+    if (got <= 0) break;
+    have += static_cast<size_t>(got);
   }
-  InitFromMemory(bytes.data(), bytes.size(), true);
+  FOwned = std::move(buffer);
+  InitFromMemory(FOwned.get(), have, false);
 }
 
 TVnTextParser::TVnTextParser(const void* AMemory, size_t ASize, Word ACodePage) : FCodePage(ACodePage) {

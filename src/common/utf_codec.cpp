@@ -94,6 +94,7 @@ char* EncodeUtf16AsUtf8(const char16_t* p, const char16_t* end, char* AOut) {
       p += 8;
       out += 8;
     }
+    if (p == end) break;
 #endif
     uint32_t c = *p++;
     if (c < 0x80) {

@@ -169,6 +169,15 @@ TEST(VnEncoding, Utf8RoundTripsEveryCodePoint) {
   EXPECT_EQ(DecodeExact(65001, utf8), text);
 }
 
+// ASCII whose length is a multiple of the encoder's block once read one unit past its end.
+TEST(VnEncoding, Utf8EncodingOfBlockSizedAsciiStopsAtTheEnd) {
+  for (size_t n : {8u, 16u, 24u, 40u}) {
+    std::unique_ptr<char16_t[]> block(new char16_t[n]);
+    std::fill(block.get(), block.get() + n, u'a');
+    EXPECT_EQ(UnicodeToUtf8(std::u16string_view(block.get(), n)), std::string(n, 'a'));
+  }
+}
+
 TEST(VnEncoding, Utf8CompletePrefixStopsBeforeAnUnfinishedCharacter) {
   struct Case {
     std::string Bytes;

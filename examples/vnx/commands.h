@@ -1,0 +1,23 @@
+// commands.h: the subcommands of vnx, one file each; main.cpp dispatches on the first argument.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vnx {
+
+/// Exit codes shared by every subcommand.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailed = 1;  // the input was refused (the reason is on standard error)
+inline constexpr int kExitUsage = 2;   // bad arguments, or the input could not be opened
+
+/// vnx events [--multi-root] FILE|-
+int Events(const std::vector<std::string>& AArgs);
+
+/// The bytes of FILE, or of standard input for "-"; false when it can't be read.
+bool ReadInput(const std::string& APath, std::string& ABytes);
+
+/// Text as one line: quoted, with \\ \" \n \r \t \xHH for other controls, \uHHHH for lone surrogates.
+std::string Quoted(std::u16string_view AText);
+
+}  // namespace vnx

@@ -1,0 +1,26 @@
+// vnx: a command-line tool over vnxml. See README.md for the subcommands and their output.
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+
+namespace {
+
+int Usage() {
+  std::fprintf(stderr,
+               "usage: vnx <command> [options] FILE|-\n"
+               "commands:\n"
+               "  events [--multi-root] FILE|-   print the reader's events, one per line\n");
+  return vnx::kExitUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) return Usage();
+  std::vector<std::string> args(argv + 2, argv + argc);
+  if (std::strcmp(argv[1], "events") == 0) return vnx::Events(args);
+  return Usage();
+}

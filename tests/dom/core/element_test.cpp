@@ -1,0 +1,213 @@
+// Elements: namespace declarations made on insertion, pending URIs, xml:space, lookups, text.
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/dom.h"
+#include "vnxml/dom_messages.h"
+
+namespace vn {
+namespace {
+
+UnicodeString AttrNames(TVnDOMElement* AElement) {
+  UnicodeString s;
+  for (TVnDOMAttribute* a : *AElement->GetAttributes()) s += a->GetQualifiedName() + u"=" + a->GetNodeValue() + u",";
+  return s;
+}
+
+TEST(DomElement, NamespaceDeclarationsOnInsertion) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"u", u"root");
+  EXPECT_EQ(root->GetNamespaceURI(), u"u");
+  // An unprefixed child with no URI of its own stays out of the default namespace.
+  TVnDOMElement* plain = root->AddElement(u"c");
+  EXPECT_EQ(plain->GetNamespaceURI(), u"");
+  EXPECT_EQ(plain->AttributeCount(), 0);
+  // A new prefix gets its declaration on the new element.
+  TVnDOMElement* p = root->AddElement(u"v", u"p:a");
+  EXPECT_EQ(AttrNames(p), u"xmlns:p=v,");
+  EXPECT_EQ(p->GetNamespaceURI(), u"v");
+  // A URI declared for the same prefix above needs no new attribute.
+  TVnDOMElement* again = p->AddElement(u"v", u"p:b");
+  EXPECT_EQ(again->AttributeCount(), 0);
+  EXPECT_EQ(again->GetNamespaceURI(), u"v");
+  EXPECT_EQ(again->GetNamespaces()->Count(), 2);
+  // The by-name lookup with coCreate reuses the prefix in scope.
+  TVnDOMElement* made = p->ElementByName(u"v", u"z", coCreate);
+  EXPECT_EQ(made->GetQualifiedName(), u"p:z");
+  EXPECT_THROW(p->ElementByName(u"w", u"none", coRaise), EVnDomNotFound);
+  EXPECT_EQ(p->ElementByName(u"w", u"none", coReturnNil), nullptr);
+}
+
+TEST(DomElement, PendingURIAcrossDetachment) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  TVnDOMElement* a = root->AddElement(u"v", u"p:a");
+  IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
+  TVnDOMElement* other = root->AddElement(u"other");
+  root->RemoveChild(a);
+  EXPECT_EQ(a->GetNamespaceURI(), u"v");  // answered from the pending value now
+  held->RemoveAttribute(u"xmlns:p");
+  EXPECT_EQ(a->GetNamespaceURI(), u"v");
+  held = nullptr;
+  (void)other;
+}
+
+TEST(DomElement, AttributeMovedKeepsItsURI) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  TVnDOMElement* from = root->AddElement(u"from");
+  TVnDOMElement* to = root->AddElement(u"to");
+  TVnDOMAttribute* attr = from->AttributeByName(u"urn:x", u"q:k", true);
+  EXPECT_EQ(attr->GetNamespaceURI(), u"urn:x");
+  IPtr<IVnDOMAttribute> held = attr->As<IVnDOMAttribute>();
+  from->RemoveChild(attr);
+  EXPECT_EQ(attr->GetNamespaceURI(), u"urn:x");
+  to->AppendChild(attr);
+  EXPECT_EQ(AttrNames(to), u"xmlns:q=urn:x,q:k=,");
+  EXPECT_EQ(attr->GetNamespaceURI(), u"urn:x");
+}
+
+TEST(DomElement, RemovingADeclarationDropsLinksToIt) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  root->SetAttribute(u"xmlns:p", u"v");
+  TVnDOMElement* child = root->AddElement(u"p:c");
+  TVnDOMAttribute* pa = child->AddAttribute(u"p:k");
+  EXPECT_EQ(child->GetNamespaceURI(), u"v");
+  EXPECT_EQ(pa->GetNamespaceURI(), u"v");
+  root->RemoveAttribute(u"xmlns:p");  // freed: nothing may still point at it
+  EXPECT_EQ(child->GetNamespaceURI(), u"");
+  EXPECT_EQ(pa->GetNamespaceURI(), u"");
+  EXPECT_EQ(child->GetNamespaces()->Count(), 0);
+}
+
+TEST(DomElement, XmlSpaceInheritance) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  TVnDOMElement* keep = root->AddElement(u"keep");
+  keep->SetPreseveSpace(true);
+  EXPECT_EQ(keep->GetAttribute(u"xml:space"), u"preserve");
+  EXPECT_TRUE(keep->AddElement(u"child")->GetPreserveSpace());
+  EXPECT_FALSE(root->AddElement(u"other")->GetPreserveSpace());
+  // An element with its own xml:space keeps it under any parent.
+  auto moved = std::make_unique<TVnDOMElement>();
+  moved->SetAttribute(u"xml:space", u"PRESERVE");
+  TVnDOMElement* m = root->Append(std::move(moved));
+  EXPECT_TRUE(m->GetPreserveSpace());
+  EXPECT_TRUE(m->AddText(u" ")->GetPreserveSpace());
+}
+
+TEST(DomElement, AttributesByName) {
+  TVnDOMElement e;
+  EXPECT_EQ(e.GetAttribute(u"absent"), u"");
+  EXPECT_TRUE(e.HasAttribute(u"absent"));  // reading created it
+  e.SetAttribute(u"k", u"a<b");
+  EXPECT_EQ(e.GetAttribute(u"K"), u"a<b");
+  EXPECT_THROW(e.GetAttributeNS(u"urn:n", u"k"), EVnDomNotFound);
+  EXPECT_THROW(e.AttributeByName(u"zz", {soRaise}), EVnDomNotFound);
+  EXPECT_THROW(e.NodeByName(e.GetAttributes(), u"zz", {soCreate}, nullptr), Exception);
+  e.RemoveAttribute(u"k");
+  EXPECT_FALSE(e.HasAttribute(u"k"));
+  EXPECT_THROW(e.RemoveAttribute(u"urn:n", u"k"), EVnDomNotFound);
+}
+
+TEST(DomElement, ElementListsAndNeighbours) {
+  TVnDOMElement a;
+  a.SetQualifiedName(u"a");
+  TVnDOMElement* b = a.AddElement(u"b");
+  TVnDOMElement* inner = b->AddElement(u"a");
+  a.AddElement(u"x:a");
+  auto all = a.CreateElementList(u"a", true);
+  ASSERT_EQ(all->Count(), 2);
+  EXPECT_EQ(all->GetItem(0), &a);  // itself first
+  EXPECT_EQ(all->GetItem(1), inner);
+  EXPECT_EQ(a.CreateElementList(u"*:a", true)->Count(), 3);
+  EXPECT_EQ(a.CreateElementList(u"a", false)->Count(), 1);
+  EXPECT_THROW(a.CreateElementList(u"a", true, {soRaise}), Exception);
+  EXPECT_EQ(b->NextElement()->GetQualifiedName(), u"x:a");
+  EXPECT_EQ(b->PreviousElement(), nullptr);
+  EXPECT_THROW(inner->FirstElement(), EVnDomNotFound);
+}
+
+TEST(DomElement, TextValues) {
+  TVnDOMElement a;
+  a.AddText(u"x");
+  a.AddComment(u" c ");
+  a.AddElement(u"b")->AddText(u"y");
+  a.AddText(u"z");
+  a.AddCDATA(u"<d>");
+  EXPECT_EQ(a.GetNodeValue(), u"xz<d>");
+  EXPECT_EQ(a.GetText(), u"x c z<d>y");
+  a.SetNodeValue(u"new & old");
+  EXPECT_EQ(a.GetCharNodes()->Count(), 2);  // the CDATA section stays
+  EXPECT_EQ(a.GetNodeValue(), u"<d>new & old");
+  EXPECT_EQ(a.GetCDATA(0)->GetNodeValue(), u"<d>");
+  EXPECT_EQ(a.GetCDATA(1)->GetNodeValue(), u"");  // one past the last adds one
+  EXPECT_THROW(a.GetCDATA(5), EListError);
+  a.SetAsInteger(42);
+  EXPECT_EQ(a.GetAsInteger(), 0);  // the CDATA sections stay part of the value: "<d>42"
+  TVnDOMElement n;
+  n.SetAsInteger(42);
+  EXPECT_EQ(n.GetAsInteger(), 42);
+  a.SetInnerXML(u"");
+  EXPECT_EQ(a.ElementCount(), 0);
+  EXPECT_FALSE(a.GetCharNodes()->Count() == 0);
+}
+
+TEST(DomElement, NormalizeMergesNeighbouringText) {
+  TVnDOMElement a;
+  a.AddText(u"a");
+  a.AddText(u"&");
+  a.AddComment(u"c");
+  a.AddText(u"b");
+  a.AddCDATA(u"d");
+  a.AddText(u"e");
+  a.NormalizeTextNodes();
+  EXPECT_EQ(a.GetChildNodes()->Count(), 5);
+  EXPECT_EQ(a.GetCharNodes()->GetItem(0)->GetNodeValue(), u"a&");
+}
+
+TEST(DomElement, OutputOfElementsAndLeaves) {
+  TVnDOMDocument doc;
+  TVnDOMElement* a = doc.CreateRootNode(u"a");
+  a->AddElement(u"b")->AddText(u"x");
+  a->AddElement(u"c");
+  EXPECT_EQ(a->GetXML(), u"<a><b>x</b><c /></a>");
+  EXPECT_EQ(a->GetFormattedXML(), u"<a>\r\n  <b>x</b>\r\n  <c />\r\n</a>");
+  EXPECT_EQ(a->GetInnerXML(), u"<b>x</b><c />");
+  a->SetAttribute(u"k", u"v\"");
+  EXPECT_EQ(a->FindAttribute(u"k")->GetXML(), u" k=\"v&quot;\"");
+}
+
+// The hostile shapes: a quadratic implementation cannot finish these within the bounds.
+TEST(DomScale, WideTreeUnderManyDeclarations) {
+  auto start = std::chrono::steady_clock::now();
+  auto root = std::make_unique<TVnDOMElement>();
+  root->SetQualifiedName(u"root");
+  for (int i = 0; i < 10000; ++i)
+    root->AddAttribute(u"xmlns:p" + IntToStr(i))->SetNodeValue(u"urn:" + IntToStr(i));
+  TVnDOMDocument doc;
+  TVnDOMElement* r = static_cast<TVnDOMElement*>(doc.AppendChild(root.release()));
+  for (int i = 0; i < 100000; ++i) r->AddElement(u"urn:9999", u"p9999:c");
+  EXPECT_EQ(r->ElementCount(), 100000);
+  EXPECT_EQ(r->LastElement()->AttributeCount(), 0);
+  EXPECT_EQ(r->LastElement()->GetNamespaceURI(), u"urn:9999");
+  EXPECT_EQ(r->LastElement()->GetNamespaces()->Count(), 10000);
+  auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  EXPECT_LT(seconds, 60.0);
+}
+
+TEST(DomScale, ManyAttributesOnOneElement) {
+  auto start = std::chrono::steady_clock::now();
+  TVnDOMDocument doc;
+  TVnDOMElement* r = doc.CreateRootNode(u"root");
+  for (int i = 0; i < 100000; ++i) r->AddAttribute(u"a" + IntToStr(i))->SetNodeValue(u"v");
+  EXPECT_EQ(r->AttributeCount(), 100000);
+  auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  EXPECT_LT(seconds, 60.0);
+}
+
+}  // namespace
+}  // namespace vn

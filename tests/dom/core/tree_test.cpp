@@ -1,0 +1,221 @@
+// Nodes, lists, names and leaves: positions, lookups, paths, stored values and edits.
+#include <gtest/gtest.h>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/variant.h"
+#include "vnxml/dom.h"
+#include "vnxml/dom_messages.h"
+
+namespace vn {
+namespace {
+
+UnicodeString Names(const TVnDOMNodeListBase& AList) {
+  UnicodeString s;
+  for (TVnDOMNode* n : AList) s += n->GetQualifiedName() + u",";
+  return s;
+}
+
+TEST(DomList, InsertionByPositionAndReference) {
+  TVnDOMElement parent, other;
+  parent.SetQualifiedName(u"p");
+  TVnDOMElement* a = parent.AddElement(u"a");
+  TVnDOMElement* b = parent.AddElement(u"b");
+  TVnDOMElement* foreign = other.AddElement(u"f");
+  parent.InsertElement(u"first", rdpFirst, b);
+  parent.InsertElement(u"beforeB", rdpBefore, b);
+  parent.InsertElement(u"afterA", rdpAfter, a);
+  parent.InsertElement(u"frontForeign", rdpBefore, foreign);  // a reference from another list: front
+  parent.InsertElement(u"endForeign", rdpAfter, foreign);     // ... or end
+  parent.InsertElement(u"frontNil", rdpBefore, nullptr);
+  EXPECT_EQ(Names(*parent.GetChildNodes()), u"frontNil,frontForeign,first,a,afterA,beforeB,b,endForeign,");
+}
+
+TEST(DomList, TypedListsTakeForeignReferencesAtTheirEnds) {
+  TVnDOMElement e;
+  e.SetQualifiedName(u"e");
+  TVnDOMText* t = e.AddText(u"t");
+  e.AddElement(u"x");
+  // t is no element: the element list puts the new one at its front, the child list before t.
+  e.InsertElement(u"y", rdpBefore, t);
+  EXPECT_EQ(Names(*e.GetChildNodes()), u"y,#text,x,");
+  e.InsertElement(u"z", rdpAfter, t);
+  EXPECT_EQ(Names(*e.GetElements()), u"y,x,z,");
+  EXPECT_EQ(Names(*e.GetChildNodes()), u"y,#text,z,x,");
+}
+
+TEST(DomList, NeighboursAndEmptyLists) {
+  TVnDOMElement e;
+  TVnDOMNodeList* list = e.GetChildNodes();
+  EXPECT_THROW(list->First(), EVnDomNotFound);
+  try {
+    list->Last();
+  } catch (const EVnDomNotFound& ex) {
+    EXPECT_EQ(ex.Message(), cVnDomListEmpty);
+  }
+  TVnDOMElement* a = e.AddElement(u"a");
+  TVnDOMElement* b = e.AddElement(u"b");
+  TVnDOMElement stranger;
+  EXPECT_EQ(list->Next(b), nullptr);
+  EXPECT_EQ(list->Previous(a), nullptr);
+  EXPECT_EQ(list->Next(&stranger), a);  // a node not in the list gives the first
+  EXPECT_THROW(list->Previous(&stranger), EListError);
+  EXPECT_THROW(list->GetItem(2), EListError);
+  EXPECT_EQ(a->NextSibling(), b);
+  EXPECT_EQ(b->PreviousSibling(), a);
+  int n = 0;
+  for (TVnDOMElement* x : *e.GetElements()) n += x ? 1 : 0;
+  EXPECT_EQ(n, 2);
+}
+
+TEST(DomList, FindTakesTheLastMatchAndChecksOptions) {
+  TVnDOMElement e;
+  TVnDOMElement* first = e.AddElement(u"item");
+  TVnDOMElement* second = e.AddElement(u"ITEM");
+  TVnDOMElementList* list = e.GetElements();
+  EXPECT_EQ(list->Find(u"item", TVnDOMSelectOptions{}), second);  // default collation ignores case
+  EXPECT_EQ(list->Find(u"item", {soCaseSensitive}), first);
+  EXPECT_THROW(list->Find(u"a", {soCaseSensitive, soCaseInsensitive}), Exception);
+  EXPECT_THROW(list->Find(u"a", {soCreate}), Exception);
+  try {
+    list->Find(u"none", {soRaise});
+    FAIL();
+  } catch (const EVnDomNotFound& ex) {
+    EXPECT_EQ(ex.Message(), Format(cVnDomNoNodeForName, {u"none"}));
+  }
+  TVnDOMElement* px = e.AddElement(u"p:x");
+  EXPECT_EQ(list->Find(u"x", TVnDOMSelectOptions{}), nullptr);  // qualified match by default
+  EXPECT_EQ(list->Find(u"x", {soLocalName}), px);
+  EXPECT_EQ(list->Find(u"x", {soLocalName, soQualifiedName}), px);  // local name wins
+}
+
+TEST(DomList, GetItemExByNumberNameAndDot) {
+  TVnDOMElement e;
+  TVnDOMElementList* list = e.GetElements();
+  EXPECT_EQ(list->GetItemEx(Variant(u"."), coRaise), &e);  // even on an empty list
+  TVnDOMElement* a = e.AddElement(u"a");
+  EXPECT_EQ(list->GetItemEx(Variant(0), coRaise), a);
+  EXPECT_EQ(list->GetItemEx(Variant(u"A"), coRaise), a);
+  EXPECT_EQ(list->GetItemEx(Variant(u"b"), coReturnNil), nullptr);
+  EXPECT_THROW(list->GetItemEx(Variant(u"b"), coRaise), EListError);
+  TVnDOMElement* b = list->GetItemEx(Variant(u"b"), coCreate);
+  ASSERT_NE(b, nullptr);
+  EXPECT_EQ(b->GetParent(), &e);
+  EXPECT_THROW(list->GetItemEx(Variant(1.5), coRaise), EListError);
+}
+
+TEST(DomNode, ClearCloneAndChildren) {
+  TVnDOMElement e;
+  e.SetQualifiedName(u"e");
+  e.SetAttribute(u"k", u"1");
+  EXPECT_TRUE(e.HasChilds());  // attributes are children
+  e.SetAttribute(u"j", u"2");
+  e.AddElement(u"c")->AddText(u"x");
+  auto shallow = e.CloneNode(false);
+  EXPECT_FALSE(shallow->HasChilds());
+  auto deep = e.CloneNode(true);
+  auto* de = static_cast<TVnDOMElement*>(deep.get());
+  EXPECT_EQ(Names(*de->GetAttributes()), u"k,j,");
+  EXPECT_EQ(de->FirstElement()->GetText(), u"x");
+  EXPECT_EQ(de->GetParent(), nullptr);
+  e.Clear();
+  EXPECT_EQ(e.AttributeCount(), 0);
+  EXPECT_FALSE(e.HasChilds());
+}
+
+TEST(DomNode, AddingRefusesNodesThatAreInATreeOrAboveTheTarget) {
+  TVnDOMElement e;
+  TVnDOMElement* c = e.AddElement(u"c");
+  TVnDOMElement* g = c->AddElement(u"g");
+  EXPECT_THROW(g->AddChild(c), EVnDomHierarchyRequest);
+  auto loose = std::make_unique<TVnDOMElement>();
+  loose->AddElement(u"x");
+  TVnDOMElement* l = loose.get();
+  g->AppendChild(loose.release());
+  EXPECT_THROW(l->FirstElement()->AppendChild(l), EVnDomHierarchyRequest);
+}
+
+TEST(DomNode, NodePath) {
+  TVnDOMDocument doc;
+  TVnDOMElement* a = doc.CreateRootNode(u"a");
+  TVnDOMElement* b = a->AddElement(u"x:b");
+  b->SetAttribute(u"id", u"7 & 8");
+  TVnDOMElement* plain = a->AddElement(u"b");
+  EXPECT_EQ(doc.NodePath(false, u""), u"");
+  EXPECT_EQ(a->NodePath(false, u""), u"/a");
+  EXPECT_EQ(b->NodePath(false, u"id"), u"/a/x:b[@id=\"7 & 8\"]");
+  EXPECT_EQ(b->NodePath(true, u"ID"), u"/a/b[@ID=\"7 & 8\"]");
+  EXPECT_EQ(plain->NodePath(false, u"id"), u"/a/b");
+  EXPECT_EQ(b->FindAttribute(u"id")->NodePath(false, u""), u"/a/x:b/@id");
+  TVnDOMElement detached;
+  detached.SetQualifiedName(u"root");
+  EXPECT_EQ(detached.AddElement(u"c")->NodePath(), u"root/c");
+  EXPECT_EQ(detached.NodePath(), u"root");
+}
+
+TEST(DomNames, CollationsFollowTheLinguisticOrder) {
+  auto ci = TVnXPathCollationASCIICI::Class();
+  auto cs = TVnXPathCollationCodepoint::Class();
+  EXPECT_EQ(cs->Compare(u"a", u"B"), -1);  // not code point order
+  EXPECT_EQ(cs->Compare(u"a", u"A"), -1);
+  EXPECT_EQ(ci->Compare(u"a", u"A"), 0);
+  EXPECT_EQ(ci->Compare(u"\u00E9t\u00E9", u"\u00C9T\u00C9"), 0);  // Compare folds beyond ASCII
+  EXPECT_EQ(ci->Pos(u"\u00C9", u"x\u00E9"), 0);                    // Pos folds A-Z only
+  EXPECT_EQ(ci->Pos(u"B", u"abc"), 2);
+  EXPECT_EQ(cs->Pos(u"B", u"abc"), 0);
+  EXPECT_TRUE(ci->SameText(u"Name", u"nAME"));
+  EXPECT_FALSE(cs->SameText(u"Name", u"nAME"));
+  EXPECT_TRUE(ci->SameText(u"a\x01", u"a"));  // ignorable controls go through the collator
+  EXPECT_EQ(ci->SortKey(u"ABC"), ci->SortKey(u"abc"));
+}
+
+TEST(DomLeaves, StoredFormsOfValues) {
+  TVnDOMElement e;
+  TVnDOMAttribute* a = e.AddAttribute(u"a");
+  a->SetStoredValue(u"x &amp; y");
+  EXPECT_EQ(a->GetNodeValue(), u"x & y");
+  a->SetNodeValue(u"it's \"a\"");
+  EXPECT_EQ(a->GetStoredValue(), u"it's &quot;a&quot;");
+  EXPECT_EQ(e.AddText(u"<")->GetStoredValue(), u"&lt;");
+  EXPECT_EQ(e.AddComment(u"<")->GetStoredValue(), u"<");
+  EXPECT_EQ(e.AddCDATA(u"<")->GetStoredValue(), u"<");
+  TVnDOMText* t = e.AddText(u"");
+  t->SetStoredValue(u"&#65;b");
+  t->AppendStr(u"c");
+  EXPECT_EQ(t->GetStoredValue(), u"Abc");  // decoded and encoded once: the reference is gone
+}
+
+TEST(DomLeaves, EditingCharacterData) {
+  TVnDOMElement e;
+  TVnDOMText* t = e.AddText(u"abcdef");
+  EXPECT_EQ(t->Substring(2, 3), u"bcd");
+  EXPECT_EQ(t->Substring(5, 10), u"ef");
+  TVnDOMText* rest = t->SplitText(3);
+  EXPECT_EQ(t->GetNodeValue(), u"abc");
+  EXPECT_EQ(rest->GetNodeValue(), u"def");
+  EXPECT_EQ(t->NextSibling(), rest);
+  t->InsertStr(2, u"X");
+  t->DeleteStr(1, 1);
+  t->ReplaceStr(2, 1, u"YZ");
+  EXPECT_EQ(t->GetNodeValue(), u"XYZc");
+  TVnDOMText lone;
+  EXPECT_THROW(lone.SplitText(1), EVnDomException);
+}
+
+TEST(DomLeaves, AttributeNames) {
+  TVnDOMElement e;
+  EXPECT_TRUE(e.AddAttribute(u"XMLNS")->IsNamespace());
+  EXPECT_TRUE(e.AddAttribute(u"xmlns:p")->IsNamespace());
+  EXPECT_EQ(e.FindAttribute(u"xmlns:p")->NamespacePrefix(), u"p");
+  TVnDOMAttribute* lang = e.AddAttribute(u"xml:lang");
+  EXPECT_FALSE(lang->IsNamespace());
+  EXPECT_THROW(lang->NamespacePrefix(), EAssertionFailed);
+  EXPECT_EQ(lang->GetNamespaceURI(), u"http://www.w3.org/XML/1998/namespace");
+  TVnDOMProcessingInstruction pi;
+  pi.SetQualifiedName(u"a:b");
+  pi.SetData(u"d");
+  EXPECT_EQ(pi.GetLocalName(), u"b");
+  EXPECT_EQ(pi.CloneNode(false)->GetQualifiedName(), u"a:b");
+}
+
+}  // namespace
+}  // namespace vn

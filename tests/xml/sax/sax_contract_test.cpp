@@ -1,0 +1,241 @@
+// The event contract: attribute lookups, the namespace stack, the locator, interfaces and the
+// encoding decision of TVnXMLParser.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "sax_recorder.h"
+#include "vnxml/common/stream.h"
+#include "vnxml/common/vn_streams.h"
+
+using namespace vn;
+using vntest::RecordingReader;
+
+namespace {
+
+int CodeOf(const std::function<void()>& AAction) {
+  try {
+    AAction();
+  } catch (const EVnXMLParseError& e) {
+    return e.GetCode();
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST(SaxAttributes, Lookups) {
+  TVnSAXXMAttributes attrs;
+  attrs.Add(u"id", u"id", u"", u"7", TVnSAXAttributeType::CDATA);
+  attrs.Add(u"href", u"x:href", u"urn:x", u"#a", TVnSAXAttributeType::ID);
+  attrs.Add(u"lang", u"lang", u"", u"en", TVnSAXAttributeType::CDATA);
+  EXPECT_EQ(attrs.Count(), 3);
+  EXPECT_EQ(attrs.FirstAttribute()->Next->Prev, attrs.FirstAttribute());
+  EXPECT_EQ(attrs.GetAttribute(2)->Idx, 2);
+  EXPECT_EQ(attrs.GetQName(1), u"x:href");
+  EXPECT_EQ(attrs.GetURI(1), u"urn:x");
+
+  // Names compare without regard to case; GetIndex gives -1 where the others raise code 4.
+  EXPECT_EQ(attrs.GetValue(u"ID"), u"7");
+  EXPECT_EQ(attrs.GetIndex(u"X:HREF"), 1);
+  EXPECT_EQ(attrs.GetIndex(u"nope"), -1);
+  EXPECT_EQ(attrs.GetIndex(u"URN:X", u"HREF"), 1);
+  EXPECT_EQ(attrs.GetType(u"urn:x", u"href"), TVnSAXAttributeType::ID);
+  EXPECT_EQ(CodeOf([&] { attrs.GetValue(u"nope"); }), cVnXMLErrListIndexOutOfBounds);
+  EXPECT_EQ(CodeOf([&] { attrs.GetType(u"nope"); }), cVnXMLErrListIndexOutOfBounds);
+  EXPECT_EQ(CodeOf([&] { attrs.GetAttribute(3); }), cVnXMLErrListIndexOutOfBounds);
+  EXPECT_EQ(CodeOf([&] { attrs.GetLocalName(-1); }), cVnXMLErrListIndexOutOfBounds);
+
+  // "*" matches any namespace in GetValue only; an empty URI matches only the empty one.
+  EXPECT_EQ(attrs.GetValue(u"*", u"href"), u"#a");
+  EXPECT_EQ(attrs.GetValue(u"", u"lang"), u"en");
+  EXPECT_EQ(CodeOf([&] { attrs.GetValue(u"", u"href"); }), cVnXMLErrListIndexOutOfBounds);
+  EXPECT_EQ(attrs.GetIndex(u"*", u"href"), -1);
+  EXPECT_EQ(CodeOf([&] { attrs.GetType(u"*", u"href"); }), cVnXMLErrListIndexOutOfBounds);
+
+  try {
+    attrs.GetValue(u"a", u"b");
+  } catch (const EVnXMLParseError& e) {
+    EXPECT_EQ(e.Message(), u"List index (a-b) out of bounds!");
+  }
+  try {
+    attrs.GetAttribute(9);
+  } catch (const EVnXMLParseError& e) {
+    EXPECT_EQ(e.Message(), u"List index (9) out of bounds!");
+  }
+
+  // Cleared records come back for reuse, with their old content overwritten.
+  attrs.Clear();
+  EXPECT_EQ(attrs.Count(), 0);
+  EXPECT_EQ(attrs.FirstAttribute(), nullptr);
+  attrs.Add(u"n", u"n", u"", u"v", TVnSAXAttributeType::CDATA);
+  EXPECT_EQ(attrs.GetValue(0), u"v");
+  EXPECT_EQ(attrs.FirstAttribute()->Next, nullptr);
+
+  // Counting is off: an interface taken and dropped frees nothing.
+  { IPtr<IVnSAXAttributes> intf(&attrs); }
+  EXPECT_EQ(attrs.Count(), 1);
+}
+
+TEST(SaxNamespaceList, ScopesAndEvents) {
+  RecordingReader r;
+  TVnSAXNamespaceList list(&r.Reader);
+  list.AddURI(1, u"p", u"outer");
+  list.AddURI(2, u"p", u"inner");
+  list.AddURI(2, u"", u"default");
+  EXPECT_EQ(list.GetURI(u"P"), u"inner");
+  EXPECT_EQ(list.GetNamespace(u"p")->Level, 2);
+  EXPECT_EQ(list.GetURI(u"q"), u"");
+  EXPECT_EQ(list.GetNamespace(u"q"), nullptr);
+  list.RemoveLevel(3);  // nothing declared there: no event
+  list.RemoveLevel(2);
+  EXPECT_EQ(list.GetURI(u"p"), u"outer");
+  EXPECT_EQ(list.GetURI(u""), u"");
+  list.Clear();
+  EXPECT_EQ(list.Count(), 0);
+  EXPECT_EQ(r.Events(), (std::vector<std::string>{"startPrefix(p=outer)", "startPrefix(p=inner)",
+                                                  "startPrefix(=default)", "endPrefix()", "endPrefix(p)"}));
+}
+
+TEST(SaxReaderFrame, LocatorAndInterfaces) {
+  RecordingReader r;
+  EXPECT_EQ(r.Reader.GetLineNr(), -1);  // before any parse
+  EXPECT_EQ(r.Reader.GetPosition(), -1);
+  r.Reader.Parse(u"<a/>", u"doc-1");
+  EXPECT_EQ(r.Reader.GetLineNr(), -1);  // after one that ended normally
+  EXPECT_EQ(r.Reader.GetColNr(), -1);
+  EXPECT_EQ(r.Reader.GetPublicID(), u"doc-1");
+
+  IPtr<IVnSAXXMLReader> intf(&r.Reader);
+  EXPECT_FALSE(intf->GetFeature(u"anything"));
+  EXPECT_TRUE(VarIsNull(intf->GetProperty(u"anything")));
+  EXPECT_TRUE(static_cast<bool>(intf.As<IVnSAXLocator>()));
+  EXPECT_TRUE(static_cast<bool>(intf.As<IVnObject>()));
+  EXPECT_FALSE(static_cast<bool>(intf.As<IVnSAXContentHandler>()));
+  intf = nullptr;  // counting is off: the reader lives on
+  EXPECT_EQ(intf.Get(), nullptr);
+  EXPECT_EQ(IVnSAXXMLReader::IID, TGUID::Parse("E13EA94C-8AAE-450D-BCA6-03FD63522ED8"));
+}
+
+TEST(SaxReaderFrame, LocatorDuringEvents) {
+  // A handler asking the locator during an event gets the reader's current place.
+  struct Asking : vntest::SaxRecorder {
+    IVnSAXLocator* Loc = nullptr;
+    void StartElement(std::u16string_view, std::u16string_view, std::u16string_view q, IVnSAXAttributes*) override {
+      Events.push_back(U8(q) + "@" + std::to_string(Loc->GetLineNr()) + ":" + std::to_string(Loc->GetColNr()) +
+                       "#" + std::to_string(Loc->GetPosition()));
+    }
+  };
+  TVnSAXXMLReader reader;
+  IPtr<Asking> h(new Asking);
+  h->Loc = &reader;
+  reader.SetContentHandler(IPtr<IVnSAXContentHandler>(h.Get()));
+  reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(h.Get()));
+  reader.Parse(u"<r>\n  <a x='1'/>\n</r>", u"");
+  EXPECT_EQ(h->Events[1], "r@1:3#3");
+  EXPECT_EQ(h->Events[3], "a@2:11#15");
+}
+
+TEST(SaxReaderFrame, EntryPoints) {
+  const std::string xml = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>";
+  auto chars = [](RecordingReader& r) { return r.Events().at(3); };
+  {
+    RecordingReader r;  // a stream stays the caller's and is read from its position
+    TMemoryStream stream;
+    stream.WriteBuffer("junk", 4);
+    stream.WriteBuffer(xml.data(), static_cast<Int64>(xml.size()));
+    stream.SetPosition(4);
+    r.Reader.ParseStream(&stream, 0, u"");
+    EXPECT_EQ(chars(r), "chars(\xC3\xA9)");
+  }
+  {
+    RecordingReader r;  // 8-bit text with the caller's code page: the declaration is not read
+    r.Reader.Parse(std::string_view("<a>\xC3\xA9</a>"), 65001, u"");
+    EXPECT_EQ(r.Events().at(2), "chars(\xC3\xA9)");
+  }
+  std::filesystem::path file = std::filesystem::temp_directory_path() / "vnxml_sax_entry.xml";
+  {
+    // Only ParseFile looks for a byte-order mark, and the mark wins over the declaration.
+    std::string bom = "\xFF\xFE";
+    for (char c : std::string("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>")) bom += {c, '\0'};
+    std::ofstream(file, std::ios::binary) << bom;
+    RecordingReader r;
+    r.Reader.ParseFile(file.u16string(), fmOpenRead, u"file");
+    EXPECT_EQ(chars(r), "chars(\xC3\xA9)");
+    RecordingReader unread;  // the same bytes through ParseBuffer: the mark isn't looked for
+    EXPECT_THROW(unread.Reader.ParseBuffer(bom.data(), static_cast<Int64>(bom.size()), 0, u""), EVnXMLParseError);
+  }
+  std::filesystem::remove(file);
+  RecordingReader missing;
+  EXPECT_THROW(missing.Reader.ParseFile(file.u16string(), fmOpenRead, u""), EFOpenError);
+}
+
+TEST(XmlParser, EncodingDecision) {
+  auto decide = [](std::string_view bytes, bool detectBOM = false, Word cp = 0) {
+    TVnMemoryStream stream(bytes.data(), static_cast<Int64>(bytes.size()));
+    TVnXMLParser parser(&stream, false, detectBOM, cp);
+    return std::pair<Word, TVnCharacterSetType>(parser.GetContentCodePage(), parser.GetCharacterSetType());
+  };
+  using R = std::pair<Word, TVnCharacterSetType>;
+  EXPECT_EQ(decide("<a/>"), R(65001, csUTF8));
+  EXPECT_EQ(decide("<?xml version=\"1.0\"?><a/>"), R(65001, csUTF8));
+  EXPECT_EQ(decide("<?xml encoding='ISO-8859-1'?>"), R(28591, csAnsi));
+  EXPECT_EQ(decide("<?xml encoding=\"ISO-8859-1\"?>"), R(28591, csAnsi));
+  EXPECT_EQ(decide("junk <?xml version='1.0' encoding = 'windows-1252' ?>"), R(1252, csAnsi));
+  EXPECT_EQ(decide("<?xml  version='1.0' encoding='ISO-8859-1'?>"), R(28591, csAnsi));
+  EXPECT_EQ(decide("<?xml version='1.0' ENCODING='ISO-8859-1'?>"), R(28591, csAnsi));
+  EXPECT_EQ(decide("<?xml version='1.0' encoding='utf-8'?>"), R(65001, csUTF8));
+  // Only lower-case "<?xml" and a single space introduce a declaration.
+  EXPECT_EQ(decide("<?XML version='1.0' encoding='ISO-8859-1'?>"), R(65001, csUTF8));
+  EXPECT_EQ(decide("<?xml\tversion='1.0' encoding='ISO-8859-1'?>"), R(65001, csUTF8));
+  // A mark or the caller's code page wins, and then no part of the prolog is read.
+  EXPECT_EQ(decide("\xEF\xBB\xBF<?xml encoding='ISO-8859-1'?>", true), R(65001, csUTF8));
+  EXPECT_EQ(decide("<?xml encoding='ISO-8859-1'?>", false, 1252), R(1252, csAnsi));
+  EXPECT_EQ(decide("<?xml encoding='nonsense-42'?>", false, 65001), R(65001, csUTF8));
+  // An unknown name is the code page lookup's failure.
+  EXPECT_THROW(decide("<?xml encoding='nonsense-42'?>"), EVnException);
+
+  // The parser stands at the start of the text after deciding.
+  std::string text = "x<?xml encoding='ISO-8859-1'?>";
+  TVnMemoryStream stream(text.data(), static_cast<Int64>(text.size()));
+  TVnXMLParser parser(&stream, false, false, 0);
+  EXPECT_EQ(parser.CurrCharW(), u'x');
+}
+
+TEST(XmlParser, DispatchAndChecks) {
+  std::u16string wide = u"<a:b>";
+  TVnMemoryStream ws(wide.data(), static_cast<Int64>(wide.size() * 2));
+  TVnXMLParser w(&ws, false, false, 1200);
+  std::string narrow = "<a:b>";
+  TVnMemoryStream ns(narrow.data(), static_cast<Int64>(narrow.size()));
+  TVnXMLParser n(&ns, false, false, 65001);
+  TVnXMLParser a(&ns, false, false, 28591);
+  for (TVnXMLParser* p : {&w, &n, &a}) {
+    EXPECT_TRUE(p->CheckCurrChar(p->FLt, false));
+    EXPECT_FALSE(p->CheckCurrChar(p->FGt, false));  // no raise, no move
+    EXPECT_EQ(p->GetCurPos(), 0);
+    p->SkipWhile(soNotEqual, p->FColon);
+    EXPECT_EQ(p->GetCurPos(), 2);
+    try {
+      p->CheckCurrChar(p->FGt, true);
+      ADD_FAILURE();
+    } catch (const EVnXMLParseError& e) {
+      EXPECT_EQ(e.GetCode(), cVnXMLErrNotWellFormed);
+      EXPECT_EQ(e.Message(), u"The document is not wellformed!\r\n\">\" expected, but \":\" found!");
+    }
+    EXPECT_EQ(CodeOf([&] { p->CheckValidNameStartChar(); }), cVnXMLErrInvalidNameStartChar);
+    p->NextChar();
+    EXPECT_NO_THROW(p->CheckValidNameStartChar());
+  }
+  EXPECT_EQ(*static_cast<const char16_t*>(w.FLt), u'<');
+  EXPECT_EQ(*static_cast<const char*>(n.FLt), '<');
+
+  // The name-start ranges, at their edges.
+  for (char16_t ok : {u'A', u'z', u'_', u'\u00C0', u'\u00F8', u'\u0370', u'\u037F', u'\u200C', u'\u2070', u'\u3001',
+                      u'\uF900', u'\uFDF0', u'\uFFFD'})
+    EXPECT_TRUE(TVnXMLParser::IsNameStartChar(ok)) << int(ok);
+  for (char16_t bad : {u':', u'-', u'1', u'.', u'\u00D7', u'\u00F7', u'\u0300', u'\u037E', u'\u2000', char16_t(0x2190),
+                       u'\u3000', char16_t(0xD800), char16_t(0xDFFF), u'\uFDD0', u'\uFFFE'})
+    EXPECT_FALSE(TVnXMLParser::IsNameStartChar(bad)) << int(bad);
+}

@@ -1,0 +1,115 @@
+// Depth, breadth and hostile input: the reader ends normally or with its own exception, never
+// anything else, and never exhausts the stack.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "vnxml/common/stream.h"
+#include "vnxml/sax.h"
+
+using namespace vn;
+
+namespace {
+
+// Counts events without keeping them.
+class Counter : public TVnObject, public IVnSAXContentHandler, public IVnSAXErrorHandler, public IVnSAXLexicalHandler {
+  VN_VNOBJECT_INTERFACES(TVnObject, IVnSAXContentHandler, IVnSAXErrorHandler, IVnSAXLexicalHandler)
+ public:
+  int64_t Starts = 0, Ends = 0, Other = 0;
+  bool Ended = false;
+  void SetDocumentLocator(IVnSAXLocator*) override {}
+  void Characters(std::u16string_view) override { ++Other; }
+  void EndDocument() override { Ended = true; }
+  void EndElement(std::u16string_view, std::u16string_view, std::u16string_view) override { ++Ends; }
+  void EndPrefixMapping(std::u16string_view) override { ++Other; }
+  void IgnorableWhitespace(std::u16string_view) override { ++Other; }
+  void ProcessingInstruction(std::u16string_view, std::u16string_view) override { ++Other; }
+  void SkippedEntity(std::u16string_view) override {}
+  void StartDocument() override {}
+  void StartElement(std::u16string_view, std::u16string_view, std::u16string_view, IVnSAXAttributes* a) override {
+    ++Starts;
+    // Touch every record, so that a dangling one shows under the sanitizers.
+    for (auto* r = a->FirstAttribute(); r; r = r->Next) Other += static_cast<int64_t>(r->Value.size() > 0);
+  }
+  void StartPrefixMapping(std::u16string_view, std::u16string_view) override { ++Other; }
+  void Comment(std::u16string_view) override { ++Other; }
+  void StartCDATA() override {}
+  void StartDTD() override {}
+  void StartEntity(std::u16string_view) override {}
+  void EndCDATA() override {}
+  void EndDTD() override {}
+  void EndEntity(std::u16string_view) override {}
+  void Warning(IVnSAXLocator*, std::u16string_view) override {}
+  void Error(IVnSAXLocator*, std::u16string_view) override {}
+  void FatalError(IVnSAXLocator* loc, std::u16string_view) override {
+    // The locator must answer sensibly from within the failure path.
+    EXPECT_GE(loc->GetLineNr(), 1);
+    EXPECT_GE(loc->GetColNr(), 1);
+  }
+};
+
+struct CountingReader {
+  TVnSAXXMLReader Reader;
+  IPtr<Counter> C{new Counter};
+  explicit CountingReader(bool ACheck = true) {
+    Reader.SetContentHandler(IPtr<IVnSAXContentHandler>(C.Get()));
+    Reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(C.Get()));
+    Reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(C.Get()));
+    Reader.SetCheckSingleRootElm(ACheck);
+  }
+};
+
+std::string Repeat(std::string_view s, size_t n) {
+  std::string out;
+  out.reserve(s.size() * n);
+  for (size_t i = 0; i < n; ++i) out += s;
+  return out;
+}
+
+}  // namespace
+
+TEST(SaxRobustness, MillionTopLevelElements) {
+  std::string text = Repeat("<a x='1'/>\n", 1000000);
+  CountingReader r(false);
+  r.Reader.ParseBuffer(text.data(), static_cast<Int64>(text.size()), 0, u"");
+  EXPECT_EQ(r.C->Starts, 1000000);
+  EXPECT_EQ(r.C->Ends, 1000000);
+  EXPECT_TRUE(r.C->Ended);
+}
+
+TEST(SaxRobustness, MillionLevelsDeep) {
+  std::string text = Repeat("<a>", 1000000) + "x" + Repeat("</a>", 1000000);
+  CountingReader r;
+  r.Reader.ParseBuffer(text.data(), static_cast<Int64>(text.size()), 0, u"");
+  EXPECT_EQ(r.C->Starts, 1000000);
+  EXPECT_EQ(r.C->Ends, 1000000);
+  EXPECT_TRUE(r.C->Ended);
+  // The same depth with a namespace declared on every level.
+  std::string ns = Repeat("<p:a xmlns:p='u'>", 100000) + Repeat("</p:a>", 100000);
+  CountingReader n;
+  n.Reader.ParseBuffer(ns.data(), static_cast<Int64>(ns.size()), 0, u"");
+  EXPECT_EQ(n.C->Ends, 100000);
+  EXPECT_EQ(n.Reader.GetNamespaceList().Count(), 0);
+}
+
+TEST(SaxRobustness, EveryConformanceFile) {
+  // Each file, with and without the single-root check: a normal end, or the reader's own
+  // exception family (the scanner's end of text, or an encoding the text names and nobody knows).
+  size_t files = 0, accepted = 0;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(VNXML_CORPORA_DIR "/conformance")) {
+    if (!entry.is_regular_file()) continue;
+    ++files;
+    for (bool check : {true, false}) {
+      CountingReader r(check);
+      try {
+        r.Reader.ParseFile(entry.path().u16string(), fmOpenRead | fmShareDenyNone, u"");
+        accepted += check;
+      } catch (const EVnException&) {
+      } catch (const std::exception& e) {
+        ADD_FAILURE() << entry.path() << ": " << e.what();
+      }
+    }
+  }
+  EXPECT_GT(files, 1500u);
+  EXPECT_GT(accepted, 500u);
+}
