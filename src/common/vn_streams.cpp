@@ -41,6 +41,7 @@ TVnStringStream::TVnStringStream(std::string_view ABytes, Word ACodePage) : TVnS
 }
 
 void TVnStringStream::AddUtf16(std::u16string_view AText) {
+  if (AText.empty()) return;  // an empty view may carry a null pointer, which memcpy must not see
   if (FPosition > GetMemorySize()) {
     // Behind a seek past the end: Write fills the gap.
     WriteBuffer(AText.data(), static_cast<Int64>(AText.size() * 2));
@@ -122,7 +123,7 @@ RawByteString TVnStringStream::StringData(Word ACodePage) const {
     const std::string_view bytes = GetBytesView();
     // The block may be unaligned for char16_t only in theory (malloc aligns), but copy to be safe.
     UnicodeString text(bytes.size() / 2, u'\0');
-    std::memcpy(text.data(), bytes.data(), text.size() * 2);
+    if (!text.empty()) std::memcpy(text.data(), bytes.data(), text.size() * 2);
     return target->GetBytes(text);
   }
   return target->GetBytes(GetWString());
