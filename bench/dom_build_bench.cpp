@@ -36,6 +36,10 @@ void BM_BuildByObjects(benchmark::State& state) {
     auto doc = Build(kItems / 2);
     size_t after = HeapInUse();
     state.counters["bytes_per_element"] = static_cast<double>(after - before) / kItems;
+    // the fixed part of each node, beside its arrays and strings
+    state.counters["sizeof_element"] = sizeof(TVnDOMElement);
+    state.counters["sizeof_attribute"] = sizeof(TVnDOMAttribute);
+    state.counters["sizeof_text"] = sizeof(TVnDOMText);
     state.PauseTiming();
     doc.reset();
     state.ResumeTiming();

@@ -18,6 +18,8 @@ int main(int argc, char** argv) {
     tour::Encodings();
     tour::Scanner();
     tour::Sax();
+    tour::Document();
+    tour::Paths();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

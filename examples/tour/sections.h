@@ -11,5 +11,7 @@ const std::string& DataDir();
 void Encodings();
 void Scanner();
 void Sax();
+void Document();
+void Paths();
 
 }  // namespace tour

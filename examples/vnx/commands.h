@@ -14,6 +14,15 @@ inline constexpr int kExitUsage = 2;   // bad arguments, or the input could not 
 /// vnx events [--multi-root] FILE|-
 int Events(const std::vector<std::string>& AArgs);
 
+/// vnx format [--plain] [--encoding NAME] [--bom] FILE|-
+int Format(const std::vector<std::string>& AArgs);
+
+/// vnx check FILE|-
+int Check(const std::vector<std::string>& AArgs);
+
+/// vnx select [--value] [--create] [--case-sensitive] [--local-name] FILE|- PATH
+int Select(const std::vector<std::string>& AArgs);
+
 /// The bytes of FILE, or of standard input for "-"; false when it can't be read.
 bool ReadInput(const std::string& APath, std::string& ABytes);
 

@@ -12,7 +12,10 @@ int Usage() {
   std::fprintf(stderr,
                "usage: vnx <command> [options] FILE|-\n"
                "commands:\n"
-               "  events [--multi-root] FILE|-   print the reader's events, one per line\n");
+               "  events [--multi-root] FILE|-   print the reader's events, one per line\n"
+               "  format [--plain] [--encoding NAME] [--bom] FILE|-   write the document formatted\n"
+               "  check FILE|-                    load the document; report the first error\n"
+               "  select [--value] [--create] FILE|- PATH   print the nodes a path selects\n");
   return vnx::kExitUsage;
 }
 
@@ -22,5 +25,8 @@ int main(int argc, char** argv) {
   if (argc < 2) return Usage();
   std::vector<std::string> args(argv + 2, argv + argc);
   if (std::strcmp(argv[1], "events") == 0) return vnx::Events(args);
+  if (std::strcmp(argv[1], "format") == 0) return vnx::Format(args);
+  if (std::strcmp(argv[1], "check") == 0) return vnx::Check(args);
+  if (std::strcmp(argv[1], "select") == 0) return vnx::Select(args);
   return Usage();
 }

@@ -138,6 +138,10 @@ class TVnDOMElement : public TVnDOMNode {
   /// Elements (this one first) with that namespace URI and local name.
   std::unique_ptr<TVnDOMElementList> CreateElementList(std::u16string_view AURI, std::u16string_view ALocalName,
                                                        bool ARecursive);
+  /// The elements that APath selects from this element; the caller owns the list.
+  std::unique_ptr<TVnDOMElementList> CreateElementList(std::u16string_view APath, TVnDOMSelectOptions AOptions);
+  /// The first element that APath selects, or nil; a selected node that is no element raises EInvalidCast.
+  TVnDOMElement* SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});
 
   /// The node of AList named AName; under soCreate a new ANodeClass child is added.
   TVnDOMNode* NodeByName(TVnDOMNodeListBase* AList, std::u16string_view AName, TVnDOMSelectOptions AOptions,
@@ -180,7 +184,6 @@ class TVnDOMElement : public TVnDOMNode {
   detail::PtrVector<TVnDOMNode> FChars;
   detail::NsScope* FScope = nullptr;
   TVnDOMAttribute* FNamespace = nullptr;
-  bool FPreserveSpace;
 
   friend class TVnDOMAttribute;
 };

@@ -19,9 +19,9 @@ class TVnDOMCharacterData : public TVnDOMNode {
   /// Escapes AValue (apostrophes and quotes too) and stores it.
   void SetNodeValue(std::u16string_view AValue) override;
   /// The stored text, escaped for text nodes, plain for comments and CDATA sections.
-  const UnicodeString& GetStoredValue() const noexcept { return FNodeValue; }
+  std::u16string_view GetStoredValue() const noexcept { return FNodeValue; }
   /// Stores ready-made text as it is.
-  void SetStoredValue(UnicodeString AValue) { FNodeValue = std::move(AValue); }
+  void SetStoredValue(std::u16string_view AValue) { FNodeValue.assign(AValue); }
   std::unique_ptr<TVnDOMNode> CreateClone() const override;
   void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) override;
 
@@ -33,7 +33,7 @@ class TVnDOMCharacterData : public TVnDOMNode {
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
-  UnicodeString FNodeValue;
+  detail::CompactString FNodeValue;
 };
 
 class TVnDOMText : public TVnDOMCharacterData {
@@ -79,9 +79,9 @@ class TVnDOMAttribute : public TVnDOMNode {
   UnicodeString GetNodeValue() const override;
   /// Escapes AValue (quotes, not apostrophes) and stores it.
   void SetNodeValue(std::u16string_view AValue) override;
-  const UnicodeString& GetStoredValue() const noexcept { return FNodeValue; }
+  std::u16string_view GetStoredValue() const noexcept { return FNodeValue; }
   /// Stores ready-made XML text as it is.
-  void SetStoredValue(UnicodeString AValue);
+  void SetStoredValue(std::u16string_view AValue);
   /// The declaration's URI; the XML namespace for "xml:"; else empty in a tree, pending outside.
   UnicodeString GetNamespaceURI() const override;
   void SetNamespaceURI(std::u16string_view AURI);
@@ -105,7 +105,7 @@ class TVnDOMAttribute : public TVnDOMNode {
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
   void RefreshNamespacesSelf() override;
-  UnicodeString FNodeValue;
+  detail::CompactString FNodeValue;
   TVnDOMAttribute* FNamespace = nullptr;
   friend class TVnDOMElement;
 };
@@ -114,14 +114,14 @@ class TVnDOMProcessingInstruction : public TVnDOMNode {
   VN_DECLARE_CLASS(TVnDOMProcessingInstruction, TVnDOMNode)
  public:
   TVnDOMProcessingInstruction();
-  const UnicodeString& GetData() const noexcept { return FData; }
+  std::u16string_view GetData() const noexcept { return FData; }
   void SetData(std::u16string_view AValue) { FData.assign(AValue); }
   std::unique_ptr<TVnDOMNode> CreateClone() const override;
   void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) override;
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
-  UnicodeString FData;
+  detail::CompactString FData;
 };
 
 }  // namespace vn

@@ -52,6 +52,9 @@ class TVnDOMNode : public TVnDOMObject {
   virtual void SetPrefix(std::u16string_view AValue);
   /// Splits AName at its first colon into prefix and local name.
   virtual void SetQualifiedName(std::u16string_view AName);
+  /// For builders: names a detached node with ADocument's shared name record, so that joining
+  /// ADocument later costs no copy of the name.
+  void SetQualifiedNameIn(TVnDOMDocument* ADocument, std::u16string_view AName);
   virtual void SetInnerXML(std::u16string_view AXML);
   /// Recomputes the namespace declarations in scope over the whole subtree.
   virtual void RefreshNamespaces();
@@ -104,6 +107,13 @@ class TVnDOMNode : public TVnDOMObject {
   /// "/a/b[@id=\"7\"]": the steps from the document down, the key attribute on the last step only.
   UnicodeString NodePath(bool AUseLocalName = false, std::u16string_view AKeyAttribute = {}) const;
 
+  // ---- selection by path ----
+  /// All nodes that APath selects from this node, each once; the caller owns the list.
+  /// soRaise raises EVnDomNotFound when nothing is found; soCreate adds missing elements on the way.
+  std::unique_ptr<TVnDOMNodeList> CreateNodeList(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});
+  /// The first node that APath selects from this node, or nil.
+  TVnDOMNode* SelectSingleNode(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});
+
   // ---- Transform (XSLT through libxslt) ----
   /// Applies the style sheet in file AXSLFile to this node's XML; the result text.
   UnicodeString Transform(std::u16string_view AXSLFile);
@@ -128,7 +138,11 @@ class TVnDOMNode : public TVnDOMObject {
   /// The children array of another node, for the typed bookkeeping of subclasses.
   static detail::PtrVector<TVnDOMNode>& ChildrenOf(TVnDOMNode* ANode) noexcept { return ANode->FChildren; }
   detail::NodeExtras& Extras();
-  detail::NodeExtras* ExtrasIfAny() const noexcept { return FExtras.get(); }
+  detail::NodeExtras* ExtrasIfAny() const noexcept { return FHasExtras ? LookupExtras() : nullptr; }
+  /// The name table of ADocument (made on first use), nil without a document.
+  static detail::NameTable* NameTableOf(TVnDOMDocument* ADocument);
+  /// A fixed name ("#text", ...) that no node needs to allocate.
+  void SetFixedName(const detail::NameRec& AName) noexcept { FName.SetStatic(AName); }
   /// Frees ANode and its subtree with an explicit stack; nodes held by interfaces are detached.
   static void DestroySubtree(TVnDOMNode* ANode);
   /// This node's own part of RefreshNamespaces; the walk over the subtree is RefreshNamespaces.
@@ -136,17 +150,14 @@ class TVnDOMNode : public TVnDOMObject {
   /// Drops the typed bookkeeping of all children at destruction (elements override).
   virtual void ForgetAllChildren() {}
 
-  detail::QName FName;
+  /// Shared through the document's name table while the node is in a document.
+  detail::NameRef FName;
   detail::PtrVector<TVnDOMNode> FChildren;
-  std::unique_ptr<detail::NodeExtras> FExtras;
-  TVnDOMNodeType FNodeType = ntUnknown;
-  TVnDOMLoadState FLoadState = lsUninitialized;
-  /// FNamespaceURI (in the extras) holds a pending value.
-  bool FNamespaceSet = false;
 
   friend class TVnDOMNodeListBase;
 
  private:
+  detail::NodeExtras* LookupExtras() const noexcept;
   static void ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TVnDOMNode*>& ADoomed);
 };
 using TVnDOMNodeClass = TClass;

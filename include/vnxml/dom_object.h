@@ -126,7 +126,7 @@ class TVnDOMObject : public TVnObject {
   TVnDOMDocument* GetDOMDocument() const noexcept { return FDOMDocument; }
   TVnDOMObject* GetParent() const noexcept { return FParent; }
   /// The interface half, nil while no interface is held.
-  TVnDOMObjectImpl* GetDOMImpl() const noexcept { return FDOMImpl; }
+  TVnDOMObjectImpl* GetDOMImpl() const noexcept { return FHasImpl ? LookupImpl() : nullptr; }
   bool GetDestroying() const noexcept { return FDestroying; }
 
   /// The interface I of this object (creating the Impl); empty when it isn't supported.
@@ -146,15 +146,27 @@ class TVnDOMObject : public TVnObject {
   /// children call it first, while their overrides still work.
   void EnsureBeforeDestruction();
 
+  // Nodes are many, so their flags sit here, in the padding after the counting members, and the
+  // rarely made Impl is found through a side table (FHasImpl) instead of a pointer per object.
+  bool FDestroying : 1 = false;
+  bool FBeforeDestructionDone : 1 = false;
+  bool FHasImpl : 1 = false;
+  /// Nodes: their rarely needed extras live in a side table too.
+  bool FHasExtras : 1 = false;
+  /// Nodes: the pending namespace URI (in the extras) counts.
+  bool FNamespaceSet : 1 = false;
+  /// Elements: xml:space says preserve, here or inherited.
+  bool FPreserveSpace : 1 = false;
+  TVnDOMNodeType FNodeType = ntUnknown;
+  TVnDOMLoadState FLoadState = lsUninitialized;
   TVnDOMDocument* FDOMDocument = nullptr;
   TVnDOMObject* FParent = nullptr;
-  TVnDOMObjectImpl* FDOMImpl = nullptr;
-  bool FDestroying = false;
-  bool FBeforeDestructionDone = false;
 
  private:
   friend class TVnDOMObjectImpl;
-  void EnsureImpl();
+  /// The Impl of this object, made (with those of its ancestors) when missing.
+  TVnDOMObjectImpl* EnsureImpl();
+  TVnDOMObjectImpl* LookupImpl() const noexcept;
 };
 
 /// The counted interface half of a TVnDOMObject.

@@ -6,6 +6,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "vnxml/common/text_parser.h"
@@ -46,8 +48,15 @@ class TVnSAXNamespaceList : public TObject {
   Integer Count() const { return static_cast<Integer>(FList.size()); }
 
  private:
+  /// Index of the newest declaration of APrefix in FList, or -1.
+  int64_t Find(std::u16string_view APrefix) const;
+
   TVnSAXXMLReader* FOwner;
   std::vector<TVnSAXNamespace> FList;
+  // Positions in FList per prefix folded as SameText folds it, oldest first: with thousands of
+  // declarations in force a lookup stays constant instead of scanning them all.
+  std::unordered_map<std::u16string, std::vector<uint32_t>> FByPrefix;
+  mutable std::u16string FKey;
 };
 
 /// The frame of a reader: the five entry points turn a file, buffer, stream or string into a

@@ -3,5 +3,7 @@
 
 #include "vnxml/common.h"
 #include "vnxml/dom.h"
+#include "vnxml/dom_path.h"
 #include "vnxml/sax.h"
 #include "vnxml/xml_utils.h"
+#include "vnxml/xpath.h"

@@ -48,7 +48,7 @@ class Utf16Encoding final : public TVnEncoding {
     const size_t units = ABytes.size() / 2;
     const size_t base = AOut.size();
     AOut.resize(base + units);
-    std::memcpy(AOut.data() + base, ABytes.data(), units * 2);
+    if (units) std::memcpy(AOut.data() + base, ABytes.data(), units * 2);  // an empty view may be null
     if (FBigEndian)
       for (size_t i = base; i < base + units; ++i) AOut[i] = static_cast<char16_t>((AOut[i] >> 8) | (AOut[i] << 8));
     // A truncated tail is a broken character, not something to read past.
@@ -57,7 +57,7 @@ class Utf16Encoding final : public TVnEncoding {
   void AppendBytes(std::u16string_view AText, RawByteString& AOut) const override {
     const size_t base = AOut.size();
     AOut.resize(base + AText.size() * 2);
-    std::memcpy(AOut.data() + base, AText.data(), AText.size() * 2);
+    if (!AText.empty()) std::memcpy(AOut.data() + base, AText.data(), AText.size() * 2);
     if (FBigEndian)
       for (size_t i = base; i < AOut.size(); i += 2) std::swap(AOut[i], AOut[i + 1]);
   }

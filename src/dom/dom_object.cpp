@@ -3,6 +3,8 @@
 // node a million levels deep can be held as an interface.
 #include "vnxml/dom_object.h"
 
+#include <mutex>
+#include <unordered_map>
 #include <vector>
 
 #include "vnxml/dom_document.h"
@@ -24,11 +26,43 @@ TVnXPathCollationClass DefaultXPathCollation = TVnXPathCollationASCIICI::Class()
 
 // ---- TVnDOMObject ----
 
+namespace {
+// Impls of objects that have one. Few objects ever get an interface, so a table beats a
+// pointer in every node; trees of different threads may use it at once.
+struct ImplTable {
+  std::mutex Lock;
+  std::unordered_map<const TVnDOMObject*, TVnDOMObjectImpl*> Map;
+};
+ImplTable& Impls() {
+  // Never destroyed: documents held in static storage are freed after function-local statics.
+  static ImplTable& table = *new ImplTable;
+  return table;
+}
+}  // namespace
+
+TVnDOMObjectImpl* TVnDOMObject::LookupImpl() const noexcept {
+  ImplTable& t = Impls();
+  std::lock_guard<std::mutex> guard(t.Lock);
+  auto it = t.Map.find(this);
+  return it == t.Map.end() ? nullptr : it->second;
+}
+
+void TVnDOMObject::SetDOMImpl(TVnDOMObjectImpl* AImpl) {
+  if (!AImpl && !FHasImpl) return;
+  ImplTable& t = Impls();
+  std::lock_guard<std::mutex> guard(t.Lock);
+  if (AImpl)
+    t.Map[this] = AImpl;
+  else
+    t.Map.erase(this);
+  FHasImpl = AImpl != nullptr;
+}
+
 TVnDOMObject::TVnDOMObject() { SetAutoDestroy(false); }
 
 TVnDOMObject::~TVnDOMObject() {
-  if (TVnDOMObjectImpl* impl = FDOMImpl) {
-    FDOMImpl = nullptr;
+  if (TVnDOMObjectImpl* impl = GetDOMImpl()) {
+    TVnDOMObject::SetDOMImpl(nullptr);
     impl->FDOMObject = nullptr;
     // An Impl nobody counts on goes with its object; one still counted from outside is cut loose
     // and frees itself at its last release.
@@ -40,22 +74,31 @@ TVnDOMObject::~TVnDOMObject() {
   }
 }
 
-void TVnDOMObject::EnsureImpl() {
-  if (FDOMImpl) return;
+TVnDOMObjectImpl* TVnDOMObject::EnsureImpl() {
+  if (FHasImpl) return LookupImpl();
   // Ancestors without an Impl get theirs first, top down, each counting on its parent's.
   std::vector<TVnDOMObject*> chain;
-  for (TVnDOMObject* o = this; o && !o->FDOMImpl; o = o->FParent) chain.push_back(o);
+  TVnDOMObjectImpl* parentImpl = nullptr;
+  for (TVnDOMObject* o = this; o; o = o->FParent) {
+    if (o->FHasImpl) {
+      parentImpl = o->LookupImpl();
+      break;
+    }
+    chain.push_back(o);
+  }
+  TVnDOMObjectImpl* impl = nullptr;
   for (size_t i = chain.size(); i-- > 0;) {
     TVnDOMObject* o = chain[i];
-    TVnDOMObjectImpl* impl = o->CreateDOMImpl();
+    impl = o->CreateDOMImpl();
     o->SetDOMImpl(impl);
-    if (o->FParent) impl->SetParentImpl(o->FParent->FDOMImpl);
+    if (o->FParent) impl->SetParentImpl(parentImpl);
+    parentImpl = impl;
   }
+  return impl;
 }
 
 HRESULT TVnDOMObject::QueryInterface(const TGUID& AIID, void** AObj) {
-  EnsureImpl();
-  HRESULT r = FDOMImpl->QueryInterface(AIID, AObj);
+  HRESULT r = EnsureImpl()->QueryInterface(AIID, AObj);
   if (r != E_NOINTERFACE) return r;
   return QueryObjectInterface(AIID, AObj);
 }
@@ -64,18 +107,17 @@ HRESULT TVnDOMObject::QueryObjectInterface(const TGUID& AIID, void** AObj) {
   return TVnObject::QueryInterface(AIID, AObj);
 }
 
-int32_t TVnDOMObject::_AddRef() {
-  EnsureImpl();
-  return FDOMImpl->_AddRef();
-}
+int32_t TVnDOMObject::_AddRef() { return EnsureImpl()->_AddRef(); }
 
 int32_t TVnDOMObject::_Release() {
-  if (!FDOMImpl) throw Exception(cVnDomNoImpl);
-  return FDOMImpl->_Release();
+  TVnDOMObjectImpl* impl = GetDOMImpl();
+  if (!impl) throw Exception(cVnDomNoImpl);
+  return impl->_Release();
 }
 
 void TVnDOMObject::Free() {
-  if (FDOMImpl && FDOMImpl->GetRefCount() > 0) throw Exception(cVnDomDestroyedWhileCounted, {ClassName()});
+  TVnDOMObjectImpl* impl = GetDOMImpl();
+  if (impl && impl->GetRefCount() > 0) throw Exception(cVnDomDestroyedWhileCounted, {ClassName()});
   delete this;
 }
 
@@ -95,8 +137,6 @@ TVnDOMSelectMatchOption TVnDOMObject::GetSelectMatchOption() const {
   return FDOMDocument ? FDOMDocument->GetSelectMatchOption() : DefaultSelectMatchOption;
 }
 
-void TVnDOMObject::SetDOMImpl(TVnDOMObjectImpl* AImpl) { FDOMImpl = AImpl; }
-
 void TVnDOMObject::SetDOMDocument(TVnDOMDocument* ADocument) { FDOMDocument = ADocument; }
 
 void TVnDOMObject::SetParentNode(TVnDOMObject* AParent) {
@@ -107,14 +147,7 @@ void TVnDOMObject::SetParentNode(TVnDOMObject* AParent) {
   } else {
     SetDOMDocument(nullptr);
   }
-  if (FDOMImpl) {
-    TVnDOMObjectImpl* parentImpl = nullptr;
-    if (AParent) {
-      AParent->EnsureImpl();
-      parentImpl = AParent->FDOMImpl;
-    }
-    FDOMImpl->SetParentImpl(parentImpl);
-  }
+  if (TVnDOMObjectImpl* impl = GetDOMImpl()) impl->SetParentImpl(AParent ? AParent->EnsureImpl() : nullptr);
 }
 
 void TVnDOMObject::BeforeDestruction() { FDestroying = true; }

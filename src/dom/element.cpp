@@ -31,7 +31,10 @@ T* MakeNode() {
 }
 }  // namespace
 
-TVnDOMElement::TVnDOMElement() : FPreserveSpace(DefaultPreserveCase) { FNodeType = ntElement; }
+TVnDOMElement::TVnDOMElement() {
+  FNodeType = ntElement;
+  FPreserveSpace = DefaultPreserveCase;
+}
 
 TVnDOMElement::~TVnDOMElement() {
   EnsureBeforeDestruction();
@@ -179,7 +182,7 @@ TVnDOMElement* TVnDOMElement::AddElement(std::u16string_view AURI, std::u16strin
 TVnDOMElement* TVnDOMElement::InsertElement(std::u16string_view AName, TVnDOMPosition APosition,
                                             TVnDOMNode* ARefNode) {
   std::unique_ptr<TVnDOMElement> e(MakeNode<TVnDOMElement>());
-  e->SetQualifiedName(AName);
+  e->SetQualifiedNameIn(FDOMDocument, AName);
   AddChild(e.get(), ARefNode, APosition);
   return e.release();
 }
@@ -187,7 +190,7 @@ TVnDOMElement* TVnDOMElement::InsertElement(std::u16string_view AName, TVnDOMPos
 TVnDOMElement* TVnDOMElement::InsertElement(std::u16string_view AURI, std::u16string_view AName,
                                             TVnDOMPosition APosition, TVnDOMNode* ARefNode) {
   std::unique_ptr<TVnDOMElement> e(MakeNode<TVnDOMElement>());
-  e->SetQualifiedName(AName);
+  e->SetQualifiedNameIn(FDOMDocument, AName);
   e->SetNamespaceURI(AURI);
   AddChild(e.get(), ARefNode, APosition);
   return e.release();
@@ -195,14 +198,14 @@ TVnDOMElement* TVnDOMElement::InsertElement(std::u16string_view AURI, std::u16st
 
 TVnDOMAttribute* TVnDOMElement::AddAttribute(std::u16string_view AName) {
   std::unique_ptr<TVnDOMAttribute> a(MakeNode<TVnDOMAttribute>());
-  a->SetQualifiedName(AName);
+  a->SetQualifiedNameIn(FDOMDocument, AName);
   AppendChild(a.get());
   return a.release();
 }
 
 TVnDOMAttribute* TVnDOMElement::AddAttribute(std::u16string_view AURI, std::u16string_view AName) {
   std::unique_ptr<TVnDOMAttribute> a(MakeNode<TVnDOMAttribute>());
-  a->SetQualifiedName(AName);
+  a->SetQualifiedNameIn(FDOMDocument, AName);
   a->SetNamespaceURI(AURI);
   AppendChild(a.get());
   return a.release();
@@ -345,11 +348,16 @@ bool TVnDOMElement::HasAttribute(std::u16string_view AURI, std::u16string_view A
 }
 
 UnicodeString TVnDOMElement::GetAttribute(std::u16string_view AName) {
-  return AttributeByName(AName, {soCreate, soQualifiedName})->GetNodeValue();
+  // the common case finds the attribute without making the list object
+  TVnDOMAttribute* a = FindAttribute(AName, {soQualifiedName});
+  if (!a) a = AttributeByName(AName, {soCreate, soQualifiedName});
+  return a->GetNodeValue();
 }
 
 void TVnDOMElement::SetAttribute(std::u16string_view AName, std::u16string_view AValue) {
-  AttributeByName(AName, {soCreate, soQualifiedName})->SetNodeValue(AValue);
+  TVnDOMAttribute* a = FindAttribute(AName, {soQualifiedName});
+  if (!a) a = AttributeByName(AName, {soCreate, soQualifiedName});
+  a->SetNodeValue(AValue);
 }
 
 UnicodeString TVnDOMElement::GetAttributeNS(std::u16string_view AURI, std::u16string_view AName) {
@@ -471,7 +479,7 @@ void TVnDOMElement::SetNodeValueEx(std::u16string_view AValue) {
     if (i < FChars.size() && FChars[i]->GetNodeType() != ntCDATA) RemoveChild(FChars[i]);
   std::unique_ptr<TVnDOMText> t(MakeNode<TVnDOMText>());
   AddChild(t.get(), nullptr, rdpAfter);
-  t.release()->SetStoredValue(UnicodeString(AValue));
+  t.release()->SetStoredValue(AValue);
 }
 
 void TVnDOMElement::NormalizeTextNodes() {
@@ -486,10 +494,7 @@ void TVnDOMElement::NormalizeTextNodes() {
   }
 }
 
-void TVnDOMElement::SetInnerXML(std::u16string_view AXML) {
-  while (!FElems.empty()) RemoveChild(FElems.back());
-  if (!AXML.empty()) throw EVnDomNotSupported(cVnDomNotYetSupported, {u"Loading inner XML"});
-}
+// SetInnerXML lives with the parser (dom_parser.cpp).
 
 bool TVnDOMElement::GetAsBoolean() const { return VnXMLToBool(GetNodeValue()); }
 TDateTime TVnDOMElement::GetAsDateTime() const { return VnXMLToDateTimeDef(GetNodeValue(), 0); }

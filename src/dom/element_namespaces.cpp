@@ -40,7 +40,8 @@ TVnDOMAttribute* TVnDOMElement::FindNamespace(std::u16string_view AURI) const {
 UnicodeString TVnDOMElement::GetNamespaceURI() const {
   if (FNamespace) return FNamespace->GetNodeValue();
   if (FParent) return {};
-  return FExtras ? FExtras->NamespaceURI : UnicodeString();
+  if (detail::NodeExtras* x = ExtrasIfAny()) return x->NamespaceURI;
+  return {};
 }
 
 void TVnDOMElement::SetPrefix(std::u16string_view AValue) {
@@ -67,7 +68,7 @@ void TVnDOMElement::SetNamespaceURI(std::u16string_view AURI) {
   TVnDOMAttribute* decl = AttributeByName(DeclarationName(PrefixView()), {soCreate, soQualifiedName});
   FNamespace = decl;
   decl->SetNodeValue(uri);
-  if (FExtras) FExtras->NamespaceURI.clear();
+  if (detail::NodeExtras* x = ExtrasIfAny()) x->NamespaceURI.clear();
   FNamespaceSet = false;
 }
 
@@ -92,7 +93,8 @@ void TVnDOMElement::RefreshNamespacesSelf() {
     if (coll->SameText(PrefixView(), pe->PrefixView())) {
       FNamespace = pe->FNamespace;
       setAgain = false;
-      bool pendingEmpty = !FExtras || FExtras->NamespaceURI.empty();
+      detail::NodeExtras* x = ExtrasIfAny();
+      bool pendingEmpty = !x || x->NamespaceURI.empty();
       if (PrefixView().empty() && pendingEmpty && FNamespace) {
         FNamespace = nullptr;
         SetNamespaceURI(u"");
@@ -179,8 +181,9 @@ void TVnDOMElement::SetParentNode(TVnDOMObject* AParent) {
     bool wanted = pe ? pe->FPreserveSpace : DefaultPreserveCase;
     if (wanted != FPreserveSpace) _SetPreseveSpace(wanted);
   }
-  if ((!old || hadNamespace) && AParent && FExtras && !FExtras->NamespaceURI.empty()) {
-    UnicodeString uri = FExtras->NamespaceURI;
+  detail::NodeExtras* x = ExtrasIfAny();
+  if ((!old || hadNamespace) && AParent && x && !x->NamespaceURI.empty()) {
+    UnicodeString uri = x->NamespaceURI;
     SetNamespaceURI(uri);
   }
 }

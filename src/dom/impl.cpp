@@ -6,6 +6,7 @@
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_messages.h"
+#include "vnxml/dom_path.h"
 
 namespace vn {
 
@@ -50,7 +51,7 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
   TVnSerializedData Serialize(TVnDataSerializationFormatType AFormat, TObject*) override {
     if (AFormat != dsfXML) NotYet(u"Serialization as JSON");
     TVnStringStream s(65001);
-    Self()->SaveToStream(s, 65001, false);
+    Self()->SaveToStream(s, Word{65001}, false);
     return s.GetAString();
   }
 
@@ -92,11 +93,11 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
   IPtr<IVnDOMNode> AppendChild(const IPtr<IVnDOMNode>& ANode) override {
     return ToIntf<IVnDOMNode>(Self()->AppendChild(Obj(ANode)));
   }
-  IPtr<IVnDOMNode> SelectSingleNode(std::u16string_view, TVnDOMSelectOptions) override {
-    NotYet(u"SelectSingleNode");
+  IPtr<IVnDOMNode> SelectSingleNode(std::u16string_view APath, TVnDOMSelectOptions AOptions) override {
+    return ToIntf<IVnDOMNode>(vn::SelectSingleNode(Self(), APath, AOptions));
   }
-  IPtr<IVnDOMNodeList> CreateNodeList(std::u16string_view, TVnDOMSelectOptions) override {
-    NotYet(u"CreateNodeList");
+  IPtr<IVnDOMNodeList> CreateNodeList(std::u16string_view APath, TVnDOMSelectOptions AOptions) override {
+    return Adopt<IVnDOMNodeList>(vn::CreateNodeList(Self(), APath, AOptions));
   }
   IPtr<IVnDOMNode> NextSibling() override { return ToIntf<IVnDOMNode>(Self()->NextSibling()); }
   IPtr<IVnDOMNode> PreviousSibling() override { return ToIntf<IVnDOMNode>(Self()->PreviousSibling()); }
@@ -205,7 +206,7 @@ class TVnDOMProcessingInstructionImpl final : public PIImplBase {
  public:
   using PIImplBase::PIImplBase;
   VN_IMPL_QI(IVnDOMProcessingInstruction, IVnDOMNode, IVnSerializable)
-  UnicodeString GetData() override { return Self()->GetData(); }
+  UnicodeString GetData() override { return UnicodeString(Self()->GetData()); }
   void SetData(std::u16string_view AValue) override { Self()->SetData(AValue); }
 };
 
@@ -358,11 +359,11 @@ class TVnDOMElementImpl final : public ElementImplBase {
                                             bool ARecursive) override {
     return Adopt<IVnDOMElementList>(Self()->CreateElementList(AURI, ALocalName, ARecursive));
   }
-  IPtr<IVnDOMElementList> CreateElementList(std::u16string_view, TVnDOMSelectOptions) override {
-    NotYet(u"CreateElementList by path");
+  IPtr<IVnDOMElementList> CreateElementList(std::u16string_view APath, TVnDOMSelectOptions AOptions) override {
+    return Adopt<IVnDOMElementList>(vn::CreateElementList(Self(), APath, AOptions));
   }
-  IPtr<IVnDOMElement> SelectSingleElement(std::u16string_view, TVnDOMSelectOptions) override {
-    NotYet(u"SelectSingleElement");
+  IPtr<IVnDOMElement> SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions) override {
+    return ToIntf<IVnDOMElement>(vn::SelectSingleElement(Self(), APath, AOptions));
   }
 };
 

@@ -28,7 +28,8 @@ void ClipRange(const UnicodeString& AValue, Integer AOffset, Integer ACount, siz
 
 TVnDOMCharacterData::TVnDOMCharacterData() {
   FNodeType = ntText;
-  FName.Set(u"#text");
+  static constexpr detail::NameRec kName = detail::FixedName(u"#text", 5);
+  SetFixedName(kName);
 }
 
 UnicodeString TVnDOMCharacterData::GetNodeValue() const { return VnXMLToStr(FNodeValue); }
@@ -93,18 +94,20 @@ TVnDOMText* TVnDOMText::SplitText(Integer AOffset) {
 
 TVnDOMComment::TVnDOMComment() {
   FNodeType = ntComment;
-  FName.Set(u"#comment");
+  static constexpr detail::NameRec kName = detail::FixedName(u"#comment", 8);
+  SetFixedName(kName);
 }
 
-UnicodeString TVnDOMComment::GetNodeValue() const { return FNodeValue; }
+UnicodeString TVnDOMComment::GetNodeValue() const { return FNodeValue.str(); }
 void TVnDOMComment::SetNodeValue(std::u16string_view AValue) { FNodeValue.assign(AValue); }
 
 TVnDOMCDATA::TVnDOMCDATA() {
   FNodeType = ntCDATA;
-  FName.Set(u"#cdata-section");
+  static constexpr detail::NameRec kName = detail::FixedName(u"#cdata-section", 14);
+  SetFixedName(kName);
 }
 
-UnicodeString TVnDOMCDATA::GetNodeValue() const { return FNodeValue; }
+UnicodeString TVnDOMCDATA::GetNodeValue() const { return FNodeValue.str(); }
 void TVnDOMCDATA::SetNodeValue(std::u16string_view AValue) { FNodeValue.assign(AValue); }
 
 // ---- attributes ----
@@ -118,8 +121,8 @@ void TVnDOMAttribute::SetNodeValue(std::u16string_view AValue) {
   if (IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
 }
 
-void TVnDOMAttribute::SetStoredValue(UnicodeString AValue) {
-  FNodeValue = std::move(AValue);
+void TVnDOMAttribute::SetStoredValue(std::u16string_view AValue) {
+  FNodeValue.assign(AValue);
   if (IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -152,12 +155,13 @@ UnicodeString TVnDOMAttribute::GetNamespaceURI() const {
   if (FNamespace) return FNamespace->GetNodeValue();
   if (FName.Prefix() == u"xml") return cXMLNamespaceURI;
   if (FParent) return {};
-  return FExtras ? FExtras->NamespaceURI : UnicodeString();
+  if (detail::NodeExtras* x = ExtrasIfAny()) return x->NamespaceURI;
+  return {};
 }
 
 void TVnDOMAttribute::SetNamespaceURI(std::u16string_view AURI) {
   if (TVnDOMElement* owner = OwnerElement()) {
-    if (FNamespaceSet && FExtras && !owner->FindScopeNamespace(FExtras->NamespaceURI)) {
+    if (FNamespaceSet && ExtrasIfAny() && !owner->FindScopeNamespace(ExtrasIfAny()->NamespaceURI)) {
       auto decl = std::make_unique<TVnDOMAttribute>();
       std::u16string_view prefix = FName.Prefix();
       decl->SetQualifiedName(prefix.empty() ? UnicodeString(u"xmlns") : u"xmlns:" + UnicodeString(prefix));
@@ -165,7 +169,7 @@ void TVnDOMAttribute::SetNamespaceURI(std::u16string_view AURI) {
       FNamespace = static_cast<TVnDOMAttribute*>(owner->AddChild(decl.get(), this, rdpBefore));
       decl.release();
     }
-    if (FExtras) FExtras->NamespaceURI.clear();
+    if (detail::NodeExtras* x = ExtrasIfAny()) x->NamespaceURI.clear();
     FNamespaceSet = false;
   } else {
     Extras().NamespaceURI.assign(AURI);
@@ -208,9 +212,9 @@ void TVnDOMAttribute::SetParentNode(TVnDOMObject* AParent) {
   }
   TVnDOMNode::SetParentNode(AParent);
   if (FDestroying) return;
-  if (!old && AParent && CastObject<TVnDOMElement>(AParent) && FNamespaceSet && FExtras &&
-      !FExtras->NamespaceURI.empty()) {
-    UnicodeString uri = FExtras->NamespaceURI;
+  detail::NodeExtras* x = ExtrasIfAny();
+  if (!old && AParent && CastObject<TVnDOMElement>(AParent) && FNamespaceSet && x && !x->NamespaceURI.empty()) {
+    UnicodeString uri = x->NamespaceURI;
     SetNamespaceURI(uri);
   }
 }

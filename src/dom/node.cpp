@@ -1,5 +1,7 @@
 // TVnDOMNode: children, insertion and removal, cloning, paths, and destruction of subtrees.
 // Every walk over a subtree uses an explicit stack: trees may be a million levels deep.
+#include <mutex>
+#include <unordered_map>
 #include <vector>
 
 #include "dom/node_extras.h"
@@ -38,11 +40,64 @@ void InsertByPosition(PtrVector<TVnDOMNode>& AItems, TVnDOMNode* ANode, TVnDOMNo
 
 TVnDOMNode::TVnDOMNode() = default;
 
-TVnDOMNode::~TVnDOMNode() { EnsureBeforeDestruction(); }
+namespace {
+// Extras of the nodes that have them: few nodes ever need a list object or a pending URI, so
+// a table beats a pointer in every node. Trees of different threads may use it at once.
+struct ExtrasTable {
+  std::mutex Lock;
+  std::unordered_map<const TVnDOMNode*, std::unique_ptr<detail::NodeExtras>> Map;
+};
+ExtrasTable& AllExtras() {
+  // Never destroyed: documents held in static storage are freed after function-local statics.
+  static ExtrasTable& table = *new ExtrasTable;
+  return table;
+}
+}  // namespace
+
+TVnDOMNode::~TVnDOMNode() {
+  EnsureBeforeDestruction();
+  if (FHasExtras) {
+    std::unique_ptr<detail::NodeExtras> extras;
+    {
+      ExtrasTable& t = AllExtras();
+      std::lock_guard<std::mutex> guard(t.Lock);
+      auto it = t.Map.find(this);
+      extras = std::move(it->second);
+      t.Map.erase(it);
+    }
+    FHasExtras = false;
+    // freed outside the lock: a name table or list may release more than memory
+    extras.reset();
+  }
+}
+
+detail::NodeExtras* TVnDOMNode::LookupExtras() const noexcept {
+  ExtrasTable& t = AllExtras();
+  std::lock_guard<std::mutex> guard(t.Lock);
+  auto it = t.Map.find(this);
+  return it == t.Map.end() ? nullptr : it->second.get();
+}
+
+detail::NameTable* TVnDOMNode::NameTableOf(TVnDOMDocument* ADocument) {
+  if (!ADocument) return nullptr;
+  auto* doc = static_cast<TVnDOMNode*>(ADocument);
+  // The document's own name lives in its table, so the table is found without a look-up.
+  if (const void* owner = doc->FName.OwnerTable()) return static_cast<detail::NameTable*>(const_cast<void*>(owner));
+  auto& x = doc->Extras();
+  if (!x.Names) x.Names = std::make_unique<detail::NameTable>();
+  doc->FName.Rehome(x.Names.get());
+  return x.Names.get();
+}
 
 detail::NodeExtras& TVnDOMNode::Extras() {
-  if (!FExtras) FExtras = std::make_unique<detail::NodeExtras>();
-  return *FExtras;
+  if (FHasExtras) return *LookupExtras();
+  auto extras = std::make_unique<detail::NodeExtras>();
+  detail::NodeExtras* result = extras.get();
+  ExtrasTable& t = AllExtras();
+  std::lock_guard<std::mutex> guard(t.Lock);
+  t.Map.emplace(this, std::move(extras));
+  FHasExtras = true;
+  return *result;
 }
 
 // ---- destruction ----
@@ -83,7 +138,7 @@ void TVnDOMNode::BeforeDestruction() {
 void TVnDOMNode::DestroySubtree(TVnDOMNode* ANode) { delete ANode; }
 
 bool TVnDOMNode::CanAutoDestroy() const {
-  if (FDOMImpl) return false;
+  if (FHasImpl) return false;
   return TVnDOMObject::CanAutoDestroy();
 }
 
@@ -100,20 +155,26 @@ UnicodeString TVnDOMNode::GetFormattedInnerXML() { return {}; }
 
 UnicodeString TVnDOMNode::GetNamespaceURI() const {
   if (FParent) return ParentNode()->GetNamespaceURI();
-  return FExtras ? FExtras->NamespaceURI : UnicodeString();
+  if (detail::NodeExtras* x = ExtrasIfAny()) return x->NamespaceURI;
+  return {};
 }
 
 void TVnDOMNode::SetNodeValue(std::u16string_view) { throw EVnDomNotSupported(cVnDomSetNodeValueNotSupported); }
 void TVnDOMNode::SetInnerXML(std::u16string_view) { throw EVnDomNotSupported(cVnDomSetInnerXMLNotSupported); }
 
 void TVnDOMNode::SetPrefix(std::u16string_view AValue) {
-  if (AValue != FName.Prefix()) FName.SetPrefix(AValue);
+  if (AValue != FName.Prefix()) FName.SetPrefix(AValue, NameTableOf(FDOMDocument));
 }
 
 void TVnDOMNode::SetQualifiedName(std::u16string_view AName) {
-  FName.Set(AName);
+  FName.Set(AName, NameTableOf(FDOMDocument));
   std::u16string prefix(FName.Prefix());
   SetPrefix(prefix);
+}
+
+void TVnDOMNode::SetQualifiedNameIn(TVnDOMDocument* ADocument, std::u16string_view AName) {
+  if (!FDOMDocument) FName.Set(AName, NameTableOf(ADocument));
+  SetQualifiedName(AName);
 }
 
 void TVnDOMNode::RefreshNamespaces() {
@@ -130,9 +191,7 @@ void TVnDOMNode::RefreshNamespaces() {
 
 void TVnDOMNode::NormalizeTextNodes() {}
 
-void TVnDOMNode::LoadFromStream(TStream&, Word) {
-  throw EVnDomNotSupported(cVnDomNotYetSupported, {u"LoadFromStream"});
-}
+// LoadFromStream lives with the parser (dom_parser.cpp).
 
 // ---- the tree ----
 
@@ -171,7 +230,7 @@ void TVnDOMNode::RemoveChild(TVnDOMNode* ANode) {
   if (!ANode) return;
   // Detaching a child may release the last count on this node's own Impl; keep this node
   // alive until the call is done.
-  TVnDOMObjectImpl* self = FDOMImpl;
+  TVnDOMObjectImpl* self = GetDOMImpl();
   if (self) self->KeepAlive();
   ANode->SetParentNode(nullptr);
   int64_t i = FChildren.IndexOf(ANode, true);
@@ -237,7 +296,10 @@ TVnDOMNode* TVnDOMNode::NextSibling() const {
 
 TVnDOMNode* TVnDOMNode::PreviousSibling() const {
   if (!FParent) return nullptr;
-  return ParentNode()->GetChildNodes()->Previous(this);
+  const auto& sib = ParentNode()->FChildren;
+  int64_t i = sib.IndexOf(this);
+  if (i < 0) throw EListError(cVnDomRefNodeNotInList);
+  return i == 0 ? nullptr : sib[static_cast<uint32_t>(i - 1)];
 }
 
 UnicodeString TVnDOMNode::NodePath(bool AUseLocalName, std::u16string_view AKeyAttribute) const {
@@ -274,11 +336,13 @@ UnicodeString TVnDOMNode::NodePath(bool AUseLocalName, std::u16string_view AKeyA
 // ---- the object model ----
 
 void TVnDOMNode::SetDOMDocument(TVnDOMDocument* ADocument) {
+  detail::NameTable* names = NameTableOf(ADocument);
   std::vector<TVnDOMNode*> stack{this};
   while (!stack.empty()) {
     TVnDOMNode* n = stack.back();
     stack.pop_back();
     n->FDOMDocument = ADocument;
+    n->FName.Rehome(names);
     for (TVnDOMNode* c : n->FChildren) stack.push_back(c);
   }
 }
@@ -289,7 +353,7 @@ void TVnDOMNode::SetParentNode(TVnDOMObject* AParent) {
   if (FDestroying) return;
   if (AParent) {
     if (FDOMDocument && (FDOMDocument->GetLoadState() != lsLoading || FNodeType == ntElement)) RefreshNamespaces();
-  } else if (old && FDOMImpl) {
+  } else if (old && FHasImpl) {
     // A node that lives on outside the tree must not keep links to declarations of its old
     // ancestors, which may be freed before it.
     RefreshNamespaces();

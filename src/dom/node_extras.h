@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "dom/name_table.h"
 #include "vnxml/dom_lists.h"
 
 namespace vn::detail {
@@ -15,7 +16,14 @@ struct NodeExtras {
   std::unique_ptr<TVnDOMAttrList> Namespaces;
   /// A URI held while there is nothing to attach it to (FNamespaceSet tells whether it counts).
   UnicodeString NamespaceURI;
+  /// On a document: the names of its nodes.
+  std::unique_ptr<NameTable> Names;
 };
+
+/// A static name record over a string literal.
+constexpr NameRec FixedName(const char16_t* AText, uint32_t ALength) {
+  return NameRec{NameRec::kStatic, ALength, NameRec::kNoColon, 0, nullptr, AText};
+}
 
 /// Puts ANode into AItems by position and reference: a reference not in AItems counts as none.
 void InsertByPosition(PtrVector<TVnDOMNode>& AItems, TVnDOMNode* ANode, TVnDOMNode* ARefNode,

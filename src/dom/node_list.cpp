@@ -5,6 +5,7 @@
 #include "vnxml/common/variant.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_messages.h"
+#include "vnxml/dom_path.h"
 #include "vnxml/xml_escape.h"
 
 namespace vn {
@@ -69,7 +70,7 @@ TVnDOMNodeListBase::TVnDOMNodeListBase(TVnDOMNode* AOwner, detail::PtrVector<TVn
 TVnDOMNodeListBase::~TVnDOMNodeListBase() { EnsureBeforeDestruction(); }
 
 bool TVnDOMNodeListBase::CanAutoDestroy() const {
-  if (FDOMImpl || !TVnDOMObject::CanAutoDestroy()) return false;
+  if (FHasImpl || !TVnDOMObject::CanAutoDestroy()) return false;
   return FParent == nullptr;
 }
 
@@ -206,11 +207,9 @@ TVnDOMElement* TVnDOMElementList::GetItemEx(std::u16string_view AName, TVnDOMSel
   opts = opts + TVnDOMSelectOptions{AName.find(u':') != std::u16string_view::npos ? soQualifiedName : soLocalName};
   TVnDOMElement* result = nullptr;
   if (AName.find(u'/') != std::u16string_view::npos || ACheck == coCreate) {
-    // Paths and creation go through the path engine, which arrives with path selection; until
-    // then a plain name under coCreate is found or added as a child of the owner.
-    if (!owner || AName.find(u'/') != std::u16string_view::npos)
-      throw EVnDomNotSupported(cVnDomNotYetSupported, {u"Selection by path"});
-    result = owner->ElementByName(AName, opts - TVnDOMSelectOptions{soRaise});
+    // Paths and creation go through the path engine, from the owner element.
+    if (!owner) throw EVnDomNotSupported(cVnDomNotYetSupported, {u"Selection by path in a list without owner"});
+    result = SelectSingleElement(owner, AName, opts - TVnDOMSelectOptions{soRaise});
   } else {
     result = Find(AName, opts - TVnDOMSelectOptions{soRaise});
   }

@@ -54,12 +54,16 @@ UnicodeString TVnDOMNode::Transform(TVnDOMNode* AXSLNode) {
   return RunXslt(GetXML(), AXSLNode->GetXML());
 }
 
-std::unique_ptr<TVnDOMDocument> TVnDOMNode::TransformToDocument(std::u16string_view) {
-  throw EVnDomNotSupported(u"Loading a transformation result into a document arrives with the document loader.");
+std::unique_ptr<TVnDOMDocument> TVnDOMNode::TransformToDocument(std::u16string_view AXSLFile) {
+  auto doc = std::make_unique<TVnDOMDocument>();
+  doc->LoadXML(Transform(AXSLFile));
+  return doc;
 }
 
-std::unique_ptr<TVnDOMDocument> TVnDOMNode::TransformToDocument(TVnDOMNode*) {
-  throw EVnDomNotSupported(u"Loading a transformation result into a document arrives with the document loader.");
+std::unique_ptr<TVnDOMDocument> TVnDOMNode::TransformToDocument(TVnDOMNode* AXSLNode) {
+  auto doc = std::make_unique<TVnDOMDocument>();
+  doc->LoadXML(Transform(AXSLNode));
+  return doc;
 }
 
 }  // namespace vn

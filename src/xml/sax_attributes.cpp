@@ -122,26 +122,48 @@ const VnXMLString& TVnSAXXMAttributes::GetValue(std::u16string_view AURI, std::u
 
 // ---- TVnSAXNamespaceList ----
 
+namespace {
+// Short lists are scanned; the index pays only when many declarations are in force.
+constexpr size_t cNamespaceScanLimit = 8;
+
+void FoldPrefix(std::u16string_view APrefix, std::u16string& AKey) {
+  AKey.assign(APrefix);
+  for (char16_t& c : AKey)
+    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
+}
+}  // namespace
+
 void TVnSAXNamespaceList::AddURI(Integer ALevel, std::u16string_view APrefix, std::u16string_view AURI) {
   TVnSAXNamespace& ns = FList.emplace_back();
   ns.Level = ALevel;
   ns.Prefix.assign(APrefix);
   ns.URI.assign(AURI);
+  FoldPrefix(APrefix, FKey);
+  FByPrefix[FKey].push_back(static_cast<uint32_t>(FList.size() - 1));
   if (FOwner) {
     if (IPtr<IVnSAXContentHandler> handler = FOwner->GetContentHandler()) handler->StartPrefixMapping(APrefix, AURI);
   }
 }
 
+int64_t TVnSAXNamespaceList::Find(std::u16string_view APrefix) const {
+  if (FList.size() <= cNamespaceScanLimit) {
+    for (size_t i = FList.size(); i-- > 0;)
+      if (SameName(FList[i].Prefix, APrefix)) return static_cast<int64_t>(i);
+    return -1;
+  }
+  FoldPrefix(APrefix, FKey);
+  auto it = FByPrefix.find(FKey);
+  return it == FByPrefix.end() || it->second.empty() ? -1 : static_cast<int64_t>(it->second.back());
+}
+
 const VnXMLString& TVnSAXNamespaceList::GetURI(std::u16string_view APrefix) const {
-  for (auto it = FList.rbegin(); it != FList.rend(); ++it)
-    if (SameName(it->Prefix, APrefix)) return it->URI;
-  return EmptyXMLString();
+  const int64_t i = Find(APrefix);
+  return i < 0 ? EmptyXMLString() : FList[static_cast<size_t>(i)].URI;
 }
 
 PVnSAXNamespace TVnSAXNamespaceList::GetNamespace(std::u16string_view APrefix) {
-  for (auto it = FList.rbegin(); it != FList.rend(); ++it)
-    if (SameName(it->Prefix, APrefix)) return &*it;
-  return nullptr;
+  const int64_t i = Find(APrefix);
+  return i < 0 ? nullptr : &FList[static_cast<size_t>(i)];
 }
 
 void TVnSAXNamespaceList::RemoveLevel(Integer ALevel) {
@@ -151,10 +173,20 @@ void TVnSAXNamespaceList::RemoveLevel(Integer ALevel) {
     // The record goes first, so a handler that raises leaves the list consistent.
     VnXMLString prefix = std::move(FList.back().Prefix);
     FList.pop_back();
+    FoldPrefix(prefix, FKey);
+    auto it = FByPrefix.find(FKey);
+    if (it != FByPrefix.end()) {
+      it->second.pop_back();
+      if (it->second.empty()) FByPrefix.erase(it);
+    }
     if (handler) handler->EndPrefixMapping(prefix);
   }
 }
 
-void TVnSAXNamespaceList::Clear() { FList.clear(); }
+void TVnSAXNamespaceList::Clear() {
+  FList.clear();
+  FByPrefix.clear();
+}
+
 
 }  // namespace vn

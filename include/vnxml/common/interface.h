@@ -104,10 +104,14 @@ namespace detail {
 template <class First, class... Rest, class Self>
 HRESULT QueryInterfaces(Self* ASelf, const TGUID& AIID, void** AObj) {
   void* found = nullptr;
-  if (AIID == First::IID || AIID == IInterface::IID)
+  if (AIID == First::IID || AIID == IInterface::IID) {
     found = static_cast<First*>(ASelf);
-  else
-    ((found == nullptr && AIID == Rest::IID ? (found = static_cast<Rest*>(ASelf), true) : false), ...);
+  } else {
+    [[maybe_unused]] auto tryOne = [&]<class J>(J*) {
+      if (!found && AIID == J::IID) found = static_cast<J*>(ASelf);
+    };
+    (tryOne(static_cast<Rest*>(nullptr)), ...);
+  }
   if (!found) {
     *AObj = nullptr;
     return E_NOINTERFACE;

@@ -14,6 +14,8 @@ using vntest::RecordingReader;
 
 namespace {
 
+std::u16string UTF16(const std::string& AText) { return std::u16string(AText.begin(), AText.end()); }
+
 int CodeOf(const std::function<void()>& AAction) {
   try {
     AAction();
@@ -96,6 +98,25 @@ TEST(SaxNamespaceList, ScopesAndEvents) {
   EXPECT_EQ(list.Count(), 0);
   EXPECT_EQ(r.Events(), (std::vector<std::string>{"startPrefix(p=outer)", "startPrefix(p=inner)",
                                                   "startPrefix(=default)", "endPrefix()", "endPrefix(p)"}));
+}
+
+// Past a handful of declarations lookups go through an index: the scoping must not change.
+TEST(SaxNamespaceList, ManyDeclarationsKeepTheirScopes) {
+  TVnSAXNamespaceList list;
+  for (int i = 0; i < 50; ++i) list.AddURI(1, u"n" + UTF16(std::to_string(i)), u"outer" + UTF16(std::to_string(i)));
+  list.AddURI(2, u"N7", u"inner");
+  list.AddURI(3, u"n7", u"innermost");
+  EXPECT_EQ(list.GetURI(u"n7"), u"innermost");
+  EXPECT_EQ(list.GetURI(u"N49"), u"outer49");
+  EXPECT_EQ(list.GetURI(u"n50"), u"");
+  list.RemoveLevel(3);
+  EXPECT_EQ(list.GetNamespace(u"N7")->URI, u"inner");
+  list.RemoveLevel(2);
+  EXPECT_EQ(list.GetURI(u"n7"), u"outer7");
+  list.RemoveLevel(1);
+  EXPECT_EQ(list.GetURI(u"n7"), u"");
+  list.AddURI(1, u"n7", u"again");
+  EXPECT_EQ(list.GetURI(u"N7"), u"again");
 }
 
 TEST(SaxReaderFrame, LocatorAndInterfaces) {

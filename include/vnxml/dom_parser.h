@@ -1,0 +1,74 @@
+// dom_parser.h: TVnDOMParser, the road from XML text to a tree of DOM nodes (unit uVnXMLDOM).
+// It hears the reader's events and appends a node for each, keeping text in its escaped form.
+// A parser lives for one load; the node it fills frees it.
+#pragma once
+
+#include <functional>
+
+#include "vnxml/dom_node.h"
+#include "vnxml/sax_contract.h"
+
+namespace vn {
+
+class TVnSAXReader;
+
+/// A failure event of a load; setting AHandled keeps the reader's own exception.
+using TVnDOMParseError = std::function<void(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled)>;
+
+class TVnDOMParser : public TVnObject,
+                     public IVnSAXErrorHandler,
+                     public IVnSAXContentHandler,
+                     public IVnSAXLexicalHandler {
+  VN_DECLARE_CLASS(TVnDOMParser, TVnObject)
+  VN_VNOBJECT_INTERFACES(TVnObject, IVnSAXErrorHandler, IVnSAXContentHandler, IVnSAXLexicalHandler)
+ public:
+  /// A parser that fills ANode (a document takes one root, an element a fragment).
+  explicit TVnDOMParser(TVnDOMNode* ANode);
+  ~TVnDOMParser() override;
+
+  /// Reads AStream from its position (white space before the first "<" skipped) into the node.
+  void Parse(TStream& AStream, Word ACodePage);
+
+  TVnDOMParseError OnParseWarning;
+  TVnDOMParseError OnParseError;
+  TVnDOMParseError OnParseFatalError;
+
+  // IVnSAXErrorHandler
+  void Warning(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) override;
+  void Error(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) override;
+  void FatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) override;
+  // IVnSAXContentHandler
+  void SetDocumentLocator(IVnSAXLocator* ALocator) override { FLocator = ALocator; }
+  void Characters(std::u16string_view AText) override;
+  void EndDocument() override {}
+  void EndElement(std::u16string_view ANamespaceURI, std::u16string_view ALocalName,
+                  std::u16string_view AQName) override;
+  void EndPrefixMapping(std::u16string_view) override {}
+  void IgnorableWhitespace(std::u16string_view AWhiteSpace) override;
+  void ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) override;
+  void SkippedEntity(std::u16string_view) override {}
+  void StartDocument() override {}
+  void StartElement(std::u16string_view ANamespaceURI, std::u16string_view ALocalName, std::u16string_view AQName,
+                    IVnSAXAttributes* AAttributes) override;
+  void StartPrefixMapping(std::u16string_view, std::u16string_view) override {}
+  // IVnSAXLexicalHandler
+  void Comment(std::u16string_view AComment) override;
+  void StartCDATA() override { FInCDATA = true; }
+  void StartDTD() override {}
+  void StartEntity(std::u16string_view) override {}
+  void EndCDATA() override { FInCDATA = false; }
+  void EndDTD() override {}
+  void EndEntity(std::u16string_view) override {}
+
+ private:
+  /// The node events go to; a stray end tag above the target ends the load in order.
+  TVnDOMNode* Current();
+
+  TVnDOMNode* FTarget;
+  TVnDOMNode* FDOMNode;
+  IVnSAXLocator* FLocator = nullptr;
+  TVnSAXReader* FReader = nullptr;
+  bool FInCDATA = false;
+};
+
+}  // namespace vn

@@ -1,0 +1,196 @@
+// TVnDOMParser: reader events become nodes; also the node-level entry points that parse text.
+#include "vnxml/dom_parser.h"
+
+#include <iterator>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/sax_reader.h"
+#include "vnxml/xml_escape.h"
+
+namespace vn {
+
+namespace {
+
+// Leaves AStream on the first character above a blank (one or two bytes a unit) and returns
+// it, or 0 at the end of the stream.
+char16_t SkipToSignificant(TStream& AStream, Word ACodePage) {
+  const Int64 unit = ACodePage == cVnCodePageUTF16LE ? 2 : 1;
+  unsigned char buf[2] = {0, 0};
+  while (AStream.Read(buf, unit) == unit) {
+    char16_t c = unit == 2 ? static_cast<char16_t>(buf[0] | (buf[1] << 8)) : buf[0];
+    if (c > 32) {
+      AStream.Seek(-unit, soCurrent);
+      return c;
+    }
+  }
+  return 0;
+}
+
+UnicodeString QuotesAsReferences(std::u16string_view AValue) {
+  UnicodeString out;
+  out.reserve(AValue.size() + 8);
+  for (char16_t c : AValue) {
+    if (c == u'"')
+      out += u"&quot;";
+    else
+      out.push_back(c);
+  }
+  return out;
+}
+
+// The same failure for every event that arrives with no node to take it.
+[[noreturn]] void NoNodeForEvent() {
+  throw EVnXMLParseError(cVnXMLErrInvalidTextAtRoot, UnicodeString(_cVnXMLInvalidTextAtRoot));
+}
+
+}  // namespace
+
+TVnDOMParser::TVnDOMParser(TVnDOMNode* ANode) : FTarget(ANode), FDOMNode(ANode) {
+  // The reader's interface references hold no count: this parser is freed by its creator.
+  SetAutoDestroy(false);
+}
+
+TVnDOMParser::~TVnDOMParser() = default;
+
+void TVnDOMParser::Parse(TStream& AStream, Word ACodePage) {
+  SkipToSignificant(AStream, ACodePage);
+  // Only the XML reader exists; text that does not start with "<" fails there with its message.
+  TVnSAXXMLReader reader;
+  reader.SetAutoDestroy(false);
+  reader.SetCheckSingleRootElm(FTarget->GetNodeType() == ntDocument);
+  reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(this));
+  reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(this));
+  reader.SetContentHandler(IPtr<IVnSAXContentHandler>(this));
+  FReader = &reader;
+  try {
+    reader.ParseStream(&AStream, ACodePage, u"");
+  } catch (...) {
+    FReader = nullptr;
+    FLocator = nullptr;
+    reader.SetContentHandler(nullptr);
+    reader.SetLexicalHandler(nullptr);
+    reader.SetErrorHandler(nullptr);
+    throw;
+  }
+  FReader = nullptr;
+  FLocator = nullptr;
+  reader.SetContentHandler(nullptr);
+  reader.SetLexicalHandler(nullptr);
+  reader.SetErrorHandler(nullptr);
+}
+
+TVnDOMNode* TVnDOMParser::Current() {
+  if (!FDOMNode) NoNodeForEvent();
+  return FDOMNode;
+}
+
+void TVnDOMParser::Warning(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
+  bool handled = false;
+  if (OnParseWarning) OnParseWarning(ALocator, AErrMsg, handled);
+}
+
+void TVnDOMParser::Error(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
+  bool handled = false;
+  if (OnParseError) OnParseError(ALocator, AErrMsg, handled);
+}
+
+void TVnDOMParser::FatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
+  bool handled = false;
+  if (OnParseFatalError) OnParseFatalError(ALocator, AErrMsg, handled);
+  if (handled) return;
+  throw EVnDomSyntax(cVnDomSyntaxAt, {ALocator->GetLineNr(), ALocator->GetColNr(), UnicodeString(AErrMsg)});
+}
+
+void TVnDOMParser::StartElement(std::u16string_view, std::u16string_view, std::u16string_view AQName,
+                                IVnSAXAttributes* AAttributes) {
+  TVnDOMNode* parent = Current();
+  auto element = std::make_unique<TVnDOMElement>();
+  element->SetQualifiedName(AQName);
+  bool schemaInstance = false;
+  for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
+    auto attr = std::make_unique<TVnDOMAttribute>();
+    attr->SetQualifiedName(a->QName);
+    // Values are written back in double quotes: one read from single quotes keeps its quote
+    // characters as references, so the saved text loads to the same value.
+    if (a->Value.find(u'"') == VnXMLString::npos)
+      attr->SetStoredValue(a->Value);
+    else
+      attr->SetStoredValue(QuotesAsReferences(a->Value));
+    element->AppendChild(attr.release());
+    if (!schemaInstance && a->Value.size() == std::size(cVnXSINamespaceURI) - 1 && SameText(a->Value, cVnXSINamespaceURI))
+      schemaInstance = true;
+  }
+  // Joining the parent computes the element's namespace from its declarations and the scope.
+  TVnDOMElement* e = element.get();
+  parent->AppendChild(element.release());
+  if (schemaInstance && parent->GetNodeType() == ntDocument) static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
+  FDOMNode = e;
+}
+
+void TVnDOMParser::EndElement(std::u16string_view, std::u16string_view, std::u16string_view) {
+  // The name is not matched (the reader does not either), but an end tag never climbs above
+  // the node being filled.
+  TVnDOMNode* current = Current();
+  if (current == FTarget) {
+    FDOMNode = nullptr;
+    NoNodeForEvent();
+  }
+  FDOMNode = current->ParentNode();
+}
+
+void TVnDOMParser::Characters(std::u16string_view AText) {
+  TVnDOMNode* node = Current();
+  if (FInCDATA) {
+    auto* element = CastObject<TVnDOMElement>(node);
+    if (!element) throw EInvalidCast(u"Invalid class typecast");
+    element->AddCDATA(AText);
+    return;
+  }
+  auto text = std::make_unique<TVnDOMText>();
+  text->SetStoredValue(UnicodeString(AText));
+  node->AddChild(text.release(), nullptr, rdpAfter);
+}
+
+void TVnDOMParser::IgnorableWhitespace(std::u16string_view AWhiteSpace) {
+  if (Current()->GetPreserveSpace()) Characters(AWhiteSpace);
+}
+
+void TVnDOMParser::ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {
+  TVnDOMNode* node = Current();
+  auto pi = std::make_unique<TVnDOMProcessingInstruction>();
+  pi->SetQualifiedName(ATarget);
+  pi->SetData(AData);
+  node->AddChild(pi.release(), nullptr, rdpAfter);
+}
+
+void TVnDOMParser::Comment(std::u16string_view AComment) {
+  TVnDOMNode* node = Current();
+  auto comment = std::make_unique<TVnDOMComment>();
+  TVnDOMComment* c = comment.get();
+  node->AppendChild(comment.release());
+  c->SetNodeValue(AComment);
+}
+
+// ---- node entry points ----
+
+void TVnDOMNode::LoadFromStream(TStream& AStream, Word ACodePage) {
+  TVnDOMParser parser(this);
+  if (TVnDOMDocument* doc = Document()) {
+    parser.OnParseWarning = doc->OnParseWarning;
+    parser.OnParseError = doc->OnParseError;
+    parser.OnParseFatalError = doc->OnParseFatalError;
+  }
+  parser.Parse(AStream, ACodePage);
+}
+
+void TVnDOMElement::SetInnerXML(std::u16string_view AXML) {
+  while (!FElems.empty()) RemoveChild(FElems.back());
+  if (AXML.empty()) return;
+  TVnStringStream stream(AXML);
+  stream.SetPosition(0);
+  LoadFromStream(stream, cVnCodePageUTF16LE);
+}
+
+}  // namespace vn

@@ -1,0 +1,114 @@
+// Shared name records and the per-document table that interns them.
+#include "dom/name_table.h"
+
+namespace vn::detail {
+
+uint32_t HashName(std::u16string_view AName) noexcept {
+  uint32_t h = 2166136261u;
+  for (char16_t c : AName) h = (h ^ c) * 16777619u;
+  return h;
+}
+
+NameRec* NewNameRec(std::u16string_view AName, uint32_t AHash) {
+  void* p = std::malloc(sizeof(NameRec) + AName.size() * sizeof(char16_t));
+  if (!p) throw std::bad_alloc();
+  auto* rec = static_cast<NameRec*>(p);
+  auto* chars = reinterpret_cast<char16_t*>(rec + 1);
+  if (!AName.empty()) std::memcpy(chars, AName.data(), AName.size() * sizeof(char16_t));
+  size_t colon = AName.find(u':');
+  rec->Refs = 1;
+  rec->Length = static_cast<uint32_t>(AName.size());
+  rec->Colon = colon == std::u16string_view::npos ? NameRec::kNoColon : static_cast<uint32_t>(colon);
+  rec->Hash = AHash;
+  rec->Owner = nullptr;
+  rec->Chars = chars;
+  return rec;
+}
+
+NameTable::~NameTable() {
+  for (NameRec* rec : FSlots) {
+    if (!rec) continue;
+    if (rec->Refs == 1) {
+      std::free(rec);
+    } else {
+      // nodes that outlive the document keep the record as their own
+      --rec->Refs;
+      rec->Owner = nullptr;
+    }
+  }
+}
+
+void NameTable::GrowSlots() {
+  std::vector<NameRec*> slots(FSlots.empty() ? 64 : FSlots.size() * 2, nullptr);
+  size_t mask = slots.size() - 1;
+  for (NameRec* rec : FSlots) {
+    if (!rec) continue;
+    size_t i = rec->Hash & mask;
+    while (slots[i]) i = (i + 1) & mask;
+    slots[i] = rec;
+  }
+  FSlots.swap(slots);
+}
+
+NameRec* NameTable::Acquire(std::u16string_view AName) {
+  if ((FCount + 1) * 2 > FSlots.size()) GrowSlots();
+  uint32_t hash = HashName(AName);
+  size_t mask = FSlots.size() - 1;
+  size_t i = hash & mask;
+  while (NameRec* rec = FSlots[i]) {
+    if (rec->Hash == hash && std::u16string_view(rec->Chars, rec->Length) == AName) {
+      ++rec->Refs;
+      return rec;
+    }
+    i = (i + 1) & mask;
+  }
+  NameRec* rec = NewNameRec(AName, hash);
+  rec->Owner = this;
+  rec->Refs = 2;  // the table's and the caller's
+  FSlots[i] = rec;
+  ++FCount;
+  return rec;
+}
+
+// ---- NameRef ----
+
+void NameRef::Release(NameRec* ARec) noexcept {
+  if (!ARec || ARec->Refs == NameRec::kStatic) return;
+  if (--ARec->Refs == 0) std::free(ARec);
+}
+
+void NameRef::Set(std::u16string_view AName, NameTable* ATable) {
+  if (!AName.empty() && AName[0] == u':') AName.remove_prefix(1);  // an empty prefix is no prefix
+  if (FRec && Qualified() == AName && (!ATable || FRec->Owner == ATable)) return;
+  NameRec* rec = ATable ? ATable->Acquire(AName) : NewNameRec(AName, HashName(AName));
+  Release(FRec);
+  FRec = rec;
+}
+
+void NameRef::SetParts(std::u16string_view APrefix, std::u16string_view ALocal, NameTable* ATable) {
+  if (APrefix.empty()) return Set(ALocal, ATable);
+  std::u16string s;
+  s.reserve(APrefix.size() + 1 + ALocal.size());
+  s.append(APrefix).append(1, u':').append(ALocal);
+  Set(s, ATable);
+}
+
+void NameRef::SetPrefix(std::u16string_view APrefix, NameTable* ATable) {
+  std::u16string local(Local());
+  SetParts(APrefix, local, ATable);
+}
+
+void NameRef::SetStatic(const NameRec& ARec) noexcept {
+  Release(FRec);
+  FRec = const_cast<NameRec*>(&ARec);
+}
+
+void NameRef::Rehome(NameTable* ATable) {
+  if (!FRec || FRec->Refs == NameRec::kStatic || FRec->Owner == ATable) return;
+  if (!ATable) return;  // leaving a document: the record stays valid on its own count
+  NameRec* rec = ATable->Acquire(Qualified());
+  Release(FRec);
+  FRec = rec;
+}
+
+}  // namespace vn::detail

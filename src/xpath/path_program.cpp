@@ -1,0 +1,409 @@
+// path_program.cpp: running a path: alternatives, steps over the tree, filters and soCreate.
+#include <algorithm>
+#include <bit>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/vn_utils.h"
+#include "xpath/path_engine.h"
+
+namespace vn::detail {
+
+namespace {
+
+// Each level of nesting (a step, a group, a path inside a filter) costs a few frames; this bound
+// keeps hostile paths well inside the default stack, sanitizers included.
+constexpr int cMaxDepth = 400;
+thread_local int tDepth = 0;
+
+// Below this size a linear search is cheaper than hashing.
+constexpr size_t cLinearLimit = 16;
+
+// Buffers by nesting depth: a step reuses the candidate list and filter list of the last step
+// that ran at its depth, so a search over a large tree allocates next to nothing per node.
+template <class T>
+T& DepthBuffer() {
+  thread_local std::vector<std::unique_ptr<T>> pool;
+  auto depth = static_cast<size_t>(tDepth);
+  while (pool.size() <= depth) pool.push_back(std::make_unique<T>());
+  return *pool[depth];
+}
+
+// Every node of type ntElement is a TVnDOMElement; the type is cheaper to ask than the class.
+TVnDOMElement* AsElement(TVnDOMNode* ANode) noexcept {
+  return ANode->GetNodeType() == ntElement ? static_cast<TVnDOMElement*>(ANode) : nullptr;
+}
+
+// Candidates are scattered over the heap, and a filter reads each one, its attribute array and
+// its first attribute, one after the other. Asking for them some places ahead lets the memory
+// fetch several at once; short lists get all their nodes asked for before the loop.
+constexpr size_t cPrefetchNode = 16, cPrefetchArray = 4, cPrefetchFirst = 2;
+
+void PrefetchArrays(TVnDOMNode* ANode, bool AFirstAttribute) {
+  if (TVnDOMElement* e = AsElement(ANode)) {
+    const auto& attrs = e->AttributesView();
+    if (!AFirstAttribute) {
+      if (attrs.begin()) __builtin_prefetch(attrs.begin());
+    } else if (attrs.size() > 0) {
+      __builtin_prefetch(attrs[0]);
+    }
+  }
+}
+
+void PrefetchStart(const std::vector<TVnDOMNode*>& ACands) {
+  for (size_t i = 0; i < ACands.size() && i < cPrefetchNode; ++i) __builtin_prefetch(ACands[i]);
+  for (size_t i = 0; i < ACands.size() && i < cPrefetchArray; ++i) PrefetchArrays(ACands[i], false);
+  for (size_t i = 0; i < ACands.size() && i < cPrefetchFirst; ++i) PrefetchArrays(ACands[i], true);
+}
+
+void PrefetchAhead(const std::vector<TVnDOMNode*>& ACands, size_t AIndex) {
+  const size_t count = ACands.size();
+  if (AIndex + cPrefetchNode < count) __builtin_prefetch(ACands[AIndex + cPrefetchNode]);
+  if (AIndex + cPrefetchArray < count) PrefetchArrays(ACands[AIndex + cPrefetchArray], false);
+  if (AIndex + cPrefetchFirst < count) PrefetchArrays(ACands[AIndex + cPrefetchFirst], true);
+}
+
+std::vector<TVnDOMNode*>& Candidates() {
+  auto& cands = DepthBuffer<std::vector<TVnDOMNode*>>();
+  cands.clear();
+  return cands;
+}
+
+}  // namespace
+
+DepthGuard::DepthGuard() {
+  if (++tDepth > cMaxDepth) {
+    --tDepth;
+    throw EVnDomSyntax(cVnPathTooDeep);
+  }
+}
+
+DepthGuard::~DepthGuard() { --tDepth; }
+
+void NodeSet::Add(TVnDOMNode* ANode) {
+  if (FTable.empty()) {
+    for (TVnDOMNode* n : FItems)
+      if (n == ANode) return;
+    FItems.push_back(ANode);
+    if (FItems.size() == cLinearLimit) Grow();
+    return;
+  }
+  if (Insert(ANode)) {
+    FItems.push_back(ANode);
+    if (FItems.size() * 2 > FTable.size()) Grow();
+  }
+}
+
+bool NodeSet::Insert(TVnDOMNode* ANode) {
+  const size_t mask = FTable.size() - 1;
+  size_t i = (reinterpret_cast<uintptr_t>(ANode) >> 4) * 0x9E3779B97F4A7C15ull >> 20 & mask;
+  while (FTable[i]) {
+    if (FTable[i] == ANode) return false;
+    i = (i + 1) & mask;
+  }
+  FTable[i] = ANode;
+  return true;
+}
+
+void NodeSet::Grow() {
+  FTable.assign(std::bit_ceil(std::max<size_t>(64, FItems.size() * 4)), nullptr);
+  for (TVnDOMNode* n : FItems) Insert(n);
+}
+
+TVnXPathCollationClass CollationFor(const TVnDOMObject* AObject, TVnDOMSelectOptions AOptions) {
+  if (AOptions.Contains(soCaseSensitive) && AOptions.Contains(soCaseInsensitive))
+    throw Exception(cVnDomBothCaseOptions);
+  if (AOptions.Contains(soCaseSensitive)) return TVnXPathCollationCodepoint::Class();
+  if (AOptions.Contains(soCaseInsensitive)) return TVnXPathCollationASCIICI::Class();
+  return AObject ? AObject->GetCollation() : DefaultXPathCollation;
+}
+
+bool LocalNameMatchFor(const TVnDOMObject* AObject, TVnDOMSelectOptions AOptions) {
+  if (AOptions.Contains(soLocalName)) return true;
+  if (AOptions.Contains(soQualifiedName)) return false;
+  return (AObject ? AObject->GetSelectMatchOption() : DefaultSelectMatchOption) == soLocalName;
+}
+
+TVnDOMNode* DocumentOf(TVnDOMNode* ANode) noexcept {
+  if (TVnDOMDocument* doc = ANode->Document()) return doc;
+  while (ANode->ParentNode()) ANode = ANode->ParentNode();
+  return ANode;
+}
+
+// ---- the program ----
+
+struct PathProgram::Alternative {
+  UnicodeString FText;
+  std::unique_ptr<PathStep> FStep;
+};
+
+PathProgram::PathProgram(std::u16string_view APath, bool ALocalNameMatch, TVnXPathCollationClass ACollation)
+    : FCollation(ACollation), FLocalNameMatch(ALocalNameMatch) {
+  if (APath.find(u'|') == std::u16string_view::npos) {
+    FAlternatives.push_back(std::make_unique<Alternative>(Alternative{Trim(APath), nullptr}));
+  } else {
+    for (UnicodeString& text : VnTokenize(APath, u"|"))
+      FAlternatives.push_back(std::make_unique<Alternative>(Alternative{Trim(text), nullptr}));
+  }
+}
+
+PathProgram::~PathProgram() = default;
+
+void PathProgram::Run(TVnDOMNode* AContext, bool AFirstOnly, bool ACreateMissing, NodeSet& AResult) {
+  DepthGuard guard;
+  FCreateMissing = ACreateMissing;
+  for (auto& alt : FAlternatives) {
+    RunPath(alt->FText, alt->FStep, AContext, false, AResult);
+    if (AFirstOnly && !AResult.Empty()) break;
+  }
+}
+
+void PathProgram::RunPath(std::u16string_view AText, std::unique_ptr<PathStep>& ACompiled, TVnDOMNode* ANode,
+                          bool ADeep, NodeSet& AResult) {
+  if (AText == u"/") {
+    AResult.Add(ANode);
+    return;
+  }
+  bool fromDocument = !AText.empty() && AText[0] == u'/';
+  bool deep = fromDocument ? AText.starts_with(u"//") : ADeep;
+  if (!ACompiled) {
+    std::u16string_view steps = fromDocument ? AText.substr(deep ? 2 : 1) : AText;
+    ACompiled = std::make_unique<PathStep>(steps, FLocalNameMatch);
+  }
+  RunStep(*ACompiled, fromDocument ? DocumentOf(ANode) : ANode, false, deep, AResult);
+}
+
+void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, NodeSet& AResult) {
+  if (!ADeep) {
+    RunStepAt(AStep, ANode, APrevWasDot, false, AResult);
+    return;
+  }
+  // The same step on this node and then on each child, depth first and in document order; an
+  // explicit stack keeps deep trees off the call stack.
+  // These forms find nothing on a node without children that is no element, so the walk leaves
+  // such nodes out once the step has run (and passed its checks) on the first node.
+  const bool skipLeaves = AStep.FForm == StepForm::Name || AStep.FForm == StepForm::Star ||
+                          AStep.FForm == StepForm::Attribute || AStep.FForm == StepForm::Node ||
+                          AStep.FForm == StepForm::Text || AStep.FForm == StepForm::AllChildren;
+  std::vector<TVnDOMNode*> stack{ANode};
+  while (!stack.empty()) {
+    TVnDOMNode* node = stack.back();
+    stack.pop_back();
+    RunStepAt(AStep, node, APrevWasDot, true, AResult);
+    // Below an element only elements can hold children: its element list spares the walk a
+    // look at every text node.
+    TVnDOMElement* element = skipLeaves ? AsElement(node) : nullptr;
+    const auto& children = element ? element->ElementsView() : node->ChildrenView();
+    for (size_t i = children.size(); i-- > 0;) {
+      TVnDOMNode* child = children[i];
+      TVnDOMNodeType type = child->GetNodeType();
+      if (type == ntAttribute || (skipLeaves && type != ntElement && !child->HasChilds())) continue;
+      // Its element list is read when the child's turn comes.
+      if (type == ntElement && static_cast<TVnDOMElement*>(child)->ElementsView().begin())
+        __builtin_prefetch(static_cast<TVnDOMElement*>(child)->ElementsView().begin());
+      stack.push_back(child);
+    }
+  }
+}
+
+void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, NodeSet& AResult) {
+  DepthGuard guard;
+  if (AStep.FStartsWithSlash) throw EVnDomSyntax(cVnPathStartsWithSlash);
+  if (AStep.FRestIsSlash) throw EVnDomSyntax(cVnPathNoDomNode);
+  if (AStep.FNamePart.empty() && !ADeep) throw EVnDomSyntax(cVnPathInvalid);
+
+  std::vector<TVnDOMNode*>& cands = Candidates();
+  Collect(AStep, ANode, APrevWasDot, ADeep, cands, AStep.FCollectLimit);
+  if (!cands.empty() && !AStep.FFilters.empty()) ApplyFilters(AStep, cands);
+
+  if (cands.empty() && FCreateMissing && (AStep.FFilterText.empty() || AStep.FFilterText == u"[0]")) {
+    if (TVnDOMElement* element = AsElement(ANode)) {
+      if (ADeep) throw Exception(cVnPathCreateDeep);
+      if (AStep.FCreatable) {
+        UnicodeString name(AStep.FLocal);
+        if (!AStep.FPrefix.empty() && AStep.FPrefix != u"*") name = UnicodeString(AStep.FPrefix) + u':' + name;
+        cands.push_back(element->AddElement(name));
+      }
+    }
+  }
+
+  if (AStep.FHasRest) {
+    PathStep& rest = AStep.Rest(FLocalNameMatch);
+    for (TVnDOMNode* c : cands) RunStep(rest, c, AStep.FIsDot, AStep.FNextDeep, AResult);
+  } else {
+    for (TVnDOMNode* c : cands) AResult.Add(c);
+  }
+}
+
+void PathProgram::Collect(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep,
+                          std::vector<TVnDOMNode*>& ACands, size_t ALimit) {
+  const bool anyPrefix = AStep.FPrefix == u"*";
+  auto localMatches = [&](std::u16string_view AName) { return FCollation->SameText(AName, AStep.FLocal); };
+  auto prefixMatches = [&](const TVnDOMNode* n) {
+    return anyPrefix || FCollation->SameText(n->PrefixView(), AStep.FPrefix);
+  };
+  switch (AStep.FForm) {
+    case StepForm::Group: {
+      NodeSet inner;
+      RunPath(AStep.FGroupText, AStep.FGroup, ANode, ADeep, inner);
+      ACands = std::move(inner.Items());
+      return;
+    }
+    case StepForm::Node:
+      for (TVnDOMNode* c : ANode->ChildrenView())
+        if (c->GetNodeType() != ntAttribute && (ACands.push_back(c), ACands.size() >= ALimit)) return;
+      return;
+    case StepForm::Text:
+      for (TVnDOMNode* c : ANode->ChildrenView())
+        if (CastObject<TVnDOMText>(c) && (ACands.push_back(c), ACands.size() >= ALimit)) return;
+      return;
+    case StepForm::Attribute: {
+      TVnDOMElement* element = AsElement(ANode);
+      if (!element && ANode->GetNodeType() == ntDocument) element = static_cast<TVnDOMDocument*>(ANode)->GetRootNode();
+      if (!element) return;
+      const bool anyLocal = AStep.FLocal == u"*";
+      for (TVnDOMNode* a : element->AttributesView()) {
+        if (!anyLocal && !AStep.FLocalMemo.Matches(a->LocalNameView(), localMatches)) continue;
+        if (!FLocalNameMatch && static_cast<TVnDOMAttribute*>(a)->IsNamespace()) continue;
+        if (prefixMatches(a) && (ACands.push_back(a), ACands.size() >= ALimit)) return;
+      }
+      return;
+    }
+    case StepForm::Star:
+      if (TVnDOMElement* element = AsElement(ANode)) {
+        for (TVnDOMNode* e : element->ElementsView())
+          if (prefixMatches(e) && (ACands.push_back(e), ACands.size() >= ALimit)) return;
+      } else if (ANode->GetNodeType() == ntDocument) {
+        TVnDOMElement* root = static_cast<TVnDOMDocument*>(ANode)->GetRootNode();
+        if (root && prefixMatches(root)) ACands.push_back(root);
+      }
+      return;
+    case StepForm::Error:
+      throw EVnDomSyntax(AStep.FFormError, {AStep.FNamePart});
+    case StepForm::Dot:
+      if (!(APrevWasDot && !ADeep)) ACands.push_back(ANode);
+      return;
+    case StepForm::Parent:
+      if (ADeep) throw EVnDomSyntax(cVnPathDeepParent, {AStep.FNamePart});
+      if (TVnDOMNode* parent = ANode->ParentNode()) ACands.push_back(parent);
+      return;
+    case StepForm::AllChildren:
+      if (ADeep) {
+        for (TVnDOMNode* c : ANode->ChildrenView())
+          if (c->GetNodeType() != ntAttribute) ACands.push_back(c);
+      }
+      return;
+    case StepForm::Name:
+      for (TVnDOMNode* c : ANode->ChildrenView()) {
+        if (c->GetNodeType() == ntAttribute) continue;
+        if (AStep.FLocalMemo.Matches(c->LocalNameView(), localMatches) && prefixMatches(c) &&
+            (ACands.push_back(c), ACands.size() >= ALimit))
+          return;
+      }
+      return;
+  }
+}
+
+void PathProgram::ApplyFilters(PathStep& AStep, std::vector<TVnDOMNode*>& ACands) {
+  TVnDOMSelectMatchOption match = FLocalNameMatch ? soLocalName : soQualifiedName;
+  for (size_t f = 0; f < AStep.FFilters.size() && !ACands.empty(); ++f) {
+    // A bare index keeps the candidate at that place; nothing else in it can fail or differ.
+    if (Integer n = AStep.FBareIndexes[f]; n >= 0) {
+      if (static_cast<size_t>(n) < ACands.size()) {
+        ACands[0] = ACands[static_cast<size_t>(n)];
+        ACands.resize(1);
+      } else {
+        ACands.clear();
+      }
+      continue;
+    }
+    auto& equation = AStep.FEquations[f];
+    if (!equation) {
+      equation = VnParseXPathFilter(AStep.FFilters[f], match, FCollation);
+      // A filter that only asks whether a path exists skips the Variant round trip.
+      if (!equation->GetSibling())
+        if (auto* has = dynamic_cast<TVnXPathHasNode*>(equation->GetTerm())) AStep.FExistsPaths[f] = has->GetValuePath();
+    }
+    const size_t count = ACands.size();
+    size_t kept = 0;
+    PrefetchStart(ACands);
+    if (TVnXPathValueTerm* exists = AStep.FExistsPaths[f]) {
+      for (size_t i = 0; i < count; ++i) {
+        PrefetchAhead(ACands, i);
+        if (exists->HasNodesFrom(ACands[i])) ACands[kept++] = ACands[i];
+      }
+    } else {
+      // The list stays as it was while the filter runs, so last() and position() see all candidates.
+      TVnDOMObjectList& list = DepthBuffer<TVnDOMObjectList>();
+      list.Clear();
+      for (TVnDOMNode* c : ACands) list.Add(c);
+      for (size_t i = 0; i < count; ++i) {
+        PrefetchAhead(ACands, i);
+        if (equation->Evaluate(list, static_cast<Integer>(i))) ACands[kept++] = ACands[i];
+      }
+    }
+    ACands.resize(kept);
+  }
+}
+
+PathStep* PathProgram::SimpleStep() {
+  if (FSimple < 0) {
+    FSimple = 0;
+    if (FAlternatives.size() == 1 && !FAlternatives[0]->FText.empty() && FAlternatives[0]->FText[0] != u'/') {
+      Alternative& alt = *FAlternatives[0];
+      if (!alt.FStep) alt.FStep = std::make_unique<PathStep>(alt.FText, FLocalNameMatch);
+      const PathStep& s = *alt.FStep;
+      bool plainForm = s.FForm == StepForm::Name || s.FForm == StepForm::Star || s.FForm == StepForm::Attribute ||
+                       s.FForm == StepForm::Node || s.FForm == StepForm::Text;
+      if (plainForm && !s.FStartsWithSlash && !s.FRestIsSlash && !s.FHasRest && s.FFilters.empty() &&
+          !s.FNamePart.empty())
+        FSimple = 1;
+    }
+  }
+  return FSimple ? FAlternatives[0]->FStep.get() : nullptr;
+}
+
+void PathProgram::Select(TVnDOMNode* AContext, std::vector<TVnDOMNode*>& ANodes) {
+  ANodes.clear();
+  if (PathStep* step = SimpleStep()) {
+    // The children of one node: distinct by nature, so no set is needed.
+    DepthGuard guard;
+    Collect(*step, AContext, false, false, ANodes, SIZE_MAX);
+    return;
+  }
+  NodeSet result;
+  Run(AContext, false, false, result);
+  ANodes = std::move(result.Items());
+}
+
+bool PathProgram::AnyMatch(PathStep& AStep, TVnDOMNode* ANode) {
+  const bool anyPrefix = AStep.FPrefix == u"*";
+  auto matches = [&](const TVnDOMNode* n) {
+    return AStep.FLocalMemo.Matches(n->LocalNameView(),
+                                    [&](std::u16string_view AName) { return FCollation->SameText(AName, AStep.FLocal); }) &&
+           (anyPrefix || FCollation->SameText(n->PrefixView(), AStep.FPrefix));
+  };
+  TVnDOMElement* element = AsElement(ANode);
+  if (AStep.FForm == StepForm::Attribute && element && AStep.FLocal != u"*") {
+    for (TVnDOMNode* a : element->AttributesView())
+      if (matches(a) && (FLocalNameMatch || !static_cast<TVnDOMAttribute*>(a)->IsNamespace())) return true;
+    return false;
+  }
+  if (AStep.FForm == StepForm::Name && element) {
+    for (TVnDOMNode* c : element->ChildrenView())
+      if (c->GetNodeType() != ntAttribute && matches(c)) return true;
+    return false;
+  }
+  DepthGuard guard;
+  std::vector<TVnDOMNode*>& cands = Candidates();
+  Collect(AStep, ANode, false, false, cands, 1);
+  return !cands.empty();
+}
+
+bool PathProgram::Exists(TVnDOMNode* AContext) {
+  if (PathStep* step = SimpleStep()) return AnyMatch(*step, AContext);
+  NodeSet result;
+  Run(AContext, false, false, result);
+  return !result.Empty();
+}
+
+}  // namespace vn::detail

@@ -1,0 +1,178 @@
+// The interface forms: a tree built and read through IPtr only, casts between the node
+// interfaces, and Transform through an XSLT processor.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include "vnxml/common/utf.h"
+#include "vnxml/common/variant.h"
+#include "vnxml/dom.h"
+
+namespace vn {
+namespace {
+
+TEST(DomInterfaces, TreeBuiltAndReadThroughInterfaces) {
+  // An interface taken on the document makes it the interfaces' own: it goes with the last one.
+  IPtr<IVnDOMDocument> doc = (new TVnDOMDocument())->As<IVnDOMDocument>();
+  IPtr<IVnDOMElement> root = doc->CreateRootNode(u"root");
+  IPtr<IVnDOMElement> item = root->AddElement(u"item");
+  item->SetAttrib(u"id", u"7");
+  item->AddText(u"a<b");
+  item->AddComment(u"c");
+  IPtr<IVnDOMCDATA> cdata = item->AddCDATA(u"]]");
+  root->InsertElement(u"first", rdpFirst, nullptr);
+
+  EXPECT_EQ(root->ElementCount(), 2);
+  EXPECT_EQ(root->FirstElement()->GetQualifiedName(), u"first");
+  EXPECT_EQ(item->PreviousElement()->GetQualifiedName(), u"first");
+  EXPECT_EQ(item->GetAttrib(u"id"), u"7");
+  EXPECT_EQ(item->GetNodeValue(), u"a<b]]");
+  EXPECT_EQ(item->GetXML(), u"<item id=\"7\">a&lt;b<!--c--><![CDATA[]]]]></item>");
+  EXPECT_EQ(item->NodePath(false, u"id"), u"/root/item[@id=\"7\"]");
+  EXPECT_EQ(item->ParentElement()->GetQualifiedName(), u"root");
+  EXPECT_EQ(root->Document()->GetRootNode()->GetQualifiedName(), u"root");
+
+  // Lists: counts, positions and neighbours; the attribute stands among the children.
+  IPtr<IVnDOMNodeList> children = item->GetChildNodes();
+  ASSERT_EQ(children->Count(), 4);
+  EXPECT_EQ(children->First()->GetNodeType(), ntAttribute);
+  EXPECT_EQ(children->Last()->GetNodeType(), ntCDATA);
+  EXPECT_EQ(children->Next(children->First())->GetNodeType(), ntText);
+  EXPECT_TRUE(children->ContainsNode(cdata.As<IVnDOMNode>()));
+  IPtr<IVnDOMAttrList> attrs = item->GetAttributes();
+  EXPECT_EQ(attrs->GetAttribute(0)->GetNodeValue(), u"7");
+  EXPECT_EQ(item->GetCharNodes()->Count(), 3);
+
+  // Casts between the interfaces of one node, and the serializable base.
+  IPtr<IVnDOMNode> asNode = children->GetItem(1);
+  IPtr<IVnDOMText> text = asNode.As<IVnDOMText>();
+  ASSERT_TRUE(text);
+  EXPECT_TRUE(asNode.As<IVnDOMCharacterData>());
+  EXPECT_FALSE(asNode.As<IVnDOMElement>());
+  EXPECT_FALSE(asNode.As<IVnDOMAttribute>());
+  EXPECT_EQ(text->SplitText(2)->GetNodeValue(), u"b");
+  EXPECT_EQ(text->GetNodeValue(), u"a<");
+  IPtr<IVnDOMAttribute> id = item->FirstAttribute();
+  EXPECT_FALSE(id->IsNamespace());
+  EXPECT_FALSE(id->NextAttribute());
+  IPtr<IVnSerializable> ser = item.As<IVnSerializable>();
+  ASSERT_TRUE(ser);
+  EXPECT_TRUE(ser->CanSerialize(dsfXML));
+  EXPECT_EQ(ser->Serialize(dsfXML, nullptr), "<item id=\"7\">a&lt;b<!--c--><![CDATA[]]]]></item>");
+
+  // A clone made through the interface is the interface's; removing through it frees nothing held.
+  IPtr<IVnDOMNode> clone;
+  item->CloneNode(true, clone);
+  EXPECT_EQ(clone->GetXML(), item->GetXML());
+  EXPECT_FALSE(clone->ParentNode());
+  root->RemoveElement(item);
+  EXPECT_FALSE(item->ParentNode());
+  EXPECT_EQ(root->ElementCount(), 1);
+  root->AppendChild(clone);
+  EXPECT_EQ(root->LastElement()->GetAttrib(u"id"), u"7");
+}
+
+TEST(DomInterfaces, ReleasingEveryInterfaceLeavesNoHalfBehind) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  TVnDOMElement* item = root->AddElement(u"item");
+  {
+    IPtr<IVnDOMElementList> list = root->As<IVnDOMElement>()->GetElements();
+    IPtr<IVnDOMNode> first = list->GetItem(0);
+    EXPECT_NE(item->GetDOMImpl(), nullptr);
+  }
+  EXPECT_EQ(item->GetDOMImpl(), nullptr);
+  EXPECT_EQ(root->GetDOMImpl(), nullptr);
+  EXPECT_EQ(doc.GetDOMImpl(), nullptr);
+}
+
+TEST(DomInterfaces, NamedListsThroughInterfaces) {
+  IPtr<IVnDOMDocument> doc = (new TVnDOMDocument())->As<IVnDOMDocument>();
+  IPtr<IVnDOMElement> root = doc->CreateRootNode(u"urn:r", u"r:root");
+  IPtr<IVnDOMElement> b = root->AddElement(u"b");
+  root->AddElement(u"c");
+  IPtr<IVnDOMElementList> elements = root->GetElements();
+
+  // Inserting by reference, then reading by number and by name through a Variant.
+  IPtr<IVnDOMNode> loose = (new TVnDOMElement())->As<IVnDOMNode>();
+  loose->SetQualifiedName(u"a");
+  root->InsertBefore(loose, b.As<IVnDOMNode>());
+  EXPECT_EQ(elements->Count(), 3);
+  EXPECT_EQ(elements->GetElement(Variant(0))->GetQualifiedName(), u"a");
+  EXPECT_EQ(elements->GetElement(Variant(UnicodeString(u"c")))->GetQualifiedName(), u"c");
+  EXPECT_EQ(root->GetChildNodes()->Count(), 4) << UnicodeToUtf8(root->GetXML());
+
+  // Find, and Delete by name, which takes the node out of the list alone: parent and life stay.
+  EXPECT_EQ(elements->Find(u"C", {soCaseInsensitive})->GetQualifiedName(), u"c");
+  EXPECT_FALSE(elements->Find(u"C", {soCaseSensitive}));
+  IPtr<IVnDOMNode> removed = elements->Delete(u"b", TVnDOMSelectOptions{});
+  ASSERT_TRUE(removed);
+  EXPECT_EQ(removed->ParentNode()->GetQualifiedName(), u"r:root");
+  EXPECT_EQ(elements->Count(), 2);
+  EXPECT_FALSE(elements->ContainsNode(removed));
+  EXPECT_TRUE(root->GetChildNodes()->ContainsNode(removed));
+
+  IPtr<IVnDOMAttrList> attrs = root->GetAttributes();
+  EXPECT_EQ(attrs->FindNamespace(u"urn:r")->GetQualifiedName(), u"xmlns:r");
+  EXPECT_FALSE(attrs->FindNamespace(u"urn:other"));
+  EXPECT_EQ(root->GetNamespaces()->Count(), 1);
+}
+
+constexpr char16_t kSheet[] =
+    u"<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
+    u"<xsl:output method=\"xml\" omit-xml-declaration=\"yes\"/>"
+    u"<xsl:template match=\"/\"><list><xsl:for-each select=\"//b\">"
+    u"<i><xsl:value-of select=\"@n\"/>=<xsl:value-of select=\".\"/></i>"
+    u"</xsl:for-each></list></xsl:template></xsl:stylesheet>";
+
+std::unique_ptr<TVnDOMDocument> Source() {
+  auto doc = std::make_unique<TVnDOMDocument>();
+  TVnDOMElement* a = doc->CreateRootNode(u"a");
+  TVnDOMElement* b1 = a->AddElement(u"b");
+  b1->SetAttribute(u"n", u"1");
+  b1->AddText(u"x & y");
+  a->AddElement(u"c")->AddElement(u"b")->AddText(u"z");
+  return doc;
+}
+
+TEST(DomTransform, StyleSheetFromANodeAFileAndThroughTheInterface) {
+  auto source = Source();
+  TVnDOMDocument sheet;
+  sheet.LoadXML(kSheet);
+  UnicodeString result = source->Transform(sheet.GetRootNode());
+  EXPECT_NE(result.find(u"<list><i>1=x &amp; y</i><i>=z</i></list>"), UnicodeString::npos) << UnicodeToUtf8(result);
+
+  // A sub-tree is transformed on its own: "/" is the node itself.
+  UnicodeString part = source->GetRootNode()->FirstElement()->Transform(sheet.GetRootNode());
+  EXPECT_NE(part.find(u"<list><i>1=x &amp; y</i></list>"), UnicodeString::npos) << UnicodeToUtf8(part);
+
+  std::string path = ::testing::TempDir() + "vnxml_transform_sheet.xsl";
+  std::ofstream(path, std::ios::binary) << UnicodeToUtf8(kSheet);
+  EXPECT_EQ(source->Transform(Utf8ToUnicode(path)), result);
+  std::unique_ptr<TVnDOMDocument> out = source->TransformToDocument(Utf8ToUnicode(path));
+  std::remove(path.c_str());
+  ASSERT_TRUE(out->GetRootNode());
+  EXPECT_EQ(out->GetRootNode()->ElementCount(), 2);
+
+  IPtr<IVnDOMNode> src = source.release()->As<IVnDOMNode>();  // the interface owns it from here
+  auto sheetCopy = std::make_unique<TVnDOMDocument>();
+  sheetCopy->LoadXML(kSheet);
+  IPtr<IVnDOMNode> xsl = sheetCopy.release()->As<IVnDOMNode>();
+  WideString text;
+  src->Transform(xsl, text);
+  EXPECT_EQ(text, result);
+  IPtr<IVnDOMDocument> asDoc = src->Transform(xsl);
+  EXPECT_EQ(asDoc->GetRootNode()->LastElement()->GetText(), u"=z");
+}
+
+TEST(DomTransform, BadStyleSheetsRaise) {
+  auto source = Source();
+  TVnDOMDocument notXslt;
+  notXslt.CreateRootNode(u"plain");
+  EXPECT_THROW(source->Transform(notXslt.GetRootNode()), EVnDomException);
+  EXPECT_THROW(source->Transform(static_cast<TVnDOMNode*>(nullptr)), EVnDomException);
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,162 @@
+// Loading documents: the ways in, encoding detection, root handling, failures and their place.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "vnxml/common/code_page.h"
+#include "vnxml/common/stream.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/dom.h"
+#include "vnxml/dom_messages.h"
+
+namespace vn {
+namespace {
+
+TVnStringStream BytesStream(std::string_view ABytes) { return TVnStringStream(ABytes, cVnCodePageDefault); }
+
+TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
+  // A UTF-8 mark then blanks: the parse starts on "<".
+  {
+    TVnDOMDocument doc;
+    auto s = BytesStream("\xEF\xBB\xBF \r\n\t<a>\xC3\xA9</a>");
+    doc.LoadFromStream(s);
+    ASSERT_NE(doc.GetRootNode(), nullptr);
+    EXPECT_EQ(doc.GetRootNode()->GetText(), u"\u00e9");
+    EXPECT_EQ(doc.GetLoadState(), lsLoaded);
+  }
+  // No mark, a Latin-1 declaration: the byte E9 is one character; the document keeps "UTF-8" for output.
+  {
+    TVnDOMDocument doc;
+    auto s = BytesStream("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>");
+    doc.LoadFromStream(s);
+    EXPECT_EQ(doc.GetRootNode()->GetText(), u"\u00e9");
+    EXPECT_EQ(doc.GetEncoding(), u"UTF-8");
+    EXPECT_EQ(doc.GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"ISO-8859-1\"");
+  }
+  // UTF-16 with its mark.
+  {
+    std::u16string text = u"\uFEFF  <a>\u4e2d</a>";
+    TVnStringStream s(std::string_view(reinterpret_cast<const char*>(text.data()), text.size() * 2), 0);
+    TVnDOMDocument doc;
+    doc.LoadFromStream(s);
+    EXPECT_EQ(doc.GetRootNode()->GetText(), u"\u4e2d");
+  }
+  // 8-bit text through the Ansi entry: the declaration decides.
+  auto doc = TVnDOMDocument::FromAnsiXML("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>");
+  EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u20ac");
+}
+
+TEST(DomLoad, TreeShapeFromEvents) {
+  auto doc = TVnDOMDocument::FromXML(
+      u"<?xml version=\"1.0\"?>\r\n<!--c1--><?pi data?><!DOCTYPE a><a xmlns=\"u\" x=\"1&amp;2\">"
+      u"<b/>  <c xml:space=\"preserve\">  <d/></c><![CDATA[<raw>]]></a><!--after-->");
+  TVnDOMElement* a = doc->GetRootNode();
+  ASSERT_NE(a, nullptr);
+  // Prolog nodes stay in order; the DOCTYPE leaves nothing.
+  ASSERT_EQ(doc->NodeCount(), 5);
+  EXPECT_EQ(doc->ChildAt(0)->GetQualifiedName(), u"xml");
+  EXPECT_EQ(doc->ChildAt(1)->GetNodeType(), ntComment);
+  EXPECT_EQ(doc->ChildAt(2)->GetQualifiedName(), u"pi");
+  EXPECT_EQ(doc->ChildAt(4)->GetNodeType(), ntComment);
+  // Values are stored escaped and decoded on demand.
+  TVnDOMAttribute* x = a->FindAttribute(u"x");
+  EXPECT_EQ(x->GetStoredValue(), u"1&amp;2");
+  EXPECT_EQ(x->GetNodeValue(), u"1&2");
+  // Blank text between elements goes, unless xml:space keeps it.
+  EXPECT_EQ(a->ElementCount(), 2);
+  TVnDOMElement* c = a->FindElement(u"c");
+  EXPECT_EQ(c->CharNodesView().size(), 1u);
+  EXPECT_EQ(a->GetCDATACount(), 1);
+  EXPECT_EQ(a->GetCDATA(0)->GetNodeValue(), u"<raw>");
+  // The default namespace belongs to the declaring element; the unprefixed child has none.
+  EXPECT_EQ(a->GetNamespaceURI(), u"u");
+  EXPECT_EQ(a->FindElement(u"b")->GetNamespaceURI(), u"");
+}
+
+TEST(DomLoad, RootAndRepeatedLoads) {
+  TVnDOMDocument doc;
+  for (int i = 0; i < 2; ++i) {
+    TVnStringStream s(u"<a/>");
+    doc.LoadFromStream(s, cVnCodePageUTF16LE);
+  }
+  // A second load adds; the first root stays the root.
+  ASSERT_EQ(doc.NodeCount(), 2);
+  EXPECT_EQ(doc.GetRootNode(), doc.ChildAt(0));
+  doc.RemoveChild(doc.GetRootNode());
+  EXPECT_EQ(doc.GetRootNode(), nullptr);
+  // The element left behind is not promoted; a new root can be made beside it.
+  TVnDOMElement* made = doc.CreateRootNode(u"x");
+  EXPECT_EQ(made, doc.ChildAt(1));
+  EXPECT_THROW(doc.CreateRootNode(u"y"), EVnDomException);
+  doc.LoadXML(u"");
+  EXPECT_EQ(doc.NodeCount(), 0);
+  doc.LoadXML(u"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"/>");
+  EXPECT_TRUE(doc.GetUseSchemaInstance());
+}
+
+TEST(DomLoad, FailuresCarryLineAndColumn) {
+  TVnDOMDocument doc;
+  try {
+    doc.LoadXML(u"<a>\r\n  <b x=></b></a>");
+    FAIL() << "no exception";
+  } catch (const EVnDomSyntax& e) {
+    EXPECT_EQ(e.Message().rfind(u"Line 2, column ", 0), 0u) << UnicodeToUtf8(e.Message());
+  }
+  EXPECT_EQ(doc.GetLoadState(), lsLoaded);
+  // What was built before the failure stays.
+  EXPECT_NE(doc.GetRootNode(), nullptr);
+
+  // A handler that sets Handled gets the reader's own exception.
+  TVnDOMDocument handled;
+  int calls = 0;
+  handled.OnParseFatalError = [&](IVnSAXLocator*, std::u16string_view, bool& AHandled) {
+    ++calls;
+    AHandled = true;
+  };
+  EXPECT_THROW(handled.LoadXML(u"<a><b></a"), EVnXMLParseError);
+  EXPECT_EQ(calls, 1);
+
+  // Stray end tags, a second root, text at the top and an unclosed element all end in an exception.
+  for (const char16_t* bad : {u"<a></a></b>", u"<a/><b/>", u"<a/>text", u"</a>", u"<a/><![CDATA[x]]>",
+                              u"just text", u"<a x='1' x=>"}) {
+    TVnDOMDocument d;
+    EXPECT_THROW(d.LoadXML(bad), Exception) << UnicodeToUtf8(bad);
+  }
+}
+
+TEST(DomLoad, InnerXMLParsesAFragment) {
+  auto doc = TVnDOMDocument::FromXML(u"<r><old/>keep</r>");
+  TVnDOMElement* r = doc->GetRootNode();
+  r->SetInnerXML(u"<x a=\"1\"/><y>t</y><z/>");
+  EXPECT_EQ(r->ElementCount(), 3);
+  EXPECT_EQ(r->GetXML(), u"<r>keep<x a=\"1\" /><y>t</y><z /></r>");
+  // A failing fragment keeps what it built and raises.
+  EXPECT_THROW(r->SetInnerXML(u"<p/><q"), EVnDomSyntax);
+  EXPECT_EQ(r->ElementCount(), 1);
+  // A stray end tag inside a fragment cannot climb out of the element.
+  EXPECT_THROW(r->SetInnerXML(u"<p/></r><s/>"), Exception);
+  EXPECT_EQ(doc->NodeCount(), 1);
+}
+
+TEST(DomLoad, FilesRoundTripWithURI) {
+  auto path = std::filesystem::temp_directory_path() / ("vnxml_doc_" + std::to_string(::getpid()) + ".xml");
+  UnicodeString name = Utf8ToUnicode(path.string());
+  {
+    auto doc = TVnDOMDocument::FromXML(u"<a><b>\u00e9</b></a>");
+    doc->SetEncoding(u"ISO-8859-1");
+    doc->SaveToFile(name, true, false);
+  }
+  TVnDOMDocument back(name, fmOpenRead);
+  EXPECT_EQ(back.GetDocumentURI(), name);
+  EXPECT_EQ(back.GetRootNode()->FindElement(u"b")->GetText(), u"\u00e9");
+  std::filesystem::remove(path);
+  EXPECT_THROW(TVnDOMDocument(name, fmOpenRead), Exception);
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,154 @@
+// Filters: keywords and their reach, strict left-to-right and/or, empty values, existential and
+// numeric-versus-text comparison, the parser's messages, and nesting limits.
+#include "vnxml/common/utf.h"
+#include "vnxml/common/variant.h"
+#include "vnxml/xpath_terms.h"
+#include "xpath/path/select_helpers.h"
+
+namespace vn {
+namespace {
+
+using test::ExpectError;
+using test::LoadDoc;
+using test::Sel;
+
+constexpr char16_t cItems[] =
+    u"<r>"
+    u"<i id='1' a='1' b='2'><v>x</v><v>y</v></i>"
+    u"<i id='2' a='5.0'><v>X</v></i>"
+    u"<i id='3' b='2'/>"
+    u"<i id='4' a='10' b='9'><notes>1</notes></i>"
+    u"</r>";
+
+class Filter : public ::testing::Test {
+ protected:
+  void SetUp() override { FDoc = LoadDoc(cItems); }
+  UnicodeString Items(std::u16string_view AFilter, TVnDOMSelectOptions AOptions = {}) {
+    return Sel(FDoc->GetRootNode(), u"i" + UnicodeString(AFilter), AOptions);
+  }
+  std::unique_ptr<TVnDOMDocument> FDoc;
+};
+
+TEST_F(Filter, PresenceAndIndexTests) {
+  EXPECT_EQ(Items(u"[@a]"), u"1 2 4");
+  EXPECT_EQ(Items(u"[not(@a)]"), u"3");
+  EXPECT_EQ(Items(u"[v]"), u"1 2");
+  EXPECT_EQ(Items(u"[0]"), u"1");
+  EXPECT_EQ(Items(u"[first()]"), u"1");
+  EXPECT_EQ(Items(u"[last()]"), u"4");
+  EXPECT_EQ(Items(u"[position() = 2]"), u"2");
+  EXPECT_EQ(Items(u"[node()]"), u"1 2 3 4");
+  EXPECT_EQ(Items(u"[@a][1]"), u"2");  // the index counts in the list the first filter left
+}
+
+TEST_F(Filter, AndOrRunLeftToRightWithEqualRank) {
+  EXPECT_EQ(Items(u"[@b and (@a = 1 or @a = 10)]"), u"1 4");
+  // (@a or @b) and v: item 3 has b but no v.
+  EXPECT_EQ(Items(u"[@a or @b and v]"), u"1 2");
+  EXPECT_EQ(Items(u"[v and @b or @id = 3]"), u"1 3");
+  EXPECT_EQ(Items(u"[@b aND v]"), u"1");  // keywords: first letter lower-case, the rest any case
+  ExpectError<Exception>([&] { Items(u"[@a AND @b]"); }, Format(cVnFilterInvalid, {u"[@a AND @b]"}));
+}
+
+TEST_F(Filter, NotReachesToTheEndOfItsGroup) {
+  // not(@a and @b): items without both.
+  EXPECT_EQ(Items(u"[not @a and @b]"), u"2 3");
+  EXPECT_EQ(Items(u"[(not @a) or @id = 1]"), u"1 3");
+  EXPECT_EQ(Items(u"[notes = 1]"), u"4");  // a name beginning with "not"
+  EXPECT_EQ(Items(u"[android]"), u"");
+}
+
+TEST_F(Filter, EmptyValuesAreNeitherTrueNorFalse) {
+  // A comparison with a missing value is empty: not(...) stays false, and so does the chain.
+  EXPECT_EQ(Items(u"[not(@a = 1)]"), u"2 4");
+  EXPECT_EQ(Items(u"[@a = 1 or @b = 2]"), u"1");
+  EXPECT_EQ(Items(u"[(@a = 1) or (@b = 2)]"), u"1 3");
+  EXPECT_EQ(Items(u"[@a != 1]"), u"2 4");
+  EXPECT_EQ(Items(u"[missing != 1]"), u"");
+}
+
+TEST_F(Filter, ComparisonsOverSeveralNodesAreExistential) {
+  EXPECT_EQ(Items(u"[v = \"y\"]"), u"1");
+  EXPECT_EQ(Items(u"[v != \"x\"]"), u"1");  // item 1 has a "y"; item 2's "X" equals "x" here
+  EXPECT_EQ(Items(u"[v = v]"), u"1 2");
+  EXPECT_EQ(Items(u"[v = (\"q\", \"y\")]"), u"");  // a sequence compares as its joined text
+}
+
+TEST_F(Filter, NumbersAgainstTextsAndTextsAgainstTexts) {
+  EXPECT_EQ(Items(u"[@a = 5]"), u"2");       // "5.0" reads as a float
+  EXPECT_EQ(Items(u"[@a > 9]"), u"4");       // numerically, not as text
+  EXPECT_EQ(Items(u"[@a = \"5\"]"), u"");    // two texts compare as texts
+  EXPECT_EQ(Items(u"[@a > @b]"), u"");       // "10" < "9" as text
+  EXPECT_EQ(Items(u"[@a &gt;= 5.0]"), u"2 4");
+  EXPECT_EQ(Items(u"[@b <> 2]"), u"4");
+  EXPECT_EQ(Items(u"[v = \"X\"]"), u"1 2");  // default collation ignores case
+  EXPECT_EQ(Items(u"[v = \"X\"]", {soCaseSensitive}), u"2");
+  EXPECT_EQ(Items(u"[v < \"Y\"]", {soCaseSensitive}), u"1 2");
+  EXPECT_THROW(Items(u"[v = 1]"), EVariantError);  // a text without number against a number
+}
+
+TEST(FilterCompare, CompareValuesDispatchesByKind) {
+  auto cmp = [](const Variant& A, const Variant& B, TVnXPathValueComparisonOperator AOp) {
+    return TVnXPathValueComparison::CompareValues(A, B, AOp, TVnXPathCollationASCIICI::Class());
+  };
+  EXPECT_TRUE(VarIsNull(cmp(Variant::Null(), 1, opEqual)));
+  EXPECT_TRUE(cmp(Variant(u"12"), 9, opGreater).AsBoolean());
+  EXPECT_TRUE(cmp(Variant(u".5"), 0.5, opEqual).AsBoolean());
+  EXPECT_TRUE(cmp(Variant(u"abc"), Variant(u"ABD"), opSmaller).AsBoolean());
+  EXPECT_TRUE(cmp(Int64(1) << 60, (Int64(1) << 60) + 1, opSmaller).AsBoolean());  // no float rounding
+}
+
+TEST_F(Filter, ParserMessages) {
+  auto filter = [&](std::u16string_view AFilter) { return [this, AFilter] { Items(AFilter); }; };
+  ExpectError<Exception>(filter(u"[a b]"), Format(cVnFilterInvalid, {u"[a b]"}));
+  ExpectError<Exception>(filter(u"[1 = 1]"), Format(cVnFilterInvalid, {u"[1 = 1]"}));
+  ExpectError<Exception>(filter(u"[a)]"), Format(cVnFilterInvalid, {u"[a)]"}));
+  ExpectError<EVnDomSyntax>(filter(u"[@a == 1]"), Format(cVnFilterInvalidCompare, {u"[@a == 1]", u"=="}));
+  ExpectError<EVnDomSyntax>(filter(u"[@a =< 1]"), Format(cVnFilterInvalidCompare, {u"[@a =< 1]", u"=<"}));
+  ExpectError<EVnDomSyntax>(filter(u"[]"), cVnFilterStatementInvalid);
+  ExpectError<EVnDomSyntax>(filter(u"[@a = ]"), cVnFilterStatementInvalid);
+  ExpectError<EVnDomSyntax>(filter(u"[@a = 1.2.3]"), cVnFilterNumberExpected);
+  ExpectError<EVnDomSyntax>(filter(u"[@a = (1 ,2)]"), cVnFilterStatementInvalid);
+  EXPECT_EQ(Items(u"[@a = (1, 2)]"), u"");
+  EXPECT_EQ(Items(u"[-5]"), u"");     // a sign is no part of a literal: a name
+  EXPECT_EQ(Items(u"['1']"), u"");    // nor is the apostrophe a quote
+  EXPECT_EQ(Items(u"[fn:last()]"), u"4");
+  ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), u"The filter contains an unsupported function (nosuchfunction)!");
+}
+
+TEST_F(Filter, PathsWithFiltersInsideFilters) {
+  EXPECT_EQ(Items(u"[v[1]]"), u"1");
+  EXPECT_EQ(Items(u"[../i[3]]"), u"1 2 3 4");
+  // A slash behind a nested "]" separates steps: "notes = 1]" becomes a step that matches nothing.
+  EXPECT_EQ(Items(u"[../i[3]/notes = 1]"), u"");
+  EXPECT_EQ(Sel(FDoc->GetRootNode(), u"i[v[@x]]"), u"");
+  // A "]" inside a string literal ends the filter early.
+  EXPECT_THROW(Items(u"[v = \"a]b\"]"), EVnDomSyntax);
+}
+
+TEST_F(Filter, FunctionsFromTheLibraryTakePartInFilters) {
+  EXPECT_EQ(Items(u"[contains(@a, \".\")][0]"), u"2");
+  EXPECT_EQ(Items(u"[contains(v, \"x\")]"), u"2");  // several v give an array, which is no text
+  EXPECT_EQ(Items(u"[string-length(@a) = 3]"), u"2");
+}
+
+TEST_F(Filter, NestingIsBoundedAndLongChainsWork) {
+  UnicodeString deep = u"[";
+  for (int i = 0; i < 5000; ++i) deep += u"(";
+  deep += u"@a]";
+  EXPECT_THROW(Items(deep), EVnDomSyntax);
+  // Sequences and arrays nest inside terms, apart from groups.
+  for (const char16_t* open : {u"string-join(", u"[", u"count(("}) {
+    UnicodeString nested = u"[" + UnicodeString(open);
+    for (int i = 0; i < 20000; ++i) nested += open[0] == u'[' ? u"[" : u"(";
+    nested += u"1]";
+    EXPECT_THROW(Items(nested), EVnDomSyntax) << "nesting with " << UnicodeToUtf8(open);
+  }
+  UnicodeString chain = u"[@a";
+  for (int i = 0; i < 20000; ++i) chain += u" and @a";
+  chain += u"]";
+  EXPECT_EQ(Items(chain), u"1 2 4");
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,115 @@
+// The node functions and the rules for a node argument, error and trace.
+#include "fn_test_support.h"
+
+#include <vector>
+
+#include "vnxml/common/logger.h"
+
+namespace vn::testing {
+namespace {
+
+TEST_F(FunctionTest, NodeFunctionValues) {
+  const ValueCase cases[] = {
+      {u"text()", "bool true"},
+      {u"node-name()", "str item"},
+      {u"node-name(p:g)", "str p:g"},
+      {u"node-name(@a)", "str a"},
+      {u"string(@a)", "str 1"},
+      {u"string(7)", "str 7"},
+      {u"data(@b)", "str x"},
+      {u"data(3)", "str 3"},
+      {u"nilled(e)", "bool true"},  // found in the xsi namespace, its value compared by the collation
+      {u"nilled(f)", "bool false"},
+      {u"nilled(@a)", "null"},
+      {u"document-uri()", "str "},
+      {u"base-uri()", "str "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(UnicodeToUtf8(c.Expr));
+    EXPECT_EQ(ShowEval(c.Expr), c.Expected);
+  }
+  EXPECT_EQ(Show(Eval(u"node-name(p:g)", nullptr, soLocalName)), "str g");
+  // Matching by local name finds any attribute called nil.
+  EXPECT_EQ(Show(Eval(u"nilled(f)", nullptr, soLocalName)), "bool true");
+  // The namespace declaration answers with its prefix.
+  EXPECT_EQ(Show(EvalOn(FDoc.GetRootNode()->FindAttribute(u"xmlns:p"), u"node-name()")), "str p");
+  // An element without namespace falls back to the document's URI.
+  FDoc.SetDocumentURI(u"file:///data/doc.xml");
+  EXPECT_EQ(ShowEval(u"base-uri()"), "str file:///data/doc.xml");
+  EXPECT_EQ(ShowEval(u"base-uri(p:g)"), "str urn:p");
+  EXPECT_EQ(ShowEval(u"document-uri(p:g)"), "str file:///data/doc.xml");
+}
+
+TEST_F(FunctionTest, NodeArgumentMustBeOneNode) {
+  using namespace detail;
+  ExpectXPathError(u"node-name(missing)", u"XPDY0002",
+                   u"The node parameter of function \"fn:node-name(node)\" may not be nil!");
+  ExpectXPathError(u"node-name(c)", u"XPTY0004",
+                   u"The node parameter of function \"fn:node-name(node)\" must be a single node!");
+  ExpectXPathError(u"string(c)", u"XPTY0004",
+                   u"The node parameter of function \"fn:string(arg)\" must be a single node!");
+  ExpectXPathError(u"number(missing)", u"XPDY0002",
+                   u"The node parameter of function \"fn:number(arg)\" may not be nil!");
+  ExpectXPathError(uR"(node-name("x"))", u"XPTY0004",
+                   u"The node parameter of function \"fn:node-name(node)\" must be a node!");
+  ExpectXPathError(u"nilled(1)", u"XPTY0004", u"The node parameter of function \"fn:nilled(node)\" must be a node!");
+  ExpectXPathError(u"base-uri(1)", u"XPTY0004", u"The arg parameter of function \"fn:base-uri(arg)\" must be a node!");
+  ExpectXPathError(u"document-uri(1)", u"XPTY0004",
+                   u"The arg parameter of function \"fn:document-uri(arg)\" must be a node!");
+  ExpectError<EVnDomSyntax>(u"node-name(a, b)", cFnNodeNameArity);
+  ExpectError<EVnDomSyntax>(u"nilled(a, b)", cFnNilledArity);
+  ExpectError<EVnDomSyntax>(u"string(a, b)", cFnStringArity);
+  ExpectError<EVnDomSyntax>(u"data(a, b)", cFnDataArity);
+  ExpectError<EVnDomSyntax>(u"base-uri(a, b)", cFnBaseUriArity);
+  ExpectError<EVnDomSyntax>(u"document-uri(a, b)", cFnDocumentUriArity);
+}
+
+// string() refuses a sequence or an array while the filter is parsed.
+TEST_F(FunctionTest, StringRefusesListsAtParseTime) {
+  TVnXPathEquation equation(soQualifiedName, FDoc.GetCollation());
+  TVnXPathFilterParser sequence(u"string( (1, 2))");
+  try {
+    equation.ReadTerm(sequence);
+    ADD_FAILURE();
+  } catch (const EVnXPathException& e) {
+    EXPECT_EQ(UnicodeToUtf8(e.GetErrorCode()), "XPTY0004");
+    EXPECT_EQ(e.Message(), detail::cFnStringNoSequence);
+  }
+  TVnXPathFilterParser array(u"string([1])");
+  try {
+    equation.ReadTerm(array);
+    ADD_FAILURE();
+  } catch (const EVnXPathException& e) {
+    EXPECT_EQ(UnicodeToUtf8(e.GetErrorCode()), "FOTY0014");
+    EXPECT_EQ(e.Message(), detail::cFnStringNoArray);
+  }
+}
+
+TEST_F(FunctionTest, ErrorRaisesWithCodeMessageAndObject) {
+  ExpectXPathError(u"error()", u"FOER0000", u"An exception was raised");
+  ExpectXPathError(uR"(error("MY01"))", u"MY01", u"An exception was raised");
+  ExpectXPathError(uR"(error("MY01", "boom"))", u"MY01", u"boom");
+  try {
+    Eval(uR"(error("MY01", "boom", @b))");
+    ADD_FAILURE();
+  } catch (const EVnXPathException& e) {
+    EXPECT_EQ(UnicodeToUtf8(e.GetErrorObject()), "x");
+    EXPECT_TRUE(e.Is<EVnDomException>());
+  }
+  ExpectError<EVnDomSyntax>(u"error(1, 2, 3, 4)", detail::cFnErrorArity);
+}
+
+TEST_F(FunctionTest, TraceLogsToTheXPathLoggerAndGivesItsValue) {
+  std::vector<std::string> lines;
+  Logger::SetSink([&](TVnLogLevel, std::u16string_view AName, std::u16string_view AMessage) {
+    lines.push_back(UnicodeToUtf8(AName) + ": " + UnicodeToUtf8(AMessage));
+  });
+  EXPECT_EQ(ShowEval(uR"(trace(@b, "b is"))"), "str x");
+  EXPECT_EQ(ShowEval(uR"(trace(5, ""))"), "int 5");
+  Logger::SetSink({});
+  EXPECT_EQ(lines, (std::vector<std::string>{"XPath: b is; value=x", "XPath: 5"}));
+  ExpectError<EVnDomSyntax>(u"trace(1)", detail::cFnTraceArity);
+}
+
+}  // namespace
+}  // namespace vn::testing

@@ -1,0 +1,92 @@
+// The numeric and boolean functions: dispatch on the argument's kind, banker's rounding, and the
+// boolean's judgement by the class of its parameter term.
+#include "fn_test_support.h"
+
+namespace vn::testing {
+namespace {
+
+TEST_F(FunctionTest, NumericFunctionValues) {
+  const ValueCase cases[] = {
+      // Ties go to the even neighbour, unlike the W3C round.
+      {u"round(2.5)", "int 2"},
+      {u"round(3.5)", "int 4"},
+      {u"round(2.4)", "int 2"},
+      {u"round(7)", "int 7"},
+      {u"half-to-even(3.5)", "int 4"},
+      {u"half-to-even(0.5)", "int 0"},
+      {u"ceiling(1.1)", "int 2"},
+      {u"ceiling(3)", "int 3"},
+      {u"floor(1.9)", "int 1"},
+      {u"abs(7)", "int 7"},
+      {u"abs(2.5)", "float 2.5"},
+      {u"abs(true())", "int 1"},
+      {u"abs(false())", "int 0"},
+      {u"ceiling(true())", "int 1"},
+      {uR"(abs("x"))", "null"},
+      {uR"(round("2.5"))", "null"},
+      // A node value is text: it needs number() before it rounds.
+      {u"round(@n)", "null"},
+      {u"round(number(@n))", "int 2"},
+      {u"floor(number(@n))", "int 2"},
+      {u"number(@a)", "float 1"},
+      {uR"(number("1.25"))", "float 1.25"},
+      {u"abs(@missing)", "null"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ShowEval(c.Expr), c.Expected) << UnicodeToUtf8(c.Expr);
+}
+
+// Negative numbers cannot be written in a filter ("-5" is a name), so they come from number().
+TEST_F(FunctionTest, NegativeNumbersRoundTowardsEvenAndFloorDown) {
+  FItem->SetAttribute(u"m", u"-2.5");
+  FItem->SetAttribute(u"k", u"-1.1");
+  EXPECT_EQ(ShowEval(u"round(number(@m))"), "int -2");
+  EXPECT_EQ(ShowEval(u"floor(number(@k))"), "int -2");
+  EXPECT_EQ(ShowEval(u"ceiling(number(@k))"), "int -1");
+  EXPECT_EQ(ShowEval(u"abs(number(@m))"), "float 2.5");
+}
+
+TEST_F(FunctionTest, NumberOfTextThatIsNoNumberRaises) {
+  EXPECT_THROW(Eval(u"number(@b)"), Exception);
+  EXPECT_THROW(Eval(u"number()"), Exception);  // the candidate's own text is "text..."
+  // A path must select exactly one node.
+  ExpectXPathError(u"number(@missing)", u"XPDY0002", u"The node parameter of function \"fn:number(arg)\" may not be nil!");
+}
+
+TEST_F(FunctionTest, BooleanFunctions) {
+  const ValueCase cases[] = {
+      {u"true()", "bool true"},
+      {u"false()", "bool false"},
+      {u"true(1, 2)", "bool true"},  // parameters are ignored
+      {u"boolean(1)", "bool true"},
+      {u"boolean(0)", "bool false"},
+      {u"boolean(0.0)", "bool false"},
+      {uR"(boolean("x"))", "bool true"},
+      {uR"(boolean(""))", "bool false"},
+      {u"boolean((a, b))", "bool true"},
+      {uR"(boolean(("a", b)))", "bool false"},  // only a path as first entry counts
+      {u"boolean(())", "bool false"},
+      {u"boolean([c])", "bool true"},
+      {u"not(1)", "bool false"},
+      {uR"(not(""))", "bool true"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ShowEval(c.Expr), c.Expected) << UnicodeToUtf8(c.Expr);
+  // A path or a call has no truth of its own here.
+  ExpectXPathError(u"boolean(@a)", u"FORG0006", detail::cFnBooleanInvalid);
+  ExpectXPathError(u"boolean(true())", u"FORG0006", detail::cFnBooleanInvalid);
+  ExpectXPathError(u"not(c)", u"FORG0006", detail::cFnBooleanInvalid);
+}
+
+TEST_F(FunctionTest, NumericAndBooleanArityErrors) {
+  using namespace detail;
+  ExpectError<EVnDomSyntax>(u"abs()", cFnAbsArity);
+  ExpectError<EVnDomSyntax>(u"ceiling(1, 2)", cFnCeilingArity);
+  ExpectError<EVnDomSyntax>(u"floor()", cFnFloorArity);
+  ExpectError<EVnDomSyntax>(u"round()", cFnRoundArity);
+  ExpectError<EVnDomSyntax>(u"half-to-even(1, 2)", cFnHalfToEvenArity);
+  ExpectError<EVnDomSyntax>(u"number(1, 2)", cFnNumberArity);
+  ExpectError<EVnDomSyntax>(u"boolean()", cFnBooleanArity);
+  ExpectError<EVnDomSyntax>(u"not(1, 2)", cFnBooleanArity);
+}
+
+}  // namespace
+}  // namespace vn::testing

@@ -1,0 +1,122 @@
+// The registries of functions and collations, and functions at work inside real filters.
+#include "fn_test_support.h"
+
+#include <algorithm>
+
+namespace vn::testing {
+namespace {
+
+TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
+  std::vector<UnicodeString> names = RegisteredXPathFunctions();
+  ASSERT_GE(names.size(), 66u);
+  EXPECT_EQ(names[0], u"text");
+  EXPECT_EQ(names[30], u"tokenize");
+  EXPECT_EQ(names[31], u"abs");
+  EXPECT_EQ(names[65], u"adjust-time-to-timezone");
+  // The filter reads these four itself; they are no registry entries.
+  for (const char16_t* own : {u"first", u"last", u"position", u"node"})
+    EXPECT_EQ(std::count(names.begin(), names.begin() + 66, UnicodeString(own)), 0);
+  std::vector<UnicodeString> sorted(names.begin(), names.begin() + 66);
+  std::sort(sorted.begin(), sorted.end());
+  EXPECT_EQ(std::adjacent_find(sorted.begin(), sorted.end()), sorted.end());
+}
+
+TEST(XPathCollationRegistry, FindsCollationsByExactURI) {
+  EXPECT_EQ(VnFindXPathCollation(cVnXPathCollationASCIICIURI), TVnXPathCollationASCIICI::Class());
+  EXPECT_EQ(VnFindXPathCollation(cVnXPathCollationCodepointURI), TVnXPathCollationCodepoint::Class());
+  try {
+    VnFindXPathCollation(u"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint");
+    ADD_FAILURE();
+  } catch (const EVnDomSyntax& e) {
+    EXPECT_EQ(UnicodeToUtf8(e.Message()),
+              "The collation \"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint\" is not supported!");
+  }
+  // A host's collation joins; a second registration of a URI does not replace the first.
+  RegisterXPathCollation(u"urn:test:ci", TVnXPathCollationASCIICI::Class());
+  RegisterXPathCollation(u"urn:test:ci", TVnXPathCollationCodepoint::Class());
+  EXPECT_EQ(VnFindXPathCollation(u"urn:test:ci"), TVnXPathCollationASCIICI::Class());
+}
+
+// A host function: the count of its parameters.
+class TestFnArgCount : public TVnXPathFunction {
+ public:
+  using TVnXPathFunction::TVnXPathFunction;
+  Variant Value(const TVnDOMObjectList&, Integer) override { return ParamCount(); }
+};
+
+// A host function registered under a library name: never reached, the first registration wins.
+class TestFnShadow : public TVnXPathFunction {
+ public:
+  using TVnXPathFunction::TVnXPathFunction;
+  Variant Value(const TVnDOMObjectList&, Integer) override { return u"shadow"; }
+};
+
+TEST_F(FunctionTest, HostsRegisterFunctionsAndNamesAreExact) {
+  RegisterXPathFunction(u"test-arg-count", &TVnXPathFunctionTerm::Create<TestFnArgCount>);
+  RegisterXPathFunction(u"upper-case", &TVnXPathFunctionTerm::Create<TestFnShadow>);
+  EXPECT_EQ(ShowEval(uR"(test-arg-count(1, "a", b))"), "int 3");
+  EXPECT_EQ(ShowEval(uR"(fn:test-arg-count())"), "int 0");
+  EXPECT_EQ(ShowEval(uR"(upper-case("a"))"), "str A");
+  ExpectError<EVnDomSyntax>(u"ABS(1)", u"The filter contains an unsupported function (ABS)!");
+  ExpectError<EVnDomSyntax>(u"no-such(1)", u"The filter contains an unsupported function (no-such)!");
+}
+
+// Calls nest through their parameters; hostile nesting ends in an error, not in a stack overflow.
+TEST_F(FunctionTest, DeepNestingIsRefused) {
+  UnicodeString call;
+  for (int i = 0; i < 5000; ++i) call += u"abs(";
+  call += u"1" + UnicodeString(5000, u')');
+  ExpectError<EVnDomSyntax>(call, cVnPathTooDeep);
+  UnicodeString modest = u"abs(abs(abs(abs(abs(abs(abs(abs(1))))))))";
+  EXPECT_EQ(ShowEval(modest), "int 1");
+}
+
+class FunctionsInFilters : public FunctionTest {
+ protected:
+  void SetUp() override {
+    FDoc.LoadXML(uR"(<r><i n="Apple" p="2.5" d="P1Y2M"/><i n="banana" p="3.5" d="P2M"/>)"
+                 uR"(<i n="Cherry" p="10" d="-P1Y"/></r>)");
+  }
+  std::string Names(std::u16string_view APath) {
+    std::string result;
+    auto list = CreateNodeList(FDoc.GetRootNode(), APath);
+    for (Integer i = 0; i < list->Count(); ++i) {
+      if (!result.empty()) result += ",";
+      result += UnicodeToUtf8(static_cast<TVnDOMElement*>(list->GetItem(i))->GetAttribute(u"n"));
+    }
+    return result;
+  }
+};
+
+TEST_F(FunctionsInFilters, SelectThroughFunctions) {
+  EXPECT_EQ(Names(uR"(i[contains(@n, "AN")])"), "banana");
+  EXPECT_EQ(Names(uR"(i[fn:starts-with(@n, "c")])"), "Cherry");
+  EXPECT_EQ(Names(uR"(i[ends-with(@n, "y")])"), "Cherry");
+  EXPECT_EQ(Names(uR"(i[round(number(@p)) = 2])"), "Apple");
+  EXPECT_EQ(Names(uR"(i[round(number(@p)) = 4])"), "banana");
+  EXPECT_EQ(Names(uR"(i[string-length(@n) > 5])"), "banana,Cherry");
+  EXPECT_EQ(Names(uR"(i[months-from-duration(@d) < 0])"), "Cherry");
+  EXPECT_EQ(Names(uR"(i[matches(@n, "^[A-Z]")])"), "Apple,Cherry");
+  EXPECT_EQ(Names(uR"(i[position() = 2 or upper-case(@n) = "APPLE"])"), "Apple,banana");
+  EXPECT_EQ(Names(uR"(i[true()])"), "Apple,banana,Cherry");
+  EXPECT_EQ(Names(uR"(i[contains(@n, "an")][0])"), "banana");
+  // Functions without a result leave the candidate out.
+  EXPECT_EQ(Names(uR"(i[adjust-date-to-timezone("2020-01-01")])"), "");
+}
+
+TEST_F(FunctionsInFilters, CaseSensitiveDocumentsChangeContains) {
+  FDoc.SetCaseSensitive(true);
+  EXPECT_EQ(Names(uR"(i[contains(@n, "AN")])"), "");
+  EXPECT_EQ(Names(uR"(i[contains(@n, "an")])"), "banana");
+}
+
+TEST_F(FunctionsInFilters, ErrorsAbortTheSelection) {
+  EXPECT_THROW(Names(uR"(i[ABS(1)])"), EVnDomSyntax);
+  EXPECT_THROW(Names(uR"(i[round()])"), EVnDomSyntax);
+  EXPECT_THROW(Names(uR"(i[error()])"), EVnXPathException);
+  // Arity is checked per candidate: with no candidate the fault stays hidden.
+  EXPECT_EQ(Names(uR"(none[round()])"), "");
+}
+
+}  // namespace
+}  // namespace vn::testing

@@ -1,0 +1,136 @@
+// The string and regular expression functions: values, kinds and collation effects.
+#include "fn_test_support.h"
+
+#include "vnxml/common/variant.h"
+
+namespace vn::testing {
+namespace {
+
+TEST_F(FunctionTest, StringFunctionValues) {
+  const ValueCase cases[] = {
+      {uR"(substring("abcd", 2, 2))", "str bc"},
+      {uR"(substring("abcd", 2))", "str bcd"},
+      {uR"(substring("abcd", 0, 2))", "str ab"},
+      {uR"(substring("abcd", 3, 99))", "str cd"},
+      {uR"(substring("abcd"))", "str "},
+      {uR"(substring())", "str "},
+      {uR"(substring("abcd", 1.5))", "null"},
+      {uR"(substring(1, 1))", "null"},
+      {uR"(string-length("abc"))", "int 3"},
+      {uR"(normalize-space("  a   b  "))", "str a b"},
+      {uR"(normalize-space(@sp))", "str a b"},
+      {u"normalize-unicode(\"e\u0301\")", "str \u00e9"},
+      {u"normalize-unicode(\"\u00e9\", \"NFD\")", "str e\u0301"},
+      {uR"(simplify("Crème"))", "str Creme"},
+      {uR"(simplify(1))", "null"},
+      {uR"(upper-case("aé"))", "str Aé"},
+      {uR"(lower-case("AÉ"))", "str aÉ"},
+      {uR"(upper-case(1))", "null"},
+      {uR"(translate("abcabc", "ab", "x"))", "str xcxc"},
+      {uR"(translate("abc", "", "x"))", "str abc"},
+      {uR"(contains("ABC", "b"))", "bool true"},
+      {uR"(starts-with("ABC", "a"))", "bool true"},
+      {uR"(starts-with("ABC", "b"))", "bool false"},
+      {uR"(ends-with("ABC", "c"))", "bool false"},
+      {uR"(ends-with("ABC", "C"))", "bool true"},
+      {uR"(ends-with("C", "ABC"))", "bool false"},
+      {uR"(substring-before("abcd", "CD"))", "str ab"},
+      {uR"(substring-before("abcd", "x"))", "str "},
+      {uR"(substring-after("abcd", "bc"))", "str d"},
+      {uR"(substring-after("abcd", "x"))", "str "},
+      {uR"(string-to-codepoints("ab"))", "str (97, 98)"},
+      {uR"(string-to-codepoints(""))", "str ()"},
+      {uR"(string-to-codepoints(5))", "null"},
+      {uR"(codepoints-to-string((97, 98)))", "str ab"},
+      {uR"(codepoints-to-string((97, 1.5)))", "null"},
+      {uR"(codepoints-to-string())", "null"},
+      {uR"(compare("a", "B"))", "int -1"},
+      {uR"(compare("b", "B"))", "int 0"},
+      {uR"(compare("b", "a"))", "int 1"},
+      {uR"(compare(@missing, "a"))", "null"},
+      {uR"(compare("b", "B", "http://www.w3.org/2005/xpath-functions/collation/codepoint"))", "int -1"},
+      {uR"(codepoint-equal("a", "a"))", "bool true"},
+      {uR"(codepoint-equal("a", "A"))", "bool false"},
+      {uR"(codepoint-equal("1", 1))", "null"},
+      {uR"(concat("a", "b", "c"))", "str abc"},
+      {uR"(concat(@b, "y"))", "str xy"},
+      {uR"(concat())", "str "},
+      {uR"(string-join(("a", "b"), "-"))", "str a-b"},
+      {uR"(string-join("abc", "/"))", "str a/b/c"},
+      {uR"(string-join(("a", "b")))", "str ab"},
+      {uR"(fn:concat("a", fn:upper-case("b")))", "str aB"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ShowEval(c.Expr), c.Expected) << UnicodeToUtf8(c.Expr);
+  // Without an argument the candidate's own value counts.
+  EXPECT_EQ(Eval(u"string-length()").AsInteger(), static_cast<Integer>(FItem->GetNodeValue().size()));
+}
+
+// Without a case-insensitive collation the twins of ends-with turn case-sensitive too.
+TEST_F(FunctionTest, CaseSensitiveCollationGovernsPosBasedFunctions) {
+  TVnXPathCollationClass cs = TVnXPathCollationCodepoint::Class();
+  EXPECT_EQ(ShowEval(uR"(contains("ABC", "b"))", cs), "bool false");
+  EXPECT_EQ(ShowEval(uR"(starts-with("ABC", "a"))", cs), "bool false");
+  EXPECT_EQ(ShowEval(uR"(substring-after("abcd", "BC"))", cs), "str ");
+  EXPECT_EQ(ShowEval(uR"(compare("b", "B"))", cs), "int -1");
+  EXPECT_EQ(ShowEval(uR"(matches("ABC", "b", "I"))", cs), "bool false");
+  EXPECT_EQ(ShowEval(uR"(matches("ABC", "b", "i"))", cs), "bool true");
+}
+
+// Addition of Variants: texts join, but a text meeting a number is read as a number.
+TEST_F(FunctionTest, ConcatFollowsVariantAddition) {
+  EXPECT_THROW(Eval(uR"(concat("a", 1))"), EVariantTypeCastError);
+  EXPECT_THROW(Eval(uR"(concat(1))"), EVariantTypeCastError);
+  EXPECT_EQ(ShowEval(uR"(concat(@missing, "a"))"), "null");
+}
+
+TEST_F(FunctionTest, RegularExpressions) {
+  const ValueCase cases[] = {
+      {uR"(matches("abc", "^a.c$"))", "bool true"},
+      {uR"(matches("ABC", "b"))", "bool false"},
+      {uR"(matches("ABC", "b", "i"))", "bool true"},
+      {uR"(matches("ABC", "b", "I"))", "bool true"},  // flags are looked up through the collation
+      {uR"(matches("a\nb", "a.b", "s"))", "bool false"},  // no escapes in literals: "\n" is two characters
+      {uR"(replace("a1b22", "[0-9]+", "#"))", "str a#b#"},
+      {uR"~(replace("abc", "(b)", "[$1]"))~", "str a[b]c"},
+      {uR"(replace("ABC", "b", "x", "i"))", "str AxC"},
+      {uR"(tokenize("a b"))", "str (\"a\", \"b\")"},
+      {uR"(tokenize("  a   b "))", "str (\"a\", \"b\")"},
+      {uR"(tokenize("a,b;c", "[,;]"))", "str (\"a\", \"b\", \"c\")"},
+      {uR"(tokenize("aXbxc", "x", "i"))", "str (\"a\", \"b\", \"c\")"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ShowEval(c.Expr), c.Expected) << UnicodeToUtf8(c.Expr);
+  EXPECT_THROW(Eval(uR"(matches("a", "("))"), ERegularExpressionError);
+}
+
+TEST_F(FunctionTest, StringArityAndArgumentErrors) {
+  using namespace detail;
+  ExpectError<EVnDomSyntax>(u"string-to-codepoints()", cFnStringToCodepointsArity);
+  ExpectError<EVnDomSyntax>(uR"(compare("a"))", cFnCompareTooFew);
+  ExpectError<EVnDomSyntax>(uR"(compare("a", "b", "c", "d"))", cFnCompareTooMany);
+  ExpectError<EVnDomSyntax>(uR"(compare("a", "b", "urn:none"))", u"The collation \"urn:none\" is not supported!");
+  ExpectError<EVnDomSyntax>(uR"(codepoint-equal("a"))", cFnCodepointEqualArity);
+  ExpectError<EVnDomSyntax>(u"string-join()", cFnStringJoinTooFew);
+  ExpectError<EVnDomSyntax>(uR"(string-join("a", "b", "c"))", cFnStringJoinTooMany);
+  ExpectError<EVnDomSyntax>(uR"(substring("a", 1, 1, 1))", cFnSubstringArity);
+  ExpectError<EVnDomSyntax>(uR"(string-length("a", "b"))", cFnStringLengthArity);
+  ExpectError<EVnDomSyntax>(uR"(normalize-space("a", "b"))", cFnNormalizeSpaceArity);
+  ExpectError<EVnDomSyntax>(u"normalize-unicode()", cFnNormalizeUnicodeArity);
+  ExpectError<EVnDomSyntax>(uR"(normalize-unicode("a", "nfc"))", cFnNormalizeUnicodeForm);
+  ExpectError<EVnDomSyntax>(u"simplify()", cFnSimplifyArity);
+  ExpectError<EVnDomSyntax>(uR"(upper-case("a", "b"))", cFnUpperCaseArity);
+  ExpectError<EVnDomSyntax>(u"lower-case()", cFnLowerCaseArity);
+  ExpectError<EVnDomSyntax>(uR"(translate("a", "b"))", cFnTranslateArity);
+  ExpectError<EVnDomSyntax>(uR"(contains("a"))", cFnContainsArity);
+  ExpectError<EVnDomSyntax>(uR"(starts-with("a"))", cFnStartsWithArity);
+  ExpectError<EVnDomSyntax>(uR"(ends-with("a"))", cFnEndsWithArity);
+  ExpectError<EVnDomSyntax>(uR"(substring-before("a"))", cFnSubstringBeforeArity);
+  ExpectError<EVnDomSyntax>(uR"(substring-after("a"))", cFnSubstringAfterArity);
+  ExpectError<EVnDomSyntax>(uR"(matches("a"))", cFnMatchesArity);
+  ExpectError<EVnDomSyntax>(uR"(replace("a", "b"))", cFnReplaceArity);
+  ExpectError<EVnDomSyntax>(u"tokenize()", cFnTokenizeArity);
+  ExpectError<EVnDomSyntax>(uR"(codepoints-to-string("ab"))", cFnCodepointsToStringList);
+  ExpectError<EVnDomSyntax>(uR"(codepoints-to-string((1), (2)))", cFnCodepointsToStringArity);
+}
+
+}  // namespace
+}  // namespace vn::testing
