@@ -86,7 +86,7 @@ class TVnDOMNodeListBase : public TVnDOMObject {
   detail::PtrVector<TVnDOMNode>* FItems;
 };
 
-/// The spec's enumerator: MoveNext and GetCurrent over a list.
+/// The platform-style enumerator: MoveNext and GetCurrent over a list.
 class TVnDOMNodeListBaseEnumerator : public TObject {
   VN_DECLARE_CLASS(TVnDOMNodeListBaseEnumerator, TObject)
  public:
