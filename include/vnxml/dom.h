@@ -12,3 +12,4 @@
 #include "vnxml/dom_names.h"
 #include "vnxml/dom_node.h"
 #include "vnxml/dom_object.h"
+#include "vnxml/dom_parser.h"
