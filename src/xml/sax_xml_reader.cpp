@@ -89,18 +89,7 @@ class XmlReadLoop {
         Characters();
         continue;
       }
-      char16_t next = PeekW();
-      if (next == u'!') {
-        Next();
-        if (PeekW() == u'-')
-          Comment();
-        else
-          CData();
-      } else if (next == u'?') {
-        ProcessingInstruction();
-      } else {
-        Element();
-      }
+      if (!CommentCDataOrInstruction()) Element();
     }
     Sync();
     Content->EndDocument();
@@ -182,24 +171,32 @@ class XmlReadLoop {
     }
   }
 
+  // On a "<" in content: reads a comment, CDATA section or processing instruction and says so;
+  // false leaves the "<" of an element where it is.
+  bool CommentCDataOrInstruction() {
+    char16_t next = PeekW();
+    if (next == u'!') {
+      Next();
+      if (PeekW() == u'-')
+        Comment();
+      else
+        CData();
+      return true;
+    }
+    if (next == u'?') {
+      ProcessingInstruction();
+      return true;
+    }
+    return false;
+  }
+
   void TailStep() {
     p = SkipAtMost(p, end, 0x20);
     if (p >= end) return;
     if (*p == U('<')) {
-      char16_t next = PeekW();
-      if (next == u'!') {
-        Next();
-        if (PeekW() == u'-')
-          Comment();
-        else
-          CData();
-      } else if (next == u'?') {
-        ProcessingInstruction();
-      } else if (Check) {
-        Fail(cVnXMLErrMultipleRoot, _cVnXMLMultipleRoot);
-      } else {
-        Element();
-      }
+      if (CommentCDataOrInstruction()) return;
+      if (Check) Fail(cVnXMLErrMultipleRoot, _cVnXMLMultipleRoot);
+      Element();
     } else if (Check) {
       Fail(cVnXMLErrInvalidTextAtRoot, _cVnXMLInvalidTextAtRoot);
     } else {
