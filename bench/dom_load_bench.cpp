@@ -198,6 +198,17 @@ void Load(benchmark::State& state, Library ALib, std::string AFile) {
   state.counters["peak_x_input"] = PeakBytes(ALib, AFile) / static_cast<double>(bytes.size());
 }
 
+// A whole cycle: load, then free the tree, as a program that reads many documents pays it.
+void LoadAndFree(benchmark::State& state, Library ALib, std::string AFile) {
+  const std::string& bytes = vnbench::PerfFile(AFile);
+  for (auto _ : state) {
+    Holder doc = ALib.Load(bytes);
+    benchmark::DoNotOptimize(doc.get());
+    doc.reset();
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(bytes.size()) * state.iterations());
+}
+
 void Save(benchmark::State& state, Library ALib, std::string AFile) {
   const std::string& bytes = vnbench::PerfFile(AFile);
   Holder doc = ALib.Load(bytes);
@@ -217,6 +228,9 @@ const bool kRegistered = [] {
   for (const std::string& file : XmlFiles())
     for (const Library& lib : Libraries()) {
       benchmark::RegisterBenchmark(("DomLoad/" + file + "/" + lib.Name).c_str(), Load, lib, file)
+          ->Unit(benchmark::kMillisecond)
+          ->UseRealTime();
+      benchmark::RegisterBenchmark(("DomLoadFree/" + file + "/" + lib.Name).c_str(), LoadAndFree, lib, file)
           ->Unit(benchmark::kMillisecond)
           ->UseRealTime();
       benchmark::RegisterBenchmark(("DomSave/" + file + "/" + lib.Name).c_str(), Save, lib, file)

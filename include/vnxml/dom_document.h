@@ -135,6 +135,7 @@ class TVnDOMDocument : public TVnDOMNode {
   UnicodeString FDocumentURI;
 
   friend class TVnDOMParser;
+  friend class detail::TreeBuilder;
 };
 
 /// The text AXML loaded and written again, formatted.

@@ -186,6 +186,7 @@ class TVnDOMElement : public TVnDOMNode {
   TVnDOMAttribute* FNamespace = nullptr;
 
   friend class TVnDOMAttribute;
+  friend class detail::TreeBuilder;
 };
 
 }  // namespace vn

@@ -34,6 +34,7 @@ class TVnDOMCharacterData : public TVnDOMNode {
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
   detail::CompactString FNodeValue;
+  friend class detail::TreeBuilder;
 };
 
 class TVnDOMText : public TVnDOMCharacterData {
@@ -108,6 +109,7 @@ class TVnDOMAttribute : public TVnDOMNode {
   detail::CompactString FNodeValue;
   TVnDOMAttribute* FNamespace = nullptr;
   friend class TVnDOMElement;
+  friend class detail::TreeBuilder;
 };
 
 class TVnDOMProcessingInstruction : public TVnDOMNode {
@@ -122,6 +124,7 @@ class TVnDOMProcessingInstruction : public TVnDOMNode {
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
   detail::CompactString FData;
+  friend class detail::TreeBuilder;
 };
 
 }  // namespace vn

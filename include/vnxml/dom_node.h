@@ -17,6 +17,7 @@ class TStream;
 
 namespace detail {
 struct NodeExtras;
+class TreeBuilder;
 }
 
 class TVnDOMNode : public TVnDOMObject {
@@ -24,6 +25,13 @@ class TVnDOMNode : public TVnDOMObject {
  public:
   TVnDOMNode();
   ~TVnDOMNode() override;
+
+  // A node made by new carries the pool it came from (nil: the heap) just in front of it, so
+  // that delete gives it back to the right place.
+  static void* operator new(size_t ASize);
+  static void* operator new(size_t ASize, detail::NodePool& APool);
+  static void operator delete(void* APtr, size_t ASize) noexcept;
+  static void operator delete(void* APtr, detail::NodePool& APool) noexcept;
 
   // ---- names and values ----
   TVnDOMNodeType GetNodeType() const noexcept { return FNodeType; }
@@ -155,6 +163,7 @@ class TVnDOMNode : public TVnDOMObject {
   detail::PtrVector<TVnDOMNode> FChildren;
 
   friend class TVnDOMNodeListBase;
+  friend class detail::TreeBuilder;
 
  private:
   detail::NodeExtras* LookupExtras() const noexcept;

@@ -11,6 +11,9 @@
 namespace vn {
 
 class TVnSAXReader;
+namespace detail {
+class TreeBuilder;
+}
 
 /// A failure event of a load; setting AHandled keeps the reader's own exception.
 using TVnDOMParseError = std::function<void(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled)>;
@@ -68,6 +71,7 @@ class TVnDOMParser : public TVnObject,
   TVnDOMNode* FDOMNode;
   IVnSAXLocator* FLocator = nullptr;
   TVnSAXReader* FReader = nullptr;
+  detail::TreeBuilder* FBuilder = nullptr;
   bool FInCDATA = false;
 };
 

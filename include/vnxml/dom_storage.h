@@ -2,6 +2,8 @@
 // Nodes are many and small, so each container here is one pointer: a child array is a single
 // heap block (none while empty), a name is a counted record shared by every node of a document
 // with that qualified name, and a stored value is one block holding its length and characters.
+// A load carves nodes, values and arrays out of a NodePool instead of the heap; containers mark
+// such blocks and never free them, the pool goes when its last node does.
 #pragma once
 
 #include <cstdint>
@@ -14,19 +16,60 @@
 
 namespace vn::detail {
 
+/// Memory for the nodes of one load and everything they hold, carved front to back from large
+/// blocks. Each node made here counts on the pool; the values and arrays of those nodes ride
+/// along uncounted. The loader holds the pool until Seal; after that the last node freed frees
+/// every block at once. Like the trees it serves (and their shared names), a pool is used by one
+/// thread at a time: the count is plain.
+class NodePool {
+ public:
+  static NodePool* Create();
+  NodePool(const NodePool&) = delete;
+  NodePool& operator=(const NodePool&) = delete;
+
+  /// ABytes of memory aligned to 8, valid while the pool lives.
+  void* Allocate(size_t ABytes) {
+    ABytes = (ABytes + 7) & ~static_cast<size_t>(7);
+    if (static_cast<size_t>(FEnd - FNext) < ABytes) return AllocateSlow(ABytes);
+    char* p = FNext;
+    FNext += ABytes;
+    Unpoison(p, ABytes);
+    return p;
+  }
+  /// Memory for a node of ASize bytes; the node counts on the pool until FreeNode.
+  void* AllocateNode(size_t ASize) {
+    void* p = Allocate(ASize);
+    ++FLive;
+    return p;
+  }
+  /// Gives back the memory of a node made by AllocateNode; the last one frees the pool.
+  void FreeNode(void* ANode, size_t ASize) noexcept;
+  /// The loader is done: from now on the nodes alone keep the pool.
+  void Seal() noexcept;
+
+ private:
+  struct Block;
+  NodePool() = default;
+  ~NodePool();
+  void* AllocateSlow(size_t ABytes);
+  static void Unpoison(void* APtr, size_t ABytes) noexcept;
+
+  // Nodes made and not yet freed, plus one for the loader until Seal.
+  size_t FLive = 1;
+  Block* FBlocks = nullptr;
+  char* FNext = nullptr;
+  char* FEnd = nullptr;
+};
+
 /// A growable array of pointers that owns nothing it points at; one null pointer while empty.
+/// Growing with a pool takes the new block from it; a block from a pool is never freed here.
 template <class T>
 class PtrVector {
  public:
   PtrVector() noexcept = default;
   PtrVector(const PtrVector&) = delete;
   PtrVector& operator=(const PtrVector&) = delete;
-  PtrVector(PtrVector&& AOther) noexcept { Swap(AOther); }
-  PtrVector& operator=(PtrVector&& AOther) noexcept {
-    PtrVector(std::move(AOther)).Swap(*this);
-    return *this;
-  }
-  ~PtrVector() { std::free(FBlock); }
+  ~PtrVector() { FreeBlock(); }
 
   uint32_t size() const noexcept { return FBlock ? FBlock->Size : 0; }
   bool empty() const noexcept { return !FBlock || FBlock->Size == 0; }
@@ -36,21 +79,32 @@ class PtrVector {
   T* front() const noexcept { return Items()[0]; }
   T* back() const noexcept { return Items()[FBlock->Size - 1]; }
 
-  void reserve(uint32_t ACapacity) {
+  /// Room for ACapacity items; from APool when given, else from the heap.
+  void reserve(uint32_t ACapacity, NodePool* APool = nullptr) {
     if (ACapacity <= Capacity()) return;
+    if (ACapacity > kCapMask) throw std::bad_alloc();
     uint32_t size = this->size();
-    void* p = std::realloc(FBlock, sizeof(Header) + sizeof(T*) * ACapacity);
-    if (!p) throw std::bad_alloc();
-    FBlock = static_cast<Header*>(p);
+    size_t bytes = sizeof(Header) + sizeof(T*) * ACapacity;
+    Header* block;
+    if (!APool && !(FBlock && FBlock->Cap & kPooled)) {
+      block = static_cast<Header*>(std::realloc(FBlock, bytes));
+      if (!block) throw std::bad_alloc();
+    } else {
+      block = static_cast<Header*>(APool ? APool->Allocate(bytes) : std::malloc(bytes));
+      if (!block) throw std::bad_alloc();
+      if (size) std::memcpy(block + 1, Items(), sizeof(T*) * size);
+      FreeBlock();
+    }
+    FBlock = block;
     FBlock->Size = size;
-    FBlock->Cap = ACapacity;
+    FBlock->Cap = ACapacity | (APool ? kPooled : 0);
   }
-  void push_back(T* AItem) {
-    Grow();
+  void push_back(T* AItem, NodePool* APool = nullptr) {
+    Grow(APool);
     Items()[FBlock->Size++] = AItem;
   }
   void insert(uint32_t AIndex, T* AItem) {
-    Grow();
+    Grow(nullptr);
     T** items = Items();
     std::memmove(items + AIndex + 1, items + AIndex, sizeof(T*) * (FBlock->Size - AIndex));
     items[AIndex] = AItem;
@@ -67,7 +121,7 @@ class PtrVector {
   }
   /// Frees the array as well.
   void reset() noexcept {
-    std::free(FBlock);
+    FreeBlock();
     FBlock = nullptr;
   }
   /// Index of the first AItem, or -1. Searches from the end first when AFromEnd (recent items).
@@ -88,19 +142,23 @@ class PtrVector {
       if (items[i] == AItem) return i;
     return -1;
   }
-  void Swap(PtrVector& AOther) noexcept { std::swap(FBlock, AOther.FBlock); }
 
  private:
+  static constexpr uint32_t kPooled = 0x80000000u;
+  static constexpr uint32_t kCapMask = 0x7FFFFFFFu;
   struct Header {
     uint32_t Size;
-    uint32_t Cap;
+    uint32_t Cap;  // capacity, with kPooled for a block of a pool
   };
   T** Items() const noexcept { return reinterpret_cast<T**>(FBlock + 1); }
-  uint32_t Capacity() const noexcept { return FBlock ? FBlock->Cap : 0; }
-  void Grow() {
+  uint32_t Capacity() const noexcept { return FBlock ? FBlock->Cap & kCapMask : 0; }
+  void FreeBlock() noexcept {
+    if (FBlock && !(FBlock->Cap & kPooled)) std::free(FBlock);
+  }
+  void Grow(NodePool* APool) {
     uint32_t cap = Capacity();
     // most nodes have one or two children: start small, then double
-    if (size() == cap) reserve(cap ? cap * 2 : 2);
+    if (size() == cap) reserve(cap ? cap * 2 : 2, APool);
   }
 
   Header* FBlock = nullptr;
@@ -159,6 +217,7 @@ class NameRef {
 };
 
 /// A stored text in one block: its length, then its characters; one null pointer while empty.
+/// A block taken from a pool (AssignIn) is left to the pool when the text changes or goes.
 class CompactString {
  public:
   CompactString() noexcept = default;
@@ -171,34 +230,51 @@ class CompactString {
     assign(AText);
     return *this;
   }
-  ~CompactString() { std::free(FBlock); }
+  ~CompactString() { FreeBlock(); }
 
   std::u16string_view view() const noexcept {
-    return FBlock ? std::u16string_view(Chars(), FBlock->Length) : std::u16string_view();
+    return FBlock ? std::u16string_view(Chars(), FBlock->Length & kLengthMask) : std::u16string_view();
   }
   operator std::u16string_view() const noexcept { return view(); }
-  size_t size() const noexcept { return FBlock ? FBlock->Length : 0; }
+  size_t size() const noexcept { return FBlock ? FBlock->Length & kLengthMask : 0; }
   bool empty() const noexcept { return size() == 0; }
   std::u16string str() const { return std::u16string(view()); }
   void assign(std::u16string_view AText) {
     if (AText.empty()) {
-      std::free(FBlock);
+      FreeBlock();
       FBlock = nullptr;
       return;
     }
     // AText may point into this very block: build the new one before freeing the old
-    auto* block = static_cast<Header*>(std::malloc(sizeof(Header) + AText.size() * sizeof(char16_t)));
-    if (!block) throw std::bad_alloc();
-    block->Length = AText.size();
-    std::memcpy(reinterpret_cast<char16_t*>(block + 1), AText.data(), AText.size() * sizeof(char16_t));
-    std::free(FBlock);
+    Header* block = Fill(std::malloc(sizeof(Header) + AText.size() * sizeof(char16_t)), AText, 0);
+    FreeBlock();
+    FBlock = block;
+  }
+  /// Stores AText in a block of APool.
+  void AssignIn(NodePool& APool, std::u16string_view AText) {
+    Header* block = AText.empty() ? nullptr
+                                  : Fill(APool.Allocate(sizeof(Header) + AText.size() * sizeof(char16_t)), AText,
+                                         kPooled);
+    FreeBlock();
     FBlock = block;
   }
 
  private:
+  static constexpr size_t kPooled = size_t(1) << (sizeof(size_t) * 8 - 1);
+  static constexpr size_t kLengthMask = kPooled - 1;
   struct Header {
-    size_t Length;
+    size_t Length;  // with kPooled for a block of a pool
   };
+  static Header* Fill(void* ABlock, std::u16string_view AText, size_t AFlags) {
+    if (!ABlock) throw std::bad_alloc();
+    auto* block = static_cast<Header*>(ABlock);
+    block->Length = AText.size() | AFlags;
+    std::memcpy(reinterpret_cast<char16_t*>(block + 1), AText.data(), AText.size() * sizeof(char16_t));
+    return block;
+  }
+  void FreeBlock() noexcept {
+    if (FBlock && !(FBlock->Length & kPooled)) std::free(FBlock);
+  }
   const char16_t* Chars() const noexcept { return reinterpret_cast<const char16_t*>(FBlock + 1); }
   Header* FBlock = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "rtti_registry.h"
 #include "rtti_value_internal.h"
 #include "vnxml/common/currency.h"
+#include "vnxml/common/rtti_register.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/variant.h"
 

@@ -88,6 +88,8 @@ inline const uint8_t* Utf8Next(const uint8_t* p, const uint8_t* e) {
 
 /// Appends the UTF-8 bytes [p, e) to AOut as UTF-16; ASCII runs take the fast path.
 void AppendUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AOut);
+/// The UTF-8 bytes [p, e) as UTF-16 in AScratch, whose size is kept (not the text's length).
+std::u16string_view DecodeUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AScratch);
 
 /// Widens bytes one to one (Latin-1, and ASCII text of any ASCII-compatible page).
 inline void AppendLatin1(const uint8_t* p, const uint8_t* e, std::u16string& AOut) {

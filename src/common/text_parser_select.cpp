@@ -1,6 +1,9 @@
 // TVnTextParser: decoding of spans, marks and selections, line and column.
 #include <algorithm>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "common/text_parser_scan.h"
 #include "vnxml/common/encoding.h"
@@ -11,26 +14,27 @@ namespace vn {
 
 namespace detail {
 
-void AppendUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AOut) {
-  size_t base = AOut.size();
-  AOut.resize(base + static_cast<size_t>(e - p));  // never more units than bytes
-  char16_t* d = AOut.data() + base;
+namespace {
+// Decodes [p, e) to d, which has room for e - p units; returns the end of the output, or nil
+// at the first four-byte or malformed sequence with p left on it.
+char16_t* DecodeUtf8Common(const uint8_t*& p, const uint8_t* e, char16_t* d) {
   while (p < e) {
-    // Eight ASCII bytes at a time: the common case of markup and most text.
-    while (e - p >= 8) {
-      uint64_t w;
-      std::memcpy(&w, p, 8);
-      if (w & 0x8080808080808080ull) break;
-      for (int i = 0; i < 8; ++i) d[i] = p[i];
-      d += 8;
-      p += 8;
+#if defined(__SSE2__)
+    // Sixteen ASCII bytes at a time: the common case of markup and most text.
+    const __m128i zero = _mm_setzero_si128();
+    while (e - p >= 16) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+      if (_mm_movemask_epi8(v) != 0) break;
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_unpacklo_epi8(v, zero));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 8), _mm_unpackhi_epi8(v, zero));
+      d += 16;
+      p += 16;
     }
+#endif
+    while (p < e && *p < 0x80) *d++ = *p++;
     if (p >= e) break;
     uint8_t c = *p;
-    if (c < 0x80) {
-      *d++ = c;
-      ++p;
-    } else if (c >= 0xC2 && c <= 0xDF && e - p >= 2 && (p[1] & 0xC0) == 0x80) {
+    if (c >= 0xC2 && c <= 0xDF && e - p >= 2 && (p[1] & 0xC0) == 0x80) {
       *d++ = static_cast<char16_t>((c & 0x1F) << 6 | (p[1] & 0x3F));
       p += 2;
     } else if (c >= 0xE0 && c <= 0xEF && e - p >= 3 && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80 &&
@@ -38,13 +42,36 @@ void AppendUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AOut) {
       *d++ = static_cast<char16_t>((c & 0x0F) << 12 | (p[1] & 0x3F) << 6 | (p[2] & 0x3F));
       p += 3;
     } else {
-      // Four-byte and malformed sequences are rare: the shared decoder takes the rest.
-      AOut.resize(static_cast<size_t>(d - AOut.data()));
-      AppendUtf8AsUtf16(std::string_view(reinterpret_cast<const char*>(p), static_cast<size_t>(e - p)), AOut);
-      return;
+      return nullptr;
     }
   }
-  AOut.resize(static_cast<size_t>(d - AOut.data()));
+  return d;
+}
+}  // namespace
+
+void AppendUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AOut) {
+  size_t base = AOut.size();
+  AOut.resize(base + static_cast<size_t>(e - p));  // never more units than bytes
+  const uint8_t* q = p;
+  if (char16_t* d = DecodeUtf8Common(q, e, AOut.data() + base)) {
+    AOut.resize(static_cast<size_t>(d - AOut.data()));
+    return;
+  }
+  // Four-byte and malformed sequences are rare: the shared decoder does the whole span.
+  AOut.resize(base);
+  AppendUtf8AsUtf16(std::string_view(reinterpret_cast<const char*>(p), static_cast<size_t>(e - p)), AOut);
+}
+
+std::u16string_view DecodeUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AScratch) {
+  auto n = static_cast<size_t>(e - p);
+  // The scratch only grows, so that most calls neither allocate nor clear.
+  if (AScratch.size() < n) AScratch.resize(std::max(n, 2 * AScratch.size()));
+  const uint8_t* q = p;
+  if (char16_t* d = DecodeUtf8Common(q, e, AScratch.data()))
+    return {AScratch.data(), static_cast<size_t>(d - AScratch.data())};
+  AScratch.clear();
+  AppendUtf8AsUtf16(std::string_view(reinterpret_cast<const char*>(p), n), AScratch);
+  return AScratch;
 }
 
 }  // namespace detail

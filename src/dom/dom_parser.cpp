@@ -3,6 +3,8 @@
 
 #include <iterator>
 
+#include "dom/tree_builder.h"
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
@@ -63,22 +65,22 @@ void TVnDOMParser::Parse(TStream& AStream, Word ACodePage) {
   reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(this));
   reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(this));
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(this));
+  detail::TreeBuilder builder(FTarget);
   FReader = &reader;
-  try {
-    reader.ParseStream(&AStream, ACodePage, u"");
-  } catch (...) {
-    FReader = nullptr;
-    FLocator = nullptr;
-    reader.SetContentHandler(nullptr);
-    reader.SetLexicalHandler(nullptr);
-    reader.SetErrorHandler(nullptr);
-    throw;
-  }
-  FReader = nullptr;
-  FLocator = nullptr;
-  reader.SetContentHandler(nullptr);
-  reader.SetLexicalHandler(nullptr);
-  reader.SetErrorHandler(nullptr);
+  FBuilder = &builder;
+  struct Detach {
+    TVnDOMParser& Parser;
+    TVnSAXXMLReader& Reader;
+    ~Detach() {
+      Parser.FReader = nullptr;
+      Parser.FLocator = nullptr;
+      Parser.FBuilder = nullptr;
+      Reader.SetContentHandler(nullptr);
+      Reader.SetLexicalHandler(nullptr);
+      Reader.SetErrorHandler(nullptr);
+    }
+  } detach{*this, reader};
+  reader.ParseStream(&AStream, ACodePage, u"");
 }
 
 TVnDOMNode* TVnDOMParser::Current() {
@@ -106,27 +108,27 @@ void TVnDOMParser::FatalError(IVnSAXLocator* ALocator, std::u16string_view AErrM
 void TVnDOMParser::StartElement(std::u16string_view, std::u16string_view, std::u16string_view AQName,
                                 IVnSAXAttributes* AAttributes) {
   TVnDOMNode* parent = Current();
-  auto element = std::make_unique<TVnDOMElement>();
-  element->SetQualifiedName(AQName);
+  uint32_t count = 0;
+  for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) ++count;
+  TVnDOMElement* element = FBuilder->NewElement(AQName, count);
+  // From here the element is the tree's: joined at once, or freed with the builder's pool.
+  std::unique_ptr<TVnDOMElement> pending(element);
   bool schemaInstance = false;
   for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
-    auto attr = std::make_unique<TVnDOMAttribute>();
-    attr->SetQualifiedName(a->QName);
     // Values are written back in double quotes: one read from single quotes keeps its quote
     // characters as references, so the saved text loads to the same value.
     if (a->Value.find(u'"') == VnXMLString::npos)
-      attr->SetStoredValue(a->Value);
+      FBuilder->AddAttribute(element, a->QName, a->Value);
     else
-      attr->SetStoredValue(QuotesAsReferences(a->Value));
-    element->AppendChild(attr.release());
+      FBuilder->AddAttribute(element, a->QName, QuotesAsReferences(a->Value));
     if (!schemaInstance && a->Value.size() == std::size(cVnXSINamespaceURI) - 1 && SameText(a->Value, cVnXSINamespaceURI))
       schemaInstance = true;
   }
   // Joining the parent computes the element's namespace from its declarations and the scope.
-  TVnDOMElement* e = element.get();
-  parent->AppendChild(element.release());
+  pending.release();
+  FBuilder->Append(parent, element);
   if (schemaInstance && parent->GetNodeType() == ntDocument) static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
-  FDOMNode = e;
+  FDOMNode = element;
 }
 
 void TVnDOMParser::EndElement(std::u16string_view, std::u16string_view, std::u16string_view) {
@@ -143,14 +145,11 @@ void TVnDOMParser::EndElement(std::u16string_view, std::u16string_view, std::u16
 void TVnDOMParser::Characters(std::u16string_view AText) {
   TVnDOMNode* node = Current();
   if (FInCDATA) {
-    auto* element = CastObject<TVnDOMElement>(node);
-    if (!element) throw EInvalidCast(u"Invalid class typecast");
-    element->AddCDATA(AText);
+    if (node->GetNodeType() != ntElement) throw EInvalidCast(u"Invalid class typecast");
+    FBuilder->Append(node, FBuilder->NewCDATA(AText));
     return;
   }
-  auto text = std::make_unique<TVnDOMText>();
-  text->SetStoredValue(UnicodeString(AText));
-  node->AddChild(text.release(), nullptr, rdpAfter);
+  FBuilder->Append(node, FBuilder->NewText(AText));
 }
 
 void TVnDOMParser::IgnorableWhitespace(std::u16string_view AWhiteSpace) {
@@ -159,18 +158,12 @@ void TVnDOMParser::IgnorableWhitespace(std::u16string_view AWhiteSpace) {
 
 void TVnDOMParser::ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {
   TVnDOMNode* node = Current();
-  auto pi = std::make_unique<TVnDOMProcessingInstruction>();
-  pi->SetQualifiedName(ATarget);
-  pi->SetData(AData);
-  node->AddChild(pi.release(), nullptr, rdpAfter);
+  FBuilder->Append(node, FBuilder->NewInstruction(ATarget, AData));
 }
 
 void TVnDOMParser::Comment(std::u16string_view AComment) {
   TVnDOMNode* node = Current();
-  auto comment = std::make_unique<TVnDOMComment>();
-  TVnDOMComment* c = comment.get();
-  node->AppendChild(comment.release());
-  c->SetNodeValue(AComment);
+  FBuilder->Append(node, FBuilder->NewComment(AComment));
 }
 
 // ---- node entry points ----

@@ -90,7 +90,8 @@ void TVnDOMElement::RefreshNamespacesSelf() {
     auto* pe = static_cast<TVnDOMElement*>(parent);
     base = pe->FScope;
     FScope = detail::Retain(base);
-    if (coll->SameText(PrefixView(), pe->PrefixView())) {
+    std::u16string_view prefix = PrefixView(), parentPrefix = pe->PrefixView();
+    if ((prefix.empty() && parentPrefix.empty()) || coll->SameText(prefix, parentPrefix)) {
       FNamespace = pe->FNamespace;
       setAgain = false;
       detail::NodeExtras* x = ExtrasIfAny();

@@ -128,8 +128,9 @@ void TVnDOMAttribute::SetStoredValue(std::u16string_view AValue) {
 
 bool TVnDOMAttribute::IsNamespace() const {
   std::u16string_view prefix = FName.Prefix();
-  if (prefix.empty()) return SameText(FName.Local(), u"xmlns");
-  return SameText(prefix, u"xmlns");
+  std::u16string_view word = prefix.empty() ? FName.Local() : prefix;
+  // asked for every attribute of a load: most fail on the length alone
+  return word.size() == 5 && SameText(word, u"xmlns");
 }
 
 UnicodeString TVnDOMAttribute::NamespacePrefix() const {

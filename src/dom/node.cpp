@@ -1,5 +1,6 @@
 // TVnDOMNode: children, insertion and removal, cloning, paths, and destruction of subtrees.
 // Every walk over a subtree uses an explicit stack: trees may be a million levels deep.
+#include <algorithm>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
@@ -178,8 +179,21 @@ void TVnDOMNode::SetQualifiedNameIn(TVnDOMDocument* ADocument, std::u16string_vi
 }
 
 void TVnDOMNode::RefreshNamespaces() {
-  // Pre-order: a parent's scope is ready before its children compute theirs.
-  std::vector<TVnDOMNode*> stack{this};
+  RefreshNamespacesSelf();
+  // Pre-order: a parent's scope is ready before its children compute theirs. A node whose
+  // children are leaves (each element of a load) needs no stack.
+  bool leaves = true;
+  for (TVnDOMNode* c : FChildren)
+    if (c->HasChilds()) {
+      leaves = false;
+      break;
+    }
+  if (leaves) {
+    for (uint32_t i = 0; i < FChildren.size(); ++i) FChildren[i]->RefreshNamespacesSelf();
+    return;
+  }
+  std::vector<TVnDOMNode*> stack(FChildren.begin(), FChildren.end());
+  std::reverse(stack.begin(), stack.end());
   while (!stack.empty()) {
     TVnDOMNode* n = stack.back();
     stack.pop_back();

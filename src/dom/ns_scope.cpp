@@ -2,6 +2,7 @@
 #include "dom/ns_scope.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "vnxml/dom_leaves.h"
 
@@ -64,6 +65,25 @@ void Flatten(const NsScope* AScope, std::vector<TVnDOMAttribute*>& AOut) {
       if (!IsHidden(chain, i, a)) AOut.push_back(a);
 }
 
+namespace {
+// Is AAttr redeclared (hidden) by one of the scopes from AFrom up to, not including, AUpTo?
+bool HiddenBetween(const NsScope* AFrom, const NsScope* AUpTo, const TVnDOMAttribute* AAttr) {
+  for (const NsScope* s = AFrom; s != AUpTo; s = s->Parent) {
+    const auto& h = s->Hidden;
+    if (!h.empty() && std::find(h.begin(), h.end(), AAttr) != h.end()) return true;
+  }
+  return false;
+}
+
+// The decoded value of AAttr equals AURI under ACollation; values without references are
+// compared as they are stored.
+bool ValueIs(const TVnDOMAttribute* AAttr, std::u16string_view AURI, TVnXPathCollationClass ACollation) {
+  std::u16string_view stored = AAttr->GetStoredValue();
+  if (stored.find(u'&') == std::u16string_view::npos) return ACollation->SameText(stored, AURI);
+  return ACollation->SameText(AAttr->GetNodeValue(), AURI);
+}
+}  // namespace
+
 TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
   if (!AScope) return nullptr;
   if (AScope->Count > kIndexThreshold) {
@@ -71,12 +91,11 @@ TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, T
     auto it = idx.ByName.find(ACollation->SortKey(AQName));
     return it == idx.ByName.end() ? nullptr : it->second;
   }
-  std::vector<const NsScope*> chain;
-  Chain(AScope, chain);
-  for (size_t i = 0; i < chain.size(); ++i) {
-    const auto& own = chain[i]->Own;
+  for (const NsScope* s = AScope; s; s = s->Parent) {
+    const auto& own = s->Own;
     for (size_t j = own.size(); j-- > 0;)
-      if (ACollation->SameText(own[j]->QualifiedNameView(), AQName) && !IsHidden(chain, i, own[j])) return own[j];
+      if (ACollation->SameText(own[j]->QualifiedNameView(), AQName) && !HiddenBetween(AScope, s, own[j]))
+        return own[j];
   }
   return nullptr;
 }
@@ -88,10 +107,22 @@ TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnX
     auto it = idx.ByURI.find(ACollation->SortKey(AURI));
     return it == idx.ByURI.end() ? nullptr : it->second;
   }
-  std::vector<TVnDOMAttribute*> all;
-  Flatten(AScope, all);
-  for (TVnDOMAttribute* a : all)
-    if (ACollation->SameText(a->GetNodeValue(), AURI)) return a;
+  // Small scopes hold few entries in a short chain: walk it top down without a copy.
+  const NsScope* chain[16];
+  size_t depth = 0;
+  for (const NsScope* s = AScope; s; s = s->Parent) {
+    if (depth == std::size(chain)) {
+      std::vector<TVnDOMAttribute*> all;
+      Flatten(AScope, all);
+      for (TVnDOMAttribute* a : all)
+        if (ValueIs(a, AURI, ACollation)) return a;
+      return nullptr;
+    }
+    chain[depth++] = s;
+  }
+  for (size_t i = depth; i-- > 0;)
+    for (TVnDOMAttribute* a : chain[i]->Own)
+      if (ValueIs(a, AURI, ACollation) && !HiddenBetween(AScope, chain[i], a)) return a;
   return nullptr;
 }
 

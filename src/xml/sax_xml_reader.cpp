@@ -121,11 +121,7 @@ class XmlReadLoop {
     if constexpr (std::is_same_v<U, char16_t>) {
       return {a, static_cast<size_t>(b - a)};
     } else {
-      if (FastUtf8) {
-        buf.clear();
-        AppendUtf8(a, b, buf);
-        return buf;
-      }
+      if (FastUtf8) return DecodeUtf8(a, b, buf);
       return P.DecodeSpanView(a, b, buf);
     }
   }

@@ -1,0 +1,172 @@
+// Where nodes live: the pool a load carves its nodes from (blocks that double in size, freed
+// all at once), and the allocation functions that put every node in front of its pool.
+#include <algorithm>
+#include <mutex>
+
+#include "vnxml/dom_element.h"
+#include "vnxml/dom_storage.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define VNXML_POOL_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define VNXML_POOL_ASAN 1
+#endif
+#endif
+
+#ifdef VNXML_POOL_ASAN
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace vn::detail {
+
+namespace {
+// Small loads (a fragment, a short message) stay small; large ones soon get large blocks.
+constexpr size_t kFirstBlock = 4 * 1024;
+constexpr size_t kLargestBlock = 1024 * 1024;
+
+void Poison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABytes) noexcept {
+#ifdef VNXML_POOL_ASAN
+  // Carved memory is invisible to the sanitizer otherwise: free space and freed nodes are
+  // marked, so a stray access into them is still reported.
+  ASAN_POISON_MEMORY_REGION(APtr, ABytes);
+#endif
+}
+}  // namespace
+
+struct NodePool::Block {
+  Block* Next;
+  size_t Size;  // usable bytes behind the header
+};
+
+namespace {
+// Blocks of freed pools, kept for the next load: fresh memory from the system costs a page
+// fault per page, more than the rest of a load. Only the standard sizes are kept, up to a bound.
+class BlockCache {
+ public:
+  static BlockCache& Instance() {
+    // Never destroyed: pools may be freed by static destructors after this one would run.
+    static BlockCache& cache = *new BlockCache;
+    return cache;
+  }
+  static int SizeClass(size_t ASize) noexcept {
+    int c = 0;
+    for (size_t s = kFirstBlock; s <= kLargestBlock; s *= 2, ++c)
+      if (s == ASize) return c;
+    return -1;
+  }
+  void* Take(size_t ASize) {
+    int c = SizeClass(ASize);
+    if (c < 0) return nullptr;
+    std::lock_guard<std::mutex> guard(FLock);
+    void* b = FFree[c];
+    if (b) {
+      FFree[c] = *static_cast<void**>(b);
+      FBytes -= ASize;
+    }
+    return b;
+  }
+  bool Keep(void* ABlock, size_t ASize) {
+    int c = SizeClass(ASize);
+    if (c < 0) return false;
+    std::lock_guard<std::mutex> guard(FLock);
+    if (FBytes + ASize > kCacheBytes) return false;
+    *static_cast<void**>(ABlock) = FFree[c];
+    FFree[c] = ABlock;
+    FBytes += ASize;
+    return true;
+  }
+
+ private:
+  static constexpr size_t kCacheBytes = 32 * 1024 * 1024;
+  static constexpr int kClasses = 9;  // kFirstBlock .. kLargestBlock
+  static_assert(kFirstBlock << (kClasses - 1) == kLargestBlock);
+  std::mutex FLock;
+  void* FFree[kClasses] = {};
+  size_t FBytes = 0;
+};
+}  // namespace
+
+NodePool* NodePool::Create() { return new NodePool(); }
+
+NodePool::~NodePool() {
+  while (Block* b = FBlocks) {
+    FBlocks = b->Next;
+    // A kept block stays marked as free space until a pool carves it again.
+    Poison(b + 1, b->Size);
+    if (BlockCache::Instance().Keep(b, b->Size)) continue;
+    Unpoison(b + 1, b->Size);
+    std::free(b);
+  }
+}
+
+void NodePool::Unpoison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABytes) noexcept {
+#ifdef VNXML_POOL_ASAN
+  ASAN_UNPOISON_MEMORY_REGION(APtr, ABytes);
+#endif
+}
+
+void* NodePool::AllocateSlow(size_t ABytes) {
+  size_t size = FBlocks ? std::min(FBlocks->Size * 2, kLargestBlock) : kFirstBlock;
+  size = std::max(size, ABytes);
+  auto* block = static_cast<Block*>(BlockCache::Instance().Take(size));
+  if (!block) block = static_cast<Block*>(std::malloc(sizeof(Block) + size));
+  if (!block) throw std::bad_alloc();
+  block->Size = size;
+  block->Next = FBlocks;
+  FBlocks = block;
+  char* data = reinterpret_cast<char*>(block + 1);
+  Poison(data, size);
+  FNext = data + ABytes;
+  FEnd = data + size;
+  Unpoison(data, ABytes);
+  return data;
+}
+
+void NodePool::FreeNode(void* ANode, size_t ASize) noexcept {
+  Poison(ANode, ASize);
+  if (--FLive == 0) delete this;
+}
+
+void NodePool::Seal() noexcept {
+  if (--FLive == 0) delete this;
+}
+
+}  // namespace vn::detail
+
+namespace vn {
+
+// ---- memory ----
+
+namespace {
+// The pool pointer in front of every node made by new; 8 bytes keep the node 8-aligned.
+constexpr size_t kPoolSlot = sizeof(detail::NodePool*);
+static_assert(alignof(TVnDOMElement) <= kPoolSlot);
+}  // namespace
+
+void* TVnDOMNode::operator new(size_t ASize) {
+  void* p = ::operator new(kPoolSlot + ASize);
+  *static_cast<detail::NodePool**>(p) = nullptr;
+  return static_cast<char*>(p) + kPoolSlot;
+}
+
+void* TVnDOMNode::operator new(size_t ASize, detail::NodePool& APool) {
+  void* p = APool.AllocateNode(kPoolSlot + ASize);
+  *static_cast<detail::NodePool**>(p) = &APool;
+  return static_cast<char*>(p) + kPoolSlot;
+}
+
+void TVnDOMNode::operator delete(void* APtr, size_t ASize) noexcept {
+  if (!APtr) return;
+  void* p = static_cast<char*>(APtr) - kPoolSlot;
+  if (detail::NodePool* pool = *static_cast<detail::NodePool**>(p))
+    pool->FreeNode(p, kPoolSlot + ASize);
+  else
+    ::operator delete(p, kPoolSlot + ASize);
+}
+
+void TVnDOMNode::operator delete(void* APtr, detail::NodePool& APool) noexcept {
+  APool.FreeNode(static_cast<char*>(APtr) - kPoolSlot, kPoolSlot);
+}
+
+}  // namespace vn
