@@ -104,57 +104,66 @@ void TVnDOMElement::RefreshNamespacesSelf() {
   }
   detail::Release(previous);
 
-  // Own declarations: each replaces an entry of the same name, whether inherited or own.
-  std::vector<TVnDOMAttribute*> own, hidden;
-  std::unordered_map<std::string, size_t> ownByName;  // only filled for elements with many declarations
-  bool useMap = FAttrs.size() > 16;
-  for (TVnDOMNode* n : FAttrs) {
-    auto* a = static_cast<TVnDOMAttribute*>(n);
-    if (!a->IsNamespace()) continue;
-    if (a == old) {
-      FNamespace = a;
-      FNamespaceSet = true;
-      Extras().NamespaceURI = a->GetNodeValue();
+  // Own declarations: each replaces an entry of the same name, whether inherited or own. Most
+  // elements declare nothing and skip the bookkeeping.
+  bool declares = false;
+  for (TVnDOMNode* n : FAttrs)
+    if (static_cast<TVnDOMAttribute*>(n)->IsNamespace()) {
+      declares = true;
+      break;
     }
-    TVnDOMAttribute* dup = nullptr;
-    std::string key;
-    if (useMap) {
-      key = coll->SortKey(a->QualifiedNameView());
-      if (auto it = ownByName.find(key); it != ownByName.end() && own[it->second]) {
-        dup = own[it->second];
-        own[it->second] = nullptr;
+  if (declares) {
+    std::vector<TVnDOMAttribute*> own, hidden;
+    std::unordered_map<std::string, size_t> ownByName;  // only filled for elements with many declarations
+    bool useMap = FAttrs.size() > 16;
+    for (TVnDOMNode* n : FAttrs) {
+      auto* a = static_cast<TVnDOMAttribute*>(n);
+      if (!a->IsNamespace()) continue;
+      if (a == old) {
+        FNamespace = a;
+        FNamespaceSet = true;
+        Extras().NamespaceURI = a->GetNodeValue();
       }
-    } else {
-      for (size_t i = own.size(); i-- > 0;)
-        if (own[i] && coll->SameText(own[i]->QualifiedNameView(), a->QualifiedNameView())) {
-          dup = own[i];
-          own[i] = nullptr;
-          break;
+      TVnDOMAttribute* dup = nullptr;
+      std::string key;
+      if (useMap) {
+        key = coll->SortKey(a->QualifiedNameView());
+        if (auto it = ownByName.find(key); it != ownByName.end() && own[it->second]) {
+          dup = own[it->second];
+          own[it->second] = nullptr;
         }
+      } else {
+        for (size_t i = own.size(); i-- > 0;)
+          if (own[i] && coll->SameText(own[i]->QualifiedNameView(), a->QualifiedNameView())) {
+            dup = own[i];
+            own[i] = nullptr;
+            break;
+          }
+      }
+      if (!dup) {
+        dup = detail::FindByName(base, a->QualifiedNameView(), coll);
+        if (dup && std::find(hidden.begin(), hidden.end(), dup) == hidden.end())
+          hidden.push_back(dup);
+        else
+          dup = nullptr;
+      }
+      if (dup && dup == FNamespace) {
+        FNamespace = nullptr;
+        setAgain = true;
+      }
+      if (useMap) ownByName[key] = own.size();
+      own.push_back(a);
     }
-    if (!dup) {
-      dup = detail::FindByName(base, a->QualifiedNameView(), coll);
-      if (dup && std::find(hidden.begin(), hidden.end(), dup) == hidden.end())
-        hidden.push_back(dup);
-      else
-        dup = nullptr;
+    std::erase(own, nullptr);
+    if (!own.empty() || !hidden.empty()) {
+      auto* scope = new detail::NsScope();
+      scope->Parent = base ? detail::Retain(base) : nullptr;
+      scope->Count = (base ? base->Count : 0) - hidden.size() + own.size();
+      scope->Own = std::move(own);
+      scope->Hidden = std::move(hidden);
+      detail::Release(FScope);
+      FScope = scope;
     }
-    if (dup && dup == FNamespace) {
-      FNamespace = nullptr;
-      setAgain = true;
-    }
-    if (useMap) ownByName[key] = own.size();
-    own.push_back(a);
-  }
-  std::erase(own, nullptr);
-  if (!own.empty() || !hidden.empty()) {
-    auto* scope = new detail::NsScope();
-    scope->Parent = base ? detail::Retain(base) : nullptr;
-    scope->Count = (base ? base->Count : 0) - hidden.size() + own.size();
-    scope->Own = std::move(own);
-    scope->Hidden = std::move(hidden);
-    detail::Release(FScope);
-    FScope = scope;
   }
   if (setAgain) FNamespace = FindScopeDeclaration(DeclarationName(PrefixView()));
 }
