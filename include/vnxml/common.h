@@ -27,5 +27,6 @@
 #include "vnxml/common/vn_exception.h"
 #include "vnxml/common/vn_object.h"
 #include "vnxml/common/vn_streams.h"
+#include "vnxml/common/vn_type_info_value.h"
 #include "vnxml/common/vn_types.h"
 #include "vnxml/common/vn_utils.h"

@@ -13,6 +13,9 @@
 
 namespace vn {
 
+class Variant;
+class TValue;
+
 namespace detail {
 struct NsScope;
 }
@@ -42,18 +45,37 @@ class TVnDOMElement : public TVnDOMNode {
   void NormalizeTextNodes() override;
   void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) override;
 
+  // ---- typed values (the text; in schema-instance mode also xsi:type and xsi:nil) ----
+  /// The text converted; a bad form gives 0 (false).
   bool GetAsBoolean() const;
   TDateTime GetAsDateTime() const;
   Double GetAsDouble() const;
   Int64 GetAsInt64() const;
   Integer GetAsInteger() const;
   UnicodeString GetAsString() const { return GetNodeValue(); }
+  /// The text as UTF-8 bytes.
+  AnsiString GetAsAnsiString() const;
+  /// Null with xsi:nil; with xsi:type a value of that type; else the text, Null when there is none.
+  /// An empty xsi:type raises EVnDomException cVnDomInvalidTypeInfo.
+  Variant GetAsVariant() const;
+  /// The same as a TValue: empty with xsi:nil or without text; the text as a string without xsi:type.
+  TValue GetAsValue() const;
+  /// GetAsVariant of the child element at AIndex (a number) or of that name; Null when there is none.
+  Variant GetChildElementValue(const Variant& AIndex);
+  /// Set the text; in schema-instance mode through SetAsVariant, so that xsi:type is written.
   void SetAsBoolean(bool AValue);
   void SetAsDateTime(TDateTime AValue);
   void SetAsDouble(Double AValue);
   void SetAsInt64(Int64 AValue);
   void SetAsInteger(Integer AValue);
   void SetAsString(std::u16string_view AValue);
+  /// Takes UTF-8 bytes.
+  void SetAsAnsiString(std::string_view AValue);
+  /// Sets the text of AValue; with the xsi and xsd declarations in scope in schema-instance mode,
+  /// also xsi:type (or xsi:nil="true" and no text for Empty and Null).
+  void SetAsVariant(const Variant& AValue);
+  /// The same for a TValue; an empty value or nil reference counts as null.
+  void SetAsValue(const TValue& AValue);
 
   // ---- attributes by name ----
   /// The decoded value; reading an absent attribute creates it, empty.

@@ -8,6 +8,7 @@
 #include "vnxml/common/types.h"
 #include "vnxml/dom_names.h"
 #include "vnxml/dom_object.h"
+#include "vnxml/serializer_formats.h"
 
 namespace vn {
 
@@ -15,11 +16,6 @@ class TStream;
 class TObject;
 class Variant;
 class TValue;
-
-/// The two text notations of serialization.
-enum TVnDataSerializationFormatType : uint8_t { dsfJSON, dsfXML };
-/// Serialized text, as UTF-8 bytes.
-using TVnSerializedData = std::string;
 
 struct IVnDOMNode;
 struct IVnDOMNodeList;
@@ -31,17 +27,6 @@ struct IVnDOMText;
 struct IVnDOMComment;
 struct IVnDOMCDATA;
 struct IVnDOMDocument;
-
-/// An object that writes itself as text in a notation.
-struct IVnSerializable : IInterface {
-  static constexpr TGUID IID = TGUID::Parse("fecaa297-a72f-4a54-a230-249c52259587");
-  virtual bool CanSerialize(TVnDataSerializationFormatType AFormat) = 0;
-  /// AParams: the serializer's parameter list (a TStringList), or nil.
-  virtual TVnSerializedData Serialize(TVnDataSerializationFormatType AFormat, TObject* AParams) = 0;
-
- protected:
-  ~IVnSerializable() = default;
-};
 
 struct IVnDOMNode : IVnSerializable {
   static constexpr TGUID IID = TGUID::Parse("5ba39f9d-b914-4685-9d31-0c7d618ff832");

@@ -32,5 +32,6 @@ inline constexpr char16_t cVnDomObjectGone[] = u"The DOM object behind this inte
 inline constexpr char16_t cVnDomHasParent[] = u"The node already has a parent; remove it there first!";
 inline constexpr char16_t cVnDomAddToItself[] = u"A node cannot be added below itself!";
 inline constexpr char16_t cVnDomNotYetSupported[] = u"%s is not supported yet.";
+inline constexpr char16_t cVnDomInvalidTypeInfo[] = u"The type attribute does not contain valid typeinfo.";
 
 }  // namespace vn

@@ -3,4 +3,5 @@
 #pragma once
 
 #include "vnxml/xml_escape.h"
+#include "vnxml/xml_reflected_values.h"
 #include "vnxml/xml_values.h"

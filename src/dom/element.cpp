@@ -7,7 +7,6 @@
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_messages.h"
 #include "vnxml/xml_escape.h"
-#include "vnxml/xml_values.h"
 
 namespace vn {
 
@@ -495,18 +494,6 @@ void TVnDOMElement::NormalizeTextNodes() {
 }
 
 // SetInnerXML lives with the parser (dom_parser.cpp).
-
-bool TVnDOMElement::GetAsBoolean() const { return VnXMLToBool(GetNodeValue()); }
-TDateTime TVnDOMElement::GetAsDateTime() const { return VnXMLToDateTimeDef(GetNodeValue(), 0); }
-Double TVnDOMElement::GetAsDouble() const { return VnXMLToDoubleDef(GetNodeValue(), 0); }
-Int64 TVnDOMElement::GetAsInt64() const { return VnXMLToInt64Def(GetNodeValue(), 0); }
-Integer TVnDOMElement::GetAsInteger() const { return VnXMLToIntDef(GetNodeValue(), 0); }
-void TVnDOMElement::SetAsBoolean(bool AValue) { SetNodeValueEx(VnBoolToXML(AValue)); }
-void TVnDOMElement::SetAsDateTime(TDateTime AValue) { SetNodeValueEx(VnDateTimeToXML(AValue)); }
-void TVnDOMElement::SetAsDouble(Double AValue) { SetNodeValueEx(VnDoubleToXML(AValue)); }
-void TVnDOMElement::SetAsInt64(Int64 AValue) { SetNodeValueEx(VnInt64ToXML(AValue)); }
-void TVnDOMElement::SetAsInteger(Integer AValue) { SetNodeValueEx(VnIntToXML(AValue)); }
-void TVnDOMElement::SetAsString(std::u16string_view AValue) { SetNodeValueEx(VnStrToXML(AValue, true, true)); }
 
 // ---- xml:space ----
 

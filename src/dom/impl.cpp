@@ -223,10 +223,10 @@ class TVnDOMElementImpl final : public ElementImplBase {
   Int64 GetAsInt64() override { return Self()->GetAsInt64(); }
   Integer GetAsInteger() override { return Self()->GetAsInteger(); }
   UnicodeString GetAsString() override { return Self()->GetAsString(); }
-  AnsiString GetAsAnsiString() override { NotYet(u"GetAsAnsiString"); }
-  Variant GetAsVariant() override { NotYet(u"GetAsVariant"); }
-  TValue GetAsValue() override { NotYet(u"GetAsValue"); }
-  Variant GetChildElementValue(const Variant&) override { NotYet(u"GetChildElementValue"); }
+  AnsiString GetAsAnsiString() override { return Self()->GetAsAnsiString(); }
+  Variant GetAsVariant() override { return Self()->GetAsVariant(); }
+  TValue GetAsValue() override { return Self()->GetAsValue(); }
+  Variant GetChildElementValue(const Variant& AIndex) override { return Self()->GetChildElementValue(AIndex); }
   UnicodeString GetAttrib(std::u16string_view AName) override { return Self()->GetAttribute(AName); }
   UnicodeString GetAttribNS(std::u16string_view AURI, std::u16string_view AName) override {
     return Self()->GetAttributeNS(AURI, AName);
@@ -238,9 +238,9 @@ class TVnDOMElementImpl final : public ElementImplBase {
   void SetAsInt64(Int64 AValue) override { Self()->SetAsInt64(AValue); }
   void SetAsInteger(Integer AValue) override { Self()->SetAsInteger(AValue); }
   void SetAsString(std::u16string_view AValue) override { Self()->SetAsString(AValue); }
-  void SetAsVariant(const Variant&) override { NotYet(u"SetAsVariant"); }
-  void SetAsAnsiString(std::string_view) override { NotYet(u"SetAsAnsiString"); }
-  void SetAsValue(const TValue&) override { NotYet(u"SetAsValue"); }
+  void SetAsVariant(const Variant& AValue) override { Self()->SetAsVariant(AValue); }
+  void SetAsAnsiString(std::string_view AValue) override { Self()->SetAsAnsiString(AValue); }
+  void SetAsValue(const TValue& AValue) override { Self()->SetAsValue(AValue); }
   void SetAttrib(std::u16string_view AName, std::u16string_view AValue) override { Self()->SetAttribute(AName, AValue); }
   void SetAttribNS(std::u16string_view AURI, std::u16string_view AName, std::u16string_view AValue) override {
     Self()->SetAttributeNS(AURI, AName, AValue);

@@ -1,0 +1,225 @@
+// The type registry: kinds, lookups by every name kind, schema names, Variant type codes and
+// the serializer pairs.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "types_domain.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_types.h"
+
+namespace {
+
+using namespace vn;
+using namespace typesdomain;
+
+const TVnTypeInfo* Info(const TTypeInfo* AType) {
+  const TVnTypeInfo* info = TVnTypes::GetTypeInfo(AType);
+  EXPECT_NE(info, nullptr);
+  return info;
+}
+
+const TTypeInfo* Named(std::u16string_view AName) {
+  const TTypeInfo* t = FindTypeInfo(AName);
+  EXPECT_NE(t, nullptr) << UnicodeToUtf8(AName);
+  return t;
+}
+
+/// Every type the tests below sort, with what the registry must say of it.
+struct KindCase {
+  const TTypeInfo* Type;
+  TVnTypeKind Kind;
+  TVnMainTypeKind Main;
+  bool Simple;
+};
+
+std::vector<KindCase> KindCases() {
+  const TVnMainTypeKind I = mtkInteger, F = mtkFloat, S = mtkString, U = mtkUnknown;
+  return {{TypeInfoOf<Byte>(), vtkByte, I, true},           {TypeInfoOf<Word>(), vtkWord, I, true},
+          {TypeInfoOf<Cardinal>(), vtkLongWord, I, true},   {TypeInfoOf<UInt64>(), vtkUInt64, I, true},
+          {TypeInfoOf<ShortInt>(), vtkShortInt, I, true},   {TypeInfoOf<SmallInt>(), vtkSmallInt, I, true},
+          {TypeInfoOf<Integer>(), vtkInteger, I, true},     {TypeInfoOf<Int64>(), vtkInt64, I, true},
+          {TypeInfoOf<Single>(), vtkSingle, F, true},       {TypeInfoOf<Double>(), vtkDouble, F, true},
+          {TypeInfoOf<Extended>(), vtkExtended, F, true},   {TypeInfoOf<Currency>(), vtkExtended, F, true},
+          {TypeInfoOf<char16_t>(), vtkText1, S, true},      {TypeInfoOf<char>(), vtkText2, S, true},
+          {TypeInfoOf<ShortString>(), vtkText4, S, true},   {TypeInfoOf<AnsiString>(), vtkText5, S, true},
+          {TypeInfoOf<UnicodeString>(), vtkText6, S, true}, {Named(u"WideString"), vtkText6, S, true},
+          {TypeInfoOf<bool>(), vtkBoolean, mtkBoolean, true}, {TypeInfoOf<TFruit>(), vtkEnumeration, U, true},
+          {TypeInfoOf<TFruits>(), vtkSet, U, true},         {Named(u"TDate"), vtkDate, mtkDateTime, true},
+          {Named(u"TTime"), vtkTime, mtkDateTime, true},    {Named(u"TDateTime"), vtkDateTime, mtkDateTime, true},
+          {TypeInfoOf<Variant>(), vtkVariant, U, true},     {TypeInfoOf<std::array<Integer, 2>>(), vtkStaticArray, mtkArray, false},
+          {TypeInfoOf<std::vector<UnicodeString>>(), vtkDynArray, mtkArray, false},
+          {TypeInfoOf<TPoint>(), vtkRecord, U, false},      {TypeInfoOf<TValue>(), vtkRecord, U, false},
+          {TypeInfoOf<TBase>(), vtkClass, U, false},        {TypeInfoOf<IInterface>(), vtkInterface, U, false},
+          {TypeInfoOf<void*>(), vtkPointer, U, true},       {TypeInfoOf<TClass>(), vtkClassRef, U, true}};
+}
+
+TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
+  for (const KindCase& c : KindCases()) {
+    const TVnTypeInfo* info = Info(c.Type);
+    SCOPED_TRACE(UnicodeToUtf8(c.Type->Name));
+    EXPECT_EQ(info->Kind(), c.Kind);
+    EXPECT_EQ(info->GetMainTypeKind(), c.Main);
+    EXPECT_EQ(info->GetIsSimpleType(), c.Simple);
+    EXPECT_EQ(info->Handle(), c.Type);
+    EXPECT_EQ(TVnTypes::GetTypeInfo(c.Type->RttiType), info);
+  }
+  // A class nobody registered gets its record too, found by its class.
+  EXPECT_EQ(TVnTypes::GetTypeInfo(TLeaf::StaticClass())->Name(), u"TLeaf");
+}
+
+TEST(VnTypes, SchemaNamesOfTheBuiltInSchemaTypes) {
+  const std::pair<const TTypeInfo*, const char16_t*> cases[] = {
+      {TypeInfoOf<Integer>(), u"int"},      {TypeInfoOf<ShortInt>(), u"byte"}, {TypeInfoOf<Byte>(), u"unsignedByte"},
+      {Named(u"TTime"), u"time"},           {TypeInfoOf<TFruits>(), u"SetOfTFruit"},
+      {TypeInfoOf<std::vector<UnicodeString>>(), u"ArrayOfString"},
+      {TypeInfoOf<std::array<Integer, 3>>(), u"Array3OfInt"}};  // bounds keep it apart from ArrayOfInt
+  for (const auto& [type, name] : cases) EXPECT_EQ(Info(type)->SchemaName(), name);
+  EXPECT_EQ(Info(TypeInfoOf<Integer>())->SchemaName(u"xsd"), u"xsd:int");
+  EXPECT_EQ(Info(Named(u"TTime"))->SchemaType(), sdtTime);
+}
+
+TEST(VnTypes, EverySchemaNameFindsItsTypeAgain) {
+  std::vector<const TTypeInfo*> types;
+  for (const KindCase& c : KindCases()) types.push_back(c.Type);
+  types.push_back(TypeInfoOf<TBaseBox>());
+  types.push_back(TypeInfoOf<std::vector<TPoint>>());
+  types.push_back(TypeInfoOf<std::vector<Integer>>());  // beside the static array of Integer
+  types.push_back(ClassTypeInfo(TStringList::StaticClass()));
+  for (const TTypeInfo* t : types) {
+    const TVnTypeInfo* info = Info(t);
+    const UnicodeString name = info->SchemaName(u"xsd");
+    SCOPED_TRACE(UnicodeToUtf8(name));
+    EXPECT_EQ(TVnTypes::GetTypeInfo(name, tntSchemaName, false, mtkUnknown), info);
+    // Schema names are XML names: they go into attribute values and element names unescaped.
+    for (char16_t c : info->SchemaName()) EXPECT_EQ(UnicodeString(u"<>,[] ").find(c), UnicodeString::npos);
+  }
+}
+
+TEST(VnTypes, GenericNamesAreFoundBeforeTheirRecordWasAskedFor) {
+  // The record of TBox<uTypesTest.TBase> is made here, by the schema lookup itself.
+  const TVnTypeInfo* box = TVnTypes::GetTypeInfo(u"xsd:TBoxOfTBase", tntSchemaName, false, mtkUnknown);
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->Handle(), TypeInfoOf<TBaseBox>());
+  EXPECT_EQ(box->Name(), u"TBox<uTypesTest.TBase>");
+}
+
+TEST(VnTypes, LookupsByNameKind) {
+  const TVnTypeInfo* integer = Info(TypeInfoOf<Integer>());
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"Integer", tntName, false, mtkUnknown), integer);
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"system.integer", tntQualifiedName, false, mtkUnknown), integer);
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"INT", tntSchemaName, false, mtkUnknown), integer);
+  // As in XML Schema, "byte" is signed: the schema name and the short name "Byte" differ.
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"xsd:byte", tntSchemaName, false, mtkUnknown), Info(TypeInfoOf<ShortInt>()));
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"Byte", tntName, false, mtkUnknown), Info(TypeInfoOf<Byte>()));
+  // The main kind filters.
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"string", tntName, true, mtkString), Info(TypeInfoOf<UnicodeString>()));
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"Integer", tntName, true, mtkString), nullptr);
+  for (TVnTypeNameType kind : {tntName, tntQualifiedName, tntSchemaName}) {
+    EXPECT_EQ(TVnTypes::GetTypeInfo(u"TNoSuchType", kind, true, mtkUnknown), nullptr);
+    EXPECT_EQ(TVnTypes::GetTypeInfo(u"", kind, true, mtkUnknown), nullptr);
+  }
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"xsd:", tntSchemaName, true, mtkUnknown), nullptr);
+}
+
+TEST(VnTypes, ArrayOfNamesMakeArraysThatNoPlatformTypeBacks) {
+  const TVnTypeInfo* points = TVnTypes::GetTypeInfo(u"xsd:ArrayOfTPoint", tntSchemaName, true, mtkArray);
+  ASSERT_NE(points, nullptr);
+  EXPECT_EQ(points->Kind(), vtkDynArray);
+  EXPECT_EQ(points->ElementType(), Info(TypeInfoOf<TPoint>()));
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOfTPoint", tntSchemaName, true, mtkArray), points);
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOfNothingKnown", tntSchemaName, true, mtkArray), nullptr);
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOf", tntSchemaName, true, mtkArray), nullptr);
+
+  // VirtualType: an array of the type, or the built-in type of a schema type.
+  const TVnTypeInfo* base = Info(TypeInfoOf<TBase>());
+  const TVnTypeInfo* bases = TVnTypes::GetTypeInfo(base->VirtualType(sdtArray));
+  ASSERT_NE(bases, nullptr);
+  EXPECT_EQ(bases->ElementType(), base);
+  EXPECT_EQ(TVnTypes::GetTypeInfo(bases->SchemaName(), tntSchemaName, false, mtkUnknown), bases);
+  EXPECT_EQ(base->VirtualType(sdtInt), TypeInfoOf<Integer>());
+  EXPECT_EQ(base->VirtualType(sdtDuration), nullptr);
+  // A value of such a type is safe to make and to grow: it stores Variants.
+  TValue v = TValue::Make(nullptr, bases->Handle());
+  v.SetArrayLength(2);
+  v.SetArrayElement(1, TValue::From<Integer>(5));
+  EXPECT_EQ(v.GetArrayElement(1).AsInteger(), 5);
+}
+
+TEST(VnTypes, AliasesAreFoundUnderEveryNameKind) {
+  const TVnTypeInfo* stringList = Info(ClassTypeInfo(TStringList::StaticClass()));
+  EXPECT_EQ(TVnTypes::GetTypeInfo(u"xsd:StringList", tntSchemaName, false, mtkUnknown), stringList);
+
+  TVnTypes::RegisterTypeAlias(TypeInfoOf<TPoint>(), {u"PointPair", u"Pair2"});
+  const TVnTypeInfo* point = Info(TypeInfoOf<TPoint>());
+  EXPECT_EQ(point->SchemaName(), u"PointPair");
+  for (TVnTypeNameType kind : {tntName, tntQualifiedName, tntSchemaName})
+    EXPECT_EQ(TVnTypes::GetTypeInfo(u"pair2", kind, false, mtkUnknown), point);
+  // A built-in schema type keeps its schema name.
+  TVnTypes::RegisterTypeAlias(TypeInfoOf<Integer>(), {u"Int32"});
+  EXPECT_EQ(Info(TypeInfoOf<Integer>())->SchemaName(), u"int");
+}
+
+TEST(VnTypes, VariantTypeCodesOfTypeNames) {
+  // The scalar codes go through elements in the DOM tests; these are the codes that no Variant holds.
+  const std::pair<const char16_t*, TVarType> cases[] = {
+      {u"xsd:TBase", varObject},  {u"xsd:TPoint", varRecord},    {u"xsd:ArrayOfTPoint", varArray},
+      {u"xsd:TFruit", varUnknown}, {u"xsd:nothing", varUnknown}, {u"xsd:WideString", varOleStr}};
+  TVnTypes::GetTypeInfo(u"ArrayOfTPoint", tntSchemaName, true, mtkArray);
+  for (const auto& [name, varType] : cases)
+    EXPECT_EQ(TVnTypes::GetVarType(name, tntSchemaName, varUnknown), varType) << UnicodeToUtf8(name);
+  EXPECT_EQ(TVnTypes::GetVarType(u"System.Integer", tntQualifiedName, varEmpty), varInteger);
+  EXPECT_EQ(TVnTypes::GetVarType(Info(TypeInfoOf<std::vector<Integer>>()), varEmpty), varArray | varInteger);
+}
+
+TEST(VnTypes, TheTypeOfAVariantNamesItsKindAgain) {
+  // Every scalar kind goes through an element in the DOM tests; arrays need the element's code.
+  for (const Variant& v : {VarArrayOf({Variant(1)}), VarArrayFromBytes(TBytes{1}), Variant(7LL)}) {
+    const TVnTypeInfo* type = TVnTypes::VarTypeInfo(v);
+    ASSERT_NE(type, nullptr);
+    EXPECT_EQ(TVnTypes::GetVarType(type->SchemaName(u"xsd"), tntSchemaName, varUnknown), v.VarType());
+  }
+  EXPECT_EQ(TVnTypes::VarTypeInfo(Variant::Null()), Info(TypeInfoOf<Variant>()));
+}
+
+// A class stands in for a serializer: the registry only stores class references.
+class TPairMarker : public TObject {
+  VN_DECLARE_CLASS(TPairMarker, TObject)
+};
+class TOtherMarker : public TObject {
+  VN_DECLARE_CLASS(TOtherMarker, TObject)
+};
+
+TEST(VnTypes, SerializerPairsOfTypeAncestorOrDefault) {
+  // Formats 2 to 4 belong to no notation: these registrations disturb nothing else.
+  constexpr TVnSerializeFormat kFormat = 4;
+  const TClass pair = TPairMarker::StaticClass(), other = TOtherMarker::StaticClass();
+  auto serializerOf = [&](const TVnTypeInfo* AType) {
+    const TVnSerializerPair* found = TVnTypes::FindSerializers(AType, kFormat);
+    return found ? found->Serializer : nullptr;
+  };
+  const TVnTypeInfo* base = Info(TypeInfoOf<TBase>());
+  const TVnTypeInfo* leaf = TVnTypes::GetTypeInfo(TLeaf::StaticClass());
+
+  EXPECT_EQ(TVnTypes::FindSerializers(base, kFormat), nullptr);
+  TVnTypes::RegisterTypeSerializers(TypeInfoOf<TBase>(), kFormat, {pair, nullptr});
+  EXPECT_EQ(serializerOf(base), pair);
+  // Descendants take the nearest registered ancestor's pair.
+  EXPECT_EQ(serializerOf(leaf), pair);
+  TVnTypes::RegisterTypeSerializers(TypeInfoOf<TDerived>(), kFormat, {other, nullptr});
+  EXPECT_EQ(serializerOf(leaf), other);
+  EXPECT_EQ(serializerOf(base), pair);
+  // Other types and a nil type get the default, once there is one; other formats see nothing.
+  EXPECT_EQ(TVnTypes::FindSerializers(Info(TypeInfoOf<TPoint>()), kFormat), nullptr);
+  TVnTypes::RegisterTypeSerializers(nullptr, kFormat, {nullptr, other});
+  EXPECT_EQ(TVnTypes::FindSerializers(Info(TypeInfoOf<TPoint>()), kFormat)->Deserializer, other);
+  EXPECT_EQ(TVnTypes::FindSerializers(nullptr, kFormat)->Deserializer, other);
+  // The type's own pair wins even where it lacks the deserializer the default has.
+  EXPECT_EQ(TVnTypes::FindSerializers(base, kFormat)->Deserializer, nullptr);
+  EXPECT_EQ(TVnTypes::FindSerializers(base, 2), nullptr);
+  EXPECT_EQ(TVnTypes::FindSerializers(base, 200), nullptr);
+  EXPECT_THROW(TVnTypes::RegisterTypeSerializers(nullptr, 5, {}), EAssertionFailed);
+}
+
+}  // namespace

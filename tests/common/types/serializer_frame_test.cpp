@@ -1,0 +1,159 @@
+// The serializer frame: finding and creating serializers, the one-call functions, their
+// messages, the instance a serializer takes, and parameters down a chain of serializers.
+#include <gtest/gtest.h>
+
+#include "types_domain.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/interfaced_object.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/serializer.h"
+
+namespace {
+
+using namespace vn;
+using namespace typesdomain;
+
+// Formats 2 and 3 belong to no notation, so nothing registered here reaches XML or JSON.
+constexpr auto kFake = static_cast<TVnDataSerializationFormatType>(3);
+constexpr auto kEmpty = static_cast<TVnDataSerializationFormatType>(2);
+
+/// Writes "<type name>:<whether the instance is set>"; counts its live instances.
+class TFakeSerializer : public TVnCustomSerializer, public IVnSerializer {
+  VN_DECLARE_CLASS(TFakeSerializer, TVnCustomSerializer)
+  VN_VNOBJECT_INTERFACES(TVnCustomSerializer, IVnSerializer)
+  VN_CUSTOM_SERIALIZER_SLOTS
+ public:
+  TFakeSerializer() { ++Live; }
+  ~TFakeSerializer() override { --Live; }
+  TVnDataSerializationFormatType Format() const override { return kFake; }
+  TVnSerializedData Serialize() override {
+    const UnicodeString type = FInstanceTypeInfo ? FInstanceTypeInfo->Name() : UnicodeString(u"nil");
+    return UnicodeToUtf8(type + (FInstancePtr ? u":set" : u":nil"));
+  }
+  void Serialize(TStream&) override {}
+  static inline int Live = 0;
+};
+
+/// A plain serializer to probe Create and the parameters with; never registered.
+class TProbe : public TVnCustomSerializer {
+  VN_DECLARE_CLASS(TProbe, TVnCustomSerializer)
+ public:
+  TVnDataSerializationFormatType Format() const override { return kFake; }
+};
+
+void RegisterFakes() {
+  static const bool done = [] {
+    VnRegisterSerializer(kFake, TBase::StaticClass(), TFakeSerializer::StaticClass(), nullptr);
+    return true;
+  }();
+  (void)done;
+}
+
+TEST(SerializerFrame, OneCallSerializesAndFreesTheSerializer) {
+  RegisterFakes();
+  EXPECT_EQ(VnFindSerializerClassEx(kFake, TVnTypes::GetTypeInfo(TLeaf::StaticClass())),
+            TFakeSerializer::StaticClass());
+  TDerived object;
+  EXPECT_EQ(VnSerialize(kFake, &object), "TDerived:set");
+  EXPECT_EQ(VnSerialize(kFake, &object, TypeInfoOf<TBase>()), "TBase:set");
+  EXPECT_EQ(VnSerialize(kFake, TValue::FromObject(nullptr, TypeInfoOf<TDerived>())), "TDerived:nil");
+  EXPECT_EQ(TFakeSerializer::Live, 0);
+
+  // A serializer kept by the caller takes parameters before it runs.
+  IPtr<IVnSerializer> s = VnCreateSerializer(kFake, TValue::FromObject(&object));
+  s->SetParam(u"excluderoot", u"true");
+  EXPECT_EQ(s->GetParam(u"excluderoot"), u"true");
+  EXPECT_EQ(s->GetInstancePtr(), &object);
+  EXPECT_EQ(TFakeSerializer::Live, 1);
+  s = nullptr;
+  EXPECT_EQ(TFakeSerializer::Live, 0);
+}
+
+TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
+  RegisterFakes();
+  TBase object;
+  auto expectMessage = [](auto ACall, const UnicodeString& AMessage) {
+    try {
+      ACall();
+      ADD_FAILURE() << "no exception, expected " << UnicodeToUtf8(AMessage);
+    } catch (const Exception& e) {
+      EXPECT_EQ(e.Message(), AMessage);
+    }
+  };
+  expectMessage([&] { VnSerialize(dsfXML, TValue::FromObject(&object)); },
+                u"There is no registered serializer for \"XML\"!");
+  expectMessage([&] { VnSerialize(dsfJSON, &object, TypeInfoOf<TBase>()); },
+                u"There is no \"JSON\" registered serializer for TBase!");
+  expectMessage([&] { VnCreateDeserializer(dsfXML, TValue::From<Integer>(1)); },
+                u"There is no registered deserializer for \"XML\"!");
+  // The pair exists, but without a deserializer.
+  expectMessage([&] { VnDeserialize(kFake, &object, TypeInfoOf<TBase>(), TVnSerializedData("x")); },
+                u"There is no registered Format3 deserializer for TBase!");
+  expectMessage([&] { VnSerializeEx(kEmpty, nullptr, nullptr); },
+                u"There is no \"Format2\" registered serializer for nil!");
+  EXPECT_EQ(TFakeSerializer::Live, 0);
+}
+
+TEST(SerializerFrame, CreateTakesTheRightInstance) {
+  TBase object;
+  TProbe number, text, instance, set;
+  number.Create(TValue::From<Integer>(42));
+  ASSERT_NE(number.GetInstancePtr(), nullptr);
+  EXPECT_EQ(*static_cast<Integer*>(number.GetInstancePtr()), 42);
+  EXPECT_EQ(number.GetInstanceTypeInfo(), TVnTypes::GetTypeInfo<Integer>());
+  text.Create(TValue::From<UnicodeString>(u"text"));
+  EXPECT_EQ(text.GetInstancePtr(), nullptr);
+  instance.Create(TValue::FromObject(&object));
+  EXPECT_EQ(instance.GetInstancePtr(), &object);
+  // From an instance, a set is copied in and read from the copy afterwards.
+  TFruits fruits{frPear};
+  set.Create(&fruits, TypeInfoOf<TFruits>());
+  EXPECT_EQ(set.GetValue().AsOrdinal(), 2);
+  EXPECT_EQ(set.GetInstancePtr(), set.GetValue().GetReferenceToRawData());
+  TProbe p;
+  try {
+    p.Create(TValue::From(IPtr<IInterface>()));
+    ADD_FAILURE() << "an interface value was taken";
+  } catch (const Exception& e) {
+    EXPECT_EQ(e.Message(), u"Values of type \"tkInterface\" cannot be serialized!");
+  }
+}
+
+TEST(SerializerFrame, AFailingCreateFreesTheNewSerializer) {
+  RegisterFakes();
+  VnRegisterSerializer(kFake, TypeInfoOf<IInterface>(), TFakeSerializer::StaticClass(), nullptr);
+  EXPECT_THROW(VnSerialize(kFake, TValue::From(IPtr<IInterface>())), Exception);
+  EXPECT_EQ(TFakeSerializer::Live, 0);
+}
+
+TEST(SerializerFrame, ParametersFallBackToTheParent) {
+  TProbe root;
+  TProbe child;
+  child.SetParent(&root);
+  TStringList owner;
+  root.SetParam(u"xsd-prefix", u"xs");
+  root.SetParam(u"xmlns", u"urn:a");
+  root.SetObjParam(u"Owner", &owner);
+  child.SetParam(u"xmlns", u"urn:b");
+
+  EXPECT_EQ(child.GetParam(u"xsd-prefix"), u"xs");
+  EXPECT_EQ(child.GetParam(u"xmlns"), u"urn:b");
+  EXPECT_EQ(root.GetParam(u"xmlns"), u"urn:a");
+  EXPECT_EQ(child.GetParam(u"missing"), u"");
+  EXPECT_TRUE(child.HasParam(u"xsd-prefix"));
+  EXPECT_TRUE(child.HasParam(u"Owner"));
+  EXPECT_FALSE(child.HasParam(u"missing"));
+  EXPECT_EQ(child.GetObjParam(u"Owner"), &owner);
+  EXPECT_EQ(child.GetObjParam(u"Parent"), nullptr);
+
+  // SetParams copies names, values and objects.
+  TStringList params;
+  params.SetValues(u"excludenamespaces", u"true");
+  params.AddObject(u"Parent", &owner);
+  child.SetParams(params);
+  EXPECT_EQ(child.GetParam(u"excludenamespaces"), u"true");
+  EXPECT_EQ(child.GetObjParam(u"Parent"), &owner);
+  EXPECT_EQ(root.GetObjParam(u"Parent"), nullptr);
+}
+
+}  // namespace
