@@ -13,6 +13,20 @@
 namespace vn {
 
 namespace {
+// Under the default collation a plain ASCII name of another length than "xml:space" can't be
+// it: elements whose attributes are all such skip the search.
+bool MayHaveXmlSpace(const TVnDOMElement& AElement, const detail::PtrVector<TVnDOMNode>& AAttrs) {
+  if (AAttrs.empty()) return false;
+  if (AElement.GetCollation() != TVnXPathCollationASCIICI::Class()) return true;
+  for (TVnDOMNode* a : AAttrs) {
+    std::u16string_view name = a->QualifiedNameView();
+    if (name.size() == 9) return true;
+    for (char16_t c : name)
+      if (c >= 0x80) return true;
+  }
+  return false;
+}
+
 UnicodeString DeclarationName(std::u16string_view APrefix) {
   return APrefix.empty() ? UnicodeString(u"xmlns") : u"xmlns:" + UnicodeString(APrefix);
 }
@@ -81,6 +95,20 @@ void TVnDOMElement::RefreshNamespacesSelf() {
     if (FNamespace && FAttrs.IndexOf(FNamespace) < 0) FNamespace = nullptr;
     return;
   }
+  bool declares = false;
+  for (TVnDOMNode* n : FAttrs)
+    if (static_cast<TVnDOMAttribute*>(n)->IsNamespace()) {
+      declares = true;
+      break;
+    }
+  // Nothing declared here and nothing in force above (most documents): no scope, no namespace.
+  if (!previous && !declares) {
+    auto* pe = parent->GetNodeType() == ntElement ? static_cast<TVnDOMElement*>(parent) : nullptr;
+    if (!pe || (!pe->FScope && !pe->FNamespace)) {
+      FNamespace = nullptr;
+      return;
+    }
+  }
   TVnXPathCollationClass coll = GetCollation();
   bool setAgain = true;
   TVnDOMAttribute* old = FNamespace;
@@ -104,14 +132,7 @@ void TVnDOMElement::RefreshNamespacesSelf() {
   }
   detail::Release(previous);
 
-  // Own declarations: each replaces an entry of the same name, whether inherited or own. Most
-  // elements declare nothing and skip the bookkeeping.
-  bool declares = false;
-  for (TVnDOMNode* n : FAttrs)
-    if (static_cast<TVnDOMAttribute*>(n)->IsNamespace()) {
-      declares = true;
-      break;
-    }
+  // Own declarations: each replaces an entry of the same name, whether inherited or own.
   if (declares) {
     std::vector<TVnDOMAttribute*> own, hidden;
     std::unordered_map<std::string, size_t> ownByName;  // only filled for elements with many declarations
@@ -183,7 +204,8 @@ void TVnDOMElement::SetParentNode(TVnDOMObject* AParent) {
   }
   TVnDOMNode::SetParentNode(AParent);
   if (FDestroying) return;
-  if (TVnDOMNode* space = detail::FindInItems(FAttrs, *this, u"xml:space", {soQualifiedName})) {
+  if (TVnDOMNode* space = MayHaveXmlSpace(*this, FAttrs) ? detail::FindInItems(FAttrs, *this, u"xml:space", {soQualifiedName})
+                                                           : nullptr) {
     FPreserveSpace = SameText(static_cast<TVnDOMAttribute*>(space)->GetStoredValue(), u"preserve");
     _SetPreseveSpace(FPreserveSpace);
   } else {

@@ -189,6 +189,10 @@ void TVnDOMAttribute::RefreshNamespacesSelf() {
     FNamespace = nullptr;
     return;
   }
+  if (!owner->FScope) {  // nothing declared in scope
+    FNamespace = nullptr;
+    return;
+  }
   std::u16string_view prefix = FName.Prefix();
   FNamespace = prefix.empty() ? owner->FindScopeDeclaration(u"xmlns")
                               : owner->FindScopeDeclaration(u"xmlns:" + UnicodeString(prefix));
