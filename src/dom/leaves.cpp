@@ -1,5 +1,7 @@
 // The leaves: character data with its editing operations, attributes with their namespace
 // links, and processing instructions. Text and attribute values are kept escaped.
+#include <iterator>
+
 #include "dom/node_extras.h"
 #include "dom/ns_scope.h"
 #include "vnxml/common/sysutils.h"
@@ -179,7 +181,10 @@ void TVnDOMAttribute::SetNamespaceURI(std::u16string_view AURI) {
 }
 
 void TVnDOMAttribute::SetPrefix(std::u16string_view AValue) {
+  bool wasNamespace = IsNamespace();
   TVnDOMNode::SetPrefix(AValue);
+  // lookups of declarations by name remember their answers until a declaration's name changes
+  if (wasNamespace || IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
   RefreshNamespacesSelf();
 }
 
@@ -194,8 +199,19 @@ void TVnDOMAttribute::RefreshNamespacesSelf() {
     return;
   }
   std::u16string_view prefix = FName.Prefix();
-  FNamespace = prefix.empty() ? owner->FindScopeDeclaration(u"xmlns")
-                              : owner->FindScopeDeclaration(u"xmlns:" + UnicodeString(prefix));
+  if (prefix.empty()) {
+    FNamespace = owner->FindScopeDeclaration(u"xmlns");
+    return;
+  }
+  // "xmlns:" and the prefix, built on the stack for the usual short prefixes
+  char16_t buffer[64];
+  if (prefix.size() + 6 <= std::size(buffer)) {
+    std::char_traits<char16_t>::copy(buffer, u"xmlns:", 6);
+    std::char_traits<char16_t>::copy(buffer + 6, prefix.data(), prefix.size());
+    FNamespace = owner->FindScopeDeclaration(std::u16string_view(buffer, prefix.size() + 6));
+  } else {
+    FNamespace = owner->FindScopeDeclaration(u"xmlns:" + UnicodeString(prefix));
+  }
 }
 
 void TVnDOMAttribute::SetQualifiedName(std::u16string_view AName) {

@@ -84,8 +84,8 @@ bool ValueIs(const TVnDOMAttribute* AAttr, std::u16string_view AURI, TVnXPathCol
 }
 }  // namespace
 
-TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
-  if (!AScope) return nullptr;
+namespace {
+TVnDOMAttribute* SearchByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
   if (AScope->Count > kIndexThreshold) {
     const auto& idx = IndexOf(AScope, ACollation);
     auto it = idx.ByName.find(ACollation->SortKey(AQName));
@@ -98,6 +98,22 @@ TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, T
         return own[j];
   }
   return nullptr;
+}
+}  // namespace
+
+TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
+  if (!AScope) return nullptr;
+  uint64_t epoch = gNamespaceEpoch.load(std::memory_order_relaxed);
+  for (const NsScope::NameHit& hit : AScope->NameHits)
+    if (hit.Epoch == epoch && hit.Collation == ACollation && hit.Name == AQName) return hit.Found;
+  TVnDOMAttribute* found = SearchByName(AScope, AQName, ACollation);
+  NsScope::NameHit& slot = AScope->NameHits[AScope->NextNameHit];
+  AScope->NextNameHit = static_cast<uint8_t>((AScope->NextNameHit + 1) % NsScope::kNameHits);
+  slot.Epoch = epoch;
+  slot.Collation = ACollation;
+  slot.Name.assign(AQName);
+  slot.Found = found;
+  return found;
 }
 
 TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation) {

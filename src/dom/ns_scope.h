@@ -35,6 +35,18 @@ struct NsScope {
     std::unordered_map<std::string, TVnDOMAttribute*> ByURI;   // first entry of each URI
   };
   mutable std::unique_ptr<Index> Lookup;
+
+  // The last names looked up here and what they found: the elements and attributes of a tree
+  // ask their scope for the same few declarations ("xmlns", "xmlns:" and a prefix) again and again.
+  struct NameHit {
+    uint64_t Epoch = UINT64_MAX;  // never a real epoch: the entry is empty
+    TVnXPathCollationClass Collation = nullptr;
+    std::u16string Name;
+    TVnDOMAttribute* Found = nullptr;
+  };
+  static constexpr size_t kNameHits = 4;
+  mutable NameHit NameHits[kNameHits];
+  mutable uint8_t NextNameHit = 0;
 };
 
 NsScope* Retain(NsScope* AScope) noexcept;
