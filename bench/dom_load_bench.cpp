@@ -125,7 +125,10 @@ std::vector<std::string> XmlFiles() {
   if (DIR* dir = opendir(VNXML_CORPORA_DIR "/perf")) {
     while (dirent* e = readdir(dir)) {
       std::string n = e->d_name;
-      if (n.size() > 4 && n.compare(n.size() - 4, 4, ".xml") == 0) names.push_back(n);
+      // every XML file, whatever its suffix (.xml, .gir, ...): all but the JSON files and notes
+      size_t dot = n.rfind('.');
+      std::string ext = dot == std::string::npos ? "" : n.substr(dot);
+      if (n[0] != '.' && ext != ".json" && ext != ".md") names.push_back(n);
     }
     closedir(dir);
   }

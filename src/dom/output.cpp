@@ -1,126 +1,248 @@
 // Writing nodes as XML text. Values are stored escaped, so the writer copies what is stored.
+// One walk serves every node class: the classes of this library are written inline through a
+// buffered output, and a node of any other class (a subclass of the host's) writes itself
+// through its own _SaveToStream after the output has been flushed.
 #include <cstring>
+#include <type_traits>
+#include <typeinfo>
+#include <vector>
 
+#include "output_writer.h"
 #include "vnxml/common/code_page.h"
-#include "vnxml/common/encoding.h"
-#include "vnxml/common/utf.h"
 #include "vnxml/common/stream.h"
+#include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
 
 namespace vn {
 
 namespace {
-// Writes UTF-16 text as UTF-8 at AOut (room for 3 bytes a unit) and returns the end; a lone
-// surrogate becomes U+FFFD, as the converter does.
-char* EncodeUtf8(char* AOut, std::u16string_view AText) {
-  const char16_t* p = AText.data();
-  const char16_t* end = p + AText.size();
-  while (p < end) {
-    uint32_t c = *p++;
-    if (c < 0x80) {
-      *AOut++ = static_cast<char>(c);
-      continue;
-    }
-    if (c >= 0xD800 && c <= 0xDBFF && p < end && *p >= 0xDC00 && *p <= 0xDFFF) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (*p++ - 0xDC00);
-    } else if (c >= 0xD800 && c <= 0xDFFF) {
-      c = 0xFFFD;
-    }
-    if (c < 0x800) {
-      *AOut++ = static_cast<char>(0xC0 | (c >> 6));
-    } else if (c < 0x10000) {
-      *AOut++ = static_cast<char>(0xE0 | (c >> 12));
-      *AOut++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    } else {
-      *AOut++ = static_cast<char>(0xF0 | (c >> 18));
-      *AOut++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      *AOut++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    }
-    *AOut++ = static_cast<char>(0x80 | (c & 0x3F));
-  }
-  return AOut;
-}
 
-void WriteText(TStream& AStream, Word ACodePage, std::u16string_view AText) {
-  if (AText.empty()) return;
-  if (ACodePage == cVnCodePageUTF16LE) {
-    AStream.WriteBuffer(AText.data(), static_cast<Int64>(AText.size() * sizeof(char16_t)));
-    return;
-  }
-  if (ACodePage == cVnCodePageUTF8) {
-    // UTF-8 is the common case: no converter lookup and no allocation per piece.
-    thread_local std::string scratch;
-    if (scratch.size() < AText.size() * 3) scratch.resize(AText.size() * 3);
-    char* end = EncodeUtf8(scratch.data(), AText);
-    AStream.WriteBuffer(scratch.data(), static_cast<Int64>(end - scratch.data()));
-    return;
-  }
-  RawByteString bytes = TVnEncoding::ConvertW(AText, ACodePage);
-  AStream.WriteBuffer(bytes.data(), static_cast<Int64>(bytes.size()));
-}
-
-// The pieces of one tag, collected in the output's code page and written with one call.
-class TagBuffer {
- public:
-  TagBuffer(TStream& AStream, Word ACodePage) : FStream(AStream), FCodePage(ACodePage) { FBytes.clear(); }
-  void Add(std::u16string_view AText) {
-    if (FCodePage == cVnCodePageUTF16LE) {
-      FBytes.append(reinterpret_cast<const char*>(AText.data()), AText.size() * sizeof(char16_t));
-    } else if (FCodePage == cVnCodePageUTF8) {
-      size_t at = FBytes.size();
-      FBytes.resize(at + AText.size() * 3);
-      FBytes.resize(static_cast<size_t>(EncodeUtf8(FBytes.data() + at, AText) - FBytes.data()));
-    } else {
-      FBytes += TVnEncoding::ConvertW(AText, FCodePage);
-    }
-  }
-  void Flush() {
-    if (!FBytes.empty()) FStream.WriteBuffer(FBytes.data(), static_cast<Int64>(FBytes.size()));
-    FBytes.clear();
-  }
-
- private:
-  TStream& FStream;
-  Word FCodePage;
-  // Reused across tags: the walk allocates nothing once it has seen its longest tag.
-  static thread_local std::string FBytes;
+// The classes written inline. A node is written inline only when its dynamic class is exactly
+// one of them (a host's subclass may override _SaveToStream without a class record of its own,
+// so ClassType can't tell); a type compared by address and found different only costs speed.
+struct BuiltInTypes {
+  const std::type_info* Element = &typeid(TVnDOMElement);
+  const std::type_info* Attribute = &typeid(TVnDOMAttribute);
+  const std::type_info* CharacterData = &typeid(TVnDOMCharacterData);
+  const std::type_info* Text = &typeid(TVnDOMText);
+  const std::type_info* CData = &typeid(TVnDOMCDATA);
+  const std::type_info* Comment = &typeid(TVnDOMComment);
+  const std::type_info* Instruction = &typeid(TVnDOMProcessingInstruction);
 };
-thread_local std::string TagBuffer::FBytes;
 
-void WriteIndent(TStream& AStream, Word ACodePage, Integer ALevel) {
-  for (Integer i = 0; i <= ALevel; ++i) WriteText(AStream, ACodePage, u"  ");
-}
-
-// A formatted element starts a line, except at the very start of the output (also right
-// behind a UTF-16 byte-order mark).
-void StartLine(TStream& AStream, Word ACodePage, Integer ALevel) {
-  Int64 pos = AStream.GetPosition();
-  if (pos == 2) {
-    unsigned char bom[2] = {0, 0};
-    AStream.Seek(0, soBeginning);
-    AStream.ReadBuffer(bom, 2);
-    if (!(bom[0] == 0xFF && bom[1] == 0xFE)) WriteText(AStream, ACodePage, u"\r\n");
-  } else if (pos > 0) {
-    WriteText(AStream, ACodePage, u"\r\n");
-  }
-  WriteIndent(AStream, ACodePage, ALevel);
+const BuiltInTypes& Types() {
+  static const BuiltInTypes types;
+  return types;
 }
 
 bool ParentIsPlainElement(const TVnDOMNode* ANode) {
   TVnDOMNode* p = ANode->ParentNode();
   return p && p->GetNodeType() == ntElement && !p->GetPreserveSpace();
 }
-}  // namespace
 
-void TVnDOMNode::_SaveToStream(TStream&, Word, bool, Integer&) {}
+// One walk over a subtree into an output of type Out (the UTF-8, UTF-16 or converting output).
+template <class Out>
+class TreeWriter {
+ public:
+  TreeWriter(Out& AOut, Word ACodePage, bool AFormatted, Integer& ALevel)
+      : FOut(AOut), FTypes(Types()), FCodePage(ACodePage), FFormatted(AFormatted), FLevel(ALevel) {}
 
-void TVnDOMNode::SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted) {
-  Integer level = -1;
-  _SaveToStream(AStream, ACodePage, AFormatted, level);
+  /// Any node, by its exact class.
+  void Node(TVnDOMNode* ANode) {
+    const std::type_info* type = &typeid(*ANode);
+    if (type == FTypes.Element)
+      Element(static_cast<TVnDOMElement*>(ANode));
+    else if (type == FTypes.Attribute)
+      Attribute(static_cast<TVnDOMAttribute*>(ANode));
+    else
+      Leaf(ANode, type);
+  }
+
+  void Document(const TVnDOMDocument* ADocument) {
+    const auto& children = ADocument->ChildrenView();
+    // By index: a node of a host's class that writes itself might touch the tree.
+    for (uint32_t i = 0; i < children.size(); ++i) Node(children[i]);
+  }
+
+  /// The element and its subtree, with an explicit stack: depth costs no native stack.
+  void Element(TVnDOMElement* ARoot) {
+    if (!OpenTag(ARoot)) return;
+    struct Frame {
+      TVnDOMElement* Element;
+      uint32_t Next;
+    };
+    std::vector<Frame> stack;
+    stack.push_back({ARoot, 0});
+    while (!stack.empty()) {
+      Frame& f = stack.back();
+      const auto& children = f.Element->ChildrenView();
+      if (f.Next >= children.size()) {
+        TVnDOMElement* done = f.Element;
+        stack.pop_back();
+        CloseTag(done);
+        continue;
+      }
+      TVnDOMNode* c = children[f.Next++];
+      if (c->GetNodeType() == ntAttribute) continue;
+      const std::type_info* type = &typeid(*c);
+      if (type == FTypes.Element) {
+        auto* e = static_cast<TVnDOMElement*>(c);
+        if (OpenTag(e)) stack.push_back({e, 0});  // f is invalid from here
+      } else {
+        Leaf(c, type);
+      }
+    }
+  }
+
+  void Attribute(const TVnDOMAttribute* AAttribute) {
+    FOut.Framed(" ", AAttribute->QualifiedNameView(), "=\"");
+    FOut.Framed("", AAttribute->GetStoredValue(), "\"");
+  }
+
+  void CharacterData(const TVnDOMCharacterData* ANode) { FOut.Text(ANode->GetStoredValue()); }
+
+  void CData(const TVnDOMCDATA* ANode) { FOut.Framed("<![CDATA[", ANode->GetStoredValue(), "]]>"); }
+
+  void Comment(const TVnDOMComment* ANode) {
+    if (FFormatted) {
+      // A comment always starts a line, even at the very start of the output.
+      if (!ANode->GetPreserveSpace()) FOut.Ascii("\r\n");
+      if (ParentIsPlainElement(ANode)) Indent();
+    }
+    FOut.Framed("<!--", ANode->GetStoredValue(), "-->");
+  }
+
+  void Instruction(const TVnDOMProcessingInstruction* ANode) {
+    // An instruction at the start of the output (a declaration) gets no line end, with or
+    // without a byte-order mark: the test is on the stream's size, not its position.
+    if (FFormatted && StreamHasFiveBytes()) {
+      FOut.Ascii("\r\n");
+      if (ParentIsPlainElement(ANode)) Indent();
+    }
+    FOut.Framed("<?", ANode->QualifiedNameView(), "");
+    const std::u16string_view data = ANode->GetData();
+    if (!data.empty()) FOut.Framed(" ", data, "");
+    FOut.Ascii("?>");
+  }
+
+ private:
+  void Leaf(TVnDOMNode* ANode, const std::type_info* AType) {
+    if (AType == FTypes.Text || AType == FTypes.CharacterData)
+      CharacterData(static_cast<TVnDOMCharacterData*>(ANode));
+    else if (AType == FTypes.CData)
+      CData(static_cast<TVnDOMCDATA*>(ANode));
+    else if (AType == FTypes.Comment)
+      Comment(static_cast<TVnDOMComment*>(ANode));
+    else if (AType == FTypes.Instruction)
+      Instruction(static_cast<TVnDOMProcessingInstruction*>(ANode));
+    else
+      Foreign(ANode);
+  }
+
+  // A node of another class writes itself, to the stream as it stands.
+  void Foreign(TVnDOMNode* ANode) {
+    FOut.Flush();
+    ANode->_SaveToStream(FOut.Stream(), FCodePage, FFormatted, FLevel);
+    FOut.Resync();
+  }
+
+  // Writes the start tag; true when the element has content, which raises the level.
+  bool OpenTag(TVnDOMElement* AElement) {
+    if (FFormatted && !AElement->GetPreserveSpace()) StartLine();
+    FOut.Framed("<", AElement->QualifiedNameView(), "");
+    const auto& attributes = AElement->AttributesView();
+    for (uint32_t i = 0; i < attributes.size(); ++i) {
+      TVnDOMNode* a = attributes[i];
+      if (&typeid(*a) == FTypes.Attribute)
+        Attribute(static_cast<TVnDOMAttribute*>(a));
+      else
+        Foreign(a);
+    }
+    // Processing instructions alone don't count as content.
+    const bool empty = AElement->ElementsView().empty() && AElement->CharNodesView().empty();
+    FOut.Ascii(empty ? " />" : ">");
+    if (empty) return false;
+    ++FLevel;
+    return true;
+  }
+
+  void CloseTag(const TVnDOMElement* AElement) {
+    --FLevel;
+    // An element with text only stays on one line.
+    if (FFormatted && !AElement->ElementsView().empty() && !AElement->GetPreserveSpace()) {
+      FOut.Ascii("\r\n");
+      Indent();
+    }
+    FOut.Framed("</", AElement->QualifiedNameView(), ">");
+  }
+
+  // A formatted element starts a line, except at the very start of the output, which is also
+  // right behind a UTF-16 byte-order mark.
+  void StartLine() {
+    const Int64 pos = FOut.Position();
+    if (pos == 2) {
+      FOut.Flush();
+      unsigned char mark[2] = {0, 0};
+      TStream& stream = FOut.Stream();
+      stream.Seek(0, soBeginning);
+      stream.ReadBuffer(mark, 2);
+      FOut.Resync();
+      if (!(mark[0] == 0xFF && mark[1] == 0xFE)) FOut.Ascii("\r\n");
+    } else if (pos > 0) {
+      FOut.Ascii("\r\n");
+    }
+    Indent();
+  }
+
+  void Indent() {
+    if (FLevel >= 0) FOut.Indent(static_cast<size_t>(FLevel) + 1);
+  }
+
+  bool StreamHasFiveBytes() {
+    // Writing only adds to the stream: once true, it stays true.
+    if (!FFiveBytes) {
+      FOut.Flush();
+      FFiveBytes = FOut.Stream().GetSize() >= 5;
+    }
+    return FFiveBytes;
+  }
+
+  Out& FOut;
+  const BuiltInTypes& FTypes;
+  Word FCodePage;
+  bool FFormatted;
+  bool FFiveBytes = false;
+  Integer& FLevel;
+};
+
+// Runs AWrite(TreeWriter&) with the output for ACodePage and hands the bytes to the stream.
+template <class Fn>
+void WriteTree(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel, Fn&& AWrite) {
+  auto run = [&](auto& AOut) {
+    TreeWriter<std::remove_reference_t<decltype(AOut)>> writer(AOut, ACodePage, AFormatted, ALevel);
+    AWrite(writer);
+    AOut.Flush();
+  };
+  switch (ACodePage) {
+    case cVnCodePageDefault:  // this system's 8-bit default is UTF-8
+    case cVnCodePageUTF8: {
+      detail::Utf8Output out(AStream);
+      run(out);
+      break;
+    }
+    case cVnCodePageUTF16LE: {
+      detail::Utf16Output out(AStream);
+      run(out);
+      break;
+    }
+    default: {
+      detail::ConvertingOutput out(AStream, ACodePage);
+      run(out);
+    }
+  }
 }
 
-namespace {
 // The text of a UTF-16 string stream; an empty stream has no memory block to copy from.
 UnicodeString TextOf(const TVnStringStream& AStream) {
   std::string_view bytes = AStream.GetBytesView();
@@ -129,17 +251,27 @@ UnicodeString TextOf(const TVnStringStream& AStream) {
   std::memcpy(text.data(), bytes.data(), text.size() * 2);
   return text;
 }
+
 }  // namespace
 
+// ---- entry points ----
+
+void TVnDOMNode::_SaveToStream(TStream&, Word, bool, Integer&) {}
+
+void TVnDOMNode::SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted) {
+  Integer level = -1;
+  _SaveToStream(AStream, ACodePage, AFormatted, level);
+}
+
 UnicodeString TVnDOMNode::GetXML() {
-  TVnStringStream s(1200);
-  SaveToStream(s, 1200, false);
+  TVnStringStream s(cVnCodePageUTF16LE);
+  SaveToStream(s, cVnCodePageUTF16LE, false);
   return TextOf(s);
 }
 
 UnicodeString TVnDOMNode::GetFormattedXML() {
-  TVnStringStream s(1200);
-  SaveToStream(s, 1200, true);
+  TVnStringStream s(cVnCodePageUTF16LE);
+  SaveToStream(s, cVnCodePageUTF16LE, true);
   return TextOf(s);
 }
 
@@ -159,10 +291,8 @@ void TVnDOMDocument::SaveToStreamEx(TStream& AStream, bool AFormatted, bool AWri
 
 void TVnDOMDocument::SaveToFile(std::u16string_view AFileName, bool AFormatted, bool AWriteBOM) {
   TFileStream file(AFileName, fmCreate);
-  // Pieces are small: collect them and write the file in large blocks.
-  TVnMemoryStream buffer;
-  SaveToStreamEx(buffer, AFormatted, AWriteBOM);
-  file.WriteBuffer(buffer.GetMemory(), buffer.GetSize());
+  // The writer hands the file large blocks itself: no copy of the whole text in memory.
+  SaveToStreamEx(file, AFormatted, AWriteBOM);
 }
 
 UnicodeString VnFormatXML(std::u16string_view AXML) {
@@ -173,128 +303,47 @@ UnicodeString VnFormatXML(std::u16string_view AXML) {
 
 UnicodeString VnFormatXML(std::string_view AXML) { return VnFormatXML(Utf8ToUnicode(AXML)); }
 
-void TVnDOMDocument::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
-  for (TVnDOMNode* c : FChildren) c->_SaveToStream(AStream, ACodePage, AFormatted, ALevel);
-}
-
-void TVnDOMElement::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
-  // Explicit stack: each frame is an element whose children are being written.
-  struct Frame {
-    TVnDOMElement* Element;
-    uint32_t Next;
-  };
-  std::vector<Frame> stack;
-  auto open = [&](TVnDOMElement* e) -> bool {
-    if (AFormatted && !e->GetPreserveSpace()) StartLine(AStream, ACodePage, ALevel);
-    TagBuffer tag(AStream, ACodePage);
-    tag.Add(u"<");
-    tag.Add(e->QualifiedNameView());
-    for (TVnDOMNode* a : e->FAttrs) {
-      if (a->ClassType() == TVnDOMAttribute::StaticClass()) {
-        // The plain attribute's writing, inlined into the tag's one write.
-        auto* attr = static_cast<TVnDOMAttribute*>(a);
-        tag.Add(u" ");
-        tag.Add(attr->QualifiedNameView());
-        tag.Add(u"=\"");
-        tag.Add(attr->GetStoredValue());
-        tag.Add(u"\"");
-      } else {
-        tag.Flush();
-        a->_SaveToStream(AStream, ACodePage, AFormatted, ALevel);
-      }
-    }
-    bool empty = e->FElems.empty() && e->FChars.empty();
-    tag.Add(empty ? u" />" : u">");
-    tag.Flush();
-    if (empty) return false;
-    ++ALevel;
-    return true;
-  };
-  auto close = [&](TVnDOMElement* e) {
-    --ALevel;
-    if (AFormatted && !e->FElems.empty() && !e->GetPreserveSpace()) {
-      WriteText(AStream, ACodePage, u"\r\n");
-      WriteIndent(AStream, ACodePage, ALevel);
-    }
-    TagBuffer tag(AStream, ACodePage);
-    tag.Add(u"</");
-    tag.Add(e->QualifiedNameView());
-    tag.Add(u">");
-    tag.Flush();
-  };
-  if (!open(this)) return;
-  stack.push_back({this, 0});
-  while (!stack.empty()) {
-    Frame& f = stack.back();
-    if (f.Next >= f.Element->FChildren.size()) {
-      TVnDOMElement* e = f.Element;
-      stack.pop_back();
-      close(e);
-      continue;
-    }
-    TVnDOMNode* c = f.Element->FChildren[f.Next++];
-    if (c->GetNodeType() == ntAttribute) continue;
-    if (c->GetNodeType() == ntElement && c->ClassType() == TVnDOMElement::StaticClass()) {
-      auto* ce = static_cast<TVnDOMElement*>(c);
-      if (open(ce)) stack.push_back({ce, 0});
-    } else {
-      c->_SaveToStream(AStream, ACodePage, AFormatted, ALevel);
-    }
-  }
-}
-
 UnicodeString TVnDOMElement::GetInnerXML() {
-  TVnStringStream s(1200);
-  for (TVnDOMNode* e : FElems) e->SaveToStream(s, 1200, false);
+  TVnStringStream s(cVnCodePageUTF16LE);
+  for (TVnDOMNode* e : ElementsView()) e->SaveToStream(s, cVnCodePageUTF16LE, false);
   return TextOf(s);
 }
 
 UnicodeString TVnDOMElement::GetFormattedInnerXML() {
-  TVnStringStream s(1200);
-  for (TVnDOMNode* e : FElems) e->SaveToStream(s, 1200, true);
+  TVnStringStream s(cVnCodePageUTF16LE);
+  for (TVnDOMNode* e : ElementsView()) e->SaveToStream(s, cVnCodePageUTF16LE, true);
   return TextOf(s);
 }
 
-void TVnDOMAttribute::_SaveToStream(TStream& AStream, Word ACodePage, bool, Integer&) {
-  WriteText(AStream, ACodePage, u" ");
-  WriteText(AStream, ACodePage, QualifiedNameView());
-  WriteText(AStream, ACodePage, u"=\"");
-  WriteText(AStream, ACodePage, FNodeValue);
-  WriteText(AStream, ACodePage, u"\"");
+// ---- each class writes itself through the shared walk ----
+
+void TVnDOMDocument::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.Document(this); });
 }
 
-void TVnDOMCharacterData::_SaveToStream(TStream& AStream, Word ACodePage, bool, Integer&) {
-  WriteText(AStream, ACodePage, FNodeValue);
+void TVnDOMElement::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.Element(this); });
 }
 
-void TVnDOMCDATA::_SaveToStream(TStream& AStream, Word ACodePage, bool, Integer&) {
-  WriteText(AStream, ACodePage, u"<![CDATA[");
-  WriteText(AStream, ACodePage, FNodeValue);
-  WriteText(AStream, ACodePage, u"]]>");
+void TVnDOMAttribute::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.Attribute(this); });
+}
+
+void TVnDOMCharacterData::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.CharacterData(this); });
+}
+
+void TVnDOMCDATA::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.CData(this); });
 }
 
 void TVnDOMComment::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
-  if (AFormatted) {
-    if (!GetPreserveSpace()) WriteText(AStream, ACodePage, u"\r\n");
-    if (ParentIsPlainElement(this)) WriteIndent(AStream, ACodePage, ALevel);
-  }
-  WriteText(AStream, ACodePage, u"<!--");
-  WriteText(AStream, ACodePage, FNodeValue);
-  WriteText(AStream, ACodePage, u"-->");
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.Comment(this); });
 }
 
-void TVnDOMProcessingInstruction::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) {
-  if (AFormatted && AStream.GetSize() >= 5) {
-    WriteText(AStream, ACodePage, u"\r\n");
-    if (ParentIsPlainElement(this)) WriteIndent(AStream, ACodePage, ALevel);
-  }
-  WriteText(AStream, ACodePage, u"<?");
-  WriteText(AStream, ACodePage, QualifiedNameView());
-  if (!FData.empty()) {
-    WriteText(AStream, ACodePage, u" ");
-    WriteText(AStream, ACodePage, FData);
-  }
-  WriteText(AStream, ACodePage, u"?>");
+void TVnDOMProcessingInstruction::_SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted,
+                                                Integer& ALevel) {
+  WriteTree(AStream, ACodePage, AFormatted, ALevel, [&](auto& AWriter) { AWriter.Instruction(this); });
 }
 
 }  // namespace vn
