@@ -27,9 +27,14 @@ class TVnDOMNode : public TVnDOMObject {
   ~TVnDOMNode() override;
 
   // A node made by new carries the pool it came from (nil: the heap) just in front of it, so
-  // that delete gives it back to the right place.
+  // that delete gives it back to the right place; 8 bytes keep the node 8-aligned.
+  static constexpr size_t kPoolSlot = sizeof(detail::NodePool*);
   static void* operator new(size_t ASize);
-  static void* operator new(size_t ASize, detail::NodePool& APool);
+  static void* operator new(size_t ASize, detail::NodePool& APool) {
+    void* p = APool.AllocateNode(kPoolSlot + ASize);
+    *static_cast<detail::NodePool**>(p) = &APool;
+    return static_cast<char*>(p) + kPoolSlot;
+  }
   static void operator delete(void* APtr, size_t ASize) noexcept;
   static void operator delete(void* APtr, detail::NodePool& APool) noexcept;
 

@@ -1,13 +1,28 @@
 // Shared name records and the per-document table that interns them.
 #include "dom/name_table.h"
 
+#include <random>
+
 namespace vn::detail {
+
+namespace {
+const char kSeedAnchor = 0;  // its address varies between runs (ASLR)
+}  // namespace
 
 uint32_t HashName(std::u16string_view AName) noexcept {
   // Four units per step: names are short, and a load hashes every one it meets.
   const char16_t* p = AName.data();
   size_t n = AName.size();
-  uint64_t h = 0x9E3779B97F4A7C15ull ^ n;
+  // Seeded per process, so that a document cannot be made of names that collide on purpose.
+  static const uint64_t seed = [] {
+    try {
+      std::random_device device;
+      return (uint64_t(device()) << 32) ^ device();
+    } catch (...) {
+      return uint64_t(reinterpret_cast<uintptr_t>(&kSeedAnchor));
+    }
+  }();
+  uint64_t h = (0x9E3779B97F4A7C15ull ^ seed) ^ n;
   for (; n >= 4; p += 4, n -= 4) {
     uint64_t w;
     std::memcpy(&w, p, sizeof w);

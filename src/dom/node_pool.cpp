@@ -138,21 +138,11 @@ namespace vn {
 
 // ---- memory ----
 
-namespace {
-// The pool pointer in front of every node made by new; 8 bytes keep the node 8-aligned.
-constexpr size_t kPoolSlot = sizeof(detail::NodePool*);
-static_assert(alignof(TVnDOMElement) <= kPoolSlot);
-}  // namespace
+static_assert(alignof(TVnDOMElement) <= TVnDOMNode::kPoolSlot);
 
 void* TVnDOMNode::operator new(size_t ASize) {
   void* p = ::operator new(kPoolSlot + ASize);
   *static_cast<detail::NodePool**>(p) = nullptr;
-  return static_cast<char*>(p) + kPoolSlot;
-}
-
-void* TVnDOMNode::operator new(size_t ASize, detail::NodePool& APool) {
-  void* p = APool.AllocateNode(kPoolSlot + ASize);
-  *static_cast<detail::NodePool**>(p) = &APool;
   return static_cast<char*>(p) + kPoolSlot;
 }
 
