@@ -48,11 +48,24 @@ class TVnSAXNamespaceList : public TObject {
   Integer Count() const { return static_cast<Integer>(FList.size()); }
 
  private:
+  template <class Enc>
+  friend class detail::XmlReadLoop;
+
   /// Index of the newest declaration of APrefix in FList, or -1.
   int64_t Find(std::u16string_view APrefix) const;
+  /// Index of the newest declaration of a prefix by the index of all of them, or -1.
+  int64_t FindIndexed(std::u16string_view APrefix) const;
+  /// The URI of the default namespace in force, nullptr when none is; the reader's quick path.
+  const VnXMLString* DefaultURI() const {
+    return FDefault < 0 ? nullptr : &FList[static_cast<size_t>(FDefault)].URI;
+  }
 
   TVnSAXXMLReader* FOwner;
   std::vector<TVnSAXNamespace> FList;
+  // Index of the newest default declaration, and of the last prefix found, or -1: most names
+  // of a document use the same few prefixes, and the list changes seldom.
+  int64_t FDefault = -1;
+  mutable int64_t FLastFound = -1;
   // Positions in FList per prefix folded as SameText folds it, oldest first: with thousands of
   // declarations in force a lookup stays constant instead of scanning them all.
   std::unordered_map<std::u16string, std::vector<uint32_t>> FByPrefix;

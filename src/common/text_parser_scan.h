@@ -2,8 +2,13 @@
 // Every loop is bounded by an end pointer; none reads past it.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
 #include <string>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "vnxml/common/text_parser.h"
 
@@ -90,6 +95,88 @@ inline const uint8_t* Utf8Next(const uint8_t* p, const uint8_t* e) {
 void AppendUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AOut);
 /// The UTF-8 bytes [p, e) as UTF-16 in AScratch, whose size is kept (not the text's length).
 std::u16string_view DecodeUtf8(const uint8_t* p, const uint8_t* e, std::u16string& AScratch);
+
+/// As DecodeUtf8 for a span [AStart, e) whose first AKept units already stand decoded in
+/// AScratch, up to p: only [p, e) is decoded, unless it holds a sequence the fast decoder leaves
+/// to the shared one, in which case the whole span is decoded again.
+std::u16string_view DecodeUtf8Rest(const uint8_t* AStart, const uint8_t* p, const uint8_t* e,
+                                   std::u16string& AScratch, size_t AKept);
+
+// ---- ASCII runs, sixteen bytes at a time ----
+// Names, values and text are nearly always ASCII; these loops find the end of such a run and
+// widen it into a scratch buffer in the same pass, so the bytes are read once.
+
+/// Stops at any of the bytes Cs; with AWhite also at every byte from NUL to the space.
+template <bool AWhite, char... Cs>
+struct StopAt {
+#if defined(__SSE2__)
+  static uint32_t Mask(__m128i v) {
+    uint32_t m = (0u | ... | static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(Cs)))));
+    if constexpr (AWhite)
+      m |= static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(v, _mm_set1_epi8(0x20)), v)));
+    return m;
+  }
+#endif
+  static bool At(uint8_t c) { return (AWhite && c <= 0x20) || (false || ... || (c == static_cast<uint8_t>(Cs))); }
+};
+
+/// Stops at one byte chosen at run time (the quote that closes a value).
+struct StopAtByte {
+  uint8_t C;
+#if defined(__SSE2__)
+  __m128i V;
+  explicit StopAtByte(uint8_t AByte) : C(AByte), V(_mm_set1_epi8(static_cast<char>(AByte))) {}
+  uint32_t Mask(__m128i v) const { return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, V))); }
+#else
+  explicit StopAtByte(uint8_t AByte) : C(AByte) {}
+#endif
+  bool At(uint8_t c) const { return c == C; }
+};
+
+/// Stops at the first byte above the space.
+struct StopAtNonWhite {
+#if defined(__SSE2__)
+  static uint32_t Mask(__m128i v) {
+    return ~static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(v, _mm_set1_epi8(0x20)), v))) &
+           0xFFFFu;
+  }
+#endif
+  static bool At(uint8_t c) { return c > 0x20; }
+};
+
+/// Widens the ASCII bytes from p into AScratch from unit AUnits on, until the first byte that
+/// AStop names or the first byte above 0x7F, whichever comes first; returns where it stopped
+/// and leaves the count of units decoded so far in AUnits. The scratch only grows, and may hold
+/// up to sixteen units more than were decoded.
+template <class Stop>
+inline const uint8_t* ScanAscii(const uint8_t* p, const uint8_t* e, const Stop& AStop, std::u16string& AScratch,
+                                size_t& AUnits) {
+  size_t n = AUnits;
+#if defined(__SSE2__)
+  const __m128i zero = _mm_setzero_si128();
+  while (e - p >= 16) {
+    if (AScratch.size() < n + 16) AScratch.resize(std::max(n + 16, 2 * AScratch.size()));
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const uint32_t stop = AStop.Mask(v) | static_cast<uint32_t>(_mm_movemask_epi8(v));
+    char16_t* d = AScratch.data() + n;
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_unpacklo_epi8(v, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 8), _mm_unpackhi_epi8(v, zero));
+    if (stop) {
+      const auto k = static_cast<unsigned>(std::countr_zero(stop));
+      AUnits = n + k;
+      return p + k;
+    }
+    p += 16;
+    n += 16;
+  }
+#endif
+  // Fewer than sixteen bytes before the end of the text (or no vector unit): one at a time.
+  if (AScratch.size() < n + static_cast<size_t>(e - p))
+    AScratch.resize(std::max(n + static_cast<size_t>(e - p), 2 * AScratch.size()));
+  while (p < e && *p < 0x80 && !AStop.At(*p)) AScratch[n++] = *p++;
+  AUnits = n;
+  return p;
+}
 
 /// Widens bytes one to one (Latin-1, and ASCII text of any ASCII-compatible page).
 inline void AppendLatin1(const uint8_t* p, const uint8_t* e, std::u16string& AOut) {

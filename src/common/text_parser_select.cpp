@@ -1,5 +1,6 @@
 // TVnTextParser: decoding of spans, marks and selections, line and column.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -20,13 +21,20 @@ namespace {
 char16_t* DecodeUtf8Common(const uint8_t*& p, const uint8_t* e, char16_t* d) {
   while (p < e) {
 #if defined(__SSE2__)
-    // Sixteen ASCII bytes at a time: the common case of markup and most text.
+    // Sixteen ASCII bytes at a time: the common case of markup and most text. A block with a
+    // sequence in it is stored whole too and counts up to the sequence's lead byte: d has room
+    // for as many units as bytes are left, and that is at least sixteen here.
     const __m128i zero = _mm_setzero_si128();
     while (e - p >= 16) {
       const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-      if (_mm_movemask_epi8(v) != 0) break;
       _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_unpacklo_epi8(v, zero));
       _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 8), _mm_unpackhi_epi8(v, zero));
+      if (const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v))) {
+        const auto k = static_cast<unsigned>(std::countr_zero(high));
+        d += k;
+        p += k;
+        break;
+      }
       d += 16;
       p += 16;
     }
@@ -72,6 +80,16 @@ std::u16string_view DecodeUtf8(const uint8_t* p, const uint8_t* e, std::u16strin
   AScratch.clear();
   AppendUtf8AsUtf16(std::string_view(reinterpret_cast<const char*>(p), n), AScratch);
   return AScratch;
+}
+
+std::u16string_view DecodeUtf8Rest(const uint8_t* AStart, const uint8_t* p, const uint8_t* e,
+                                   std::u16string& AScratch, size_t AKept) {
+  const size_t need = AKept + static_cast<size_t>(e - p);
+  if (AScratch.size() < need) AScratch.resize(std::max(need, 2 * AScratch.size()));
+  const uint8_t* q = p;
+  if (char16_t* d = DecodeUtf8Common(q, e, AScratch.data() + AKept))
+    return {AScratch.data(), static_cast<size_t>(d - AScratch.data())};
+  return DecodeUtf8(AStart, e, AScratch);
 }
 
 }  // namespace detail

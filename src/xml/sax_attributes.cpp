@@ -1,4 +1,6 @@
 // TVnSAXXMAttributes and TVnSAXNamespaceList: what a start tag carries and the declarations in force.
+#include <cstring>
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/sax_reader.h"
 
@@ -17,6 +19,13 @@ bool SameName(std::u16string_view A, std::u16string_view B) {
     if (a != b) return false;
   }
   return true;
+}
+
+inline void AssignChanged(VnXMLString& ATo, std::u16string_view AFrom) {
+  if (ATo.size() == AFrom.size() &&
+      (AFrom.empty() || std::memcmp(ATo.data(), AFrom.data(), AFrom.size() * sizeof(char16_t)) == 0))
+    return;
+  ATo.assign(AFrom);
 }
 
 const VnXMLString& EmptyXMLString() {
@@ -42,10 +51,12 @@ void TVnSAXXMAttributes::Add(std::u16string_view ALocalName, std::u16string_view
     FSpare = rec->Next;
   else
     rec = new TVnSAXXMAttribute;
-  // Assigning into a reused record keeps its strings' capacity: no allocation once warm.
-  rec->LocalName.assign(ALocalName);
-  rec->QName.assign(AQName);
-  rec->URI.assign(AURI);
+  // Assigning into a reused record keeps its strings' capacity: no allocation once warm. A
+  // record serves the attribute at the same place in the tag before, so names and URIs often
+  // stand there already.
+  AssignChanged(rec->LocalName, ALocalName);
+  AssignChanged(rec->QName, AQName);
+  AssignChanged(rec->URI, AURI);
   rec->Value.assign(AValue);
   rec->AttrType = AAttrType;
   rec->Idx = FCount;
@@ -140,17 +151,32 @@ void TVnSAXNamespaceList::AddURI(Integer ALevel, std::u16string_view APrefix, st
   ns.URI.assign(AURI);
   FoldPrefix(APrefix, FKey);
   FByPrefix[FKey].push_back(static_cast<uint32_t>(FList.size() - 1));
+  if (APrefix.empty()) FDefault = static_cast<int64_t>(FList.size() - 1);
+  FLastFound = -1;
   if (FOwner) {
     if (IPtr<IVnSAXContentHandler> handler = FOwner->GetContentHandler()) handler->StartPrefixMapping(APrefix, AURI);
   }
 }
 
 int64_t TVnSAXNamespaceList::Find(std::u16string_view APrefix) const {
+  if (APrefix.empty()) return FDefault;
+  // While the list stands still, the newest declaration of a prefix stays where it was found.
+  if (FLastFound >= 0 && SameName(FList[static_cast<size_t>(FLastFound)].Prefix, APrefix)) return FLastFound;
+  int64_t found = -1;
   if (FList.size() <= cNamespaceScanLimit) {
     for (size_t i = FList.size(); i-- > 0;)
-      if (SameName(FList[i].Prefix, APrefix)) return static_cast<int64_t>(i);
-    return -1;
+      if (SameName(FList[i].Prefix, APrefix)) {
+        found = static_cast<int64_t>(i);
+        break;
+      }
+  } else {
+    found = FindIndexed(APrefix);
   }
+  if (found >= 0) FLastFound = found;
+  return found;
+}
+
+int64_t TVnSAXNamespaceList::FindIndexed(std::u16string_view APrefix) const {
   FoldPrefix(APrefix, FKey);
   auto it = FByPrefix.find(FKey);
   return it == FByPrefix.end() || it->second.empty() ? -1 : static_cast<int64_t>(it->second.back());
@@ -173,10 +199,12 @@ void TVnSAXNamespaceList::RemoveLevel(Integer ALevel) {
     // The record goes first, so a handler that raises leaves the list consistent.
     VnXMLString prefix = std::move(FList.back().Prefix);
     FList.pop_back();
+    FLastFound = -1;
     FoldPrefix(prefix, FKey);
     auto it = FByPrefix.find(FKey);
     if (it != FByPrefix.end()) {
       it->second.pop_back();
+      if (prefix.empty()) FDefault = it->second.empty() ? -1 : static_cast<int64_t>(it->second.back());
       if (it->second.empty()) FByPrefix.erase(it);
     }
     if (handler) handler->EndPrefixMapping(prefix);
@@ -186,7 +214,7 @@ void TVnSAXNamespaceList::RemoveLevel(Integer ALevel) {
 void TVnSAXNamespaceList::Clear() {
   FList.clear();
   FByPrefix.clear();
+  FDefault = FLastFound = -1;
 }
-
 
 }  // namespace vn

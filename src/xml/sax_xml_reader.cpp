@@ -21,7 +21,9 @@ constexpr ByteClass kQuotesAndWhite{"'\"", true, false};
 constexpr ByteClass kSpaceOrQuest{" ?", false, false};
 constexpr ByteClass kAngles{"<>", false, false};
 
-std::u16string_view TrimView(std::u16string_view s) {
+// Names are seldom surrounded by white space: the test for that stays inline.
+[[gnu::always_inline]] inline std::u16string_view TrimView(std::u16string_view s) {
+  if (!s.empty() && s.front() > u' ' && s.back() > u' ') return s;
   size_t b = 0, e = s.size();
   while (b < e && s[b] <= u' ') ++b;
   while (e > b && s[e - 1] <= u' ') --e;
@@ -55,6 +57,8 @@ struct AnsiUnits {
 template <class Enc>
 class XmlReadLoop {
   using U = typename Enc::U;
+  // UTF-8 text takes the sixteen-byte paths for ASCII runs; the others select and decode.
+  static constexpr bool kUtf8 = std::is_same_v<Enc, Utf8Units>;
 
  public:
   explicit XmlReadLoop(TVnSAXXMLReader& AReader)
@@ -137,6 +141,12 @@ class XmlReadLoop {
     Sync();
     throw EVnXMLParseError(ACode, UnicodeString(AMessage));
   }
+  [[noreturn]] void FailElementNotClosed() {
+    Integer line, col;
+    R.ConstructLineCol(line, col);
+    Sync();
+    throw EVnXMLParseError(cVnXMLErrELMNotClosed, _cVnXMLELMNotClosed, {line, col});
+  }
   void CheckNameStart() {
     char16_t c = Cur();
     if (c < 0x80 && ((c | 0x20) >= u'a' && (c | 0x20) <= u'z')) return;
@@ -207,21 +217,8 @@ class XmlReadLoop {
     bool endTag = Cur() == u'/';
     if (endTag) Next();
     CheckNameStart();
-    const U* nameStart = p;
-    p = FindInClass(p, end, kElementName);
-    if (Cur() == u'<') {
-      Integer line, col;
-      R.ConstructLineCol(line, col);
-      Sync();
-      throw EVnXMLParseError(cVnXMLErrELMNotClosed, _cVnXMLELMNotClosed, {line, col});
-    }
-    bool prefixed = Cur() == u':';
-    if (prefixed) {
-      Next();
-      CheckNameStart();
-      p = FindInClass(p, end, kElementLocalName);
-    }
-    std::u16string_view qname = Sel(nameStart, p, QNameBuf);
+    bool prefixed = false;
+    std::u16string_view qname = ElementName(prefixed);
     std::u16string_view prefix, local = qname;
     if (prefixed) {
       size_t colon = qname.find(u':');
@@ -230,11 +227,11 @@ class XmlReadLoop {
     }
     p = SkipEqual(p, end, U(' '));
     if (endTag) {
-      const VnXMLString& uri = NS.GetURI(prefix);
+      const VnXMLString& uri = URIOf(prefix);
       CheckCurr(u'>');
       Sync();
       Content->EndElement(uri, local, qname);
-      NS.RemoveLevel(Level);
+      CloseLevel();
       --Level;
     } else {
       ++Level;
@@ -247,18 +244,18 @@ class XmlReadLoop {
       }
       c = Cur();
       if (c == u'/') {
-        const VnXMLString& uri = NS.GetURI(prefix);
+        const VnXMLString& uri = URIOf(prefix);
         Sync();
         Content->StartElement(uri, local, qname, set);
         Content->EndElement(uri, local, qname);
-        NS.RemoveLevel(Level);
+        CloseLevel();
         --Level;
       } else if (c == u'>') {
         Sync();
-        Content->StartElement(NS.GetURI(prefix), local, qname, set);
+        Content->StartElement(URIOf(prefix), local, qname, set);
       }
     }
-    p = FindUnit(p, end, U('>'));
+    if (p >= end || *p != U('>')) p = FindUnit(p, end, U('>'));
     if (Level == 0) {
       // The root has closed: what follows is read by the tail step, in this same loop.
       Next();
@@ -269,45 +266,166 @@ class XmlReadLoop {
     if (p < end && *p != U('<')) Characters();
   }
 
+  // ---- names, values and text ----
+
+  // The name of an element, from its first character: a prefix ends at the first colon, the
+  // local name at '>', '/' or white space. A '<' before any colon fails.
+  std::u16string_view ElementName(bool& prefixed) {
+    const U* nameStart = p;
+    if constexpr (kUtf8) {
+      if (FastUtf8) {
+        size_t n = 0;
+        p = ScanAscii(p, end, StopAt<true, ':', '<', '>', '/'>{}, QNameBuf, n);
+        if (p >= end || *p < 0x80) {
+          if (Cur() == u'<') FailElementNotClosed();
+          prefixed = Cur() == u':';
+          if (!prefixed) return {QNameBuf.data(), n};
+          const U* colon = p;
+          Next();
+          CheckNameStart();
+          p = ScanAscii(colon, end, StopAt<true, '>', '/'>{}, QNameBuf, n);
+          if (p >= end || *p < 0x80) return {QNameBuf.data(), n};
+        }
+        p = nameStart;  // not ASCII: the general path below reads it again
+      }
+    }
+    p = FindInClass(p, end, kElementName);
+    if (Cur() == u'<') FailElementNotClosed();
+    prefixed = Cur() == u':';
+    if (prefixed) {
+      Next();
+      CheckNameStart();
+      p = FindInClass(p, end, kElementLocalName);
+    }
+    return Sel(nameStart, p, QNameBuf);
+  }
+
+  // The parts of an attribute's name, each trimmed of white space.
+  struct AttributeName {
+    std::u16string_view Prefix, Local, QName;
+  };
+
+  // An attribute's name runs to '='; a '<' or '>' before it fails. The prefix ends at the first
+  // colon, and the local name starts after the colons that follow it.
+  AttributeName ReadAttributeName() {
+    const U* nameStart = p;
+    AttributeName name;
+    if constexpr (kUtf8) {
+      if (FastUtf8) {
+        size_t n = 0;
+        p = ScanAscii(p, end, StopAt<false, '=', '<', '>'>{}, AttrQNameBuf, n);
+        if (p >= end || *p < 0x80) {
+          char16_t c = Cur();
+          if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+          // One byte is one unit here, so the colons stand at the same offsets in the decoded name.
+          std::u16string_view all(AttrQNameBuf.data(), n);
+          name.QName = TrimView(all);
+          size_t colon = all.find(u':');
+          if (colon == std::u16string_view::npos) {
+            name.Local = name.QName;
+          } else {
+            name.Prefix = TrimView(all.substr(0, colon));
+            size_t local = all.find_first_not_of(u':', colon);
+            name.Local = local == std::u16string_view::npos ? std::u16string_view() : TrimView(all.substr(local));
+          }
+          return name;
+        }
+        p = nameStart;
+      }
+    }
+    p = FindInClass(p, end, kAttributeName);
+    char16_t c = Cur();
+    if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+    if (c == u':') {
+      name.Prefix = TrimView(Sel(nameStart, p, PrefixBuf));
+      p = SkipEqual(p, end, U(':'));
+      const U* localStart = p;
+      p = FindInClass(p, end, kAttributeLocalName);
+      c = Cur();
+      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+      name.Local = TrimView(Sel(localStart, p, LocalBuf));
+      name.QName = TrimView(Sel(nameStart, p, AttrQNameBuf));
+    } else {
+      name.QName = name.Local = TrimView(Sel(nameStart, p, AttrQNameBuf));
+    }
+    return name;
+  }
+
+  // A value runs from behind its quote to the next quote of the same kind, raw.
+  std::u16string_view ReadValue(U AQuote) {
+    const U* start = p;
+    if constexpr (kUtf8) {
+      if (FastUtf8) {
+        size_t n = 0;
+        p = ScanAscii(p, end, StopAtByte(AQuote), ValueBuf, n);
+        if (p >= end || *p == AQuote) return {ValueBuf.data(), n};
+        const U* rest = p;
+        p = FindUnit(p, end, AQuote);
+        return DecodeUtf8Rest(start, rest, p, ValueBuf, n);
+      }
+    }
+    p = FindUnit(p, end, AQuote);
+    return Sel(start, p, ValueBuf);
+  }
+
+  // A run of text up to the next '<' or the end; AllWhite when no character above the space
+  // comes before that.
+  std::u16string_view ReadText(bool& AllWhite) {
+    const U* start = p;
+    if constexpr (kUtf8) {
+      if (FastUtf8) {
+        size_t n = 0;
+        p = ScanAscii(p, end, StopAtNonWhite{}, TextBuf, n);
+        AllWhite = p >= end || *p == U('<');
+        if (!AllWhite) p = ScanAscii(p, end, StopAt<false, '<'>{}, TextBuf, n);
+        if (p >= end || *p == U('<')) return {TextBuf.data(), n};
+        const U* rest = p;
+        p = FindUnit(p, end, U('<'));
+        return DecodeUtf8Rest(start, rest, p, TextBuf, n);
+      }
+    }
+    const U* q = SkipAtMost(p, end, 0x20);
+    AllWhite = q >= end || *q == U('<');
+    p = AllWhite ? q : FindUnit(q, end, U('<'));
+    return Sel(start, p, TextBuf);
+  }
+
+  // An element closes: the declarations of its level end, if there are any.
+  void CloseLevel() {
+    if (!NS.FList.empty() && NS.FList.back().Level >= Level) NS.RemoveLevel(Level);
+  }
+
+  // Namespaces: the default one is at hand, and with no declaration in force nothing needs
+  // looking up.
+  const VnXMLString& URIOf(std::u16string_view APrefix) const {
+    if (APrefix.empty()) {
+      const VnXMLString* uri = NS.DefaultURI();
+      return uri ? *uri : NoURI;
+    }
+    return NS.Count() == 0 ? NoURI : NS.GetURI(APrefix);
+  }
+
   void ParseAttributes() {
     MarkStart();
     do {
-      const U* nameStart = p;
-      p = FindInClass(p, end, kAttributeName);
-      char16_t c = Cur();
-      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-      std::u16string_view prefix, local, qname;
-      if (c == u':') {
-        prefix = TrimView(Sel(nameStart, p, PrefixBuf));
-        p = SkipEqual(p, end, U(':'));
-        const U* localStart = p;
-        p = FindInClass(p, end, kAttributeLocalName);
-        c = Cur();
-        if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-        local = TrimView(Sel(localStart, p, LocalBuf));
-        qname = TrimView(Sel(nameStart, p, AttrQNameBuf));
-      } else {
-        qname = local = TrimView(Sel(nameStart, p, AttrQNameBuf));
-      }
+      AttributeName name = ReadAttributeName();
       // Whatever stands between the name and the quote is dropped.
       p = FindInClass(p, end, kQuoteOrTagEnd);
-      c = Cur();
+      char16_t c = Cur();
       if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
       U quote = p < end ? *p : U(0);
       Next();
-      const U* valueStart = p;
-      p = FindUnit(p, end, quote);
-      std::u16string_view value = Sel(valueStart, p, ValueBuf);
-      if (IsXmlns(qname)) {
-        Attributes->Add(local, qname, {}, value, TVnSAXAttributeType::CDATA);
+      std::u16string_view value = ReadValue(quote);
+      if (IsXmlns(name.QName)) {
+        Attributes->Add(name.Local, name.QName, {}, value, TVnSAXAttributeType::CDATA);
         Sync();
         NS.AddURI(Level, {}, value);
-      } else if (IsXmlns(prefix)) {
-        Attributes->Add(local, qname, {}, value, TVnSAXAttributeType::CDATA);
+      } else if (IsXmlns(name.Prefix)) {
+        Attributes->Add(name.Local, name.QName, {}, value, TVnSAXAttributeType::CDATA);
         Sync();
-        NS.AddURI(Level, local, value);
+        NS.AddURI(Level, name.Local, value);
       } else {
-        Attributes->Add(local, qname, NS.GetURI(prefix), value, TVnSAXAttributeType::CDATA);
+        Attributes->Add(name.Local, name.QName, URIOf(name.Prefix), value, TVnSAXAttributeType::CDATA);
       }
       p = SkipInClass(p, end, kQuotesAndWhite);
     } while (p < end && *p != U('>') && *p != U('/'));
@@ -315,27 +433,16 @@ class XmlReadLoop {
 
   void Characters() {
     MarkStart();
-    const U* start = p;
-    const U* q = SkipAtMost(p, end, 0x20);
-    bool allWhite = q >= end || *q == U('<');
-    p = allWhite ? q : FindUnit(q, end, U('<'));
-    const U* textEnd = nullptr;
-    if (Check) {
-      if (p >= end) {
-        Sync();
-        TVnTextParser::RaiseEOF();
-      }
-    } else if (p >= end) {
-      textEnd = p;
-    }
+    bool allWhite = false;
+    std::u16string_view text = ReadText(allWhite);
     Sync();
+    // Text that runs to the end fails with the check on; without it the run is delivered.
+    if (Check && p >= end) TVnTextParser::RaiseEOF();
     if (allWhite) {
-      Content->IgnorableWhitespace(Sel(start, p, TextBuf));
-    } else if (textEnd) {
-      Content->Characters(Sel(start, textEnd, TextBuf));
-      Content->IgnorableWhitespace({});
+      Content->IgnorableWhitespace(text);
     } else {
-      Content->Characters(Sel(start, p, TextBuf));
+      Content->Characters(text);
+      if (p >= end) Content->IgnorableWhitespace({});
     }
   }
 
@@ -456,6 +563,7 @@ class XmlReadLoop {
   Integer Level = 0;  // the only memory of open elements
   const U* p;
   const U* end;
+  const VnXMLString NoURI;
   // Reused decode buffers: one per name or value that must outlive the next selection.
   std::u16string QNameBuf, PrefixBuf, LocalBuf, AttrQNameBuf, ValueBuf, TextBuf;
 };
