@@ -6,7 +6,20 @@
 namespace vn::detail {
 
 namespace {
-const char kSeedAnchor = 0;  // its address varies between runs (ASLR)
+const char kSeedAnchor = 0;
+
+// Names are short: a word at a time, without a call.
+bool SameUnits(const char16_t* A, const char16_t* B, size_t AUnits) noexcept {
+  for (; AUnits >= 4; A += 4, B += 4, AUnits -= 4) {
+    uint64_t a, b;
+    std::memcpy(&a, A, sizeof a);
+    std::memcpy(&b, B, sizeof b);
+    if (a != b) return false;
+  }
+  for (; AUnits; ++A, ++B, --AUnits)
+    if (*A != *B) return false;
+  return true;
+}  // its address varies between runs (ASLR)
 }  // namespace
 
 uint32_t HashName(std::u16string_view AName) noexcept {
@@ -77,6 +90,15 @@ void NameTable::GrowSlots() {
 }
 
 NameRec* NameTable::Acquire(std::u16string_view AName) {
+  NameRec** recent = nullptr;
+  if (!AName.empty()) {
+    recent = &FRecent[RecentSlot(AName)];
+    // the table holds a count on each of its records, so a remembered one is still alive
+    if (NameRec* rec = *recent; rec && rec->Length == AName.size() && SameUnits(rec->Chars, AName.data(), AName.size())) {
+      ++rec->Refs;
+      return rec;
+    }
+  }
   if ((FCount + 1) * 2 > FSlots.size()) GrowSlots();
   uint32_t hash = HashName(AName);
   size_t mask = FSlots.size() - 1;
@@ -84,6 +106,7 @@ NameRec* NameTable::Acquire(std::u16string_view AName) {
   while (NameRec* rec = FSlots[i]) {
     if (rec->Hash == hash && std::u16string_view(rec->Chars, rec->Length) == AName) {
       ++rec->Refs;
+      if (recent) *recent = rec;
       return rec;
     }
     i = (i + 1) & mask;
@@ -93,6 +116,7 @@ NameRec* NameTable::Acquire(std::u16string_view AName) {
   rec->Refs = 2;  // the table's and the caller's
   FSlots[i] = rec;
   ++FCount;
+  if (recent) *recent = rec;
   return rec;
 }
 

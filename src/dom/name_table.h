@@ -22,6 +22,13 @@ class NameTable {
 
  private:
   void GrowSlots();
+  // Names met lately, by length and end units: a load meets the same few names over and over,
+  // and finds them here without hashing the whole name. A miss just takes the table's way.
+  static constexpr size_t kRecent = 64;
+  static size_t RecentSlot(std::u16string_view AName) noexcept {
+    return (AName.size() * 31 + AName.front() * 7 + AName.back()) & (kRecent - 1);
+  }
+  NameRec* FRecent[kRecent] = {};
   std::vector<NameRec*> FSlots;
   size_t FCount = 0;
 };
