@@ -74,7 +74,13 @@ void TreeBuilder::Append(TVnDOMNode* AParent, TVnDOMNode* AChild) {
     if (PtrVector<TVnDOMNode>* typed = static_cast<TVnDOMElement*>(AParent)->TypedListFor(AChild))
       typed->push_back(AChild, pool);
   }
-  AChild->SetParentNode(AParent);
+  if (AChild->FNodeType == ntElement) {
+    AChild->SetParentNode(AParent);
+  } else {
+    // A leaf made here, of this library's own class, already knows its document and has no
+    // interface half or namespace to refresh: joining is all that SetParentNode would do.
+    AChild->FParent = AParent;
+  }
   if (AParent->FNodeType == ntDocument && AChild->FNodeType == ntElement) {
     auto* doc = static_cast<TVnDOMDocument*>(AParent);
     if (!doc->FRootNode) doc->FRootNode = static_cast<TVnDOMElement*>(AChild);
