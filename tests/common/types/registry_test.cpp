@@ -69,17 +69,6 @@ TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
   EXPECT_EQ(TVnTypes::GetTypeInfo(TLeaf::StaticClass())->Name(), u"TLeaf");
 }
 
-TEST(VnTypes, SchemaNamesOfTheBuiltInSchemaTypes) {
-  const std::pair<const TTypeInfo*, const char16_t*> cases[] = {
-      {TypeInfoOf<Integer>(), u"int"},      {TypeInfoOf<ShortInt>(), u"byte"}, {TypeInfoOf<Byte>(), u"unsignedByte"},
-      {Named(u"TTime"), u"time"},           {TypeInfoOf<TFruits>(), u"SetOfTFruit"},
-      {TypeInfoOf<std::vector<UnicodeString>>(), u"ArrayOfString"},
-      {TypeInfoOf<std::array<Integer, 3>>(), u"Array3OfInt"}};  // bounds keep it apart from ArrayOfInt
-  for (const auto& [type, name] : cases) EXPECT_EQ(Info(type)->SchemaName(), name);
-  EXPECT_EQ(Info(TypeInfoOf<Integer>())->SchemaName(u"xsd"), u"xsd:int");
-  EXPECT_EQ(Info(Named(u"TTime"))->SchemaType(), sdtTime);
-}
-
 TEST(VnTypes, EverySchemaNameFindsItsTypeAgain) {
   std::vector<const TTypeInfo*> types;
   for (const KindCase& c : KindCases()) types.push_back(c.Type);
