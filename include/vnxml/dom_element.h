@@ -197,6 +197,9 @@ class TVnDOMElement : public TVnDOMNode {
   void ForgetAllChildren() override;
   /// Sets FPreserveSpace down the tree, stopping at elements with their own xml:space.
   void _SetPreseveSpace(bool AValue);
+  /// Space handling on joining a parent: an own xml:space attribute rules, else the parent
+  /// element's (nullptr: not an element) or the default.
+  void InheritPreserveSpace(const TVnDOMElement* AParentElement);
   void _GetChildElements(TVnDOMElementList& AList, std::u16string_view APrefix, TVnDOMSelectOptions AOptions,
                          bool ARecursive, std::u16string_view ALocalName);
   detail::PtrVector<TVnDOMNode>* TypedListFor(const TVnDOMNode* ANode) noexcept;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "vnxml/dom_node.h"
 #include "vnxml/sax_contract.h"
@@ -43,7 +44,7 @@ class TVnDOMParser : public TVnObject,
   // IVnSAXContentHandler
   void SetDocumentLocator(IVnSAXLocator* ALocator) override { FLocator = ALocator; }
   void Characters(std::u16string_view AText) override;
-  void EndDocument() override {}
+  void EndDocument() override;
   void EndElement(std::u16string_view ANamespaceURI, std::u16string_view ALocalName,
                   std::u16string_view AQName) override;
   void EndPrefixMapping(std::u16string_view) override {}
@@ -64,14 +65,12 @@ class TVnDOMParser : public TVnObject,
   void EndEntity(std::u16string_view) override {}
 
  private:
-  /// The node events go to; a stray end tag above the target ends the load in order.
-  TVnDOMNode* Current();
+  /// The builder of this parse, made on the first event for a reader not run by Parse.
+  detail::TreeBuilder& Builder();
 
   TVnDOMNode* FTarget;
-  TVnDOMNode* FDOMNode;
   IVnSAXLocator* FLocator = nullptr;
-  TVnSAXReader* FReader = nullptr;
-  detail::TreeBuilder* FBuilder = nullptr;
+  std::unique_ptr<detail::TreeBuilder> FBuilder;
   bool FInCDATA = false;
 };
 

@@ -99,6 +99,12 @@ class PtrVector {
     FBlock->Size = size;
     FBlock->Cap = ACapacity | (APool ? kPooled : 0);
   }
+  /// Adds the ACount items at AItems at the end; room for them must be reserved.
+  void append_reserved(T* const* AItems, uint32_t ACount) noexcept {
+    if (!ACount) return;
+    std::memcpy(Items() + FBlock->Size, AItems, sizeof(T*) * ACount);
+    FBlock->Size += ACount;
+  }
   void push_back(T* AItem, NodePool* APool = nullptr) {
     Grow(APool);
     Items()[FBlock->Size++] = AItem;

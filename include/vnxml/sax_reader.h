@@ -18,8 +18,14 @@ namespace vn {
 
 class TVnSAXXMLReader;
 namespace detail {
-template <class Enc>
+template <class Enc, class Sink>
 class XmlReadLoop;
+/// A reading loop run in place of the handler calls: the library's DOM loader builds its nodes
+/// straight from the reader's scan. The reader's framing (scanner, failure report) stays.
+struct ReadLoopOverride {
+  void (*Run)(TVnSAXXMLReader& AReader, void* AContext) = nullptr;
+  void* Context = nullptr;
+};
 }
 
 /// One namespace declaration in force.
@@ -48,7 +54,7 @@ class TVnSAXNamespaceList : public TObject {
   Integer Count() const { return static_cast<Integer>(FList.size()); }
 
  private:
-  template <class Enc>
+  template <class Enc, class Sink>
   friend class detail::XmlReadLoop;
 
   /// Index of the newest declaration of APrefix in FList, or -1.
@@ -154,6 +160,9 @@ class TVnSAXXMLReader : public TVnSAXReader {
   TVnSAXNamespaceList& GetNamespaceList() { return FNamespaceList; }
   /// The scanner of the running parse by its precise type, nullptr outside one.
   TVnXMLParser* GetXMLParser() const { return static_cast<TVnXMLParser*>(FParser.get()); }
+  /// For the library's own loaders: parses run AOverride instead of calling the handlers,
+  /// which must still be set (the error handler hears of failures as always).
+  void SetLoopOverride(const detail::ReadLoopOverride& AOverride) { FLoopOverride = AOverride; }
 
  protected:
   std::unique_ptr<TVnTextParser> CreateParser(TStream* AStream, bool AOwnsStream, bool ADetectBOM,
@@ -161,13 +170,14 @@ class TVnSAXXMLReader : public TVnSAXReader {
   void InternalParse() override;
 
  private:
-  template <class Enc>
+  template <class Enc, class Sink>
   friend class detail::XmlReadLoop;
 
   bool FCheckSingleRootElm = true;
   TVnSAXNamespaceList FNamespaceList;
   // One attribute set serves every tag that has attributes: cleared, never freed, per tag.
   std::unique_ptr<TVnSAXXMAttributes> FTagAttributes;
+  detail::ReadLoopOverride FLoopOverride;
 };
 
 }  // namespace vn

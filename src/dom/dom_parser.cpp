@@ -1,13 +1,10 @@
 // TVnDOMParser: reader events become nodes; also the node-level entry points that parse text.
 #include "vnxml/dom_parser.h"
 
-#include <iterator>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include <typeinfo>
 
 #include "dom/tree_builder.h"
+#include "xml/xml_read_loop.h"
 
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
@@ -34,40 +31,57 @@ char16_t SkipToSignificant(TStream& AStream, Word ACodePage) {
   return 0;
 }
 
-// Does AText hold a double quote? Asked of every attribute value, so eight units a step.
-bool HasQuote(std::u16string_view AText) {
-  const char16_t* p = AText.data();
-  const char16_t* end = p + AText.size();
-#if defined(__SSE2__)
-  const __m128i quote = _mm_set1_epi16(u'"');
-  for (; end - p >= 8; p += 8)
-    if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), quote))) return true;
-#endif
-  for (; p < end; ++p)
-    if (*p == u'"') return true;
-  return false;
-}
+// The loader's own sink for the reading loop: events become nodes at once, with no handler
+// calls, attribute records or namespace bookkeeping between the scan and the tree.
+class BuildSink {
+ public:
+  static constexpr bool kNamespaces = false;
 
-UnicodeString QuotesAsReferences(std::u16string_view AValue) {
-  UnicodeString out;
-  out.reserve(AValue.size() + 8);
-  for (char16_t c : AValue) {
-    if (c == u'"')
-      out += u"&quot;";
-    else
-      out.push_back(c);
+  explicit BuildSink(detail::TreeBuilder& ABuilder) : B(ABuilder) {}
+
+  void StartDocument() {}
+  void EndDocument() {}
+  void StartTag(std::u16string_view AQName) { B.BeginElement(AQName); }
+  void Attribute(std::u16string_view, std::u16string_view AQName, std::u16string_view, std::u16string_view AValue,
+                 bool ASingleQuoted) {
+    B.AddAttribute(AQName, AValue, ASingleQuoted);
   }
-  return out;
-}
+  void StartElement(std::u16string_view, std::u16string_view, std::u16string_view, bool) { B.EnterElement(); }
+  void EndElement(std::u16string_view, std::u16string_view, std::u16string_view) { B.EndElement(); }
+  void Characters(std::u16string_view AText) {
+    if (InCDATA)
+      B.AddCDATA(AText);
+    else
+      B.AddText(AText);
+  }
+  void IgnorableWhitespace(std::u16string_view AText) { B.AddWhitespace(AText); }
+  void ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {
+    B.AddInstruction(ATarget, AData);
+  }
+  void StartCDATA() { InCDATA = true; }
+  void EndCDATA() { InCDATA = false; }
+  bool WantsComments() const { return true; }
+  void Comment(std::u16string_view AText) { B.AddComment(AText); }
+  void StartDTD() {}
+  void EndDTD() {}
 
-// The same failure for every event that arrives with no node to take it.
-[[noreturn]] void NoNodeForEvent() {
-  throw EVnXMLParseError(cVnXMLErrInvalidTextAtRoot, UnicodeString(_cVnXMLInvalidTextAtRoot));
+ private:
+  detail::TreeBuilder& B;
+  bool InCDATA = false;
+};
+
+void RunBuildLoop(TVnSAXXMLReader& AReader, void* ABuilder) {
+  BuildSink sink(*static_cast<detail::TreeBuilder*>(ABuilder));
+  switch (AReader.GetXMLParser()->GetCharacterSetType()) {
+    case csUTF16: detail::XmlReadLoop<detail::read_loop::Utf16Units, BuildSink>(AReader, sink).Run(); break;
+    case csUTF8: detail::XmlReadLoop<detail::read_loop::Utf8Units, BuildSink>(AReader, sink).Run(); break;
+    default: detail::XmlReadLoop<detail::read_loop::AnsiUnits, BuildSink>(AReader, sink).Run(); break;
+  }
 }
 
 }  // namespace
 
-TVnDOMParser::TVnDOMParser(TVnDOMNode* ANode) : FTarget(ANode), FDOMNode(ANode) {
+TVnDOMParser::TVnDOMParser(TVnDOMNode* ANode) : FTarget(ANode) {
   // The reader's interface references hold no count: this parser is freed by its creator.
   SetAutoDestroy(false);
 }
@@ -83,27 +97,27 @@ void TVnDOMParser::Parse(TStream& AStream, Word ACodePage) {
   reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(this));
   reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(this));
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(this));
-  detail::TreeBuilder builder(FTarget);
-  FReader = &reader;
-  FBuilder = &builder;
+  FBuilder = std::make_unique<detail::TreeBuilder>(FTarget);
+  // This class builds straight from the scan; a subclass hears every event as a handler.
+  if (typeid(*this) == typeid(TVnDOMParser)) reader.SetLoopOverride({&RunBuildLoop, FBuilder.get()});
   struct Detach {
     TVnDOMParser& Parser;
     TVnSAXXMLReader& Reader;
     ~Detach() {
-      Parser.FReader = nullptr;
       Parser.FLocator = nullptr;
-      Parser.FBuilder = nullptr;
+      Parser.FBuilder.reset();
       Reader.SetContentHandler(nullptr);
       Reader.SetLexicalHandler(nullptr);
       Reader.SetErrorHandler(nullptr);
     }
   } detach{*this, reader};
   reader.ParseStream(&AStream, ACodePage, u"");
+  FBuilder->Finish();
 }
 
-TVnDOMNode* TVnDOMParser::Current() {
-  if (!FDOMNode) NoNodeForEvent();
-  return FDOMNode;
+detail::TreeBuilder& TVnDOMParser::Builder() {
+  if (!FBuilder) FBuilder = std::make_unique<detail::TreeBuilder>(FTarget);
+  return *FBuilder;
 }
 
 void TVnDOMParser::Warning(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
@@ -117,6 +131,8 @@ void TVnDOMParser::Error(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
 }
 
 void TVnDOMParser::FatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
+  // The load ends here: whoever hears of it finds a whole tree.
+  if (FBuilder) FBuilder->Finish();
   bool handled = false;
   if (OnParseFatalError) OnParseFatalError(ALocator, AErrMsg, handled);
   if (handled) return;
@@ -125,64 +141,34 @@ void TVnDOMParser::FatalError(IVnSAXLocator* ALocator, std::u16string_view AErrM
 
 void TVnDOMParser::StartElement(std::u16string_view, std::u16string_view, std::u16string_view AQName,
                                 IVnSAXAttributes* AAttributes) {
-  TVnDOMNode* parent = Current();
-  uint32_t count = 0;
-  for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) ++count;
-  TVnDOMElement* element = FBuilder->NewElement(AQName, count);
-  // From here the element is the tree's: joined at once, or freed with the builder's pool.
-  std::unique_ptr<TVnDOMElement> pending(element);
-  bool schemaInstance = false;
-  for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
-    // Values are written back in double quotes: one read from single quotes keeps its quote
-    // characters as references, so the saved text loads to the same value.
-    if (!HasQuote(a->Value))
-      FBuilder->AddAttribute(element, a->QName, a->Value);
-    else
-      FBuilder->AddAttribute(element, a->QName, QuotesAsReferences(a->Value));
-    if (!schemaInstance && a->Value.size() == std::size(cVnXSINamespaceURI) - 1 && SameText(a->Value, cVnXSINamespaceURI))
-      schemaInstance = true;
-  }
-  // Joining the parent computes the element's namespace from its declarations and the scope.
-  pending.release();
-  FBuilder->Append(parent, element);
-  if (schemaInstance && parent->GetNodeType() == ntDocument) static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
-  FDOMNode = element;
+  detail::TreeBuilder& builder = Builder();
+  builder.BeginElement(AQName);
+  for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) builder.AddAttribute(a->QName, a->Value);
+  builder.EnterElement();
 }
 
 void TVnDOMParser::EndElement(std::u16string_view, std::u16string_view, std::u16string_view) {
-  // The name is not matched (the reader does not either), but an end tag never climbs above
-  // the node being filled.
-  TVnDOMNode* current = Current();
-  if (current == FTarget) {
-    FDOMNode = nullptr;
-    NoNodeForEvent();
-  }
-  FDOMNode = current->ParentNode();
+  Builder().EndElement();
+}
+
+void TVnDOMParser::EndDocument() {
+  if (FBuilder) FBuilder->Finish();
 }
 
 void TVnDOMParser::Characters(std::u16string_view AText) {
-  TVnDOMNode* node = Current();
-  if (FInCDATA) {
-    if (node->GetNodeType() != ntElement) throw EInvalidCast(u"Invalid class typecast");
-    FBuilder->Append(node, FBuilder->NewCDATA(AText));
-    return;
-  }
-  FBuilder->Append(node, FBuilder->NewText(AText));
+  if (FInCDATA)
+    Builder().AddCDATA(AText);
+  else
+    Builder().AddText(AText);
 }
 
-void TVnDOMParser::IgnorableWhitespace(std::u16string_view AWhiteSpace) {
-  if (Current()->GetPreserveSpace()) Characters(AWhiteSpace);
-}
+void TVnDOMParser::IgnorableWhitespace(std::u16string_view AWhiteSpace) { Builder().AddWhitespace(AWhiteSpace); }
 
 void TVnDOMParser::ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {
-  TVnDOMNode* node = Current();
-  FBuilder->Append(node, FBuilder->NewInstruction(ATarget, AData));
+  Builder().AddInstruction(ATarget, AData);
 }
 
-void TVnDOMParser::Comment(std::u16string_view AComment) {
-  TVnDOMNode* node = Current();
-  FBuilder->Append(node, FBuilder->NewComment(AComment));
-}
+void TVnDOMParser::Comment(std::u16string_view AComment) { Builder().AddComment(AComment); }
 
 // ---- node entry points ----
 

@@ -189,6 +189,17 @@ void TVnDOMElement::RefreshNamespacesSelf() {
   if (setAgain) FNamespace = FindScopeDeclaration(DeclarationName(PrefixView()));
 }
 
+void TVnDOMElement::InheritPreserveSpace(const TVnDOMElement* AParentElement) {
+  if (TVnDOMNode* space = MayHaveXmlSpace(*this, FAttrs) ? detail::FindInItems(FAttrs, *this, u"xml:space", {soQualifiedName})
+                                                           : nullptr) {
+    FPreserveSpace = SameText(static_cast<TVnDOMAttribute*>(space)->GetStoredValue(), u"preserve");
+    _SetPreseveSpace(FPreserveSpace);
+  } else {
+    bool wanted = AParentElement ? AParentElement->FPreserveSpace : DefaultPreserveCase;
+    if (wanted != FPreserveSpace) _SetPreseveSpace(wanted);
+  }
+}
+
 void TVnDOMElement::SetParentNode(TVnDOMObject* AParent) {
   TVnDOMObject* old = FParent;
   bool hadNamespace = FNamespace != nullptr;
@@ -204,15 +215,7 @@ void TVnDOMElement::SetParentNode(TVnDOMObject* AParent) {
   }
   TVnDOMNode::SetParentNode(AParent);
   if (FDestroying) return;
-  if (TVnDOMNode* space = MayHaveXmlSpace(*this, FAttrs) ? detail::FindInItems(FAttrs, *this, u"xml:space", {soQualifiedName})
-                                                           : nullptr) {
-    FPreserveSpace = SameText(static_cast<TVnDOMAttribute*>(space)->GetStoredValue(), u"preserve");
-    _SetPreseveSpace(FPreserveSpace);
-  } else {
-    auto* pe = CastObject<TVnDOMElement>(AParent);
-    bool wanted = pe ? pe->FPreserveSpace : DefaultPreserveCase;
-    if (wanted != FPreserveSpace) _SetPreseveSpace(wanted);
-  }
+  InheritPreserveSpace(CastObject<TVnDOMElement>(AParent));
   detail::NodeExtras* x = ExtrasIfAny();
   if ((!old || hadNamespace) && AParent && x && !x->NamespaceURI.empty()) {
     UnicodeString uri = x->NamespaceURI;

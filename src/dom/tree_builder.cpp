@@ -1,17 +1,72 @@
 // TreeBuilder: nodes of a load, made from the load's pool and joined without re-checking.
 #include "dom/tree_builder.h"
 
+#include <iterator>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "dom/ns_scope.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/sax_reader.h"
 
 namespace vn::detail {
+
+namespace {
+
+// Does AText hold a double quote? Asked of attribute values, so eight units a step.
+bool HasQuote(std::u16string_view AText) {
+  const char16_t* p = AText.data();
+  const char16_t* end = p + AText.size();
+#if defined(__SSE2__)
+  const __m128i quote = _mm_set1_epi16(u'"');
+  for (; end - p >= 8; p += 8)
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), quote))) return true;
+#endif
+  for (; p < end; ++p)
+    if (*p == u'"') return true;
+  return false;
+}
+
+UnicodeString QuotesAsReferences(std::u16string_view AValue) {
+  UnicodeString out;
+  out.reserve(AValue.size() + 8);
+  for (char16_t c : AValue) {
+    if (c == u'"')
+      out += u"&quot;";
+    else
+      out.push_back(c);
+  }
+  return out;
+}
+
+bool IsSchemaInstanceURI(std::u16string_view AValue) {
+  return AValue.size() == std::size(cVnXSINamespaceURI) - 1 && SameText(AValue, cVnXSINamespaceURI);
+}
+
+// The same failure for every event that arrives with no node to take it.
+[[noreturn]] void NoNodeForEvent() {
+  throw EVnXMLParseError(cVnXMLErrInvalidTextAtRoot, UnicodeString(_cVnXMLInvalidTextAtRoot));
+}
+
+}  // namespace
 
 TreeBuilder::TreeBuilder(TVnDOMNode* ATarget)
     : FTarget(ATarget),
       FDocument(ATarget->FDOMDocument),
       FNames(TVnDOMNode::NameTableOf(ATarget->FDOMDocument)),
-      FPool(NodePool::Create()) {}
+      FPool(NodePool::Create()),
+      FCurrent(ATarget) {}
 
-TreeBuilder::~TreeBuilder() { FPool->Seal(); }
+TreeBuilder::~TreeBuilder() {
+  try {
+    Finish();
+  } catch (...) {
+    // Out of memory while closing: what could not join stays with the pool.
+  }
+  FPool->Seal();
+}
 
 template <class T>
 T* TreeBuilder::Make() {
@@ -21,70 +76,185 @@ T* TreeBuilder::Make() {
   return node;
 }
 
-TVnDOMElement* TreeBuilder::NewElement(std::u16string_view AQName, uint32_t AAttributeCount) {
-  auto* e = Make<TVnDOMElement>();
-  e->FName.Set(AQName, FNames);
-  if (AAttributeCount) {
-    e->FAttrs.reserve(AAttributeCount, FPool);
-    e->FChildren.reserve(AAttributeCount + 1, FPool);
-  }
-  return e;
+TVnDOMNode* TreeBuilder::Current() {
+  if (!FCurrent) NoNodeForEvent();
+  return FCurrent;
 }
 
-void TreeBuilder::AddAttribute(TVnDOMElement* AElement, std::u16string_view AQName, std::u16string_view AStoredValue) {
+// ---- start tags ----
+
+void TreeBuilder::BeginElement(std::u16string_view AQName) {
+  Current();
+  DropPending();
+  FSchemaInstance = false;
+  FPending = Make<TVnDOMElement>();
+  FPending->FName.Set(AQName, FNames);
+}
+
+void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote) {
+  // The slot comes first: a node made is always found again, should anything below fail.
+  FAttributes.push_back(nullptr);
   auto* a = Make<TVnDOMAttribute>();
+  FAttributes.back() = a;
+  a->FParent = FPending;
   a->FName.Set(AQName, FNames);
-  a->FNodeValue.AssignIn(*FPool, AStoredValue);
+  if (AMayHoldQuote && HasQuote(AValue))
+    a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
+  else
+    a->FNodeValue.AssignIn(*FPool, AValue);
   if (a->IsNamespace()) gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
-  AElement->FChildren.push_back(a, FPool);
-  AElement->FAttrs.push_back(a, FPool);
-  // A detached element: joining it is all an attribute's SetParentNode would do.
-  a->FParent = AElement;
+  if (!FSchemaInstance && IsSchemaInstanceURI(AValue)) FSchemaInstance = true;
 }
 
-TVnDOMText* TreeBuilder::NewText(std::u16string_view AStoredValue) {
+void TreeBuilder::SealAttributes(TVnDOMElement* AElement) {
+  std::erase(FAttributes, nullptr);
+  if (!FAttributes.empty()) {
+    AElement->FAttrs.reserve(static_cast<uint32_t>(FAttributes.size()), FPool);
+    AElement->FAttrs.append_reserved(FAttributes.data(), static_cast<uint32_t>(FAttributes.size()));
+  }
+  FAttributes.clear();
+}
+
+void TreeBuilder::EnterElement() {
+  TVnDOMNode* parent = Current();
+  TVnDOMElement* element = FPending;
+  SealAttributes(element);
+  if (parent == FTarget) {
+    AppendToTarget(element);
+  } else {
+    FWaiting.push_back(element);
+  }
+  FPending = nullptr;
+  Join(parent, element);
+  if (FSchemaInstance && parent->GetNodeType() == ntDocument)
+    static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
+  FOpen.push_back(static_cast<uint32_t>(FWaiting.size()));
+  FCurrent = element;
+}
+
+void TreeBuilder::Join(TVnDOMNode* AParent, TVnDOMElement* AElement) {
+  // What SetParentNode does for a fresh element of this library's class, whose only children
+  // so far are its attributes: a tree without a document works out no namespaces.
+  AElement->FParent = AParent;
+  if (FDocument) {
+    AElement->RefreshNamespacesSelf();
+    for (TVnDOMNode* a : AElement->FAttrs) a->RefreshNamespacesSelf();
+  }
+  AElement->InheritPreserveSpace(AParent->FNodeType == ntElement ? static_cast<TVnDOMElement*>(AParent) : nullptr);
+}
+
+// ---- end tags ----
+
+void TreeBuilder::EndElement() {
+  // The name is not matched (the reader does not either), but an end tag never climbs above
+  // the node being filled.
+  if (Current() == FTarget) {
+    FCurrent = nullptr;
+    NoNodeForEvent();
+  }
+  CloseElement();
+}
+
+void TreeBuilder::CloseElement() {
+  auto* element = static_cast<TVnDOMElement*>(FCurrent);
+  const uint32_t first = FOpen.back();
+  TVnDOMNode* const* kids = FWaiting.data() + first;
+  const auto kidCount = static_cast<uint32_t>(FWaiting.size() - first);
+  const uint32_t attributeCount = element->FAttrs.size();
+  if (attributeCount + kidCount) {
+    // Attributes lead the child list, as they do in every element.
+    element->FChildren.reserve(attributeCount + kidCount, FPool);
+    element->FChildren.append_reserved(element->FAttrs.begin(), attributeCount);
+    element->FChildren.append_reserved(kids, kidCount);
+    uint32_t elements = 0, chars = 0;
+    for (uint32_t i = 0; i < kidCount; ++i) {
+      PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
+      if (list == &element->FElems)
+        ++elements;
+      else if (list == &element->FChars)
+        ++chars;
+    }
+    element->FElems.reserve(elements, FPool);
+    element->FChars.reserve(chars, FPool);
+    for (uint32_t i = 0; i < kidCount; ++i)
+      if (PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i])) list->push_back(kids[i], FPool);
+  }
+  FWaiting.resize(first);
+  FOpen.pop_back();
+  FCurrent = element->ParentNode();
+}
+
+void TreeBuilder::DropPending() {
+  TVnDOMElement* pending = std::exchange(FPending, nullptr);
+  if (!pending) return;
+  // It never joined: it goes with its attributes, which its child list must hold for that.
+  SealAttributes(pending);
+  pending->FChildren.reserve(pending->FAttrs.size(), FPool);
+  pending->FChildren.append_reserved(pending->FAttrs.begin(), pending->FAttrs.size());
+  delete pending;
+}
+
+void TreeBuilder::Finish() {
+  DropPending();
+  while (!FOpen.empty()) CloseElement();
+}
+
+// ---- leaves ----
+
+void TreeBuilder::AppendToTarget(TVnDOMNode* AChild) {
+  FTarget->FChildren.push_back(AChild);
+  if (FTarget->FNodeType == ntElement) {
+    if (PtrVector<TVnDOMNode>* typed = static_cast<TVnDOMElement*>(FTarget)->TypedListFor(AChild)) typed->push_back(AChild);
+  }
+  AChild->FParent = FTarget;
+  if (FTarget->FNodeType == ntDocument && AChild->FNodeType == ntElement) {
+    auto* doc = static_cast<TVnDOMDocument*>(FTarget);
+    if (!doc->FRootNode) doc->FRootNode = static_cast<TVnDOMElement*>(AChild);
+  }
+}
+
+void TreeBuilder::Place(TVnDOMNode* ALeaf) {
+  // A leaf made here, of this library's own class, already knows its document and has no
+  // interface half or namespace to refresh: joining is all that SetParentNode would do.
+  if (FCurrent == FTarget) {
+    AppendToTarget(ALeaf);
+  } else {
+    FWaiting.push_back(ALeaf);
+    ALeaf->FParent = FCurrent;
+  }
+}
+
+void TreeBuilder::AddText(std::u16string_view AStoredValue) {
+  Current();
   auto* t = Make<TVnDOMText>();
   t->FNodeValue.AssignIn(*FPool, AStoredValue);
-  return t;
+  Place(t);
 }
 
-TVnDOMCDATA* TreeBuilder::NewCDATA(std::u16string_view AText) {
+void TreeBuilder::AddWhitespace(std::u16string_view AText) {
+  if (Current()->GetPreserveSpace()) AddText(AText);
+}
+
+void TreeBuilder::AddCDATA(std::u16string_view AText) {
+  if (Current()->GetNodeType() != ntElement) throw EInvalidCast(u"Invalid class typecast");
   auto* c = Make<TVnDOMCDATA>();
   c->FNodeValue.AssignIn(*FPool, AText);
-  return c;
+  Place(c);
 }
 
-TVnDOMComment* TreeBuilder::NewComment(std::u16string_view AText) {
+void TreeBuilder::AddComment(std::u16string_view AText) {
+  Current();
   auto* c = Make<TVnDOMComment>();
   c->FNodeValue.AssignIn(*FPool, AText);
-  return c;
+  Place(c);
 }
 
-TVnDOMProcessingInstruction* TreeBuilder::NewInstruction(std::u16string_view ATarget, std::u16string_view AData) {
+void TreeBuilder::AddInstruction(std::u16string_view ATarget, std::u16string_view AData) {
+  Current();
   auto* pi = Make<TVnDOMProcessingInstruction>();
   pi->FName.Set(ATarget, FNames);
   pi->FData.AssignIn(*FPool, AData);
-  return pi;
-}
-
-void TreeBuilder::Append(TVnDOMNode* AParent, TVnDOMNode* AChild) {
-  NodePool* pool = AParent == FTarget ? nullptr : FPool;
-  AParent->FChildren.push_back(AChild, pool);
-  if (AParent->FNodeType == ntElement) {
-    if (PtrVector<TVnDOMNode>* typed = static_cast<TVnDOMElement*>(AParent)->TypedListFor(AChild))
-      typed->push_back(AChild, pool);
-  }
-  if (AChild->FNodeType == ntElement) {
-    AChild->SetParentNode(AParent);
-  } else {
-    // A leaf made here, of this library's own class, already knows its document and has no
-    // interface half or namespace to refresh: joining is all that SetParentNode would do.
-    AChild->FParent = AParent;
-  }
-  if (AParent->FNodeType == ntDocument && AChild->FNodeType == ntElement) {
-    auto* doc = static_cast<TVnDOMDocument*>(AParent);
-    if (!doc->FRootNode) doc->FRootNode = static_cast<TVnDOMElement*>(AChild);
-  }
+  Place(pi);
 }
 
 }  // namespace vn::detail

@@ -1,9 +1,14 @@
 // The loader's way of making nodes: from one pool per load, named through the document's name
 // table, and joined to their parent with the same effects as AppendChild but none of the
 // checks that a fresh node cannot fail.
+//
+// The children of an open element wait in one list shared by all open levels; when the
+// element closes they move into arrays of just their size. So a loaded tree carries no slack,
+// and no array is copied as it grows.
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "vnxml/dom_document.h"
 
@@ -16,30 +21,61 @@ class TreeBuilder {
   /// Builds below ATarget. The nodes made here come from a new pool; ATarget's own arrays stay
   /// on the heap, as ATarget may outlive every node of the load.
   explicit TreeBuilder(TVnDOMNode* ATarget);
-  /// The pool is left to the nodes.
+  /// Finishes what is open; the pool is left to the nodes.
   ~TreeBuilder();
   TreeBuilder(const TreeBuilder&) = delete;
   TreeBuilder& operator=(const TreeBuilder&) = delete;
 
-  /// A detached element with room for AAttributeCount attributes.
-  TVnDOMElement* NewElement(std::u16string_view AQName, uint32_t AAttributeCount);
-  /// Adds an attribute to AElement, a new element of this builder that has not joined its parent.
-  void AddAttribute(TVnDOMElement* AElement, std::u16string_view AQName, std::u16string_view AStoredValue);
-  TVnDOMText* NewText(std::u16string_view AStoredValue);
-  TVnDOMCDATA* NewCDATA(std::u16string_view AText);
-  TVnDOMComment* NewComment(std::u16string_view AText);
-  TVnDOMProcessingInstruction* NewInstruction(std::u16string_view ATarget, std::u16string_view AData);
-  /// Makes AChild, a node of this builder, the last child of AParent.
-  void Append(TVnDOMNode* AParent, TVnDOMNode* AChild);
+  // A start tag: BeginElement, each attribute, then EnterElement.
+  void BeginElement(std::u16string_view AQName);
+  /// AValue as read. Values are written back in double quotes, so one that may hold a double
+  /// quote (read from single quotes) keeps it as a reference and the saved text loads the same.
+  void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true);
+  /// The element of the start tag joins the node being filled and is filled next.
+  void EnterElement();
+  /// An end tag: the element being filled is complete. One for the target itself ends the load
+  /// in order, with a failure.
+  void EndElement();
+
+  void AddText(std::u16string_view AStoredValue);
+  /// White space between tags, kept only where the node being filled preserves space.
+  void AddWhitespace(std::u16string_view AText);
+  void AddCDATA(std::u16string_view AText);
+  void AddComment(std::u16string_view AText);
+  void AddInstruction(std::u16string_view ATarget, std::u16string_view AData);
+
+  /// Makes the tree whole as far as the load got: open elements get their children, a start tag
+  /// cut short is dropped. Runs at the end of a load and before anyone hears of a failure.
+  void Finish();
 
  private:
   template <class T>
   T* Make();
+  /// The node being filled; fails once a stray end tag has left none.
+  TVnDOMNode* Current();
+  /// Adds ALeaf, a node of this builder, as the last child of the node being filled.
+  void Place(TVnDOMNode* ALeaf);
+  /// The target takes children one by one, into its own arrays, as AppendChild would.
+  void AppendToTarget(TVnDOMNode* AChild);
+  /// What joining its parent does to a loaded element: namespaces and space handling.
+  void Join(TVnDOMNode* AParent, TVnDOMElement* AElement);
+  /// The attributes read for the pending element become its own.
+  void SealAttributes(TVnDOMElement* AElement);
+  /// Frees the element of a start tag that never ended.
+  void DropPending();
+  /// The innermost open element takes its waiting children and the one above it is filled.
+  void CloseElement();
 
   TVnDOMNode* FTarget;
   TVnDOMDocument* FDocument;
   NameTable* FNames;
   NodePool* FPool;
+  TVnDOMNode* FCurrent;
+  TVnDOMElement* FPending = nullptr;  // the element of a start tag being read
+  bool FSchemaInstance = false;       // the start tag declares the schema-instance namespace
+  std::vector<TVnDOMNode*> FAttributes;
+  std::vector<TVnDOMNode*> FWaiting;  // children of the open elements, innermost last
+  std::vector<uint32_t> FOpen;        // where each open element's children start in FWaiting
 };
 
 }  // namespace vn::detail

@@ -1,574 +1,67 @@
-// TVnSAXXMLReader: the flat reading loop over prolog, tags, text and the tail after the root.
-// The loop walks the scanner's buffer with a local pointer, one instantiation per kind of code
-// unit, and hands the scanner its position back before every event and every failure, so that
-// a locator always reports where the reader stands.
-#include "common/text_parser_scan.h"
-#include "vnxml/common/sysutils.h"
-#include "vnxml/sax_reader.h"
+// TVnSAXXMLReader: the reading loop with the handlers as its sink.
+#include "xml/xml_read_loop.h"
 
 namespace vn {
 
-namespace detail {
-
 namespace {
 
-constexpr ByteClass kElementName{":<>/", true, false};
-constexpr ByteClass kElementLocalName{">/", true, false};
-constexpr ByteClass kAttributeName{"=:<>", false, false};
-constexpr ByteClass kAttributeLocalName{"=<>", false, false};
-constexpr ByteClass kQuoteOrTagEnd{"'\"<>", false, false};
-constexpr ByteClass kQuotesAndWhite{"'\"", true, false};
-constexpr ByteClass kSpaceOrQuest{" ?", false, false};
-constexpr ByteClass kAngles{"<>", false, false};
-
-// Names are seldom surrounded by white space: the test for that stays inline.
-[[gnu::always_inline]] inline std::u16string_view TrimView(std::u16string_view s) {
-  if (!s.empty() && s.front() > u' ' && s.back() > u' ') return s;
-  size_t b = 0, e = s.size();
-  while (b < e && s[b] <= u' ') ++b;
-  while (e > b && s[e - 1] <= u' ') --e;
-  return s.substr(b, e - b);
-}
-
-// "xmlns" as five characters whose low bytes spell it, in any case.
-bool IsXmlns(std::u16string_view s) {
-  if (s.size() != 5) return false;
-  static constexpr char kWord[] = "xmlns";
-  for (size_t i = 0; i < 5; ++i)
-    if (((s[i] & 0xFF) | 0x20) != kWord[i]) return false;
-  return true;
-}
-
-struct Utf16Units {
-  using U = char16_t;
-  static const U* Next(const U* p, const U*) { return p + 1; }
-};
-struct Utf8Units {
-  using U = uint8_t;
-  static const U* Next(const U* p, const U* e) { return Utf8Next(p, e); }
-};
-struct AnsiUnits {
-  using U = uint8_t;
-  static const U* Next(const U* p, const U*) { return p + 1; }
-};
-
-}  // namespace
-
-template <class Enc>
-class XmlReadLoop {
-  using U = typename Enc::U;
-  // UTF-8 text takes the sixteen-byte paths for ASCII runs; the others select and decode.
-  static constexpr bool kUtf8 = std::is_same_v<Enc, Utf8Units>;
-
+// The reader's own sink: every event goes to the handlers, a start tag's attributes into the
+// reader's reused attribute records.
+class HandlerSink {
  public:
-  explicit XmlReadLoop(TVnSAXXMLReader& AReader)
-      : R(AReader),
-        P(*AReader.GetXMLParser()),
-        C(P.Cursor()),
-        NS(AReader.FNamespaceList),
-        Content(AReader.FContentHandler.Get()),
-        Lexical(AReader.FLexicalHandler.Get()),
-        Check(AReader.FCheckSingleRootElm) {
-    p = reinterpret_cast<const U*>(C.Cur);
-    end = reinterpret_cast<const U*>(C.End);
-    FastUtf8 = P.GetCharacterSetType() == csUTF8 &&
-               (P.GetContentCodePage() == 65001 || P.GetContentCodePage() == 0);
-    if (!R.FTagAttributes) R.FTagAttributes = std::make_unique<TVnSAXXMAttributes>();
-    Attributes = R.FTagAttributes.get();
-  }
+  static constexpr bool kNamespaces = true;
 
-  void Run() {
-    p = FindUnit(p, end, U('<'));
-    Sync();
-    Content->StartDocument();
-    Prolog();
-    p = SkipAtMost(p, end, 0x20);
-    CheckCurr(u'<');
-    while (p < end) {
-      if (Tail) {
-        TailStep();
-        continue;
-      }
-      if (*p != U('<')) {
-        Characters();
-        continue;
-      }
-      if (!CommentCDataOrInstruction()) Element();
-    }
-    Sync();
-    Content->EndDocument();
+  HandlerSink(IVnSAXContentHandler* AContent, IVnSAXLexicalHandler* ALexical, TVnSAXXMAttributes* ATagAttributes,
+              TVnSAXXMAttributes* AEmptyAttributes)
+      : Content(AContent), Lexical(ALexical), Attributes(ATagAttributes), Empty(AEmptyAttributes) {}
+
+  void StartDocument() { Content->StartDocument(); }
+  void EndDocument() { Content->EndDocument(); }
+  void StartTag(std::u16string_view) { Attributes->Clear(); }
+  void Attribute(std::u16string_view ALocal, std::u16string_view AQName, std::u16string_view AURI,
+                 std::u16string_view AValue, bool) {
+    Attributes->Add(ALocal, AQName, AURI, AValue, TVnSAXAttributeType::CDATA);
+  }
+  void StartElement(std::u16string_view AURI, std::u16string_view ALocal, std::u16string_view AQName,
+                    bool AHasAttributes) {
+    Content->StartElement(AURI, ALocal, AQName, AHasAttributes ? Attributes : Empty);
+  }
+  void EndElement(std::u16string_view AURI, std::u16string_view ALocal, std::u16string_view AQName) {
+    Content->EndElement(AURI, ALocal, AQName);
+  }
+  void Characters(std::u16string_view AText) { Content->Characters(AText); }
+  void IgnorableWhitespace(std::u16string_view AText) { Content->IgnorableWhitespace(AText); }
+  void ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {
+    Content->ProcessingInstruction(ATarget, AData);
+  }
+  void StartCDATA() {
+    if (Lexical) Lexical->StartCDATA();
+  }
+  void EndCDATA() {
+    if (Lexical) Lexical->EndCDATA();
+  }
+  bool WantsComments() const { return Lexical != nullptr; }
+  void Comment(std::u16string_view AText) { Lexical->Comment(AText); }
+  void StartDTD() {
+    if (Lexical) Lexical->StartDTD();
+  }
+  void EndDTD() {
+    if (Lexical) Lexical->EndDTD();
   }
 
  private:
-  // ---- cursor ----
-  void Sync() { C.Cur = reinterpret_cast<const Byte*>(p); }
-  char16_t Cur() const { return p < end ? static_cast<char16_t>(*p) : 0; }
-  // The character after the current one, as far as the reader needs it: ASCII exactly,
-  // anything else as some unit that is neither markup nor white space.
-  char16_t PeekW() const {
-    if (p >= end) return 0;
-    const U* q = Enc::Next(p, end);
-    if (q >= end) return 0;
-    return static_cast<char16_t>(*q);
-  }
-  void Next() {
-    if (p >= end) {
-      Sync();
-      TVnTextParser::RaiseEOF();
-    }
-    p = Enc::Next(p, end);
-  }
-  void MarkStart() { R.MarkConstructStart(p - reinterpret_cast<const U*>(C.Begin)); }
-
-  std::u16string_view Sel(const U* a, const U* b, std::u16string& buf) const {
-    if (b <= a) return {};
-    if constexpr (std::is_same_v<U, char16_t>) {
-      return {a, static_cast<size_t>(b - a)};
-    } else {
-      if (FastUtf8) return DecodeUtf8(a, b, buf);
-      return P.DecodeSpanView(a, b, buf);
-    }
-  }
-
-  // ---- failures ----
-  void CheckCurr(char16_t AExpected) {
-    if (Cur() != AExpected) {
-      Sync();
-      P.RaiseNotWellFormed(AExpected);
-    }
-  }
-  [[noreturn]] void Fail(Integer ACode, std::u16string_view AMessage) {
-    Sync();
-    throw EVnXMLParseError(ACode, UnicodeString(AMessage));
-  }
-  [[noreturn]] void FailElementNotClosed() {
-    Integer line, col;
-    R.ConstructLineCol(line, col);
-    Sync();
-    throw EVnXMLParseError(cVnXMLErrELMNotClosed, _cVnXMLELMNotClosed, {line, col});
-  }
-  void CheckNameStart() {
-    char16_t c = Cur();
-    if (c < 0x80 && ((c | 0x20) >= u'a' && (c | 0x20) <= u'z')) return;
-    if (c == u'_') return;
-    Sync();
-    P.CheckValidNameStartChar();
-  }
-
-  // ---- constructs ----
-  void Prolog() {
-    for (;;) {
-      char16_t next = PeekW();
-      if (next >= 1 && next <= 32) {
-        Next();
-      } else if (next == u'!') {
-        Next();
-        if (PeekW() == u'-')
-          Comment();
-        else
-          Dtd();
-      } else if (next == u'?') {
-        ProcessingInstruction();
-      } else {
-        return;
-      }
-      p = FindUnit(p, end, U('<'));
-      if (p >= end) return;
-    }
-  }
-
-  // On a "<" in content: reads a comment, CDATA section or processing instruction and says so;
-  // false leaves the "<" of an element where it is.
-  bool CommentCDataOrInstruction() {
-    char16_t next = PeekW();
-    if (next == u'!') {
-      Next();
-      if (PeekW() == u'-')
-        Comment();
-      else
-        CData();
-      return true;
-    }
-    if (next == u'?') {
-      ProcessingInstruction();
-      return true;
-    }
-    return false;
-  }
-
-  void TailStep() {
-    p = SkipAtMost(p, end, 0x20);
-    if (p >= end) return;
-    if (*p == U('<')) {
-      if (CommentCDataOrInstruction()) return;
-      if (Check) Fail(cVnXMLErrMultipleRoot, _cVnXMLMultipleRoot);
-      Element();
-    } else if (Check) {
-      Fail(cVnXMLErrInvalidTextAtRoot, _cVnXMLInvalidTextAtRoot);
-    } else {
-      Characters();
-    }
-  }
-
-  void Element() {
-    MarkStart();
-    CheckCurr(u'<');
-    Next();
-    bool endTag = Cur() == u'/';
-    if (endTag) Next();
-    CheckNameStart();
-    bool prefixed = false;
-    std::u16string_view qname = ElementName(prefixed);
-    std::u16string_view prefix, local = qname;
-    if (prefixed) {
-      size_t colon = qname.find(u':');
-      prefix = qname.substr(0, colon);
-      local = qname.substr(colon + 1);
-    }
-    p = SkipEqual(p, end, U(' '));
-    if (endTag) {
-      const VnXMLString& uri = URIOf(prefix);
-      CheckCurr(u'>');
-      Sync();
-      Content->EndElement(uri, local, qname);
-      CloseLevel();
-      --Level;
-    } else {
-      ++Level;
-      IVnSAXAttributes* set = R.FEmptyAttributes.get();
-      char16_t c = Cur();
-      if (c != u'/' && c != u'>') {
-        set = Attributes;
-        Attributes->Clear();
-        ParseAttributes();
-      }
-      c = Cur();
-      if (c == u'/') {
-        const VnXMLString& uri = URIOf(prefix);
-        Sync();
-        Content->StartElement(uri, local, qname, set);
-        Content->EndElement(uri, local, qname);
-        CloseLevel();
-        --Level;
-      } else if (c == u'>') {
-        Sync();
-        Content->StartElement(URIOf(prefix), local, qname, set);
-      }
-    }
-    if (p >= end || *p != U('>')) p = FindUnit(p, end, U('>'));
-    if (Level == 0) {
-      // The root has closed: what follows is read by the tail step, in this same loop.
-      Next();
-      Tail = true;
-      return;
-    }
-    Next();
-    if (p < end && *p != U('<')) Characters();
-  }
-
-  // ---- names, values and text ----
-
-  // The name of an element, from its first character: a prefix ends at the first colon, the
-  // local name at '>', '/' or white space. A '<' before any colon fails.
-  std::u16string_view ElementName(bool& prefixed) {
-    const U* nameStart = p;
-    if constexpr (kUtf8) {
-      if (FastUtf8) {
-        size_t n = 0;
-        p = ScanAscii(p, end, StopAt<true, ':', '<', '>', '/'>{}, QNameBuf, n);
-        if (p >= end || *p < 0x80) {
-          if (Cur() == u'<') FailElementNotClosed();
-          prefixed = Cur() == u':';
-          if (!prefixed) return {QNameBuf.data(), n};
-          const U* colon = p;
-          Next();
-          CheckNameStart();
-          p = ScanAscii(colon, end, StopAt<true, '>', '/'>{}, QNameBuf, n);
-          if (p >= end || *p < 0x80) return {QNameBuf.data(), n};
-        }
-        p = nameStart;  // not ASCII: the general path below reads it again
-      }
-    }
-    p = FindInClass(p, end, kElementName);
-    if (Cur() == u'<') FailElementNotClosed();
-    prefixed = Cur() == u':';
-    if (prefixed) {
-      Next();
-      CheckNameStart();
-      p = FindInClass(p, end, kElementLocalName);
-    }
-    return Sel(nameStart, p, QNameBuf);
-  }
-
-  // The parts of an attribute's name, each trimmed of white space.
-  struct AttributeName {
-    std::u16string_view Prefix, Local, QName;
-  };
-
-  // An attribute's name runs to '='; a '<' or '>' before it fails. The prefix ends at the first
-  // colon, and the local name starts after the colons that follow it.
-  AttributeName ReadAttributeName() {
-    const U* nameStart = p;
-    AttributeName name;
-    if constexpr (kUtf8) {
-      if (FastUtf8) {
-        size_t n = 0;
-        p = ScanAscii(p, end, StopAt<false, '=', '<', '>'>{}, AttrQNameBuf, n);
-        if (p >= end || *p < 0x80) {
-          char16_t c = Cur();
-          if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-          // One byte is one unit here, so the colons stand at the same offsets in the decoded name.
-          std::u16string_view all(AttrQNameBuf.data(), n);
-          name.QName = TrimView(all);
-          size_t colon = all.find(u':');
-          if (colon == std::u16string_view::npos) {
-            name.Local = name.QName;
-          } else {
-            name.Prefix = TrimView(all.substr(0, colon));
-            size_t local = all.find_first_not_of(u':', colon);
-            name.Local = local == std::u16string_view::npos ? std::u16string_view() : TrimView(all.substr(local));
-          }
-          return name;
-        }
-        p = nameStart;
-      }
-    }
-    p = FindInClass(p, end, kAttributeName);
-    char16_t c = Cur();
-    if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-    if (c == u':') {
-      name.Prefix = TrimView(Sel(nameStart, p, PrefixBuf));
-      p = SkipEqual(p, end, U(':'));
-      const U* localStart = p;
-      p = FindInClass(p, end, kAttributeLocalName);
-      c = Cur();
-      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-      name.Local = TrimView(Sel(localStart, p, LocalBuf));
-      name.QName = TrimView(Sel(nameStart, p, AttrQNameBuf));
-    } else {
-      name.QName = name.Local = TrimView(Sel(nameStart, p, AttrQNameBuf));
-    }
-    return name;
-  }
-
-  // A value runs from behind its quote to the next quote of the same kind, raw.
-  std::u16string_view ReadValue(U AQuote) {
-    const U* start = p;
-    if constexpr (kUtf8) {
-      if (FastUtf8) {
-        size_t n = 0;
-        p = ScanAscii(p, end, StopAtByte(AQuote), ValueBuf, n);
-        if (p >= end || *p == AQuote) return {ValueBuf.data(), n};
-        const U* rest = p;
-        p = FindUnit(p, end, AQuote);
-        return DecodeUtf8Rest(start, rest, p, ValueBuf, n);
-      }
-    }
-    p = FindUnit(p, end, AQuote);
-    return Sel(start, p, ValueBuf);
-  }
-
-  // A run of text up to the next '<' or the end; AllWhite when no character above the space
-  // comes before that.
-  std::u16string_view ReadText(bool& AllWhite) {
-    const U* start = p;
-    if constexpr (kUtf8) {
-      if (FastUtf8) {
-        size_t n = 0;
-        p = ScanAscii(p, end, StopAtNonWhite{}, TextBuf, n);
-        AllWhite = p >= end || *p == U('<');
-        if (!AllWhite) p = ScanAscii(p, end, StopAt<false, '<'>{}, TextBuf, n);
-        if (p >= end || *p == U('<')) return {TextBuf.data(), n};
-        const U* rest = p;
-        p = FindUnit(p, end, U('<'));
-        return DecodeUtf8Rest(start, rest, p, TextBuf, n);
-      }
-    }
-    const U* q = SkipAtMost(p, end, 0x20);
-    AllWhite = q >= end || *q == U('<');
-    p = AllWhite ? q : FindUnit(q, end, U('<'));
-    return Sel(start, p, TextBuf);
-  }
-
-  // An element closes: the declarations of its level end, if there are any.
-  void CloseLevel() {
-    if (!NS.FList.empty() && NS.FList.back().Level >= Level) NS.RemoveLevel(Level);
-  }
-
-  // Namespaces: the default one is at hand, and with no declaration in force nothing needs
-  // looking up.
-  const VnXMLString& URIOf(std::u16string_view APrefix) const {
-    if (APrefix.empty()) {
-      const VnXMLString* uri = NS.DefaultURI();
-      return uri ? *uri : NoURI;
-    }
-    return NS.Count() == 0 ? NoURI : NS.GetURI(APrefix);
-  }
-
-  void ParseAttributes() {
-    MarkStart();
-    do {
-      AttributeName name = ReadAttributeName();
-      // Whatever stands between the name and the quote is dropped.
-      p = FindInClass(p, end, kQuoteOrTagEnd);
-      char16_t c = Cur();
-      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-      U quote = p < end ? *p : U(0);
-      Next();
-      std::u16string_view value = ReadValue(quote);
-      if (IsXmlns(name.QName)) {
-        Attributes->Add(name.Local, name.QName, {}, value, TVnSAXAttributeType::CDATA);
-        Sync();
-        NS.AddURI(Level, {}, value);
-      } else if (IsXmlns(name.Prefix)) {
-        Attributes->Add(name.Local, name.QName, {}, value, TVnSAXAttributeType::CDATA);
-        Sync();
-        NS.AddURI(Level, name.Local, value);
-      } else {
-        Attributes->Add(name.Local, name.QName, URIOf(name.Prefix), value, TVnSAXAttributeType::CDATA);
-      }
-      p = SkipInClass(p, end, kQuotesAndWhite);
-    } while (p < end && *p != U('>') && *p != U('/'));
-  }
-
-  void Characters() {
-    MarkStart();
-    bool allWhite = false;
-    std::u16string_view text = ReadText(allWhite);
-    Sync();
-    // Text that runs to the end fails with the check on; without it the run is delivered.
-    if (Check && p >= end) TVnTextParser::RaiseEOF();
-    if (allWhite) {
-      Content->IgnorableWhitespace(text);
-    } else {
-      Content->Characters(text);
-      if (p >= end) Content->IgnorableWhitespace({});
-    }
-  }
-
-  void CData() {
-    MarkStart();
-    CheckCurr(u'!');
-    const U* start = p;
-    for (int i = 0; i < 7; ++i) Next();
-    const U* through = p < end ? Enc::Next(p, end) : p;
-    static constexpr char kOpen[] = "![CDATA[";
-    bool ok = through - start == 8;
-    for (int i = 0; ok && i < 8; ++i) ok = start[i] == U(kOpen[i]);
-    if (!ok) {
-      UnicodeString found(Sel(start, through, TextBuf));
-      Sync();
-      throw EVnXMLParseError(cVnXMLErrCDATAExpected, _cVnXMLCDATAExpected, {found});
-    }
-    Sync();
-    if (Lexical) Lexical->StartCDATA();
-    Next();
-    const U* text = p;
-    for (;;) {
-      p = FindUnit(p, end, U(']'));
-      if (end - p >= 3 && p[1] == U(']') && p[2] == U('>')) break;
-      Next();
-      if (p >= end) break;
-    }
-    Sync();
-    Content->Characters(Sel(text, p, TextBuf));
-    if (Lexical) Lexical->EndCDATA();
-    p = FindUnit(p, end, U('>'));
-    Next();
-  }
-
-  void Comment() {
-    MarkStart();
-    CheckCurr(u'!');
-    // The '!' and two more characters; the second of them isn't looked at.
-    Next();
-    Next();
-    Next();
-    const U* text = p;
-    for (;;) {
-      p = FindUnit(p, end, U('-'));
-      if (end - p >= 3 && p[1] == U('-') && p[2] == U('>')) break;
-      Next();
-      if (p >= end) break;
-    }
-    if (Lexical) {
-      Sync();
-      Lexical->Comment(Sel(text, p, TextBuf));
-    }
-    p = FindUnit(p, end, U('>'));
-    Next();
-  }
-
-  void ProcessingInstruction() {
-    MarkStart();
-    CheckCurr(u'<');
-    Next();
-    Next();
-    const U* targetStart = p;
-    p = FindInClass(p, end, kSpaceOrQuest);
-    std::u16string_view target = Sel(targetStart, p, QNameBuf);
-    std::u16string_view data;
-    if (Cur() == u' ') {
-      p = SkipEqual(p, end, U(' '));
-      const U* dataStart = p;
-      p = FindUnit(p, end, U('?'));
-      data = Sel(dataStart, p, TextBuf);
-    } else {
-      p = SkipInClass(p, end, kSpaceOrQuest);
-    }
-    Sync();
-    Content->ProcessingInstruction(target, data);
-    p = FindUnit(p, end, U('>'));
-    Next();
-  }
-
-  void Dtd() {
-    MarkStart();
-    CheckCurr(u'!');
-    Next();
-    const U* nameStart = p;
-    p = FindUnit(p, end, U(' '));
-    std::u16string_view name = Sel(nameStart, p, QNameBuf);
-    if (name != u"DOCTYPE") {
-      UnicodeString found(name);
-      Sync();
-      throw EVnXMLParseError(cVnXMLErrDOCTypeExpected, _cVnXMLDOCTypeExpected, {found});
-    }
-    Sync();
-    if (Lexical) Lexical->StartDTD();
-    // Brackets are counted, nothing else: quotes and comments mean nothing here.
-    Integer depth = 1;
-    do {
-      Next();
-      p = FindInClass(p, end, kAngles);
-      if (p >= end) break;
-      depth += *p == U('<') ? 1 : -1;
-    } while (depth != 0);
-    Sync();
-    if (Lexical) Lexical->EndDTD();
-    p = FindUnit(p, end, U('>'));
-    Next();
-  }
-
-  TVnSAXXMLReader& R;
-  TVnXMLParser& P;
-  TextCursor& C;
-  TVnSAXNamespaceList& NS;
   IVnSAXContentHandler* Content;
   IVnSAXLexicalHandler* Lexical;
-  TVnSAXXMAttributes* Attributes = nullptr;
-  const bool Check;
-  bool FastUtf8 = false;
-  bool Tail = false;
-  Integer Level = 0;  // the only memory of open elements
-  const U* p;
-  const U* end;
-  const VnXMLString NoURI;
-  // Reused decode buffers: one per name or value that must outlive the next selection.
-  std::u16string QNameBuf, PrefixBuf, LocalBuf, AttrQNameBuf, ValueBuf, TextBuf;
+  TVnSAXXMAttributes* Attributes;
+  TVnSAXXMAttributes* Empty;
 };
 
-}  // namespace detail
+template <class Enc>
+void RunLoop(TVnSAXXMLReader& AReader, HandlerSink& ASink) {
+  detail::XmlReadLoop<Enc, HandlerSink>(AReader, ASink).Run();
+}
+
+}  // namespace
 
 // ---- TVnSAXXMLReader ----
 
@@ -591,10 +84,16 @@ void TVnSAXXMLReader::InternalParse() {
   IPtr<IVnSAXErrorHandler> errors = FErrorHandler;
   IPtr<IVnSAXLexicalHandler> lexical = FLexicalHandler;
   try {
-    switch (FParser->GetCharacterSetType()) {
-      case csUTF16: detail::XmlReadLoop<detail::Utf16Units>(*this).Run(); break;
-      case csUTF8: detail::XmlReadLoop<detail::Utf8Units>(*this).Run(); break;
-      default: detail::XmlReadLoop<detail::AnsiUnits>(*this).Run(); break;
+    if (FLoopOverride.Run) {
+      FLoopOverride.Run(*this, FLoopOverride.Context);
+    } else {
+      if (!FTagAttributes) FTagAttributes = std::make_unique<TVnSAXXMAttributes>();
+      HandlerSink sink(content.Get(), lexical.Get(), FTagAttributes.get(), FEmptyAttributes.get());
+      switch (FParser->GetCharacterSetType()) {
+        case csUTF16: RunLoop<detail::read_loop::Utf16Units>(*this, sink); break;
+        case csUTF8: RunLoop<detail::read_loop::Utf8Units>(*this, sink); break;
+        default: RunLoop<detail::read_loop::AnsiUnits>(*this, sink); break;
+      }
     }
   } catch (const std::exception& e) {
     ReportFailure(e);

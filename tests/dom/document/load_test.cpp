@@ -129,6 +129,37 @@ TEST(DomLoad, FailuresCarryLineAndColumn) {
   }
 }
 
+TEST(DomLoad, FailedLoadLeavesAWholeTree) {
+  // Open elements keep every child they got, in every list, both for the failure handler and
+  // after; the start tag cut short leaves nothing.
+  auto check = [](TVnDOMDocument& ADoc) {
+    TVnDOMElement* a = ADoc.GetRootNode();
+    ASSERT_NE(a, nullptr);
+    ASSERT_EQ(a->ElementCount(), 1);
+    TVnDOMElement* b = static_cast<TVnDOMElement*>(a->ElementsView()[0]);
+    EXPECT_EQ(b->AttributeCount(), 1);
+    EXPECT_EQ(b->NodeCount(), 4);  // the attribute, c, the comment, the text
+    EXPECT_EQ(b->ElementCount(), 1);
+    EXPECT_EQ(b->CharNodesView().size(), 2u);
+    EXPECT_EQ(static_cast<TVnDOMElement*>(b->ElementsView()[0])->GetText(), u"t");
+    EXPECT_EQ(b->GetXML(), u"<b x=\"1\"><c>t</c><!--n-->u</b>");
+  };
+  const char16_t* text = u"<a><b x=\"1\"><c>t</c><!--n-->u<d y=\"2\" z";
+  TVnDOMDocument seen;
+  int calls = 0;
+  seen.OnParseFatalError = [&](IVnSAXLocator*, std::u16string_view, bool&) {
+    ++calls;
+    check(seen);
+  };
+  EXPECT_THROW(seen.LoadXML(text), EVnDomSyntax);
+  EXPECT_EQ(calls, 1);
+  check(seen);
+  // The tree stays editable where the load stopped.
+  TVnDOMElement* b = static_cast<TVnDOMElement*>(seen.GetRootNode()->ElementsView()[0]);
+  b->AddElement(u"e");
+  EXPECT_EQ(b->GetXML(), u"<b x=\"1\"><c>t</c><!--n-->u<e /></b>");
+}
+
 TEST(DomLoad, InnerXMLParsesAFragment) {
   auto doc = TVnDOMDocument::FromXML(u"<r><old/>keep</r>");
   TVnDOMElement* r = doc->GetRootNode();
