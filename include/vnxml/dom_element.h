@@ -202,7 +202,21 @@ class TVnDOMElement : public TVnDOMNode {
   void InheritPreserveSpace(const TVnDOMElement* AParentElement);
   void _GetChildElements(TVnDOMElementList& AList, std::u16string_view APrefix, TVnDOMSelectOptions AOptions,
                          bool ARecursive, std::u16string_view ALocalName);
-  detail::PtrVector<TVnDOMNode>* TypedListFor(const TVnDOMNode* ANode) noexcept;
+  /// The list beside FChildren that holds ANode's kind, or nullptr.
+  detail::PtrVector<TVnDOMNode>* TypedListFor(const TVnDOMNode* ANode) noexcept {
+    switch (ANode->GetNodeType()) {
+      case ntAttribute:
+        return &FAttrs;
+      case ntElement:
+        return &FElems;
+      case ntText:
+      case ntCDATA:
+      case ntComment:
+        return &FChars;
+      default:
+        return nullptr;
+    }
+  }
 
   detail::PtrVector<TVnDOMNode> FAttrs;
   detail::PtrVector<TVnDOMNode> FElems;

@@ -36,6 +36,7 @@ char16_t SkipToSignificant(TStream& AStream, Word ACodePage) {
 class BuildSink {
  public:
   static constexpr bool kNamespaces = false;
+  static constexpr bool kEndTagNames = false;
 
   explicit BuildSink(detail::TreeBuilder& ABuilder) : B(ABuilder) {}
 
@@ -54,6 +55,7 @@ class BuildSink {
     else
       B.AddText(AText);
   }
+  bool KeepsWhitespace() const { return B.KeepsWhitespace(); }
   void IgnorableWhitespace(std::u16string_view AText) { B.AddWhitespace(AText); }
   void ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {
     B.AddInstruction(ATarget, AData);

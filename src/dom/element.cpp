@@ -40,21 +40,6 @@ TVnDOMElement::~TVnDOMElement() {
   detail::Release(FScope);
 }
 
-detail::PtrVector<TVnDOMNode>* TVnDOMElement::TypedListFor(const TVnDOMNode* ANode) noexcept {
-  switch (ANode->GetNodeType()) {
-    case ntAttribute:
-      return &FAttrs;
-    case ntElement:
-      return &FElems;
-    case ntText:
-    case ntCDATA:
-    case ntComment:
-      return &FChars;
-    default:
-      return nullptr;
-  }
-}
-
 void TVnDOMElement::ForgetAllChildren() {
   FAttrs.reset();
   FElems.reset();

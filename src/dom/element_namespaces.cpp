@@ -13,14 +13,14 @@
 namespace vn {
 
 namespace {
-// Under the default collation a plain ASCII name of another length than "xml:space" can't be
-// it: elements whose attributes are all such skip the search.
+// Under the default collation a plain ASCII name of another length than "xml:space", or without
+// its colon, can't be it: elements whose attributes are all such skip the search.
 bool MayHaveXmlSpace(const TVnDOMElement& AElement, const detail::PtrVector<TVnDOMNode>& AAttrs) {
   if (AAttrs.empty()) return false;
   if (AElement.GetCollation() != TVnXPathCollationASCIICI::Class()) return true;
   for (TVnDOMNode* a : AAttrs) {
     std::u16string_view name = a->QualifiedNameView();
-    if (name.size() == 9) return true;
+    if (name.size() == 9 && name[3] == u':') return true;
     for (char16_t c : name)
       if (c >= 0x80) return true;
   }

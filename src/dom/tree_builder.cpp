@@ -56,8 +56,9 @@ TreeBuilder::TreeBuilder(TVnDOMNode* ATarget)
     : FTarget(ATarget),
       FDocument(ATarget->FDOMDocument),
       FNames(TVnDOMNode::NameTableOf(ATarget->FDOMDocument)),
-      FPool(NodePool::Create()),
-      FCurrent(ATarget) {}
+      FPool(NodePool::Create()) {
+  SetCurrent(ATarget);
+}
 
 TreeBuilder::~TreeBuilder() {
   try {
@@ -74,6 +75,14 @@ T* TreeBuilder::Make() {
   // Set now rather than by a walk when the node joins: the document its parent will have.
   node->FDOMDocument = FDocument;
   return node;
+}
+
+void TreeBuilder::SetCurrent(TVnDOMNode* ANode) {
+  FCurrent = ANode;
+  // Asked between every two tags: the elements of the load answer from their flag, the target
+  // as its class does.
+  FKeepsWhitespace = !ANode || (ANode == FTarget ? ANode->GetPreserveSpace()
+                                                 : static_cast<TVnDOMElement*>(ANode)->FPreserveSpace);
 }
 
 TVnDOMNode* TreeBuilder::Current() {
@@ -129,7 +138,7 @@ void TreeBuilder::EnterElement() {
   if (FSchemaInstance && parent->GetNodeType() == ntDocument)
     static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
   FOpen.push_back(static_cast<uint32_t>(FWaiting.size()));
-  FCurrent = element;
+  SetCurrent(element);
 }
 
 void TreeBuilder::Join(TVnDOMNode* AParent, TVnDOMElement* AElement) {
@@ -149,7 +158,7 @@ void TreeBuilder::EndElement() {
   // The name is not matched (the reader does not either), but an end tag never climbs above
   // the node being filled.
   if (Current() == FTarget) {
-    FCurrent = nullptr;
+    SetCurrent(nullptr);
     NoNodeForEvent();
   }
   CloseElement();
@@ -165,8 +174,8 @@ void TreeBuilder::CloseElement() {
     // Attributes lead the child list, as they do in every element.
     element->FChildren.reserve(attributeCount + kidCount, FPool);
     element->FChildren.append_reserved(element->FAttrs.begin(), attributeCount);
-    element->FChildren.append_reserved(kids, kidCount);
     uint32_t elements = 0, chars = 0;
+    element->FChildren.append_reserved(kids, kidCount);
     for (uint32_t i = 0; i < kidCount; ++i) {
       PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
       if (list == &element->FElems)
@@ -181,7 +190,7 @@ void TreeBuilder::CloseElement() {
   }
   FWaiting.resize(first);
   FOpen.pop_back();
-  FCurrent = element->ParentNode();
+  SetCurrent(element->ParentNode());
 }
 
 void TreeBuilder::DropPending() {
@@ -232,7 +241,8 @@ void TreeBuilder::AddText(std::u16string_view AStoredValue) {
 }
 
 void TreeBuilder::AddWhitespace(std::u16string_view AText) {
-  if (Current()->GetPreserveSpace()) AddText(AText);
+  Current();
+  if (FKeepsWhitespace) AddText(AText);
 }
 
 void TreeBuilder::AddCDATA(std::u16string_view AText) {

@@ -40,6 +40,8 @@ class TreeBuilder {
   void AddText(std::u16string_view AStoredValue);
   /// White space between tags, kept only where the node being filled preserves space.
   void AddWhitespace(std::u16string_view AText);
+  /// Would AddWhitespace keep it? True when there is no node to fill, which AddWhitespace reports.
+  bool KeepsWhitespace() const { return FKeepsWhitespace; }
   void AddCDATA(std::u16string_view AText);
   void AddComment(std::u16string_view AText);
   void AddInstruction(std::u16string_view ATarget, std::u16string_view AData);
@@ -53,6 +55,7 @@ class TreeBuilder {
   T* Make();
   /// The node being filled; fails once a stray end tag has left none.
   TVnDOMNode* Current();
+  void SetCurrent(TVnDOMNode* ANode);
   /// Adds ALeaf, a node of this builder, as the last child of the node being filled.
   void Place(TVnDOMNode* ALeaf);
   /// The target takes children one by one, into its own arrays, as AppendChild would.
@@ -70,7 +73,8 @@ class TreeBuilder {
   TVnDOMDocument* FDocument;
   NameTable* FNames;
   NodePool* FPool;
-  TVnDOMNode* FCurrent;
+  TVnDOMNode* FCurrent = nullptr;
+  bool FKeepsWhitespace = true;
   TVnDOMElement* FPending = nullptr;  // the element of a start tag being read
   bool FSchemaInstance = false;       // the start tag declares the schema-instance namespace
   std::vector<TVnDOMNode*> FAttributes;

@@ -10,6 +10,7 @@ namespace {
 class HandlerSink {
  public:
   static constexpr bool kNamespaces = true;
+  static constexpr bool kEndTagNames = true;
 
   HandlerSink(IVnSAXContentHandler* AContent, IVnSAXLexicalHandler* ALexical, TVnSAXXMAttributes* ATagAttributes,
               TVnSAXXMAttributes* AEmptyAttributes)
@@ -29,6 +30,7 @@ class HandlerSink {
   void EndElement(std::u16string_view AURI, std::u16string_view ALocal, std::u16string_view AQName) {
     Content->EndElement(AURI, ALocal, AQName);
   }
+  bool KeepsWhitespace() const { return true; }
   void Characters(std::u16string_view AText) { Content->Characters(AText); }
   void IgnorableWhitespace(std::u16string_view AText) { Content->IgnorableWhitespace(AText); }
   void ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {

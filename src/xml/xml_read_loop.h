@@ -6,6 +6,8 @@
 // Events go to a sink, called directly: the reader's own sink turns them into handler calls
 // and attribute records; the DOM's loader builds nodes from them without either. A sink has:
 //   static constexpr bool kNamespaces;  // false: no URIs worked out, no declarations tracked
+//   static constexpr bool kEndTagNames; // false: end tags arrive with empty names
+//   KeepsWhitespace()                    // false: white space between tags is dropped unseen
 //   StartDocument(), EndDocument()
 //   StartTag(qname)                      // a start tag opens; its attributes follow
 //   Attribute(local, qname, uri, value, singleQuoted)
@@ -231,7 +233,7 @@ class XmlReadLoop {
     if (endTag) Next();
     CheckNameStart();
     bool prefixed = false;
-    std::u16string_view qname = ElementName(prefixed);
+    std::u16string_view qname = !endTag || Sink::kEndTagNames ? ElementName(prefixed) : PassElementName(prefixed);
     std::u16string_view prefix, local = qname;
     if (Sink::kNamespaces && prefixed) {
       size_t colon = qname.find(u':');
@@ -311,6 +313,19 @@ class XmlReadLoop {
       p = FindInClass(p, end, read_loop::kElementLocalName);
     }
     return Sel(nameStart, p, QNameBuf);
+  }
+
+  // Where ElementName would stop and fail, for a name nobody reads.
+  std::u16string_view PassElementName(bool& prefixed) {
+    p = FindInClass(p, end, read_loop::kElementName);
+    if (Cur() == u'<') FailElementNotClosed();
+    prefixed = Cur() == u':';
+    if (prefixed) {
+      Next();
+      CheckNameStart();
+      p = FindInClass(p, end, read_loop::kElementLocalName);
+    }
+    return {};
   }
 
   // The parts of an attribute's name, each trimmed of white space.
@@ -451,6 +466,14 @@ class XmlReadLoop {
 
   void Characters() {
     MarkStart();
+    if (!S.KeepsWhitespace()) {
+      // White space up to a tag, which nobody keeps, is passed over unread.
+      const U* q = SkipAtMost(p, end, 0x20);
+      if (q < end && *q == U('<')) {
+        p = q;
+        return;
+      }
+    }
     bool allWhite = false;
     std::u16string_view text = ReadText(allWhite);
     Sync();
