@@ -233,7 +233,11 @@ class XmlReadLoop {
     if (endTag) Next();
     CheckNameStart();
     bool prefixed = false;
-    std::u16string_view qname = !endTag || Sink::kEndTagNames ? ElementName(prefixed) : PassElementName(prefixed);
+    std::u16string_view qname;
+    if (!endTag || Sink::kEndTagNames)
+      qname = ElementName(prefixed);
+    else
+      PassElementName(prefixed);
     std::u16string_view prefix, local = qname;
     if (Sink::kNamespaces && prefixed) {
       size_t colon = qname.find(u':');
@@ -304,19 +308,12 @@ class XmlReadLoop {
         p = nameStart;  // not ASCII: the general path below reads it again
       }
     }
-    p = FindInClass(p, end, read_loop::kElementName);
-    if (Cur() == u'<') FailElementNotClosed();
-    prefixed = Cur() == u':';
-    if (prefixed) {
-      Next();
-      CheckNameStart();
-      p = FindInClass(p, end, read_loop::kElementLocalName);
-    }
+    PassElementName(prefixed);
     return Sel(nameStart, p, QNameBuf);
   }
 
-  // Where ElementName would stop and fail, for a name nobody reads.
-  std::u16string_view PassElementName(bool& prefixed) {
+  // Moves past an element's name, by the rules of ElementName, without decoding it.
+  void PassElementName(bool& prefixed) {
     p = FindInClass(p, end, read_loop::kElementName);
     if (Cur() == u'<') FailElementNotClosed();
     prefixed = Cur() == u':';
@@ -325,7 +322,6 @@ class XmlReadLoop {
       CheckNameStart();
       p = FindInClass(p, end, read_loop::kElementLocalName);
     }
-    return {};
   }
 
   // The parts of an attribute's name, each trimmed of white space.
@@ -487,6 +483,16 @@ class XmlReadLoop {
     }
   }
 
+  // Moves to the first AUnit AUnit '>' (the end of a CDATA section or comment), or to the end.
+  void FindCloser(U AUnit) {
+    for (;;) {
+      p = FindUnit(p, end, AUnit);
+      if (end - p >= 3 && p[1] == AUnit && p[2] == U('>')) return;
+      Next();
+      if (p >= end) return;
+    }
+  }
+
   void CData() {
     MarkStart();
     CheckCurr(u'!');
@@ -505,12 +511,7 @@ class XmlReadLoop {
     S.StartCDATA();
     Next();
     const U* text = p;
-    for (;;) {
-      p = FindUnit(p, end, U(']'));
-      if (end - p >= 3 && p[1] == U(']') && p[2] == U('>')) break;
-      Next();
-      if (p >= end) break;
-    }
+    FindCloser(U(']'));
     Sync();
     S.Characters(Sel(text, p, TextBuf));
     S.EndCDATA();
@@ -526,12 +527,7 @@ class XmlReadLoop {
     Next();
     Next();
     const U* text = p;
-    for (;;) {
-      p = FindUnit(p, end, U('-'));
-      if (end - p >= 3 && p[1] == U('-') && p[2] == U('>')) break;
-      Next();
-      if (p >= end) break;
-    }
+    FindCloser(U('-'));
     if (S.WantsComments()) {
       Sync();
       S.Comment(Sel(text, p, TextBuf));
