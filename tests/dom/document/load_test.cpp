@@ -13,6 +13,8 @@
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_messages.h"
+#include "vnxml/dom_parser.h"
+#include "vnxml/sax_reader.h"
 
 namespace vn {
 namespace {
@@ -158,6 +160,25 @@ TEST(DomLoad, FailedLoadLeavesAWholeTree) {
   TVnDOMElement* b = static_cast<TVnDOMElement*>(seen.GetRootNode()->ElementsView()[0]);
   b->AddElement(u"e");
   EXPECT_EQ(b->GetXML(), u"<b x=\"1\"><c>t</c><!--n-->u<e /></b>");
+}
+
+TEST(DomLoad, ParserBuildsFromAnotherReadersEvents) {
+  const char16_t* text = u"<a xmlns:p=\"u\"><p:b x='1\"'>t</p:b> <!--c--><![CDATA[d]]><e/></a>";
+  TVnDOMDocument heard;
+  {
+    TVnDOMParser parser(&heard);
+    TVnSAXXMLReader reader;
+    reader.SetAutoDestroy(false);
+    reader.SetContentHandler(IPtr<IVnSAXContentHandler>(&parser));
+    reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(&parser));
+    reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(&parser));
+    reader.Parse(text);
+  }
+  auto loaded = TVnDOMDocument::FromXML(text);
+  EXPECT_EQ(heard.GetXML(), loaded->GetXML());
+  TVnDOMElement* b = static_cast<TVnDOMElement*>(heard.GetRootNode()->ElementsView()[0]);
+  EXPECT_EQ(b->GetNamespaceURI(), u"u");
+  EXPECT_EQ(heard.GetRootNode()->CharNodesView().size(), 2u);
 }
 
 TEST(DomLoad, InnerXMLParsesAFragment) {
