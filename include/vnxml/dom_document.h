@@ -5,14 +5,13 @@
 #pragma once
 
 #include "vnxml/dom_element.h"
+#include "vnxml/dom_messages.h"
 #include "vnxml/dom_parser.h"
 
 namespace vn {
 
 class TVnDOMProcessingInstruction;
 
-inline constexpr char16_t cVnDomNoProcessingInstruction[] = u"There is no processinginstruction \"%s\"!";
-inline constexpr char16_t cVnDomSyntaxAt[] = u"Line %d, column %d: %s";
 inline constexpr char16_t cVnXSINamespaceURI[] = u"http://www.w3.org/2001/XMLSchema-instance";
 inline constexpr char16_t cVnXSDNamespaceURI[] = u"http://www.w3.org/2001/XMLSchema";
 
@@ -111,6 +110,9 @@ class TVnDOMDocument : public TVnDOMNode {
   TVnDOMParseError OnParseError;
   TVnDOMParseError OnParseFatalError;
 
+  /// The first element to join the document, by any road, becomes its root.
+  TVnDOMNode* AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode = nullptr, TVnDOMPosition APosition = rdpLast) override;
+  using TVnDOMNode::AddChild;
   TVnDOMNode* AppendChild(TVnDOMNode* ANode) override;
   void RemoveChild(TVnDOMNode* ANode) override;
   void Clear() override;

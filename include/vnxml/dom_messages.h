@@ -33,5 +33,11 @@ inline constexpr char16_t cVnDomHasParent[] = u"The node already has a parent; r
 inline constexpr char16_t cVnDomAddToItself[] = u"A node cannot be added below itself!";
 inline constexpr char16_t cVnDomNotYetSupported[] = u"%s is not supported yet.";
 inline constexpr char16_t cVnDomInvalidTypeInfo[] = u"The type attribute does not contain valid typeinfo.";
+inline constexpr char16_t cVnDomListWrongKind[] = u"A node of type %s does not belong in this list!";
+inline constexpr char16_t cVnDomListReadOnly[] =
+    u"The namespaces in scope are read-only; add or remove the declarations on the elements instead!";
+inline constexpr char16_t cVnDomNoProcessingInstruction[] = u"There is no processinginstruction \"%s\"!";
+inline constexpr char16_t cVnDomSyntaxAt[] = u"Line %d, column %d: %s";
+inline constexpr char16_t cVnDomNoCollator[] = u"The collator of the invariant locale is not available.";
 
 }  // namespace vn

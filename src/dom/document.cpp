@@ -53,11 +53,13 @@ TVnDOMComment* TVnDOMDocument::AddComment(std::u16string_view AText) {
   return c.release();
 }
 
-TVnDOMNode* TVnDOMDocument::AppendChild(TVnDOMNode* ANode) {
-  TVnDOMNode::AppendChild(ANode);
+TVnDOMNode* TVnDOMDocument::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  TVnDOMNode::AddChild(ANode, ARefNode, APosition);
   if (!FRootNode && ANode && ANode->GetNodeType() == ntElement) FRootNode = static_cast<TVnDOMElement*>(ANode);
   return ANode;
 }
+
+TVnDOMNode* TVnDOMDocument::AppendChild(TVnDOMNode* ANode) { return AddChild(ANode, nullptr, rdpLast); }
 
 void TVnDOMDocument::RemoveChild(TVnDOMNode* ANode) {
   // The root pointer must not outlive the root.

@@ -105,10 +105,8 @@ TVnDOMAttrList* TVnDOMElement::GetNamespaces() {
   // The list object holds a snapshot; the scope itself is shared with relatives.
   std::vector<TVnDOMAttribute*> all;
   detail::Flatten(FScope, all);
-  TVnDOMAttrList* list = x.Namespaces.get();
-  list->Clear();
-  for (TVnDOMAttribute* a : all) list->Add(a);
-  return list;
+  x.Namespaces->SetSnapshot(all);
+  return x.Namespaces.get();
 }
 
 TVnDOMCDATA* TVnDOMElement::GetCDATA(Integer AIndex) {
