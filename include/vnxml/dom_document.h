@@ -105,11 +105,6 @@ class TVnDOMDocument : public TVnDOMNode {
   /// The element at APath, or nil; with no root nil (or the failure AOptions ask for).
   TVnDOMElement* SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});
 
-  /// Events of every load into this document's nodes; AHandled keeps the reader's exception.
-  TVnDOMParseError OnParseWarning;
-  TVnDOMParseError OnParseError;
-  TVnDOMParseError OnParseFatalError;
-
   /// The first element to join the document, by any road, becomes its root.
   TVnDOMNode* AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode = nullptr, TVnDOMPosition APosition = rdpLast) override;
   using TVnDOMNode::AddChild;

@@ -16,9 +16,6 @@ namespace detail {
 class TreeBuilder;
 }
 
-/// A failure event of a load; setting AHandled keeps the reader's own exception.
-using TVnDOMParseError = std::function<void(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled)>;
-
 class TVnDOMParser : public TVnObject,
                      public IVnSAXErrorHandler,
                      public IVnSAXContentHandler,

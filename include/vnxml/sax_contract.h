@@ -20,6 +20,11 @@ class TStream;
 VN_EXCEPTION(EVnXMLException, EVnException)
 /// Every failure of a parse; GetCode() tells which (cVnXMLErr... below).
 VN_EXCEPTION(EVnXMLParseError, EVnXMLException)
+/// For handlers and other readers that do not know or do not support a feature or property;
+/// the library's own readers never raise these.
+VN_EXCEPTION(EVnSAXException, EVnException)
+VN_EXCEPTION(EVnSAXNotRecognizedException, EVnSAXException)
+VN_EXCEPTION(EVnSAXNotSupportedException, EVnSAXException)
 
 inline constexpr Integer cVnXMLErrNotWellFormed = 2;
 inline constexpr Integer cVnXMLErrInvalidNameStartChar = 3;

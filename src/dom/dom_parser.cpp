@@ -176,11 +176,11 @@ void TVnDOMParser::Comment(std::u16string_view AComment) { Builder().AddComment(
 
 void TVnDOMNode::LoadFromStream(TStream& AStream, Word ACodePage) {
   TVnDOMParser parser(this);
-  if (TVnDOMDocument* doc = Document()) {
-    parser.OnParseWarning = doc->OnParseWarning;
-    parser.OnParseError = doc->OnParseError;
-    parser.OnParseFatalError = doc->OnParseFatalError;
-  }
+  parser.OnParseWarning = [this](IVnSAXLocator* L, std::u16string_view M, bool& H) { DoDOMParseWarning(L, M, H); };
+  parser.OnParseError = [this](IVnSAXLocator* L, std::u16string_view M, bool& H) { DoDOMParseError(L, M, H); };
+  parser.OnParseFatalError = [this](IVnSAXLocator* L, std::u16string_view M, bool& H) {
+    DoDOMParseFatalError(L, M, H);
+  };
   parser.Parse(AStream, ACodePage);
 }
 

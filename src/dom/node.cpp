@@ -205,6 +205,50 @@ void TVnDOMNode::RefreshNamespaces() {
 
 void TVnDOMNode::NormalizeTextNodes() {}
 
+// ---- events of loads ----
+
+namespace {
+const TVnDOMParseError kNoEvent;
+}
+
+const TVnDOMParseError& TVnDOMNode::GetOnParseWarning() const noexcept {
+  detail::NodeExtras* x = ExtrasIfAny();
+  return x && x->Events ? x->Events->Warning : kNoEvent;
+}
+
+const TVnDOMParseError& TVnDOMNode::GetOnParseError() const noexcept {
+  detail::NodeExtras* x = ExtrasIfAny();
+  return x && x->Events ? x->Events->Error : kNoEvent;
+}
+
+const TVnDOMParseError& TVnDOMNode::GetOnParseFatalError() const noexcept {
+  detail::NodeExtras* x = ExtrasIfAny();
+  return x && x->Events ? x->Events->FatalError : kNoEvent;
+}
+
+detail::ParseEvents& TVnDOMNode::Events() {
+  auto& x = Extras();
+  if (!x.Events) x.Events = std::make_unique<detail::ParseEvents>();
+  return *x.Events;
+}
+
+void TVnDOMNode::SetOnParseWarning(TVnDOMParseError AEvent) { Events().Warning = std::move(AEvent); }
+void TVnDOMNode::SetOnParseError(TVnDOMParseError AEvent) { Events().Error = std::move(AEvent); }
+void TVnDOMNode::SetOnParseFatalError(TVnDOMParseError AEvent) { Events().FatalError = std::move(AEvent); }
+
+void TVnDOMNode::DoDOMParseWarning(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+  // A copy: the handler may replace the event, or load again into this node.
+  if (TVnDOMParseError event = GetOnParseWarning()) event(ALocator, AErrMsg, AHandled);
+}
+
+void TVnDOMNode::DoDOMParseError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+  if (TVnDOMParseError event = GetOnParseError()) event(ALocator, AErrMsg, AHandled);
+}
+
+void TVnDOMNode::DoDOMParseFatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+  if (TVnDOMParseError event = GetOnParseFatalError()) event(ALocator, AErrMsg, AHandled);
+}
+
 // LoadFromStream lives with the parser (dom_parser.cpp).
 
 // ---- the tree ----
