@@ -59,6 +59,8 @@ inline constexpr std::u16string_view _cVnXMLNoContentHandler = u"No contenthandl
 inline constexpr std::u16string_view _cVnXMLNoErrorHandler = u"No errorhandler has been assigned!";
 inline constexpr std::u16string_view _cVnXMLInvalidTextAtRoot =
     u"The document is not wellformed!\r\nAn invalid token was detected at the root level of the document.";
+/// An assertion: InternalParse runs only inside an entry point, which makes the scanner.
+inline constexpr char16_t cVnXMLNoParser[] = u"TVnSAXXMLReader.InternalParse: no parser";
 /// Declared with the others; no path of the XML reader raises it.
 inline constexpr std::u16string_view _cVnXMLEncodingNotSupported = u"The specified encoding is not supported!";
 

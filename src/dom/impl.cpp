@@ -1,6 +1,7 @@
 // The Impl halves: each interface operation turns interface arguments into objects, calls the
 // object's operation of the same name, and turns an object result into its interface. No logic
 // lives here beyond that.
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/value.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/common/vn_streams.h"
@@ -19,7 +20,7 @@ TVnDOMNode* Obj(const IPtr<I>& AIntf) {
 template <class T, class I>
 T* ObjAs(const IPtr<I>& AIntf) {
   TVnDOMNode* n = Obj(AIntf);
-  if (n && !n->InheritsFrom(T::StaticClass())) throw EInvalidCast(u"Invalid class typecast");
+  if (n && !n->InheritsFrom(T::StaticClass())) throw EInvalidCast(cRtlInvalidCast);
   return static_cast<T*>(n);
 }
 template <class I>
@@ -33,7 +34,6 @@ IPtr<I> Adopt(std::unique_ptr<T> AObject) {
   AObject.release();
   return r;
 }
-[[noreturn]] void NotYet(const char16_t* AWhat) { throw EVnDomNotSupported(cVnDomNotYetSupported, {AWhat}); }
 
 // ---- nodes ----
 
@@ -49,7 +49,7 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
     return AFormat == dsfXML || AFormat == dsfJSON;
   }
   TVnSerializedData Serialize(TVnDataSerializationFormatType AFormat, TObject*) override {
-    if (AFormat != dsfXML) NotYet(u"Serialization as JSON");
+    if (AFormat != dsfXML) throw EVnDomNotSupported(cVnDomNotYetSupported, {cVnDomJSONOutput});
     TVnStringStream s(65001);
     Self()->SaveToStream(s, Word{65001}, false);
     return s.GetAString();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dom/node_extras.h"
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_messages.h"
@@ -272,7 +273,7 @@ TVnDOMNode* TVnDOMNode::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOM
 TVnDOMNode* TVnDOMNode::AddChild(TClass AClass, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
   std::unique_ptr<TObject> obj(CreateInstance(AClass));
   auto* node = CastObject<TVnDOMNode>(obj.get());
-  if (!node) throw EInvalidCast(u"Invalid class typecast");
+  if (!node) throw EInvalidCast(cRtlInvalidCast);
   AddChild(node, ARefNode, APosition);
   obj.release();
   return node;

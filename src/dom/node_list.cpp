@@ -270,7 +270,7 @@ TVnDOMElement* TVnDOMElementList::GetItemEx(std::u16string_view AName, TVnDOMSel
   TVnDOMElement* result = nullptr;
   if (AName.find(u'/') != std::u16string_view::npos || ACheck == coCreate) {
     // Paths and creation go through the path engine, from the owner element.
-    if (!owner) throw EVnDomNotSupported(cVnDomNotYetSupported, {u"Selection by path in a list without owner"});
+    if (!owner) throw EVnDomNotSupported(cVnDomListNeedsOwner);
     result = SelectSingleElement(owner, AName, opts - TVnDOMSelectOptions{soRaise});
   } else {
     result = Find(AName, opts - TVnDOMSelectOptions{soRaise});

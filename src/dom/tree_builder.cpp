@@ -8,6 +8,7 @@
 #endif
 
 #include "dom/ns_scope.h"
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/sax_reader.h"
 
@@ -246,7 +247,7 @@ void TreeBuilder::AddWhitespace(std::u16string_view AText) {
 }
 
 void TreeBuilder::AddCDATA(std::u16string_view AText) {
-  if (Current()->GetNodeType() != ntElement) throw EInvalidCast(u"Invalid class typecast");
+  if (Current()->GetNodeType() != ntElement) throw EInvalidCast(cRtlInvalidCast);
   auto* c = Make<TVnDOMCDATA>();
   c->FNodeValue.AssignIn(*FPool, AText);
   Place(c);

@@ -80,7 +80,7 @@ void TVnSAXXMLReader::InternalParse() {
   // Raised outside the failure path: no handler hears of them.
   if (!FContentHandler) throw EVnXMLParseError(cVnXMLErrNoContentHandler, UnicodeString(_cVnXMLNoContentHandler));
   if (!FErrorHandler) throw EVnXMLParseError(cVnXMLErrNoErrorHandler, UnicodeString(_cVnXMLNoErrorHandler));
-  VnAssert(FParser != nullptr, u"TVnSAXXMLReader.InternalParse: no parser");
+  VnAssert(FParser != nullptr, cVnXMLNoParser);
   // The handlers are held for the whole parse even if one of them replaces another.
   IPtr<IVnSAXContentHandler> content = FContentHandler;
   IPtr<IVnSAXErrorHandler> errors = FErrorHandler;
