@@ -31,6 +31,7 @@ inline constexpr char16_t cVnDomSplitNeedsParent[] = u"SplitText needs a node wi
 inline constexpr char16_t cVnDomObjectGone[] = u"The DOM object behind this interface has been freed.";
 inline constexpr char16_t cVnDomHasParent[] = u"The node already has a parent; remove it there first!";
 inline constexpr char16_t cVnDomAddToItself[] = u"A node cannot be added below itself!";
+inline constexpr char16_t cVnDomDocumentAsChild[] = u"A document cannot be added below another node!";
 inline constexpr char16_t cVnDomNotYetSupported[] = u"%s is not supported yet.";
 inline constexpr char16_t cVnDomJSONOutput[] = u"Serialization as JSON";
 inline constexpr char16_t cVnDomInvalidTypeInfo[] = u"The type attribute does not contain valid typeinfo.";

@@ -262,6 +262,7 @@ TVnDOMNode* TVnDOMNode::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOM
   if (!ANode) return nullptr;
   if (ANode->FParent) throw EVnDomHierarchyRequest(cVnDomHasParent);
   if (ANode == this) throw EVnDomHierarchyRequest(cVnDomAddToItself);
+  if (ANode->FNodeType == ntDocument) throw EVnDomHierarchyRequest(cVnDomDocumentAsChild);
   if (ANode->HasChilds())
     for (TVnDOMObject* p = FParent; p; p = p->GetParent())
       if (p == ANode) throw EVnDomHierarchyRequest(cVnDomAddToItself);

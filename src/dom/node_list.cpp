@@ -140,6 +140,7 @@ void TVnDOMNodeListBase::Clear() {
 
 TVnDOMNode* TVnDOMNodeListBase::Add(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
   CheckAdd(ANode);
+  if (!ANode) return nullptr;
   if (IsChildView()) return GetOwner()->AddChild(ANode, ARefNode, APosition);
   detail::InsertByPosition(*FItems, ANode, ARefNode, APosition);
   return ANode;

@@ -127,8 +127,16 @@ TEST(DomListEdits, NodesOfAnotherKindAreRefused) {
     }
     ExpectConsistent(*e);
   }
+  // No list of children takes a document, and nil adds nothing.
+  auto e = Sample();
+  TVnDOMDocument other;
+  EXPECT_THROW(e->GetChildNodes()->Add(&other), EVnDomHierarchyRequest);
+  EXPECT_EQ(e->GetChildNodes()->Add(nullptr), nullptr);
+  ExpectConsistent(*e);
   // A caller's lists are typed too; the namespaces in scope are a read-only snapshot.
   TVnDOMElementList mine;
+  EXPECT_EQ(mine.Add(nullptr), nullptr);
+  EXPECT_EQ(mine.Count(), 0);
   TVnDOMText text;
   EXPECT_THROW(mine.Add(&text), EVnDomHierarchyRequest);
   TVnDOMAttrList attrs;
