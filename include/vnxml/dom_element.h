@@ -160,7 +160,8 @@ class TVnDOMElement : public TVnDOMNode {
   /// Elements (this one first) with that namespace URI and local name.
   std::unique_ptr<TVnDOMElementList> CreateElementList(std::u16string_view AURI, std::u16string_view ALocalName,
                                                        bool ARecursive);
-  /// The elements that APath selects from this element; the caller owns the list.
+  /// The elements that APath selects from this element; the caller owns the list. A path that
+  /// selects any other kind of node raises EVnDomHierarchyRequest.
   std::unique_ptr<TVnDOMElementList> CreateElementList(std::u16string_view APath, TVnDOMSelectOptions AOptions);
   /// The first element that APath selects, or nil; a selected node that is no element raises EInvalidCast.
   TVnDOMElement* SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});

@@ -7,8 +7,9 @@
 // and Clear remove children as RemoveChild does (freed unless an interface holds them); a node
 // of a kind the list does not show is refused with EVnDomHierarchyRequest. A list keeps no
 // document of its own: it reads its owner's at each call, so it follows the owner from document
-// to document and never outlives one. Element lists hold elements only and attribute lists
-// attributes only, also when made for a caller.
+// to document and never reads a freed one. Element lists hold elements only and attribute lists
+// attributes only, also when made for a caller; the namespaces in scope (GetNamespaces) are a
+// snapshot that refuses every edit with EVnDomNotSupported.
 #pragma once
 
 #include <memory>
