@@ -33,5 +33,9 @@ inline constexpr char16_t cVnDomHasParent[] = u"The node already has a parent; r
 inline constexpr char16_t cVnDomAddToItself[] = u"A node cannot be added below itself!";
 inline constexpr char16_t cVnDomNotYetSupported[] = u"%s is not supported yet.";
 inline constexpr char16_t cVnDomInvalidTypeInfo[] = u"The type attribute does not contain valid typeinfo.";
+inline constexpr char16_t cVnDomAttributeNameNotWritable[] =
+    u"The attribute name \"%s\" cannot be written as XML that loads back with the same name!";
+inline constexpr char16_t cVnDomElementNameNotWritable[] =
+    u"The element name \"%s\" cannot be written as XML that loads back with the same name!";
 
 }  // namespace vn

@@ -7,12 +7,14 @@
 #include <typeinfo>
 #include <vector>
 
+#include "output_names.h"
 #include "output_writer.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
+#include "vnxml/dom_messages.h"
 
 namespace vn {
 
@@ -96,7 +98,9 @@ class TreeWriter {
   }
 
   void Attribute(const TVnDOMAttribute* AAttribute) {
-    FOut.Framed(" ", AAttribute->QualifiedNameView(), "=\"");
+    const std::u16string_view name = AAttribute->QualifiedNameView();
+    if (!FNames.Attribute(name)) throw EVnDomInvalidCharacter(cVnDomAttributeNameNotWritable, {name});
+    FOut.Framed(" ", name, "=\"");
     FOut.Framed("", AAttribute->GetStoredValue(), "\"");
   }
 
@@ -149,8 +153,10 @@ class TreeWriter {
 
   // Writes the start tag; true when the element has content, which raises the level.
   bool OpenTag(TVnDOMElement* AElement) {
+    const std::u16string_view name = AElement->QualifiedNameView();
+    if (!FNames.Element(name)) throw EVnDomInvalidCharacter(cVnDomElementNameNotWritable, {name});
     if (FFormatted && !AElement->GetPreserveSpace()) StartLine();
-    FOut.Framed("<", AElement->QualifiedNameView(), "");
+    FOut.Framed("<", name, "");
     const auto& attributes = AElement->AttributesView();
     for (uint32_t i = 0; i < attributes.size(); ++i) {
       TVnDOMNode* a = attributes[i];
@@ -214,6 +220,7 @@ class TreeWriter {
   bool FFormatted;
   bool FFiveBytes = false;
   Integer& FLevel;
+  detail::NameCheck FNames;
 };
 
 // Runs AWrite(TreeWriter&) with the output for ACodePage and hands the bytes to the stream.
