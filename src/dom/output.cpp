@@ -38,6 +38,11 @@ const BuiltInTypes& Types() {
   return types;
 }
 
+// Out of line, so that the hot writers stay small enough to inline.
+[[noreturn, gnu::noinline]] void RefuseName(const char16_t* AMessage, std::u16string_view AName) {
+  throw EVnDomInvalidCharacter(AMessage, {AName});
+}
+
 bool ParentIsPlainElement(const TVnDOMNode* ANode) {
   TVnDOMNode* p = ANode->ParentNode();
   return p && p->GetNodeType() == ntElement && !p->GetPreserveSpace();
@@ -97,9 +102,9 @@ class TreeWriter {
     }
   }
 
-  void Attribute(const TVnDOMAttribute* AAttribute) {
+  [[gnu::always_inline]] void Attribute(const TVnDOMAttribute* AAttribute) {
     const std::u16string_view name = AAttribute->QualifiedNameView();
-    if (!FNames.Attribute(name)) throw EVnDomInvalidCharacter(cVnDomAttributeNameNotWritable, {name});
+    if (!FNames.Attribute(name)) RefuseName(cVnDomAttributeNameNotWritable, name);
     FOut.Framed(" ", name, "=\"");
     FOut.Framed("", AAttribute->GetStoredValue(), "\"");
   }
@@ -154,7 +159,7 @@ class TreeWriter {
   // Writes the start tag; true when the element has content, which raises the level.
   bool OpenTag(TVnDOMElement* AElement) {
     const std::u16string_view name = AElement->QualifiedNameView();
-    if (!FNames.Element(name)) throw EVnDomInvalidCharacter(cVnDomElementNameNotWritable, {name});
+    if (!FNames.Element(name)) RefuseName(cVnDomElementNameNotWritable, name);
     if (FFormatted && !AElement->GetPreserveSpace()) StartLine();
     FOut.Framed("<", name, "");
     const auto& attributes = AElement->AttributesView();

@@ -22,7 +22,9 @@ bool AttributeNameReadsBack(std::u16string_view AName) noexcept {
   if (IsBlank(first) || first == u'"' || first == u'\'' || first == u'/' || first == u':') return false;
   if (IsBlank(AName.back())) return false;
   // The name ends at "="; "<" and ">" inside fail the read.
-  return AName.find_first_of(u"=<>") == std::u16string_view::npos;
+  for (char16_t c : AName)
+    if (c == u'=' || c == u'<' || c == u'>') return false;
+  return true;
 }
 
 bool ElementNameReadsBack(std::u16string_view AName) noexcept {
@@ -37,6 +39,26 @@ bool ElementNameReadsBack(std::u16string_view AName) noexcept {
     const char16_t c = AName[i];
     if (IsBlank(c) || c == u'/' || c == u'>' || (c == u'<' && i < colon)) return false;
   }
+  return true;
+}
+
+bool NameCheck::Passed::CheckNew(std::u16string_view AName, bool (*ARule)(std::u16string_view) noexcept) {
+  // Names of nodes outside a document are not shared: past this many the rule alone decides.
+  constexpr size_t cMaxRemembered = 4096;
+  if (!ARule(AName)) return false;
+  if (AName.empty() || FCount >= cMaxRemembered) return true;
+  if ((FCount + 1) * 2 > FTable.size()) {
+    std::vector<Entry> old = std::move(FTable);
+    FTable.assign(old.empty() ? 64 : old.size() * 2, Entry{});
+    FCount = 0;
+    for (const Entry& e : old)
+      if (e.FData) CheckNew({e.FData, e.FSize}, ARule);
+  }
+  const size_t mask = FTable.size() - 1;
+  size_t i = Slot(AName.data(), mask);
+  while (FTable[i].FData) i = (i + 1) & mask;
+  FTable[i] = {AName.data(), AName.size()};
+  ++FCount;
   return true;
 }
 

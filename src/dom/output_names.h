@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace vn::detail {
 
@@ -15,28 +16,39 @@ bool AttributeNameReadsBack(std::u16string_view AName) noexcept;
 /// Whether `<AName` and `</AName>` read back as an element of that very name.
 bool ElementNameReadsBack(std::u16string_view AName) noexcept;
 
-/// The verdicts for the names of one write: names are shared within a document, so most
-/// checks end at a pointer comparison.
+/// The names of one write that passed their check. Names are shared within a document, so most
+/// names are checked once per write and found again by their address.
 class NameCheck {
  public:
-  bool Attribute(std::u16string_view AName) noexcept { return Check(AName, FAttributes, AttributeNameReadsBack); }
-  bool Element(std::u16string_view AName) noexcept { return Check(AName, FElements, ElementNameReadsBack); }
+  bool Attribute(std::u16string_view AName) { return FAttributes.Check(AName, AttributeNameReadsBack); }
+  bool Element(std::u16string_view AName) { return FElements.Check(AName, ElementNameReadsBack); }
 
  private:
-  static constexpr size_t cSize = 64;
-  struct Seen {
-    const char16_t* FData = nullptr;
-    size_t FSize = 0;
+  class Passed {
+   public:
+    bool Check(std::u16string_view AName, bool (*ARule)(std::u16string_view) noexcept) {
+      if (!FTable.empty()) {
+        const size_t mask = FTable.size() - 1;
+        for (size_t i = Slot(AName.data(), mask); FTable[i].FData; i = (i + 1) & mask)
+          if (FTable[i].FData == AName.data() && FTable[i].FSize == AName.size()) return true;
+      }
+      return CheckNew(AName, ARule);
+    }
+
+   private:
+    struct Entry {
+      const char16_t* FData = nullptr;
+      size_t FSize = 0;
+    };
+    static size_t Slot(const char16_t* AData, size_t AMask) noexcept {
+      return (reinterpret_cast<uintptr_t>(AData) * 0x9E3779B97F4A7C15ull >> 40) & AMask;
+    }
+    /// A name not met before in this write: its rule decides, and a name that passed is kept.
+    bool CheckNew(std::u16string_view AName, bool (*ARule)(std::u16string_view) noexcept);
+    std::vector<Entry> FTable;
+    size_t FCount = 0;
   };
-  static bool Check(std::u16string_view AName, Seen (&ASeen)[cSize], bool (*ARule)(std::u16string_view) noexcept) {
-    Seen& s = ASeen[(reinterpret_cast<uintptr_t>(AName.data()) >> 3) % cSize];
-    if (s.FData == AName.data() && s.FSize == AName.size() && s.FData) return true;
-    if (!ARule(AName)) return false;
-    s = {AName.data(), AName.size()};
-    return true;
-  }
-  Seen FAttributes[cSize];
-  Seen FElements[cSize];
+  Passed FAttributes, FElements;
 };
 
 }  // namespace vn::detail

@@ -17,15 +17,13 @@ namespace vn::detail {
 /// Selected nodes in order of discovery, each once.
 class NodeSet {
  public:
-  /// Adds ANode at the end; false when it is there already.
-  bool Add(TVnDOMNode* ANode);
+  void Add(TVnDOMNode* ANode);
   bool Empty() const noexcept { return FItems.empty(); }
   std::vector<TVnDOMNode*>& Items() noexcept { return FItems; }
 
  private:
   /// Inserts into the open-addressing table; false when the node is there already.
   bool Insert(TVnDOMNode* ANode);
-  size_t Slot(TVnDOMNode* ANode) const noexcept;
   void Grow();
 
   std::vector<TVnDOMNode*> FItems;

@@ -85,27 +85,23 @@ DepthGuard::~DepthGuard() { --tDepth; }
 
 uint64_t PathWork() noexcept { return tWork; }
 
-bool NodeSet::Add(TVnDOMNode* ANode) {
+void NodeSet::Add(TVnDOMNode* ANode) {
   if (FTable.empty()) {
     for (TVnDOMNode* n : FItems)
-      if (n == ANode) return false;
+      if (n == ANode) return;
     FItems.push_back(ANode);
     if (FItems.size() == cLinearLimit) Grow();
-    return true;
+    return;
   }
-  if (!Insert(ANode)) return false;
-  FItems.push_back(ANode);
-  if (FItems.size() * 2 > FTable.size()) Grow();
-  return true;
-}
-
-size_t NodeSet::Slot(TVnDOMNode* ANode) const noexcept {
-  return (reinterpret_cast<uintptr_t>(ANode) >> 4) * 0x9E3779B97F4A7C15ull >> 20 & (FTable.size() - 1);
+  if (Insert(ANode)) {
+    FItems.push_back(ANode);
+    if (FItems.size() * 2 > FTable.size()) Grow();
+  }
 }
 
 bool NodeSet::Insert(TVnDOMNode* ANode) {
   const size_t mask = FTable.size() - 1;
-  size_t i = Slot(ANode);
+  size_t i = (reinterpret_cast<uintptr_t>(ANode) >> 4) * 0x9E3779B97F4A7C15ull >> 20 & mask;
   while (FTable[i]) {
     if (FTable[i] == ANode) return false;
     i = (i + 1) & mask;
