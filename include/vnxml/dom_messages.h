@@ -43,5 +43,9 @@ inline constexpr char16_t cVnDomListReadOnly[] =
 inline constexpr char16_t cVnDomNoProcessingInstruction[] = u"There is no processinginstruction \"%s\"!";
 inline constexpr char16_t cVnDomSyntaxAt[] = u"Line %d, column %d: %s";
 inline constexpr char16_t cVnDomNoCollator[] = u"The collator of the invariant locale is not available.";
+inline constexpr char16_t cVnDomAttributeNameNotWritable[] =
+    u"The attribute name \"%s\" cannot be written as XML that loads back with the same name!";
+inline constexpr char16_t cVnDomElementNameNotWritable[] =
+    u"The element name \"%s\" cannot be written as XML that loads back with the same name!";
 
 }  // namespace vn

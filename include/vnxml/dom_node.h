@@ -82,6 +82,13 @@ class TVnDOMNode : public TVnDOMObject {
   virtual void NormalizeTextNodes();
 
   // ---- text in and out ----
+  // The writer copies names and stored values as they are, and what it writes loads back to the
+  // same tree. A name that the reader would read back as another name, or that would end the tag
+  // early, is not written: such a write raises EVnDomInvalidCharacter and the output stops
+  // there. Attribute names must not start with "/", a quote, a colon or white space, end with
+  // white space, or hold "=", "<" or ">" (an empty name is fine); element names must start with
+  // a name character, again behind their first colon, and hold no white space, "/", ">", and no
+  // "<" before that colon.
   /// Writes this node (and its subtree) as XML to AStream in ACodePage.
   virtual void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel);
   virtual void SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted);
