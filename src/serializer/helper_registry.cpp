@@ -116,8 +116,8 @@ void VnRegisterSerializerHelper(TClass AClass, TVnSerializerHelperClass ASeriali
     }
     if (!at->ClassRef || ClassInheritsFrom(AClass, at->ClassRef)) break;
   }
-  // No ancestor and no pattern further on: the class goes first.
-  if (at == nodes.end()) at = nodes.begin();
+  // With no ancestor and no pattern the class goes last: descendants registered before it stay
+  // in front of it.
   nodes.insert(at, HelperNode{type, AClass, type ? type->QualifiedName() : ClassNameOf(AClass), ASerializerHelper,
                               ADeserializerHelper});
 }

@@ -1,0 +1,67 @@
+// Host types of the frame tests: a small class tree, a generic container, hinted members and
+// helper classes registered under qualified names.
+#pragma once
+
+#include "vnxml/common/rtti_register.h"
+#include "vnxml/serializer.h"
+
+namespace framedomain {
+
+using namespace vn;
+
+class TAnimal : public TObject {
+  VN_DECLARE_CLASS(TAnimal, TObject)
+};
+VN_REGISTER_TYPE(TAnimal, u"uFrame") {}
+class TDog : public TAnimal {
+  VN_DECLARE_CLASS(TDog, TAnimal)
+};
+VN_REGISTER_TYPE(TDog, u"uFrame") {}
+class TPuppy : public TDog {
+  VN_DECLARE_CLASS(TPuppy, TDog)
+};
+class TStone : public TObject {
+  VN_DECLARE_CLASS(TStone, TObject)
+};
+
+/// A container registered under its generic name, "TCage<uFrame.TDog>".
+class TDogCage : public TObject {
+  VN_DECLARE_CLASS(TDogCage, TObject)
+};
+VN_REGISTER_TYPE(TDogCage, u"uFrame") { b.Name(GenericTypeName(u"TCage", {TypeInfoOf<TDog>()}), u"uFrame"); }
+
+// Helpers that say which one was created.
+class TAnimalWriter : public TVnSerializerHelper {
+  VN_DECLARE_CLASS(TAnimalWriter, TVnSerializerHelper)
+};
+VN_REGISTER_TYPE(TAnimalWriter, u"uFrame") {}
+class TDogWriter : public TVnSerializerHelper {
+  VN_DECLARE_CLASS(TDogWriter, TVnSerializerHelper)
+};
+class TCageWriter : public TVnSerializerHelper {
+  VN_DECLARE_CLASS(TCageWriter, TVnSerializerHelper)
+};
+class TAnimalReader : public TVnDeserializerHelper {
+  VN_DECLARE_CLASS(TAnimalReader, TVnDeserializerHelper)
+};
+VN_REGISTER_TYPE(TAnimalReader, u"uFrame") {}
+class TCageReader : public TVnDeserializerHelper {
+  VN_DECLARE_CLASS(TCageReader, TVnDeserializerHelper)
+};
+
+struct THinted {
+  Integer Plain = 0;
+  Integer Named = 0;
+};
+VN_REGISTER_TYPE(THinted, u"uFrame") {
+  b.TypeAttr<SerializerHint>(shoDoNotSerialize)
+      .Public(u"Plain", &THinted::Plain)
+      .Public(u"Named", &THinted::Named)
+      .Attr<SerializerHint>(shoName, u"first")
+      .Attr<SerializerHint>(shoRequired)
+      .Attr<SerializerHint>(shoName, u"second")
+      .Attr<SerializerHint>(shoSerializerHelper, u"uFrame.TAnimalWriter")
+      .Attr<SerializerHint>(shoDeserializerHelper, u"uFrame.TAnimalWriter");
+}
+
+}  // namespace framedomain
