@@ -21,6 +21,7 @@ inline constexpr char16_t cVnXMLToValueUnsupported[] =
 
 /// The XML text of AValue: strings escaped (both quote kinds), an enumeration's value name (a
 /// number outside its range as it stands), a Variant by VnVariantToXML, dates in their XML forms,
+/// floats in the fewest digits (15 or more) that read back as the same value of their width,
 /// classes, arrays and records serialized as XML, anything else its generic text.
 UnicodeString VnValToXML(const TValue& AValue);
 
