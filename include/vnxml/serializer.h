@@ -15,6 +15,7 @@
 #include "vnxml/common/string_list.h"
 #include "vnxml/common/vn_object.h"
 #include "vnxml/common/vn_types.h"
+#include "vnxml/serializer_enums.h"
 #include "vnxml/serializer_formats.h"
 #include "vnxml/serializer_helpers.h"
 #include "vnxml/serializer_hints.h"

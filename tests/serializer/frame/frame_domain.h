@@ -49,6 +49,13 @@ class TCageReader : public TVnDeserializerHelper {
   VN_DECLARE_CLASS(TCageReader, TVnDeserializerHelper)
 };
 
+enum TColor : uint8_t { coRed, coGreen, coBlue };
+VN_REGISTER_TYPE(TColor, u"uFrame") {
+  b.Values({u"coRed", u"coGreen", u"coBlue"}).TypeAttr<SerializerHint>(shoEnumPrefix, u"co");
+}
+using TColors = TSet<TColor>;
+VN_REGISTER_TYPE(TColors, u"uFrame") {}
+
 struct THinted {
   Integer Plain = 0;
   Integer Named = 0;
