@@ -8,6 +8,7 @@
 #include "vnxml/common/currency.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/utf.h"
+#include "vnxml/dom.h"
 #include "vnxml/xml_utils.h"
 
 namespace roundtrip {
@@ -44,7 +45,7 @@ std::vector<TValue> ValuesAtTheirLimits() {
           TValue::From<TLevels>({lvLow, lvMid, lvHigh}), Of<TDateTime>(EncodeDate(1, 1, 1), u"TDate"),
           Of<TDateTime>(EncodeDate(9999, 12, 31), u"TDate"), Of<TDateTime>(EncodeTime(23, 59, 59, 999), u"TTime"),
           Of<TDateTime>(EncodeDate(9999, 12, 31) + EncodeTime(23, 59, 59, 999), u"TDateTime"),
-          Of<TDateTime>(EncodeDate(1899, 12, 30), u"TDateTime"), TValue::From(Variant(u"v<&"))};
+          Of<TDateTime>(EncodeDate(1899, 12, 30), u"TDateTime"), TValue::From(Variant(u"v<&amp;"))};
 }
 
 /// The value read back has the type and the text of the value written; floats are equal too.
@@ -61,6 +62,24 @@ TEST(ReflectedRoundTrip, XMLAtEveryKindsLimits) {
     const UnicodeString text = VnValToXML(value);
     SCOPED_TRACE(UnicodeToUtf8(value.TypeInfo()->Name + u": " + text));
     ExpectSameValue(value, VnXMLToValue(text, value.TypeInfo()), text);
+  }
+}
+
+/// Element values in schema-instance mode carry the type's schema name, which reads back as the
+/// same type, in memory and after a save and load.
+TEST(ReflectedRoundTrip, SchemaInstanceElementsAtEveryKindsLimits) {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"r");
+  doc.SetUseSchemaInstance(true);
+  const std::vector<TValue> values = ValuesAtTheirLimits();
+  for (const TValue& value : values) root->AddElement(u"v")->SetAsValue(value);
+  std::unique_ptr<TVnDOMDocument> loaded = TVnDOMDocument::FromXML(doc.GetXML());
+  for (TVnDOMElement* parent : {root, loaded->GetRootNode()}) {
+    for (size_t i = 0; i < values.size(); ++i) {
+      TVnDOMElement* e = parent->GetElements()->GetItem(static_cast<Integer>(i));
+      SCOPED_TRACE(UnicodeToUtf8(e->GetXML()));
+      ExpectSameValue(values[i], e->GetAsValue(), e->GetNodeValue());
+    }
   }
 }
 
