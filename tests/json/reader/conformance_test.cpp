@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <vector>
 
 #include "json_recorder.h"
 #include "vnxml/common/stream.h"
@@ -44,85 +45,46 @@ enum Rule {
   kNoBigEndian,
 };
 
-const std::map<std::string, Rule> kDepartures = {
-    {"i_string_utf16BE_no_BOM.json", kNoBigEndian},
-    {"n_array_1_true_without_comma.json", kSkipAfterValue},
-    {"n_array_colon_instead_of_comma.json", kSkipAfterValue},
-    {"n_array_extra_comma.json", kArrayTrailingComma},
-    {"n_array_items_separated_by_semicolon.json", kSkipAfterValue},
-    {"n_array_just_minus.json", kNumberRun},
-    {"n_array_number_and_comma.json", kArrayTrailingComma},
-    {"n_array_spaces_vertical_tab_formfeed.json", kControlIsWhiteSpace},
-    {"n_multidigit_number_then_00.json", kSkipAfterValue},
-    {"n_number_++.json", kNumberRun},
-    {"n_number_+1.json", kNumberRun},
-    {"n_number_+Inf.json", kSkipAfterValue},
-    {"n_number_-01.json", kNumberRun},
-    {"n_number_-1.0..json", kNumberRun},
-    {"n_number_-2..json", kNumberRun},
-    {"n_number_-NaN.json", kSkipAfterValue},
-    {"n_number_.-1.json", kNumberRun},
-    {"n_number_.2e-3.json", kNumberRun},
-    {"n_number_0.1.2.json", kNumberRun},
-    {"n_number_0.3e+.json", kNumberRun},
-    {"n_number_0.3e.json", kNumberRun},
-    {"n_number_0.e1.json", kNumberRun},
-    {"n_number_0_capital_E+.json", kNumberRun},
-    {"n_number_0_capital_E.json", kNumberRun},
-    {"n_number_0e+.json", kNumberRun},
-    {"n_number_0e.json", kNumberRun},
-    {"n_number_1.0e+.json", kNumberRun},
-    {"n_number_1.0e-.json", kNumberRun},
-    {"n_number_1.0e.json", kNumberRun},
-    {"n_number_1_000.json", kSkipAfterValue},
-    {"n_number_1eE2.json", kNumberRun},
-    {"n_number_2.e+3.json", kNumberRun},
-    {"n_number_2.e-3.json", kNumberRun},
-    {"n_number_2.e3.json", kNumberRun},
-    {"n_number_9.e+.json", kNumberRun},
-    {"n_number_expression.json", kNumberRun},
-    {"n_number_hex_1_digit.json", kSkipAfterValue},
-    {"n_number_hex_2_digits.json", kSkipAfterValue},
-    {"n_number_invalid+-.json", kNumberRun},
-    {"n_number_invalid-negative-real.json", kSkipAfterValue},
-    {"n_number_invalid-utf-8-in-bigger-int.json", kSkipAfterValue},
-    {"n_number_invalid-utf-8-in-exponent.json", kSkipAfterValue},
-    {"n_number_minus_infinity.json", kSkipAfterValue},
-    {"n_number_minus_sign_with_trailing_garbage.json", kSkipAfterValue},
-    {"n_number_minus_space_1.json", kSkipAfterValue},
-    {"n_number_neg_int_starting_with_zero.json", kNumberRun},
-    {"n_number_neg_real_without_int_part.json", kNumberRun},
-    {"n_number_neg_with_garbage_at_end.json", kSkipAfterValue},
-    {"n_number_real_garbage_after_e.json", kSkipAfterValue},
-    {"n_number_real_with_invalid_utf8_after_e.json", kSkipAfterValue},
-    {"n_number_real_without_fractional_part.json", kNumberRun},
-    {"n_number_starting_with_dot.json", kNumberRun},
-    {"n_number_with_alpha.json", kSkipAfterValue},
-    {"n_number_with_alpha_char.json", kSkipAfterValue},
-    {"n_number_with_leading_zero.json", kNumberRun},
-    {"n_object_emoji.json", kSkipToName},
-    {"n_object_garbage_at_end.json", kSkipAfterValue},
-    {"n_object_key_with_single_quotes.json", kSkipToName},
-    {"n_object_non_string_key.json", kSkipToName},
-    {"n_object_non_string_key_but_huge_number_instead.json", kSkipToName},
-    {"n_object_repeated_null_null.json", kSkipToName},
-    {"n_object_single_quote.json", kSkipToName},
-    {"n_object_two_commas_in_a_row.json", kSkipToName},
-    {"n_string_incomplete_escaped_character.json", kRawStrings},
-    {"n_string_invalid_unicode_escape.json", kRawStrings},
-    {"n_string_unescaped_ctrl_char.json", kRawStrings},
-    {"n_string_unescaped_newline.json", kRawStrings},
-    {"n_string_unescaped_tab.json", kRawStrings},
-    {"n_structure_UTF8_BOM_no_data.json", kTopLevelSequence},
-    {"n_structure_close_unopened_array.json", kTopLevelSkip},
-    {"n_structure_double_array.json", kTopLevelSequence},
-    {"n_structure_no_data.json", kTopLevelSequence},
-    {"n_structure_number_with_trailing_garbage.json", kTopLevelSkip},
-    {"n_structure_whitespace_formfeed.json", kControlIsWhiteSpace},
-    {"y_array_with_trailing_space.json", kNoSpaceAroundContainer},
-    {"y_number_double_close_to_zero.json", kNoSpaceAroundContainer},
-    {"y_structure_trailing_newline.json", kNoSpaceAroundContainer},
-    {"y_structure_whitespace_array.json", kNoSpaceAroundContainer},
+// Files (without ".json") whose verdict departs from their prefix, by the rule that causes it.
+const std::map<Rule, std::vector<std::string>> kDepartures = {
+    {kNoBigEndian,
+     {"i_string_utf16BE_no_BOM"}},
+    {kSkipAfterValue,
+     {"n_array_1_true_without_comma", "n_array_colon_instead_of_comma",
+      "n_array_items_separated_by_semicolon", "n_multidigit_number_then_00", "n_number_+Inf",
+      "n_number_-NaN", "n_number_1_000", "n_number_hex_1_digit", "n_number_hex_2_digits",
+      "n_number_invalid-negative-real", "n_number_invalid-utf-8-in-bigger-int",
+      "n_number_invalid-utf-8-in-exponent", "n_number_minus_infinity",
+      "n_number_minus_sign_with_trailing_garbage", "n_number_minus_space_1",
+      "n_number_neg_with_garbage_at_end", "n_number_real_garbage_after_e",
+      "n_number_real_with_invalid_utf8_after_e", "n_number_with_alpha", "n_number_with_alpha_char",
+      "n_object_garbage_at_end"}},
+    {kArrayTrailingComma,
+     {"n_array_extra_comma", "n_array_number_and_comma"}},
+    {kNumberRun,
+     {"n_array_just_minus", "n_number_++", "n_number_+1", "n_number_-01", "n_number_-1.0.",
+      "n_number_-2.", "n_number_.-1", "n_number_.2e-3", "n_number_0.1.2", "n_number_0.3e+",
+      "n_number_0.3e", "n_number_0.e1", "n_number_0_capital_E+", "n_number_0_capital_E", "n_number_0e+",
+      "n_number_0e", "n_number_1.0e+", "n_number_1.0e-", "n_number_1.0e", "n_number_1eE2",
+      "n_number_2.e+3", "n_number_2.e-3", "n_number_2.e3", "n_number_9.e+", "n_number_expression",
+      "n_number_invalid+-", "n_number_neg_int_starting_with_zero", "n_number_neg_real_without_int_part",
+      "n_number_real_without_fractional_part", "n_number_starting_with_dot", "n_number_with_leading_zero"}},
+    {kControlIsWhiteSpace,
+     {"n_array_spaces_vertical_tab_formfeed", "n_structure_whitespace_formfeed"}},
+    {kSkipToName,
+     {"n_object_emoji", "n_object_key_with_single_quotes", "n_object_non_string_key",
+      "n_object_non_string_key_but_huge_number_instead", "n_object_repeated_null_null",
+      "n_object_single_quote", "n_object_two_commas_in_a_row"}},
+    {kRawStrings,
+     {"n_string_incomplete_escaped_character", "n_string_invalid_unicode_escape",
+      "n_string_unescaped_ctrl_char", "n_string_unescaped_newline", "n_string_unescaped_tab"}},
+    {kTopLevelSequence,
+     {"n_structure_UTF8_BOM_no_data", "n_structure_double_array", "n_structure_no_data"}},
+    {kTopLevelSkip,
+     {"n_structure_close_unopened_array", "n_structure_number_with_trailing_garbage"}},
+    {kNoSpaceAroundContainer,
+     {"y_array_with_trailing_space", "y_number_double_close_to_zero", "y_structure_trailing_newline",
+      "y_structure_whitespace_array"}},
 };
 
 enum class Outcome { Accepted, Refused, Foreign };
@@ -147,19 +109,22 @@ Outcome ReadFile(const fs::path& APath, std::string& AWhat) {
 }
 
 TEST(JsonConformance, TestSuiteVerdicts) {
+  std::map<std::string, Rule> departing;
+  for (const auto& [rule, names] : kDepartures)
+    for (const std::string& name : names) departing[name + ".json"] = rule;
   std::set<std::string> seen;
   for (const auto& entry : fs::directory_iterator(kCorpora / "json-test-suite/test_parsing")) {
     const std::string name = entry.path().filename().string();
     std::string what;
     const Outcome got = ReadFile(entry.path(), what);
     ASSERT_NE(got, Outcome::Foreign) << name << ": " << what;
-    const bool departs = kDepartures.count(name) != 0;
+    const bool departs = departing.count(name) != 0;
     const bool accepted = (name[0] != 'n') != departs;
     EXPECT_EQ(got, accepted ? Outcome::Accepted : Outcome::Refused) << name;
     seen.insert(name);
   }
   EXPECT_EQ(seen.size(), 318u);
-  for (const auto& [name, rule] : kDepartures) EXPECT_TRUE(seen.count(name)) << "no file " << name;
+  for (const auto& [name, rule] : departing) EXPECT_TRUE(seen.count(name)) << "no file " << name;
 }
 
 TEST(JsonConformance, EveryOtherFileEndsInOrder) {

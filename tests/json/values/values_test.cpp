@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -71,51 +72,48 @@ TEST(JsonValues, VarToJSON) {
   VarArrayPut(mixed, Variant(u"a/\u20AC"), {1});
   VarArrayPut(mixed, Variant(true), {2});
   VarArrayPut(mixed, Variant::Null(), {3});
-  const std::pair<Variant, std::u16string_view> cases[] = {
-      {Variant(42), u"42"},
-      {Variant(Int64(-9007199254740993)), u"-9007199254740993"},
-      {Variant(1.5), u"1.5"},
-      {Variant(-0.0), u"-0"},
-      {Variant(std::numeric_limits<double>::infinity()), u"null"},
-      {Variant(-std::numeric_limits<double>::infinity()), u"null"},
-      {Variant(std::nan("")), u"null"},
-      {Variant(u"say \"hi\""), u"\"say \\\"hi\\\"\""},
-      {Variant(false), u"false"},
-      {Variant::FromDate(EncodeDate(2024, 2, 29) + 0.5), u"\"2024-02-29T12:00:00.000\""},
-      {arr, u"[1,2]"},
-      {mixed, u"[\"a\\/\\u20AC\",true,null]"},
-      {Variant::Null(), u"null"},
-      {Variant(), u"null"},
+  const std::tuple<Variant, std::u16string_view, TVnJSONDataType> cases[] = {
+      {Variant(42), u"42", jdtNumber},
+      {Variant(Int64(-9007199254740993)), u"-9007199254740993", jdtNumber},
+      {Variant(1.5), u"1.5", jdtNumber},
+      {Variant(-0.0), u"-0", jdtNumber},
+      {Variant(std::numeric_limits<double>::infinity()), u"null", jdtNumber},
+      {Variant(std::nan("")), u"null", jdtNumber},
+      {Variant(u"say \"hi\""), u"\"say \\\"hi\\\"\"", jdtString},
+      {Variant(false), u"false", jdtBoolean},
+      {Variant::FromDate(EncodeDate(2024, 2, 29) + 0.5), u"\"2024-02-29T12:00:00.000\"", jdtString},
+      {arr, u"[1,2]", jdtArray},
+      {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
+      {Variant::Null(), u"null", jdtNull},
+      {Variant(), u"null", jdtNull},
   };
-  for (const auto& [v, text] : cases) EXPECT_EQ(VnVarToJSON(v), text);
-  EXPECT_EQ(VnVarTypeToJSONType(Variant(1)), jdtNumber);
-  EXPECT_EQ(VnVarTypeToJSONType(Variant(1.0)), jdtNumber);
-  EXPECT_EQ(VnVarTypeToJSONType(Variant(u"x")), jdtString);
-  EXPECT_EQ(VnVarTypeToJSONType(Variant::FromDate(1)), jdtString);
-  EXPECT_EQ(VnVarTypeToJSONType(Variant(true)), jdtBoolean);
-  EXPECT_EQ(VnVarTypeToJSONType(arr), jdtArray);
-  EXPECT_EQ(VnVarTypeToJSONType(Variant::Null()), jdtNull);
+  for (const auto& [v, text, kind] : cases) {
+    EXPECT_EQ(VnVarToJSON(v), text);
+    EXPECT_EQ(VnVarTypeToJSONType(v), kind) << UnicodeToUtf8(text);
+  }
 }
 
 TEST(JsonValues, Dates) {
-  const TDateTime epoch = EncodeDate(1970, 1, 1);
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(u"/Date(0)/"), epoch);
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(u"/Date(86400000)/"), epoch + 1);
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(u"/Date(-43200000)/"), epoch - 0.5);
-  EXPECT_DOUBLE_EQ(VnJSONToDate(u"/Date(129600000)/"), epoch + 1);  // a day and a half: whole days
-  EXPECT_DOUBLE_EQ(VnJSONToTime(u"/Date(3600000)/"), 1.0 / 24);
-  EXPECT_DOUBLE_EQ(VnJSONToTime(u"/xxxx(3600000)x"), 1.0 / 24);   // the letters aren't looked at
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(u""), 0);
-  EXPECT_THROW(VnJSONToDateTime(u"/Date(0+0100)/"), EConvertError);  // no offset in this form
-  EXPECT_THROW(VnJSONToDateTime(u"/Date()/"), EConvertError);
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(u"2024-02-29T12:00:00"), EncodeDate(2024, 2, 29) + 0.5);
-  EXPECT_DOUBLE_EQ(VnJSONToDate(u"2024-02-29"), EncodeDate(2024, 2, 29));
-  EXPECT_DOUBLE_EQ(VnJSONToTime(u"06:00:00"), 0.25);
-
+  const TDateTime epoch = EncodeDate(1970, 1, 1), leap = EncodeDate(2024, 2, 29);
+  using Fn = TDateTime (*)(std::u16string_view);
+  const std::tuple<Fn, std::u16string_view, TDateTime> cases[] = {
+      {VnJSONToDateTime, u"/Date(0)/", epoch},
+      {VnJSONToDateTime, u"/Date(-43200000)/", epoch - 0.5},
+      {VnJSONToDate, u"/Date(129600000)/", epoch + 1},  // a day and a half: whole days
+      {VnJSONToTime, u"/Date(3600000)/", 1.0 / 24},     // counted from 0
+      {VnJSONToTime, u"/xxxx(3600000)x", 1.0 / 24},     // the letters aren't looked at
+      {VnJSONToDateTime, u"", 0},
+      {VnJSONToDateTime, u"2024-02-29T12:00:00", leap + 0.5},
+      {VnJSONToDate, u"2024-02-29", leap},
+      {VnJSONToTime, u"06:00:00", 0.25},
+  };
+  for (const auto& [fn, text, want] : cases) EXPECT_DOUBLE_EQ(fn(text), want) << UnicodeToUtf8(text);
+  for (std::u16string_view bad : {u"/Date(0+0100)/", u"/Date()/"}) EXPECT_THROW(VnJSONToDateTime(bad), EConvertError);
   EXPECT_DOUBLE_EQ(VnJSONToDateDef(u"garbage", 7), 7);
   EXPECT_DOUBLE_EQ(VnJSONToTimeDef(u"/Date(x)/", 7), 7);
   EXPECT_DOUBLE_EQ(VnJSONToDateTimeDef(u"/Date(0)/", 7), epoch);
 
+  // Variants: Null gives the default, numbers and dates their value, strings are read.
   EXPECT_DOUBLE_EQ(VnJSONToDateTime(Variant::Null(), 7), 7);
   EXPECT_DOUBLE_EQ(VnJSONToDate(Variant(2.5), 7), 2.5);
   EXPECT_DOUBLE_EQ(VnJSONToTime(Variant::FromDate(0.25), 7), 0.25);
