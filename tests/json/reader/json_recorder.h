@@ -45,7 +45,7 @@ class JsonRecorder : public vn::TVnObject, public vn::IVnJSONContentHandler, pub
   void Add(const std::string& t) { Trace += Trace.empty() ? t : " " + t; }
 };
 
-/// A reader wired to a recorder; Read gives the trace and swallows the failure it records.
+/// A reader wired to a recorder; Read gives the trace and swallows the reader's own failures.
 struct RecordingJsonReader {
   JsonRecorder Rec;  // outlives the reader, which holds it
   vn::TVnJSONReader Reader;
@@ -58,7 +58,8 @@ struct RecordingJsonReader {
     Rec.Trace.clear();
     try {
       AParse(Reader);
-    } catch (const std::exception&) {
+    } catch (const vn::EVnJSONException&) {
+    } catch (const vn::EVnTextParserEOF&) {
     }
     return Rec.Trace;
   }

@@ -83,6 +83,19 @@ TEST(JsonReader, AcceptedLanguageAndFailures) {
   for (const Case& c : kLanguage) EXPECT_EQ(r.Read(c.Text), c.Trace) << "input: " << c.Text;
 }
 
+// A text cut anywhere ends quietly or with the reader's own exceptions, never past the buffer.
+TEST(JsonReader, CutAnywhere) {
+  const std::string text = "{\"a\\u00e9\":[1.5e3,true,\"x\\\"\xC3\xA9\",{\"n\":null}], \"b\" :false}";
+  const UnicodeString wide = Utf8ToUnicode(text);
+  vntest::RecordingJsonReader r;
+  for (size_t n = 0; n <= text.size(); ++n) {
+    std::string cut = text.substr(0, n);
+    EXPECT_NO_THROW(r.Run([&](TVnJSONReader& x) { x.ParseBuffer(cut.data(), Cardinal(n), 65001, u""); }));
+    UnicodeString wideCut = wide.substr(0, std::min(n, wide.size()));
+    EXPECT_NO_THROW(r.Run([&](TVnJSONReader& x) { x.Parse(wideCut, u""); }));
+  }
+}
+
 struct Failure {
   const char* Text;
   std::u16string_view Expected;
