@@ -108,6 +108,8 @@ UnicodeString VnValToXML(const TValue& AValue) {
       return VnStrToXML(AValue.AsString(), true, true);
     case tkEnumeration: {
       const TTypeInfo* type = AValue.TypeInfo();
+      // A boolean takes the schema's lexical form, not its value name.
+      if (TypeKind(AValue) == vtkBoolean) return VnBoolToXML(AValue.AsOrdinal() != 0);
       const Int64 ordinal = AValue.AsOrdinal();
       if (ordinal >= type->MinValue && ordinal <= type->MaxValue &&
           static_cast<size_t>(ordinal - type->MinValue) < type->EnumNames.size())
