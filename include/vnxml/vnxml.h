@@ -7,6 +7,7 @@
 #include "vnxml/json_contract.h"
 #include "vnxml/json_parser.h"
 #include "vnxml/json_reader.h"
+#include "vnxml/json_reflected_values.h"
 #include "vnxml/json_values.h"
 #include "vnxml/sax.h"
 #include "vnxml/serializer.h"
