@@ -1,5 +1,5 @@
-// Host types of the frame tests: a small class tree, a generic container, hinted members and
-// helper classes registered under qualified names.
+// Host types of the frame tests: a small class tree, a generic container, a prefixed
+// enumeration, hinted members, and helpers registered under qualified names.
 #pragma once
 
 #include "vnxml/common/rtti_register.h"
@@ -9,45 +9,33 @@ namespace framedomain {
 
 using namespace vn;
 
-class TAnimal : public TObject {
-  VN_DECLARE_CLASS(TAnimal, TObject)
-};
+UnicodeString MessageOf(auto ACall) {
+  try {
+    ACall();
+  } catch (const Exception& e) {
+    return e.Message();
+  }
+  return u"<no exception>";
+}
+
+// clang-format off
+class TAnimal : public TObject { VN_DECLARE_CLASS(TAnimal, TObject) };
+class TDog : public TAnimal { VN_DECLARE_CLASS(TDog, TAnimal) };
+class TPuppy : public TDog { VN_DECLARE_CLASS(TPuppy, TDog) };
+class TStone : public TObject { VN_DECLARE_CLASS(TStone, TObject) };
+/// Registered under its generic name, "TCage<uFrame.TDog>".
+class TDogCage : public TObject { VN_DECLARE_CLASS(TDogCage, TObject) };
+class TAnimalWriter : public TVnSerializerHelper { VN_DECLARE_CLASS(TAnimalWriter, TVnSerializerHelper) };
+class TDogWriter : public TVnSerializerHelper { VN_DECLARE_CLASS(TDogWriter, TVnSerializerHelper) };
+class TCageWriter : public TVnSerializerHelper { VN_DECLARE_CLASS(TCageWriter, TVnSerializerHelper) };
+class TAnimalReader : public TVnDeserializerHelper { VN_DECLARE_CLASS(TAnimalReader, TVnDeserializerHelper) };
+class TCageReader : public TVnDeserializerHelper { VN_DECLARE_CLASS(TCageReader, TVnDeserializerHelper) };
+// clang-format on
 VN_REGISTER_TYPE(TAnimal, u"uFrame") {}
-class TDog : public TAnimal {
-  VN_DECLARE_CLASS(TDog, TAnimal)
-};
 VN_REGISTER_TYPE(TDog, u"uFrame") {}
-class TPuppy : public TDog {
-  VN_DECLARE_CLASS(TPuppy, TDog)
-};
-class TStone : public TObject {
-  VN_DECLARE_CLASS(TStone, TObject)
-};
-
-/// A container registered under its generic name, "TCage<uFrame.TDog>".
-class TDogCage : public TObject {
-  VN_DECLARE_CLASS(TDogCage, TObject)
-};
 VN_REGISTER_TYPE(TDogCage, u"uFrame") { b.Name(GenericTypeName(u"TCage", {TypeInfoOf<TDog>()}), u"uFrame"); }
-
-// Helpers that say which one was created.
-class TAnimalWriter : public TVnSerializerHelper {
-  VN_DECLARE_CLASS(TAnimalWriter, TVnSerializerHelper)
-};
 VN_REGISTER_TYPE(TAnimalWriter, u"uFrame") {}
-class TDogWriter : public TVnSerializerHelper {
-  VN_DECLARE_CLASS(TDogWriter, TVnSerializerHelper)
-};
-class TCageWriter : public TVnSerializerHelper {
-  VN_DECLARE_CLASS(TCageWriter, TVnSerializerHelper)
-};
-class TAnimalReader : public TVnDeserializerHelper {
-  VN_DECLARE_CLASS(TAnimalReader, TVnDeserializerHelper)
-};
 VN_REGISTER_TYPE(TAnimalReader, u"uFrame") {}
-class TCageReader : public TVnDeserializerHelper {
-  VN_DECLARE_CLASS(TCageReader, TVnDeserializerHelper)
-};
 
 enum TColor : uint8_t { coRed, coGreen, coBlue };
 VN_REGISTER_TYPE(TColor, u"uFrame") {

@@ -69,16 +69,10 @@ TEST(ReflectedRoundTrip, XMLAtEveryKindsLimits) {
 /// JSON writes enumerations and sets as objects through the serializer: they are read by name.
 TEST(ReflectedRoundTrip, JSONAtEveryKindsLimits) {
   for (const TValue& value : ValuesAtTheirLimits()) {
-    if (value.Kind() == tkEnumeration && value.TypeInfo() != TypeInfoOf<bool>()) continue;
-    if (value.Kind() == tkSet) continue;
+    if (value.Kind() == tkSet || (value.Kind() == tkEnumeration && value.TypeInfo() != TypeInfoOf<bool>())) continue;
     const UnicodeString text = VnValToJSON(value);
     SCOPED_TRACE(UnicodeToUtf8(value.TypeInfo()->Name + u": " + text));
-    const TValue back = VnJSONToVal(text, value.TypeInfo(), true);
-    if (value.Kind() == tkVariant) {
-      EXPECT_EQ(VarToStr(back.AsVariant()), VarToStr(value.AsVariant()));
-    } else {
-      ExpectSameValue(value, back, text);
-    }
+    ExpectSameValue(value, VnJSONToVal(text, value.TypeInfo(), true), text);
   }
 }
 
