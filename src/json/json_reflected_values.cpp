@@ -74,12 +74,15 @@ TValue VnJSONToVal(std::u16string_view AText, const TTypeInfo* AType, bool ADeco
       const Variant v = VnXMLToVariant(AText, varString);
       return TValue::Make(&v, AType);
     }
-    case vtkEnumeration:
-      try {
-        return VnXMLToValue(AText, AType);
-      } catch (const EConvertError&) {
-        throw Exception(cVnJSONToValueFailed, {AText, info->Name()});
-      }
+    case vtkEnumeration: {
+      // Digits convert as text (the ordinal); a name through its ordinal. Both must be in range.
+      const UnicodeString text = Trim(AText);
+      const bool digits = !text.empty() && text[0] >= u'0' && text[0] <= u'9';
+      TValue result;
+      const TValue source = digits ? TValue::From(text) : TValue::From<Int64>(GetEnumValue(AType, text));
+      if (!ToType(source, AType, result)) throw Exception(cVnJSONToValueFailed, {AText, info->Name()});
+      return result;
+    }
     default:
       // Numbers, booleans and sets read as in XML; that raises for the complex kinds.
       if ((info->Kind() >= vtkByte && info->Kind() <= vtkExtended) || info->Kind() == vtkBoolean ||
