@@ -169,8 +169,9 @@ void VnSerialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, T
 void VnSerialize(TVnDataSerializationFormatType AFormat, void* AInstance, const TTypeInfo* AType, TStream& AStream);
 void VnSerializeEx(TVnDataSerializationFormatType AFormat, void* AInstance, const TVnTypeInfo* AType,
                    TStream& AStream);
-/// Reads AData into a copy of AValue's instance (the object itself for a class) and gives the
-/// deserializer's instance back; ACreatedObjects, when given, records every object created.
+/// Reads AData into AValue's object and gives the deserializer's object back (a new one when
+/// AValue held nil); ACreatedObjects, when given, records every object created. A value of
+/// another kind is read into the deserializer's copy, which dies with it: the result is nil.
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, const TVnSerializedData& AData,
                     TObjectList* ACreatedObjects = nullptr);
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, TStream& AStream,

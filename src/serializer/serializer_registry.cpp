@@ -35,6 +35,11 @@ TVnCustomSerializer* CustomSerializerOf(IInterface* ASerializer) {
   return CastObject<TVnCustomSerializer>(VnImplementor(ASerializer));
 }
 
+/// The object a value form read into; the copy of any other value dies with the deserializer.
+void* ObjectInstance(IVnDeserializer& ADeserializer, const TValue& AValue) {
+  return AValue.Kind() == tkClass ? ADeserializer.GetInstancePtr() : nullptr;
+}
+
 TClass SerializerOf(TVnDataSerializationFormatType AFormat, const TVnTypeInfo* AType) {
   detail::EnsureSerializerStartup();
   const TVnSerializerPair* pair = TVnTypes::FindSerializers(AType, AFormat);
@@ -139,7 +144,7 @@ void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue
   IPtr<IVnDeserializer> d = VnCreateDeserializer(AFormat, AValue);
   if (ACreatedObjects) CustomSerializerOf(d.Get())->SetCreatedObjects(ACreatedObjects);
   d->Deserialize(AData);
-  return d->GetInstancePtr();
+  return ObjectInstance(*d, AValue);
 }
 
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, TStream& AStream,
@@ -147,7 +152,7 @@ void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue
   IPtr<IVnDeserializer> d = VnCreateDeserializer(AFormat, AValue);
   if (ACreatedObjects) CustomSerializerOf(d.Get())->SetCreatedObjects(ACreatedObjects);
   d->Deserialize(AStream);
-  return d->GetInstancePtr();
+  return ObjectInstance(*d, AValue);
 }
 
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, void* AInstance, const TTypeInfo* AType,
