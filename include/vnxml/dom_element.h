@@ -58,7 +58,8 @@ class TVnDOMElement : public TVnDOMNode {
   /// Null with xsi:nil; with xsi:type a value of that type; else the text, Null when there is none.
   /// An empty xsi:type raises EVnDomException cVnDomInvalidTypeInfo.
   Variant GetAsVariant() const;
-  /// The same as a TValue: empty with xsi:nil or without text; the text as a string without xsi:type.
+  /// The same as a TValue: empty with xsi:nil or without text (but an xsi:type of a string type
+  /// gives its empty string); the text as a string without xsi:type.
   TValue GetAsValue() const;
   /// GetAsVariant of the child element at AIndex (a number) or of that name; Null when there is none.
   Variant GetChildElementValue(const Variant& AIndex);
