@@ -10,6 +10,15 @@
 namespace vn {
 
 class TVnDOMProcessingInstruction;
+class TVnDOMDocument;
+
+namespace detail {
+/// The value against which lookups in ADocument's namespace scopes are cached (nodes outside
+/// any document share one of their own); it changes whenever a declaration there changes.
+uint64_t NamespaceEpoch(const TVnDOMDocument* ADocument) noexcept;
+/// A declaration's name or value changed in ADocument (nullptr: outside any document).
+void NamespacesChanged(TVnDOMDocument* ADocument) noexcept;
+}  // namespace detail
 
 inline constexpr char16_t cVnDomNoProcessingInstruction[] = u"There is no processinginstruction \"%s\"!";
 inline constexpr char16_t cVnDomSyntaxAt[] = u"Line %d, column %d: %s";
@@ -133,8 +142,12 @@ class TVnDOMDocument : public TVnDOMNode {
   UnicodeString FEncoding;
   Word FCodePage = 0;
   UnicodeString FDocumentURI;
+  // Per document, so that declarations changed in one tree leave the caches of others valid.
+  uint64_t FNamespaceEpoch;
 
   friend class TVnDOMParser;
+  friend uint64_t detail::NamespaceEpoch(const TVnDOMDocument*) noexcept;
+  friend void detail::NamespacesChanged(TVnDOMDocument*) noexcept;
   friend class detail::TreeBuilder;
 };
 
