@@ -2,27 +2,12 @@
 // that stays the same at any depth, and lookup caches that one document's edits leave alone.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 
+#include "alloc_counter.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
-
-// Bytes asked of operator new: the measure of work for the hostile shapes below.
-namespace {
-std::atomic<size_t> gAllocatedBytes{0};
-}  // namespace
-
-void* operator new(size_t ASize) {
-  gAllocatedBytes.fetch_add(ASize, std::memory_order_relaxed);
-  if (void* p = std::malloc(ASize ? ASize : 1)) return p;
-  throw std::bad_alloc();
-}
-void operator delete(void* APtr) noexcept { std::free(APtr); }
-void operator delete(void* APtr, size_t) noexcept { std::free(APtr); }
 
 namespace vn {
 namespace {
@@ -93,7 +78,7 @@ TEST(DomNamespacesLoad, UnprefixedChildOfAnUnprefixedParentDoesNotInheritTheDefa
 
 // Bytes allocated by loading AText and freeing the tree.
 size_t LoadWork(const std::u16string& AText, std::u16string_view ADeepestURI) {
-  size_t before = gAllocatedBytes.load();
+  size_t before = test::AllocatedBytes();
   {
     TVnDOMDocument doc;
     doc.LoadXML(AText);
@@ -101,7 +86,7 @@ size_t LoadWork(const std::u16string& AText, std::u16string_view ADeepestURI) {
     while (e->HasChildElements()) e = e->FirstElement();
     EXPECT_EQ(e->GetNamespaceURI(), ADeepestURI);
   }
-  return gAllocatedBytes.load() - before;
+  return test::AllocatedBytes() - before;
 }
 
 TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
@@ -139,13 +124,13 @@ TEST(DomNamespacesLoad, DeclarationChangesInOneDocumentKeepAnothersLookups) {
   TVnDOMElement* c = kept->GetRootNode()->FirstElement();
   ASSERT_NE(c->FindScopeDeclaration(u"xmlns:p1"), nullptr);
   // A lookup among many declarations, with nothing changed and with the other tree changed.
-  size_t before = gAllocatedBytes.load();
+  size_t before = test::AllocatedBytes();
   EXPECT_EQ(c->FindScopeDeclaration(u"xmlns:p2")->GetNodeValue(), u"urn:2");
-  const size_t quiet = gAllocatedBytes.load() - before;
+  const size_t quiet = test::AllocatedBytes() - before;
   edited->GetRootNode()->SetAttribute(u"xmlns:p3", u"urn:changed");
-  before = gAllocatedBytes.load();
+  before = test::AllocatedBytes();
   EXPECT_EQ(c->FindScopeDeclaration(u"xmlns:p3")->GetNodeValue(), u"urn:3");
-  EXPECT_LE(gAllocatedBytes.load() - before, quiet + 64);
+  EXPECT_LE(test::AllocatedBytes() - before, quiet + 64);
   // Its own changes are seen at once.
   kept->GetRootNode()->SetAttribute(u"xmlns:p3", u"urn:new");
   EXPECT_EQ(c->FindScopeDeclaration(u"xmlns:p3")->GetNodeValue(), u"urn:new");
