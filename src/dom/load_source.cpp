@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "internal/huge_pages.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/vn_streams.h"
@@ -41,22 +42,49 @@ LoadSource::LoadSource(TStream& AStream) {
     return;
   }
   // Sized by what the stream says is left; grown only for a stream that doesn't know its size.
-  size_t capacity = static_cast<size_t>(std::max<Int64>(AStream.GetSize() - AStream.GetPosition(), 0)) + 1;
+  Own(static_cast<size_t>(std::max<Int64>(AStream.GetSize() - AStream.GetPosition(), 0)) + 1);
   size_t have = 0;
-  FOwned.reset(new Byte[capacity]);
   for (;;) {
-    if (have == capacity) {
-      std::unique_ptr<Byte[]> grown(new Byte[capacity * 2 + kReadBlock]);
-      std::memcpy(grown.get(), FOwned.get(), have);
-      FOwned = std::move(grown);
-      capacity = capacity * 2 + kReadBlock;
+    if (have == FOwnedSize) {
+      Byte* old = FOwned;
+      const size_t oldSize = FOwnedSize;
+      const bool oldHuge = FOwnedHuge;
+      FOwned = nullptr;
+      try {
+        Own(oldSize * 2 + kReadBlock);
+      } catch (...) {
+        FOwned = old, FOwnedSize = oldSize, FOwnedHuge = oldHuge;
+        throw;
+      }
+      std::memcpy(FOwned, old, have);
+      if (oldHuge)
+        UnmapHugeBlock(old, oldSize);
+      else
+        delete[] old;
     }
-    Int64 got = AStream.Read(FOwned.get() + have, static_cast<Int64>(std::min(capacity - have, kReadBlock)));
+    Int64 got = AStream.Read(FOwned + have, static_cast<Int64>(std::min(FOwnedSize - have, kReadBlock)));
     if (got <= 0) break;
     have += static_cast<size_t>(got);
   }
-  FData = FOwned.get();
+  FData = FOwned;
   FSize = have;
+}
+
+LoadSource::~LoadSource() {
+  if (FOwnedHuge)
+    UnmapHugeBlock(FOwned, FOwnedSize);
+  else
+    delete[] FOwned;
+}
+
+void LoadSource::Own(size_t ASize) {
+  FOwnedHuge = false;
+  if (ASize >= kHugePage && (FOwned = static_cast<Byte*>(MapHugeBlock(ASize)))) {
+    FOwnedHuge = true;
+  } else {
+    FOwned = new Byte[ASize];
+  }
+  FOwnedSize = ASize;
 }
 
 Word LoadSource::DetectCodePage() {

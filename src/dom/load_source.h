@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "vnxml/common/types.h"
 
@@ -19,6 +18,9 @@ class LoadSource {
   LoadSource(const void* AData, size_t ASize) : FData(static_cast<const Byte*>(AData)), FSize(AData ? ASize : 0) {}
   /// The stream from its position to its end.
   explicit LoadSource(TStream& AStream);
+  ~LoadSource();
+  LoadSource(const LoadSource&) = delete;
+  LoadSource& operator=(const LoadSource&) = delete;
 
   /// What a document finds by itself: a byte-order mark (passed over), else the encoding that
   /// its first tag declares in double quotes; 0 leaves the choice to the reader's prolog.
@@ -31,7 +33,12 @@ class LoadSource {
   size_t Size() const { return FSize; }
 
  private:
-  std::unique_ptr<Byte[]> FOwned;
+  /// ASize bytes of the load's own: large ones on huge pages where the system gives them.
+  void Own(size_t ASize);
+
+  Byte* FOwned = nullptr;
+  size_t FOwnedSize = 0;
+  bool FOwnedHuge = false;
   const Byte* FData;
   size_t FSize;
 };
