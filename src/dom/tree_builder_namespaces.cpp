@@ -2,6 +2,7 @@
 // in force, so that a load costs the same per declaration at any depth.
 #include <algorithm>
 
+#include "dom/node_extras.h"
 #include "dom/ns_scope.h"
 #include "dom/tree_builder.h"
 #include "vnxml/common/sysutils.h"
@@ -116,8 +117,10 @@ void TreeBuilder::ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement
       auto* a = static_cast<TVnDOMAttribute*>(n);
       if (!a->IsNamespace()) continue;
       if (a == old) {
+        // Kept as the pending URI too: a later refresh tells by it that the element has one.
         ns = a;
         AElement->FNamespaceSet = true;
+        AElement->Extras().NamespaceURI = a->GetNodeValue();
       }
       TVnDOMAttribute* dup = nullptr;
       std::string key;

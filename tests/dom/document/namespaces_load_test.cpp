@@ -62,6 +62,11 @@ TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
       TVnDOMElement* c = b->AddElement(u"v", u"c");
       EXPECT_EQ(c->GetNamespaceURI(), u"v");
       EXPECT_EQ(c->GetXML(), u"<c />");
+      // A later refresh of the subtree keeps the declaration and its value.
+      top->SetAttribute(u"xmlns:gone", u"x");
+      top->RemoveAttribute(u"xmlns:gone");
+      EXPECT_EQ(b->GetNamespaceURI(), u"v");
+      EXPECT_EQ(b->GetAttribute(u"xmlns"), u"v");
     }
 }
 
