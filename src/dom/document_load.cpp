@@ -3,7 +3,6 @@
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
-#include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
 
 namespace vn {

@@ -1,14 +1,15 @@
 // TVnDOMParser: reader events become nodes; also the node-level entry points that parse text.
 #include "vnxml/dom_parser.h"
 
+#include <algorithm>
 #include <typeinfo>
 
 #include "dom/load_source.h"
 #include "dom/tree_builder.h"
 #include "xml/xml_read_loop.h"
 
+#include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
-#include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/sax_reader.h"
 #include "vnxml/xml_escape.h"
