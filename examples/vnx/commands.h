@@ -1,8 +1,12 @@
 // commands.h: the subcommands of vnx, one file each; main.cpp dispatches on the first argument.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "vnxml/common/stream.h"
+#include "vnxml/common/vn_streams.h"
 
 namespace vnx {
 
@@ -25,8 +29,17 @@ int Check(const std::vector<std::string>& AArgs);
 /// vnx select [--value] [--create] [--case-sensitive] [--local-name] FILE|- PATH
 int Select(const std::vector<std::string>& AArgs);
 
-/// The bytes of FILE, or of standard input for "-"; false when it can't be read.
-bool ReadInput(const std::string& APath, std::string& ABytes);
+/// FILE, or standard input for "-", as a stream that loads read once and in place.
+class Input {
+ public:
+  /// False when the input can't be opened or read.
+  bool Open(const std::string& APath);
+  vn::TStream& Stream() { return *FStream; }
+
+ private:
+  std::string FBytes;  // standard input
+  std::unique_ptr<vn::TStream> FStream;
+};
 
 /// Text as one line: quoted, with \\ \" \n \r \t \xHH for other controls, \uHHHH for lone surrogates.
 std::string Quoted(std::u16string_view AText);

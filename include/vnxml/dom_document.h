@@ -11,6 +11,15 @@
 namespace vn {
 
 class TVnDOMProcessingInstruction;
+class TVnDOMDocument;
+
+namespace detail {
+/// The value against which lookups in ADocument's namespace scopes are cached (nodes outside
+/// any document share one of their own); it changes whenever a declaration there changes.
+uint64_t NamespaceEpoch(const TVnDOMDocument* ADocument) noexcept;
+/// A declaration's name or value changed in ADocument (nullptr: outside any document).
+void NamespacesChanged(TVnDOMDocument* ADocument) noexcept;
+}  // namespace detail
 
 inline constexpr char16_t cVnXSINamespaceURI[] = u"http://www.w3.org/2001/XMLSchema-instance";
 inline constexpr char16_t cVnXSDNamespaceURI[] = u"http://www.w3.org/2001/XMLSchema";
@@ -130,8 +139,12 @@ class TVnDOMDocument : public TVnDOMNode {
   UnicodeString FEncoding;
   Word FCodePage = 0;
   UnicodeString FDocumentURI;
+  // Per document, so that declarations changed in one tree leave the caches of others valid.
+  uint64_t FNamespaceEpoch;
 
   friend class TVnDOMParser;
+  friend uint64_t detail::NamespaceEpoch(const TVnDOMDocument*) noexcept;
+  friend void detail::NamespacesChanged(TVnDOMDocument*) noexcept;
   friend class detail::TreeBuilder;
 };
 

@@ -2,6 +2,7 @@
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_path.h"
 
+#include "dom/ns_scope.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_messages.h"
@@ -11,7 +12,8 @@ namespace vn {
 TVnDOMDocument::TVnDOMDocument()
     : FCollation(DefaultXPathCollation),
       FSelectMatchOption(DefaultSelectMatchOption),
-      FSelectCheckOption(DefaultSelectCheckOption) {
+      FSelectCheckOption(DefaultSelectCheckOption),
+      FNamespaceEpoch(detail::NextNamespaceEpoch()) {
   FNodeType = ntDocument;
   FName.Set(u"#document");
   FDOMDocument = this;
