@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "input_kind.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/vn_streams.h"
 
@@ -18,7 +19,7 @@ inline constexpr int kExitUsage = 2;   // bad arguments, or the input could not 
 /// vnx events [--json|--xml] [--multi-root] FILE|-
 int Events(const std::vector<std::string>& AArgs);
 /// The JSON half of vnx events, over the bytes of APath.
-int JsonEvents(const std::string& ABytes, const std::string& APath);
+int JsonEvents(vn::TStream& AStream, const std::string& APath);
 
 /// vnx format [--plain] [--encoding NAME] [--bom] FILE|-
 int Format(const std::vector<std::string>& AArgs);
@@ -35,6 +36,8 @@ class Input {
   /// False when the input can't be opened or read.
   bool Open(const std::string& APath);
   vn::TStream& Stream() { return *FStream; }
+  /// AForced, or what the input's first significant character says; the stream is left at its start.
+  InputKind Kind(std::optional<InputKind> AForced);
 
  private:
   std::string FBytes;  // standard input

@@ -123,7 +123,7 @@ int Events(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "vnx: cannot read %s\n", path.c_str());
     return kExitUsage;
   }
-  if (ChooseInputKind(forced, bytes) == InputKind::Json) return JsonEvents(bytes, path);
+  if (input.Kind(forced) == InputKind::Json) return JsonEvents(input.Stream(), path);
   vn::IPtr<EventPrinter> printer(new EventPrinter);
   vn::TVnSAXXMLReader reader;
   reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(printer.Get()));

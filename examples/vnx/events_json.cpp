@@ -49,18 +49,15 @@ class JsonEventPrinter : public vn::TVnObject, public vn::IVnJSONContentHandler,
 
 }  // namespace
 
-int JsonEvents(const std::string& ABytes, const std::string& APath) {
+int JsonEvents(vn::TStream& AStream, const std::string& APath) {
   vn::IPtr<JsonEventPrinter> printer(new JsonEventPrinter);
   vn::TVnJSONReader reader;
   reader.SetContentHandler(vn::IPtr<vn::IVnJSONContentHandler>(printer.Get()));
   reader.SetErrorHandler(vn::IPtr<vn::IVnJSONErrorHandler>(printer.Get()));
   try {
     // A byte-order mark decides as ParseFile would; without one the reader's NUL patterns do.
-    vn::TVnMemoryStream stream(ABytes.data(), static_cast<vn::Int64>(ABytes.size()));
-    const vn::Word codePage = vn::VnGetCodePage(&stream);
-    const auto skip = static_cast<size_t>(stream.GetPosition());
-    reader.ParseBuffer(ABytes.data() + skip, static_cast<vn::Cardinal>(ABytes.size() - skip), codePage,
-                       vn::Utf8ToUnicode(APath));
+    const vn::Word codePage = vn::VnGetCodePage(&AStream);
+    reader.ParseStream(&AStream, codePage, vn::Utf8ToUnicode(APath));
   } catch (const vn::Exception& e) {
     // The reader's failures carry their code; the end of the text and the encoding failure 0.
     const auto* coded = dynamic_cast<const vn::EVnException*>(&e);

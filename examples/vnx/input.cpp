@@ -1,5 +1,6 @@
 // The input of a command: a file read through the library's file stream (the loader reads it
 // once, into one block), or standard input read into one block that is scanned in place.
+#include <algorithm>
 #include <cstdio>
 
 #include "commands.h"
@@ -22,6 +23,23 @@ bool Input::Open(const std::string& APath) {
     return false;
   }
   return true;
+}
+
+InputKind Input::Kind(std::optional<InputKind> AForced) {
+  if (AForced) return *AForced;
+  // Read only as far as the first significant byte: a large file is read once, by its loader.
+  std::string head;
+  char block[1 << 12];
+  FStream->SetPosition(0);
+  for (;;) {
+    const auto got = static_cast<size_t>(FStream->Read(block, sizeof block));
+    head.append(block, got);
+    const bool found = std::any_of(head.begin() + static_cast<std::ptrdiff_t>(std::min<size_t>(head.size(), 3)),
+                                   head.end(), [](char c) { return static_cast<unsigned char>(c) > ' '; });
+    if (found || got == 0) break;
+  }
+  FStream->SetPosition(0);
+  return ChooseInputKind(std::nullopt, head);
 }
 
 }  // namespace vnx
