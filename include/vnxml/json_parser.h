@@ -81,8 +81,7 @@ class TVnJSONParser : public TComponent, public IVnJSONErrorHandler, public IVnJ
   TVnJSONOnEndDocument OnEndDocument;
 
  protected:
-  /// The reader of one parse. The form reader is not part of this build: asking for it raises
-  /// EVnJSONException code 9 (_cVnJSONMethodNotSupported); a subclass may supply one.
+  /// The reader of one parse: TVnFormURLEncodedJSONReader for form text, else TVnJSONReader.
   virtual std::unique_ptr<TVnJSONReader> CreateReader(bool AFormURLEncoded);
 
  private:

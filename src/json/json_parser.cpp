@@ -1,6 +1,8 @@
 // TVnJSONParser: a reader per call, handler calls forwarded to the bound events.
 #include "vnxml/json_parser.h"
 
+#include "vnxml/json_form_reader.h"
+
 namespace vn {
 
 TVnJSONParser::TVnJSONParser(TComponent* AOwner) : TComponent(AOwner) {}
@@ -12,9 +14,7 @@ HRESULT TVnJSONParser::QueryInterface(const TGUID& AIID, void** AObj) {
 }
 
 std::unique_ptr<TVnJSONReader> TVnJSONParser::CreateReader(bool AFormURLEncoded) {
-  if (AFormURLEncoded)
-    throw EVnJSONException(cVnJSONErrMethodNotSupported, _cVnJSONMethodNotSupported,
-                           {UnicodeString(u"TVnJSONParser"), UnicodeString(u"FormURLEncoded")});
+  if (AFormURLEncoded) return std::make_unique<TVnFormURLEncodedJSONReader>();
   return std::make_unique<TVnJSONReader>();
 }
 
