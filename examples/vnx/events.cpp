@@ -102,20 +102,22 @@ std::string Quoted(std::u16string_view AText) {
 }
 
 int Events(const std::vector<std::string>& AArgs) {
-  bool multiRoot = false;
+  bool multiRoot = false, form = false;
   std::string path;
   std::vector<std::string> args = AArgs;
   const std::optional<InputKind> forced = TakeInputKindOption(args);
   for (const std::string& arg : args) {
     if (arg == "--multi-root")
       multiRoot = true;
+    else if (arg == "--form")
+      form = true;
     else if (path.empty())
       path = arg;
     else
       path.clear();
   }
   if (path.empty()) {
-    std::fprintf(stderr, "usage: vnx events [--json|--xml] [--multi-root] FILE|-\n");
+    std::fprintf(stderr, "usage: vnx events [--json|--xml|--form] [--multi-root] FILE|-\n");
     return kExitUsage;
   }
   Input input;
@@ -123,7 +125,7 @@ int Events(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "vnx: cannot read %s\n", path.c_str());
     return kExitUsage;
   }
-  if (input.Kind(forced) == InputKind::Json) return JsonEvents(input.Stream(), path);
+  if (form || input.Kind(forced) == InputKind::Json) return JsonEvents(input.Stream(), path, form);
   vn::IPtr<EventPrinter> printer(new EventPrinter);
   vn::TVnSAXXMLReader reader;
   reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(printer.Get()));

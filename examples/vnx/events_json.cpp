@@ -1,11 +1,13 @@
-// vnx events on JSON: one line per event of the JSON reader on standard output; a failure goes
-// to standard error as "error <code> at <line>:<column>: <message>" with exit code 1.
+// vnx events on JSON, or on form text with --form: one line per event of the JSON reader (or the
+// form reader) on standard output; a failure goes to standard error as "error <code> at <line>:<column>: <message>" with exit code 1.
 #include <cstdio>
+#include <memory>
 
 #include "commands.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
+#include "vnxml/json_form_reader.h"
 #include "vnxml/json_reader.h"
 
 namespace vnx {
@@ -49,17 +51,22 @@ class JsonEventPrinter : public vn::TVnObject, public vn::IVnJSONContentHandler,
 
 }  // namespace
 
-int JsonEvents(vn::TStream& AStream, const std::string& APath) {
+int JsonEvents(vn::TStream& AStream, const std::string& APath, bool AForm) {
   vn::IPtr<JsonEventPrinter> printer(new JsonEventPrinter);
-  vn::TVnJSONReader reader;
-  reader.SetContentHandler(vn::IPtr<vn::IVnJSONContentHandler>(printer.Get()));
-  reader.SetErrorHandler(vn::IPtr<vn::IVnJSONErrorHandler>(printer.Get()));
+  std::unique_ptr<vn::TVnJSONReader> reader;
+  if (AForm)
+    reader = std::make_unique<vn::TVnFormURLEncodedJSONReader>();
+  else
+    reader = std::make_unique<vn::TVnJSONReader>();
+  reader->SetContentHandler(vn::IPtr<vn::IVnJSONContentHandler>(printer.Get()));
+  reader->SetErrorHandler(vn::IPtr<vn::IVnJSONErrorHandler>(printer.Get()));
   try {
     // A byte-order mark decides as ParseFile would; without one the reader's NUL patterns do.
     const vn::Word codePage = vn::VnGetCodePage(&AStream);
-    reader.ParseStream(&AStream, codePage, vn::Utf8ToUnicode(APath));
+    reader->ParseStream(&AStream, codePage, vn::Utf8ToUnicode(APath));
   } catch (const vn::Exception& e) {
-    // The reader's failures carry their code; the end of the text and the encoding failure 0.
+    // The reader's failures carry their code; the end of the text, the encoding failure and
+    // the form reader's failures 0.
     const auto* coded = dynamic_cast<const vn::EVnException*>(&e);
     std::fflush(stdout);
     std::fprintf(stderr, "error %d at %d:%d: %s\n", coded ? coded->GetCode() : 0, printer->Line, printer->Col,

@@ -1,0 +1,1 @@
+events --form events-form.txt
