@@ -30,6 +30,24 @@
 #include "vnxml/dom_storage.h"
 #include "vnxml/json_contract.h"
 
+// Each node class answers one interface of its own beside those of its base; the counting
+// slots of every interface base lead to the one count of the object.
+#define VN_JSON_NODE_INTERFACE(Base, Intf)                                     \
+ public:                                                                       \
+  ::vn::HRESULT QueryInterface(const ::vn::TGUID& AIID, void** AObj) override { \
+    if (AIID == Intf::IID) {                                                   \
+      Base::_AddRef();                                                         \
+      *AObj = static_cast<Intf*>(this);                                        \
+      return ::vn::S_OK;                                                       \
+    }                                                                          \
+    return Base::QueryInterface(AIID, AObj);                                   \
+  }                                                                            \
+  int32_t _AddRef() override { return Base::_AddRef(); }                       \
+  int32_t _Release() override { return Base::_Release(); }                     \
+  ::vn::TObject* Implementor() override { return Base::Implementor(); }        \
+                                                                               \
+ private:
+
 namespace vn {
 
 class TVnJSONBase;
@@ -187,7 +205,7 @@ struct JSONText {
 
 class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   VN_DECLARE_CLASS(TVnJSONBase, TVnObject)
-  VN_VNOBJECT_INTERFACES(TVnObject, IVnJSONBase)
+  VN_JSON_NODE_INTERFACE(TVnObject, IVnJSONBase)
 
  public:
   explicit TVnJSONBase(TVnJSONBase* AOwner = nullptr);
@@ -317,7 +335,7 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
 
 class TVnJSONSimpleType : public TVnJSONBase, public IVnJSONSimpleType {
   VN_DECLARE_CLASS(TVnJSONSimpleType, TVnJSONBase)
-  VN_VNOBJECT_INTERFACES(TVnJSONBase, IVnJSONSimpleType)
+  VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONSimpleType)
 
  public:
   explicit TVnJSONSimpleType(TVnJSONBase* AOwner = nullptr) : TVnJSONBase(AOwner, DeferInsert{}) {
@@ -362,7 +380,7 @@ class TVnJSONSimpleType : public TVnJSONBase, public IVnJSONSimpleType {
 
 class TVnJSONMember : public TVnJSONBase, public IVnJSONMember {
   VN_DECLARE_CLASS(TVnJSONMember, TVnJSONBase)
-  VN_VNOBJECT_INTERFACES(TVnJSONBase, IVnJSONMember)
+  VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONMember)
 
  public:
   explicit TVnJSONMember(TVnJSONBase* AOwner = nullptr) : TVnJSONBase(AOwner, DeferInsert{}) {
@@ -416,7 +434,7 @@ class TVnJSONMember : public TVnJSONBase, public IVnJSONMember {
 
 class TVnJSONObject : public TVnJSONBase, public IVnJSONObject {
   VN_DECLARE_CLASS(TVnJSONObject, TVnJSONBase)
-  VN_VNOBJECT_INTERFACES(TVnJSONBase, IVnJSONObject)
+  VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONObject)
 
  public:
   explicit TVnJSONObject(TVnJSONBase* AOwner = nullptr);
@@ -457,7 +475,7 @@ class TVnJSONObject : public TVnJSONBase, public IVnJSONObject {
 
 class TVnJSONArray : public TVnJSONBase, public IVnJSONArray {
   VN_DECLARE_CLASS(TVnJSONArray, TVnJSONBase)
-  VN_VNOBJECT_INTERFACES(TVnJSONBase, IVnJSONArray)
+  VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONArray)
 
  public:
   /// Without an owner the array lists nodes of another tree and frees none of them.
@@ -484,7 +502,7 @@ class TVnJSONArray : public TVnJSONBase, public IVnJSONArray {
 
 class TVnJSONDocument : public TVnJSONBase, public IVnJSONDocument {
   VN_DECLARE_CLASS(TVnJSONDocument, TVnJSONBase)
-  VN_VNOBJECT_INTERFACES(TVnJSONBase, IVnJSONDocument)
+  VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONDocument)
 
  public:
   TVnJSONDocument();

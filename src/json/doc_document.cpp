@@ -6,6 +6,7 @@
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/encoding.h"
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/json_document.h"
 

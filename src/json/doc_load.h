@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vnxml/json_document.h"
+#include "vnxml/json_reader.h"
 
 namespace vn::detail {
 

@@ -58,11 +58,11 @@ class Walker {
     Open(&ARoot, ALevel, AIndent);
     while (!FStack.empty()) {
       Frame& f = FStack.back();
-      if (f.Next < f.Node->FObjects.size()) {
+      if (f.Next < static_cast<uint32_t>(f.Node->ChildCount())) {
         const uint32_t i = f.Next++;
-        TVnJSONBase* child = f.Node->FObjects[i];
+        TVnJSONBase* child = f.Node->Child(static_cast<Integer>(i));
         const Integer level = f.Level;
-        if (f.Kind == Kind::Other) {
+        if (f.Shape == Kind::Other) {
           Open(child, level, f.Indent);  // a document's children take its arguments unchanged
         } else {
           if (i) FOut.Ascii(", ");
@@ -72,12 +72,12 @@ class Walker {
       }
       const Frame done = f;
       FStack.pop_back();
-      if (done.Kind == Kind::Other) continue;
+      if (done.Shape == Kind::Other) continue;
       if (FFormatted) {
         FOut.Ascii("\r\n");
         Pad(done.Level);
       }
-      FOut.Ascii(done.Kind == Kind::Object ? "}" : "]");
+      FOut.Ascii(done.Shape == Kind::Object ? "}" : "]");
     }
   }
 
@@ -87,7 +87,7 @@ class Walker {
     TVnJSONBase* Node;
     uint32_t Next;
     Integer Level;
-    Kind Kind;
+    Kind Shape;
     bool Indent;
   };
 
