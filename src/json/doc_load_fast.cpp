@@ -100,6 +100,7 @@ class JSONTreeBuilder {
   }
 
   static void Counted(TVnJSONBase* ANode) {
+    ANode->FDestroyChilds = true;  // made without an owner, an array would think it lists a path result
     ANode->SetAutoDestroy(false);
     ANode->FRefCount = 1;  // the owner's reference
   }
