@@ -11,8 +11,10 @@ inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailed = 1;  // the input was refused (the reason is on standard error)
 inline constexpr int kExitUsage = 2;   // bad arguments, or the input could not be opened
 
-/// vnx events [--multi-root] FILE|-
+/// vnx events [--json|--xml] [--multi-root] FILE|-
 int Events(const std::vector<std::string>& AArgs);
+/// The JSON half of vnx events, over the bytes of APath.
+int JsonEvents(const std::string& ABytes, const std::string& APath);
 
 /// vnx format [--plain] [--encoding NAME] [--bom] FILE|-
 int Format(const std::vector<std::string>& AArgs);

@@ -1,11 +1,13 @@
-// vnx events: one line per event of the XML reader, on standard output; a failure goes to
-// standard error as "error <code> at <line>:<column>: <message>" with exit code 1.
+// vnx events: one line per event of the XML reader (JSON input: events_json.cpp), on standard
+// output; a failure goes to standard error as "error <code> at <line>:<column>: <message>" with
+// exit code 1.
 #include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 
 #include "commands.h"
+#include "input_kind.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
@@ -116,7 +118,9 @@ bool ReadInput(const std::string& APath, std::string& ABytes) {
 int Events(const std::vector<std::string>& AArgs) {
   bool multiRoot = false;
   std::string path;
-  for (const std::string& arg : AArgs) {
+  std::vector<std::string> args = AArgs;
+  const std::optional<InputKind> forced = TakeInputKindOption(args);
+  for (const std::string& arg : args) {
     if (arg == "--multi-root")
       multiRoot = true;
     else if (path.empty())
@@ -125,7 +129,7 @@ int Events(const std::vector<std::string>& AArgs) {
       path.clear();
   }
   if (path.empty()) {
-    std::fprintf(stderr, "usage: vnx events [--multi-root] FILE|-\n");
+    std::fprintf(stderr, "usage: vnx events [--json|--xml] [--multi-root] FILE|-\n");
     return kExitUsage;
   }
   std::string bytes;
@@ -133,6 +137,7 @@ int Events(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "vnx: cannot read %s\n", path.c_str());
     return kExitUsage;
   }
+  if (ChooseInputKind(forced, bytes) == InputKind::Json) return JsonEvents(bytes, path);
   vn::IPtr<EventPrinter> printer(new EventPrinter);
   vn::TVnSAXXMLReader reader;
   reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(printer.Get()));

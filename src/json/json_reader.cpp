@@ -10,10 +10,13 @@ namespace vn {
 
 namespace {
 
-// The reader's own sink: spans become UTF-16 views, valid for the handler's call.
+// The reader's own sink: spans become UTF-16 views, valid for the handler's call. UTF-8 takes
+// the fast decoder, and numbers and literals, which are ASCII by the loop's rules, are widened
+// without a look at their bytes.
 class HandlerSink {
  public:
-  HandlerSink(const TVnTextParser& AParser, IVnJSONContentHandler* AContent) : P(AParser), Content(AContent) {}
+  HandlerSink(const TVnTextParser& AParser, IVnJSONContentHandler* AContent)
+      : P(AParser), Content(AContent), Utf8(AParser.GetCharacterSetType() == csUTF8) {}
 
   void StartDocument() { Content->StartDocument(); }
   void EndDocument() { Content->EndDocument(); }
@@ -24,16 +27,31 @@ class HandlerSink {
   void EndMember() { Content->EndMember(); }
   template <class U>
   void StartMember(std::basic_string_view<U> AName) {
-    Content->StartMember(detail::SpanView(P, AName, Buffer));
+    Content->StartMember(Text(AName));
   }
   template <class U>
   void Value(TVnJSONSimpleDataType AKind, std::basic_string_view<U> AText) {
-    Content->Value(AKind, detail::SpanView(P, AText, Buffer));
+    if constexpr (std::is_same_v<U, uint8_t>)
+      if (AKind != jdtString) return Content->Value(AKind, Widen(AText));
+    Content->Value(AKind, Text(AText));
   }
 
  private:
+  std::u16string_view Text(std::u16string_view ASpan) { return ASpan; }
+  std::u16string_view Text(std::basic_string_view<uint8_t> ASpan) {
+    if (Utf8) return detail::DecodeUtf8(ASpan.data(), ASpan.data() + ASpan.size(), Buffer);
+    return detail::SpanView(P, ASpan, Buffer);
+  }
+  std::u16string_view Widen(std::basic_string_view<uint8_t> ASpan) {
+    if (Buffer.size() < ASpan.size()) Buffer.resize(std::max(ASpan.size(), 2 * Buffer.size()));
+    char16_t* d = Buffer.data();
+    for (uint8_t c : ASpan) *d++ = c;
+    return {Buffer.data(), ASpan.size()};
+  }
+
   const TVnTextParser& P;
   IVnJSONContentHandler* Content;
+  bool Utf8;
   std::u16string Buffer;
 };
 

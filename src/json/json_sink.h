@@ -16,9 +16,11 @@
 // One-byte spans are UTF-8, except when the scanner's character set is csAnsi (a multi-byte
 // code page the caller named): SpanToString and SpanView decode every kind alike.
 //
-// Positions: the scanner's cursor stands at the event's place before every call (the start of
-// the value, or the character after a container's closing bracket), so the reader's locator
-// and TVnTextParser::GetLineNr/GetColNr are right inside a sink and in a failure it raises.
+// Positions: the scanner's cursor is brought up to date before every call, so the reader's
+// locator and TVnTextParser::GetLineNr/GetColNr tell where the loop stands, inside a sink and
+// in a failure it raises: at the opening bracket for a start, at the closing one (or the end of
+// the text) for an end, at the closing quote for a name or string, right after the text of a
+// number or literal, and after the member's value for EndMember.
 //
 // Failures: the loop raises EVnJSONParseError (code 2, _cVnJSONNotWellFormed) and the scanner's
 // EVnTextParserEOF with the cursor at the failure; a sink may raise anything. Either way
