@@ -1,5 +1,6 @@
 // TVnJSONObject and TVnJSONArray: members in order, values in order.
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/var_utils.h"
 #include "vnxml/common/vn_types.h"
 #include "vnxml/common/variant_array.h"
 #include "vnxml/json_document.h"
@@ -67,7 +68,8 @@ TVnJSONMember* TVnJSONObject::AddMember(std::u16string_view AName, TVnJSONDataTy
 
 TVnJSONMember* TVnJSONObject::AddMember(std::u16string_view AName, const Variant& AValue) {
   switch (TVnTypes::VarMainTypeKind(AValue)) {
-    case vmkInteger: return AddMember(AName, jdtNumber, VnIntToXML(VnVarToInt(AValue)));
+    // 64 bits wide, so that a large integer keeps its digits (the same text for 32-bit values)
+    case vmkInteger: return AddMember(AName, jdtNumber, VnInt64ToXML(VnVarToInt64(AValue)));
     case vmkFloat: return AddMember(AName, jdtNumber, VnDoubleToXML(VnVarToDouble(AValue)));
     case vmkString: return AddMember(AName, jdtString, VarToUStr(AValue));
     case vmkBoolean: return AddMember(AName, jdtBoolean, VnBoolToXML(VnVarToBool(AValue)));

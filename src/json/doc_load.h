@@ -12,6 +12,10 @@ void LoadWithHandler(TVnJSONBase& ATarget, TStream& AStream, Word ACodePage, boo
 /// Same tree and same failures as LoadWithHandler.
 void LoadDocumentFast(TVnJSONDocument& ADoc, TStream& AStream, Word ACodePage);
 
+/// Raises what decoding AText would raise (a bad hexadecimal escape): the tree keeps raw text
+/// and decodes it on reading, yet a load fails where decoding at load time would.
+void CheckJSONText(std::u16string_view AText, TVnJSONDataType AKind);
+
 /// Makes the reader of a form-URL-encoded load; set by the unit that has it.
 using JSONFormReaderFactory = TVnJSONReader* (*)();
 void SetJSONFormReaderFactory(JSONFormReaderFactory AFactory) noexcept;

@@ -41,9 +41,20 @@ class JSONTreeBuilder {
   void Value(TVnJSONSimpleDataType AKind, std::basic_string_view<U> AText) {
     TVnJSONBase* parent = ValueParent();
     auto* simple = new (FPool) TVnJSONSimpleType();
-    simple->FRaw = AKind == jdtString || AKind == jdtNumber ? Copy(AText) : Literal(AKind, AText.size());
-    simple->FJSONType = AKind;
+    // Made before the text is checked, as the handler's road does: an array gives its values
+    // their kind at once, a member's value gets it with the text.
+    if (parent->NodeClass() == JSONNodeClass::Array) simple->FJSONType = AKind;
     Adopt(simple, parent);
+    if (AKind == jdtString || AKind == jdtNumber) {
+      if (NeedsCheck(AText)) {
+        std::u16string_view wide = SpanView(FParser, AText, FBuffer);
+        CheckJSONText(wide, AKind);
+      }
+      simple->FRaw = Copy(AText);
+    } else {
+      simple->FRaw = Literal(AKind, AText.size());
+    }
+    simple->FJSONType = AKind;
   }
 
   /// Closes what is still open (after a failure) as the handler's road leaves it.
@@ -119,6 +130,13 @@ class JSONTreeBuilder {
     t.Length = static_cast<uint32_t>(AKind == jdtNull || ALength == 4 ? 4 : 5);
     t.Width = 1;
     return t;
+  }
+
+  template <class U>
+  static bool NeedsCheck(std::basic_string_view<U> AText) {
+    for (U c : AText)
+      if (c == '\\' || c == '%') return true;
+    return false;
   }
 
   JSONText Copy(std::basic_string_view<uint8_t> AText) {

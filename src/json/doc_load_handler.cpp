@@ -4,6 +4,7 @@
 #include "json/doc_load.h"
 #include "vnxml/json_handler.h"
 #include "vnxml/json_reader.h"
+#include "vnxml/json_values.h"
 
 namespace vn::detail {
 
@@ -11,6 +12,10 @@ namespace {
 JSONFormReaderFactory gFormReader = nullptr;
 constexpr char16_t cNoFormReader[] = u"Form-URL-encoded text cannot be read: no reader for it is available";
 }  // namespace
+
+void CheckJSONText(std::u16string_view AText, TVnJSONDataType AKind) {
+  if (AText.find_first_of(u"\\%") != std::u16string_view::npos) (void)VnJSONtoStr(AText, AKind);
+}
 
 void SetJSONFormReaderFactory(JSONFormReaderFactory AFactory) noexcept { gFormReader = AFactory; }
 

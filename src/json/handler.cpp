@@ -1,6 +1,7 @@
 // TVnJSONHandler: JSON events into operations on the tree's nodes.
 #include "vnxml/json_handler.h"
 
+#include "json/doc_load.h"
 #include "json/doc_messages.h"
 #include "vnxml/json_values.h"
 
@@ -59,6 +60,7 @@ void TVnJSONHandler::Value(TVnJSONSimpleDataType AValueType, std::u16string_view
   }
   auto* simple = dynamic_cast<TVnJSONSimpleType*>(node);
   if (!simple) Oops();
+  detail::CheckJSONText(AValue, AValueType);
   // Kept raw: decoded on reading exactly as the string variant of VnJSONtoStr would read.
   detail::JSONText raw;
   raw.AssignOwned(AValue);

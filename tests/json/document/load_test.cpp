@@ -43,6 +43,7 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
       "5", "\"s\"", "[\"\\q\"]", "[\"a\\tb\", \"\\u00e9\\ud800\"]", "{\"a\\\"b\":\"x\"}",
       "[\"\xC3\xA9\xE2\x82\xAC\", \"\xFF\xFE\xC3\"]", "{\"a\":[1,{\"b\":", "[{\"a\"", "{\"a\":\"cut",
       "[\"\x01\x1f\",+1,.5,007,1e,e5,1-2]", "[1]5", "[[[[", "{\"a\":1,}",
+      "[1,{\"a\":\"\\uqqqq\"}]", "[\"ok\",\"\\u12G4\"]",  // a bad escape fails the load where it stands
   };
   for (const char* input : inputs) {
     SCOPED_TRACE(input);

@@ -2,6 +2,10 @@
 // loaded text that must give what decoding and encoding again would.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "vnxml/common/utf.h"
+
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/json_document.h"
 
@@ -96,7 +100,8 @@ TEST(JsonWriter, CodePagesAndMarks) {
 
 TEST(JsonWriter, SaveToFileWritesUtf8WithMark) {
   TVnJSONDocument doc(u"[1]");
-  const UnicodeString path = u"json_writer_test.json";
+  const UnicodeString path =
+      Utf8ToUnicode((std::filesystem::temp_directory_path() / "vnxml_json_writer_test.json").string());
   doc.SaveToFile(path, false);
   TVnJSONDocument again(path, fmOpenRead);
   EXPECT_EQ(again.GetAsJSON(), u"[1]");
