@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "input_kind.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
@@ -10,15 +11,18 @@
 namespace vnx {
 
 int Check(const std::vector<std::string>& AArgs) {
-  if (AArgs.size() != 1) {
-    std::fprintf(stderr, "usage: vnx check FILE|-\n");
+  std::vector<std::string> args = AArgs;
+  const std::optional<InputKind> forced = TakeInputKindOption(args);
+  if (args.size() != 1) {
+    std::fprintf(stderr, "usage: vnx check [--json|--xml] FILE|-\n");
     return kExitUsage;
   }
   std::string bytes;
-  if (!ReadInput(AArgs[0], bytes)) {
-    std::fprintf(stderr, "vnx check: cannot read %s\n", AArgs[0].c_str());
+  if (!ReadInput(args[0], bytes)) {
+    std::fprintf(stderr, "vnx check: cannot read %s\n", args[0].c_str());
     return kExitUsage;
   }
+  if (ChooseInputKind(forced, bytes) == InputKind::Json) return JsonCheck(bytes, args[0]);
   try {
     vn::TVnDOMDocument doc;
     vn::TVnStringStream in(bytes, vn::cVnCodePageDefault);
@@ -36,7 +40,7 @@ int Check(const std::vector<std::string>& AArgs) {
     std::printf("ok: %zu elements\n", elements);
   } catch (const vn::Exception& e) {
     // The message of a syntax failure starts with "Line L, column C: ".
-    std::fprintf(stderr, "%s: %s\n", AArgs[0].c_str(), vn::UnicodeToUtf8(e.Message()).c_str());
+    std::fprintf(stderr, "%s: %s\n", args[0].c_str(), vn::UnicodeToUtf8(e.Message()).c_str());
     return kExitFailed;
   }
   return kExitOk;
