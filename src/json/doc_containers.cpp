@@ -27,6 +27,14 @@ void StoreText(TVnJSONBase* ANode, TVnJSONDataType AKind, std::u16string_view AT
 }
 }  // namespace
 
+// Kept apart from the allocation functions: seen together, the compiler takes the node's own
+// delete for a mismatch with the global new inside them.
+TVnJSONBase* TVnJSONBase::CreateValueNode(TVnJSONDataType AKind) {
+  if (AKind == jdtObject) return new TVnJSONObject(this);
+  if (AKind == jdtArray) return new TVnJSONArray(this);
+  return new TVnJSONSimpleType(this);
+}
+
 // ---- TVnJSONObject ----
 
 TVnJSONObject::TVnJSONObject(TVnJSONBase* AOwner) : TVnJSONBase(AOwner, DeferInsert{}) {

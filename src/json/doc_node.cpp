@@ -120,12 +120,6 @@ TVnJSONDocument* TVnJSONBase::GetDocument() {
   return nullptr;
 }
 
-TVnJSONBase* TVnJSONBase::CreateValueNode(TVnJSONDataType AKind) {
-  if (AKind == jdtObject) return new TVnJSONObject(this);
-  if (AKind == jdtArray) return new TVnJSONArray(this);
-  return new TVnJSONSimpleType(this);
-}
-
 // ---- the not-supported scheme ----
 
 void TVnJSONBase::NotSupported(const char16_t* AWord) const {
