@@ -234,6 +234,8 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   TVnJSONBase* Child(Integer AIndex) const { return FObjects[static_cast<uint32_t>(AIndex)]; }
   Integer ChildCount() const noexcept { return static_cast<Integer>(FObjects.size()); }
   detail::JSONNodeClass NodeClass() const noexcept { return FNodeClass; }
+  /// The children in order, ChildCount() of them; valid until the list changes.
+  TVnJSONBase* const* ChildArray() const noexcept { return FObjects.begin(); }
 
   // ---- the operations of the family, in slot order ----
   virtual void InsertObject(TVnJSONBase* AChild);

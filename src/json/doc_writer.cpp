@@ -2,7 +2,12 @@
 // that decoding and encoding again would give unchanged is copied straight through.
 #include "json/doc_writer.h"
 
+#include <cstring>
+#include <type_traits>
 #include <vector>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "dom/output_writer.h"
 #include "vnxml/json_values.h"
@@ -40,11 +45,38 @@ bool IsPlainToken(const U* p, uint32_t n) noexcept {
   return true;
 }
 
-bool IsPlain(const JSONText& AText, bool AString) noexcept {
-  if (AText.Width == 1) {
-    auto* p = static_cast<const uint8_t*>(AText.Data);
-    return AString ? IsPlainString(p, AText.Length) : IsPlainToken(p, AText.Length);
+#if defined(__SSE2__)
+// Bytes that keep a one-byte text from being copied: below U+0020 or above U+007F (both below
+// 0x20 as signed bytes), "/", the quote, and for tokens also the backslash and "%".
+inline int StopMask(__m128i v, bool AToken) noexcept {
+  __m128i stop = _mm_cmplt_epi8(v, _mm_set1_epi8(0x20));
+  stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('/')));
+  stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('"')));
+  if (AToken) {
+    stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('\\')));
+    stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('%')));
   }
+  return _mm_movemask_epi8(stop);
+}
+#endif
+
+// IsPlainString and IsPlainToken for one-byte text, sixteen bytes a step where there are
+// that many: most names and values are plain and short runs of them.
+bool IsPlainBytes(const uint8_t* p, uint32_t n, bool AString) noexcept {
+  uint32_t i = 0;
+#if defined(__SSE2__)
+  for (; i + 16 <= n; i += 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+    if (StopMask(v, !AString)) return false;
+    // a backslash in a string needs a look at its escape: leave it to the loop below
+    if (AString && _mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8('\\')))) break;
+  }
+#endif
+  return AString ? IsPlainString(p + i, n - i) : IsPlainToken(p + i, n - i);
+}
+
+bool IsPlain(const JSONText& AText, bool AString) noexcept {
+  if (AText.Width == 1) return IsPlainBytes(static_cast<const uint8_t*>(AText.Data), AText.Length, AString);
   auto* p = static_cast<const char16_t*>(AText.Data);
   return AString ? IsPlainString(p, AText.Length) : IsPlainToken(p, AText.Length);
 }
@@ -58,9 +90,9 @@ class Walker {
     Open(&ARoot, ALevel, AIndent);
     while (!FStack.empty()) {
       Frame& f = FStack.back();
-      if (f.Next < static_cast<uint32_t>(f.Node->ChildCount())) {
+      if (f.Next < f.Count) {
         const uint32_t i = f.Next++;
-        TVnJSONBase* child = f.Node->Child(static_cast<Integer>(i));
+        TVnJSONBase* child = f.Items[i];
         const Integer level = f.Level;
         if (f.Shape == Kind::Other) {
           Open(child, level, f.Indent);  // a document's children take its arguments unchanged
@@ -85,6 +117,8 @@ class Walker {
   enum class Kind : uint8_t { Object, Array, Other };
   struct Frame {
     TVnJSONBase* Node;
+    TVnJSONBase* const* Items;  // the children, read once per container
+    uint32_t Count;
     uint32_t Next;
     Integer Level;
     Kind Shape;
@@ -126,7 +160,7 @@ class Walker {
         FOut.Ascii(kind == Kind::Object ? "{" : "[");
       }
     }
-    FStack.push_back({ANode, 0, ALevel, kind, AIndent});
+    FStack.push_back({ANode, ANode->ChildArray(), static_cast<uint32_t>(ANode->ChildCount()), 0, ALevel, kind, AIndent});
   }
 
   void Raw(const JSONText& AText) {
@@ -136,12 +170,30 @@ class Walker {
       FOut.Text(std::u16string_view(static_cast<const char16_t*>(AText.Data), AText.Length));
   }
 
+  // ALead, plain raw text and ATail as one piece: plain text is ASCII, so its bytes are its
+  // UTF-8 as they stand.
+  void Framed(std::string_view ALead, const JSONText& ARaw, std::string_view ATail) {
+    if constexpr (std::is_same_v<Out, Utf8Output>) {
+      if (ARaw.Width == 1) {
+        char* o = FOut.Reserve(ALead.size() + ARaw.Length + ATail.size());
+        std::memcpy(o, ALead.data(), ALead.size());
+        o += ALead.size();
+        if (ARaw.Length) std::memcpy(o, ARaw.Data, ARaw.Length);
+        o += ARaw.Length;
+        std::memcpy(o, ATail.data(), ATail.size());
+        FOut.Advance(o + ATail.size());
+        return;
+      }
+    }
+    FOut.Ascii(ALead);
+    Raw(ARaw);
+    FOut.Ascii(ATail);
+  }
+
   void Name(const JSONText& AName) {
+    if (IsPlain(AName, false)) return Framed("\"", AName, "\": ");
     FOut.Ascii("\"");
-    if (IsPlain(AName, false))
-      Raw(AName);
-    else
-      FOut.Text(VnStrToJSON(AName.Wide()));
+    FOut.Text(VnStrToJSON(AName.Wide()));
     FOut.Ascii("\": ");
   }
 
@@ -150,11 +202,9 @@ class Walker {
     if (!ASimple.HasVariant() && raw.IsSet()) {
       switch (ASimple.GetJSONType()) {
         case jdtString:
+          if (IsPlain(raw, true)) return Framed("\"", raw, "\"");
           FOut.Ascii("\"");
-          if (IsPlain(raw, true))
-            Raw(raw);
-          else
-            FOut.Text(VnStrToJSON(VnJSONtoStr(raw.Wide(), jdtString)));
+          FOut.Text(VnStrToJSON(VnJSONtoStr(raw.Wide(), jdtString)));
           FOut.Ascii("\"");
           return;
         case jdtNumber:
