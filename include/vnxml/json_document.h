@@ -193,6 +193,9 @@ struct JSONText {
   uint32_t Length = 0;  // in code units
   uint8_t Width = 2;
   bool Owned = false;
+  /// Whether the writer may copy the text as it stands (set by a load; unknown: it looks).
+  static constexpr uint8_t kPlainUnknown = 0, kPlainYes = 1, kPlainNo = 2;
+  uint8_t Plain = kPlainUnknown;
   bool IsSet() const noexcept { return Data != nullptr; }
   /// The text as UTF-16, undecoded (escapes stay).
   UnicodeString Wide() const;

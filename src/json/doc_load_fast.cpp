@@ -9,6 +9,7 @@
 
 #include "json/doc_load.h"
 #include "json/doc_messages.h"
+#include "json/doc_plain.h"
 #include "json/json_read_loop.h"
 #include "vnxml/json_handler.h"
 
@@ -32,7 +33,7 @@ class JSONTreeBuilder {
     if (FOpen.empty() || FOpen.back().Node->NodeClass() != JSONNodeClass::Object)
       throw Exception(UnicodeString(cJSONInvalidObjectType));
     auto* member = new (FPool) TVnJSONMember();
-    member->FName = Copy(AName);
+    member->FName = Copy(AName, false);
     Adopt(member, FOpen.back().Node);
     FOpen.push_back({member, FPending.size()});
   }
@@ -46,13 +47,17 @@ class JSONTreeBuilder {
     if (parent->NodeClass() == JSONNodeClass::Array) simple->FJSONType = AKind;
     Adopt(simple, parent);
     if (AKind == jdtString || AKind == jdtNumber) {
-      if (NeedsCheck(AText)) {
+      // Plain text holds no "%" and only the escapes of "\"\\/bfnrt", which decode without
+      // fail: only other text needs the decoder's check.
+      JSONText raw = Copy(AText, AKind == jdtString);
+      if (raw.Plain != JSONText::kPlainYes && NeedsCheck(AText)) {
         std::u16string_view wide = SpanView(FParser, AText, FBuffer);
         CheckJSONText(wide, AKind);
       }
-      simple->FRaw = Copy(AText);
+      simple->FRaw = raw;
     } else {
       simple->FRaw = Literal(AKind, AText.size());
+      simple->FRaw.Plain = JSONText::kPlainYes;
     }
     simple->FJSONType = AKind;
   }
@@ -139,7 +144,8 @@ class JSONTreeBuilder {
     return false;
   }
 
-  JSONText Copy(std::basic_string_view<uint8_t> AText) {
+  // The text into the pool, marked plain or not by AString's rules while it is in cache.
+  JSONText Copy(std::basic_string_view<uint8_t> AText, bool AString) {
     JSONText t;
     if (FUtf8) {
       void* p = FPool.Allocate(AText.size() ? AText.size() : 1);
@@ -147,19 +153,21 @@ class JSONTreeBuilder {
       t.Data = p;
       t.Length = static_cast<uint32_t>(AText.size());
       t.Width = 1;
+      t.Plain = IsPlain(t, AString) ? JSONText::kPlainYes : JSONText::kPlainNo;
       return t;
     }
     std::u16string_view wide = SpanView(FParser, AText, FBuffer);
-    return Copy(wide);
+    return Copy(wide, AString);
   }
 
-  JSONText Copy(std::u16string_view AText) {
+  JSONText Copy(std::u16string_view AText, bool AString) {
     JSONText t;
     void* p = FPool.Allocate(AText.size() ? AText.size() * 2 : 2);
     if (!AText.empty()) std::memcpy(p, AText.data(), AText.size() * 2);
     t.Data = p;
     t.Length = static_cast<uint32_t>(AText.size());
     t.Width = 2;
+    t.Plain = IsPlain(t, AString) ? JSONText::kPlainYes : JSONText::kPlainNo;
     return t;
   }
 

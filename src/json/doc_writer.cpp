@@ -1,13 +1,11 @@
 // The JSON tree's text, to the byte: compact and formatted forms, any code page. Loaded text
 // that decoding and encoding again would give unchanged is copied straight through.
 #include "json/doc_writer.h"
+#include "json/doc_plain.h"
 
 #include <cstring>
 #include <type_traits>
 #include <vector>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 #include "dom/output_writer.h"
 #include "vnxml/json_values.h"
@@ -16,69 +14,81 @@ namespace vn::detail {
 
 namespace {
 
-// True when a loaded string's raw text comes out of decode-then-encode unchanged: printable
-// ASCII other than "/", and only the escapes the encoder itself writes.
-template <class U>
-bool IsPlainString(const U* p, uint32_t n) noexcept {
-  for (uint32_t i = 0; i < n; ++i) {
-    const auto c = static_cast<uint32_t>(p[i]);
-    if (c < 0x20 || c > 0x7F || c == '/') return false;
-    if (c == '\\') {
-      if (++i == n) return false;
-      switch (static_cast<uint32_t>(p[i])) {
-        case '"': case '\\': case '/': case 'b': case 'f': case 'n': case 'r': case 't': break;
-        default: return false;
+// A loaded UTF-8 string as decode-then-encode writes it, straight from its bytes into UTF-8
+// output: Latin-1 letters stay, "/" and control characters get their escapes, everything from
+// U+0100 up becomes \uXXXX (a pair of them above U+FFFF). Gives nullptr, having written
+// nothing, for what only the long way decides alike: a \u escape, a byte sequence that is not
+// strict UTF-8.
+char* TranscodeUtf8String(const uint8_t* p, const uint8_t* e, char* o) noexcept {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  auto escapeUnit = [&](uint32_t u) {
+    o[0] = '\\';
+    o[1] = 'u';
+    o[2] = kHex[u >> 12];
+    o[3] = kHex[(u >> 8) & 15];
+    o[4] = kHex[(u >> 4) & 15];
+    o[5] = kHex[u & 15];
+    o += 6;
+  };
+  while (p < e) {
+    const uint8_t c = *p;
+    if (c < 0x80) {
+      ++p;
+      switch (c) {
+        case 1: case 2: case 3: case 4: case 5: case 6: case 7: continue;
+        case 8: *o++ = '\\'; *o++ = 'b'; continue;
+        case 9: *o++ = '\\'; *o++ = 't'; continue;
+        case 10: *o++ = '\\'; *o++ = 'n'; continue;
+        case 12: *o++ = '\\'; *o++ = 'f'; continue;
+        case 13: *o++ = '\\'; *o++ = 'r'; continue;
+        case '/': *o++ = '\\'; *o++ = '/'; continue;
+        case '"': *o++ = '\\'; *o++ = '"'; continue;
+        case '\\':
+          // the escapes that come out as they went in; anything else takes the long way
+          if (p == e) return nullptr;
+          switch (*p) {
+            case '"': case '\\': case '/': case 'b': case 'f': case 'n': case 'r': case 't':
+              *o++ = '\\';
+              *o++ = static_cast<char>(*p++);
+              continue;
+            default: return nullptr;
+          }
+        default: *o++ = static_cast<char>(c); continue;
       }
     }
+    uint32_t cp;
+    if (c >= 0xC2 && c <= 0xDF && e - p >= 2 && (p[1] & 0xC0) == 0x80) {
+      // U+0080 to U+07FF: Latin-1 stays as its two bytes
+      cp = ((c & 0x1Fu) << 6) | (p[1] & 0x3Fu);
+      if (cp < 0x100) {
+        *o++ = static_cast<char>(c);
+        *o++ = static_cast<char>(p[1]);
+      } else {
+        escapeUnit(cp);
+      }
+      p += 2;
+      continue;
+    }
+    if (c >= 0xE0 && c <= 0xEF && e - p >= 3 && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80) {
+      cp = ((c & 0x0Fu) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3Fu);
+      if (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF)) return nullptr;
+      escapeUnit(cp);
+      p += 3;
+      continue;
+    }
+    if (c >= 0xF0 && c <= 0xF4 && e - p >= 4 && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80 &&
+        (p[3] & 0xC0) == 0x80) {
+      cp = ((c & 0x07u) << 18) | ((p[1] & 0x3Fu) << 12) | ((p[2] & 0x3Fu) << 6) | (p[3] & 0x3Fu);
+      if (cp < 0x10000 || cp > 0x10FFFF) return nullptr;
+      cp -= 0x10000;
+      escapeUnit(0xD800 + (cp >> 10));
+      escapeUnit(0xDC00 + (cp & 0x3FF));
+      p += 4;
+      continue;
+    }
+    return nullptr;
   }
-  return true;
-}
-
-// True when a raw name or number is written as it stands: printable ASCII with nothing the
-// encoder escapes (a name is encoded again as it was read) and nothing the decoder changes.
-template <class U>
-bool IsPlainToken(const U* p, uint32_t n) noexcept {
-  for (uint32_t i = 0; i < n; ++i) {
-    const auto c = static_cast<uint32_t>(p[i]);
-    if (c < 0x20 || c > 0x7F || c == '/' || c == '\\' || c == '"' || c == '%') return false;
-  }
-  return true;
-}
-
-#if defined(__SSE2__)
-// Bytes that keep a one-byte text from being copied: below U+0020 or above U+007F (both below
-// 0x20 as signed bytes), "/", the quote, and for tokens also the backslash and "%".
-inline int StopMask(__m128i v, bool AToken) noexcept {
-  __m128i stop = _mm_cmplt_epi8(v, _mm_set1_epi8(0x20));
-  stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('/')));
-  stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('"')));
-  if (AToken) {
-    stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('\\')));
-    stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, _mm_set1_epi8('%')));
-  }
-  return _mm_movemask_epi8(stop);
-}
-#endif
-
-// IsPlainString and IsPlainToken for one-byte text, sixteen bytes a step where there are
-// that many: most names and values are plain and short runs of them.
-bool IsPlainBytes(const uint8_t* p, uint32_t n, bool AString) noexcept {
-  uint32_t i = 0;
-#if defined(__SSE2__)
-  for (; i + 16 <= n; i += 16) {
-    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-    if (StopMask(v, !AString)) return false;
-    // a backslash in a string needs a look at its escape: leave it to the loop below
-    if (AString && _mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8('\\')))) break;
-  }
-#endif
-  return AString ? IsPlainString(p + i, n - i) : IsPlainToken(p + i, n - i);
-}
-
-bool IsPlain(const JSONText& AText, bool AString) noexcept {
-  if (AText.Width == 1) return IsPlainBytes(static_cast<const uint8_t*>(AText.Data), AText.Length, AString);
-  auto* p = static_cast<const char16_t*>(AText.Data);
-  return AString ? IsPlainString(p, AText.Length) : IsPlainToken(p, AText.Length);
+  return o;
 }
 
 template <class Out>
@@ -191,7 +201,7 @@ class Walker {
   }
 
   void Name(const JSONText& AName) {
-    if (IsPlain(AName, false)) return Framed("\"", AName, "\": ");
+    if (IsPlainText(AName, false)) return Framed("\"", AName, "\": ");
     FOut.Ascii("\"");
     FOut.Text(VnStrToJSON(AName.Wide()));
     FOut.Ascii("\": ");
@@ -202,14 +212,26 @@ class Walker {
     if (!ASimple.HasVariant() && raw.IsSet()) {
       switch (ASimple.GetJSONType()) {
         case jdtString:
-          if (IsPlain(raw, true)) return Framed("\"", raw, "\"");
+          if (IsPlainText(raw, true)) return Framed("\"", raw, "\"");
+          if constexpr (std::is_same_v<Out, Utf8Output>) {
+            if (raw.Width == 1) {
+              auto* p = static_cast<const uint8_t*>(raw.Data);
+              char* o = FOut.Reserve(6 * static_cast<size_t>(raw.Length) + 2);
+              *o = '"';
+              if (char* end = TranscodeUtf8String(p, p + raw.Length, o + 1)) {
+                *end = '"';
+                FOut.Advance(end + 1);
+                return;
+              }
+            }
+          }
           FOut.Ascii("\"");
           FOut.Text(VnStrToJSON(VnJSONtoStr(raw.Wide(), jdtString)));
           FOut.Ascii("\"");
           return;
         case jdtNumber:
         case jdtBoolean:
-          if (IsPlain(raw, false))
+          if (IsPlainText(raw, false))
             Raw(raw);
           else
             FOut.Text(VnJSONtoStr(raw.Wide(), ASimple.GetJSONType()));

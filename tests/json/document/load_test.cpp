@@ -33,6 +33,10 @@ Outcome Load(TVnJSONDocument& ADoc, std::string_view ABytes, Word ACodePage) {
     out.Failure = e.ClassName() + u" " + e.Message();
   }
   out.Tree = ADoc.GetAsJSON();
+  // UTF-8 output has a direct road for loaded UTF-8 strings; it must write what UTF-16 does
+  TVnStringStream utf8(cVnCodePageUTF8);
+  ADoc.SaveToStream(utf8, false, cVnCodePageUTF8, false);
+  out.Tree += u"|" + Utf8ToUnicode(utf8.GetBytesView());
   return out;
 }
 
@@ -43,6 +47,8 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
       "5", "\"s\"", "[\"\\q\"]", "[\"a\\tb\", \"\\u00e9\\ud800\"]", "{\"a\\\"b\":\"x\"}",
       "[\"\xC3\xA9\xE2\x82\xAC\", \"\xFF\xFE\xC3\"]", "{\"a\":[1,{\"b\":", "[{\"a\"", "{\"a\":\"cut",
       "[\"\x01\x1f\",+1,.5,007,1e,e5,1-2]", "[1]5", "[[[[", "{\"a\":1,}",
+      "[\"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\", \"\xED\xA0\x80\xC0\xAF\xF5\x80\"]",
+      "[\"\b\f\n\r\t\x7f\x00\\b\\/\\\\\\\"\", \"\xE2\x82\"]",
       "[1,{\"a\":\"\\uqqqq\"}]", "[\"ok\",\"\\u12G4\"]",  // a bad escape fails the load where it stands
   };
   for (const char* input : inputs) {
