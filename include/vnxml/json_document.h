@@ -334,11 +334,13 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   friend class detail::JSONWriter;
   friend class TVnJSONMember;
   friend class TVnJSONArray;
-  // The owner's list drops the child without the counted bookkeeping (the owner is going).
-  void DetachFromDyingOwner() noexcept;
+  // Frees a dying node that holds only memory of its pool without running its destructor;
+  // false, having done nothing, for any other node.
+  bool GiveBackToPool() noexcept;
 };
 
 class TVnJSONSimpleType : public TVnJSONBase, public IVnJSONSimpleType {
+  friend class TVnJSONBase;
   VN_DECLARE_CLASS(TVnJSONSimpleType, TVnJSONBase)
   VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONSimpleType)
 
@@ -384,6 +386,7 @@ class TVnJSONSimpleType : public TVnJSONBase, public IVnJSONSimpleType {
 };
 
 class TVnJSONMember : public TVnJSONBase, public IVnJSONMember {
+  friend class TVnJSONBase;
   VN_DECLARE_CLASS(TVnJSONMember, TVnJSONBase)
   VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONMember)
 

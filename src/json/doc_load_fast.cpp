@@ -33,7 +33,8 @@ class JSONTreeBuilder {
     if (FOpen.empty() || FOpen.back().Node->NodeClass() != JSONNodeClass::Object)
       throw Exception(UnicodeString(cJSONInvalidObjectType));
     auto* member = new (FPool) TVnJSONMember();
-    member->FName = Copy(AName, false);
+    member->FName = Copy(AName);
+    member->FName.Plain = IsPlain(member->FName, false) ? JSONText::kPlainYes : JSONText::kPlainNo;
     Adopt(member, FOpen.back().Node);
     FOpen.push_back({member, FPending.size()});
   }
@@ -46,10 +47,15 @@ class JSONTreeBuilder {
     // their kind at once, a member's value gets it with the text.
     if (parent->NodeClass() == JSONNodeClass::Array) simple->FJSONType = AKind;
     Adopt(simple, parent);
-    if (AKind == jdtString || AKind == jdtNumber) {
-      // Plain text holds no "%" and only the escapes of "\"\\/bfnrt", which decode without
-      // fail: only other text needs the decoder's check.
-      JSONText raw = Copy(AText, AKind == jdtString);
+    if (AKind == jdtNumber) {
+      // The reader hands over a run of "+-.0123456789Ee" only: plain, nothing to decode.
+      simple->FRaw = Copy(AText);
+      simple->FRaw.Plain = JSONText::kPlainYes;
+    } else if (AKind == jdtString) {
+      // Plain text holds only the escapes of "\"\\/bfnrt", which decode without fail: only
+      // other text needs the decoder's check.
+      JSONText raw = Copy(AText);
+      raw.Plain = IsPlain(raw, true) ? JSONText::kPlainYes : JSONText::kPlainNo;
       if (raw.Plain != JSONText::kPlainYes && NeedsCheck(AText)) {
         std::u16string_view wide = SpanView(FParser, AText, FBuffer);
         CheckJSONText(wide, AKind);
@@ -144,8 +150,8 @@ class JSONTreeBuilder {
     return false;
   }
 
-  // The text into the pool, marked plain or not by AString's rules while it is in cache.
-  JSONText Copy(std::basic_string_view<uint8_t> AText, bool AString) {
+  // The text into the pool: UTF-8 as it stands, any other one-byte code page decoded.
+  JSONText Copy(std::basic_string_view<uint8_t> AText) {
     JSONText t;
     if (FUtf8) {
       void* p = FPool.Allocate(AText.size() ? AText.size() : 1);
@@ -153,21 +159,19 @@ class JSONTreeBuilder {
       t.Data = p;
       t.Length = static_cast<uint32_t>(AText.size());
       t.Width = 1;
-      t.Plain = IsPlain(t, AString) ? JSONText::kPlainYes : JSONText::kPlainNo;
       return t;
     }
     std::u16string_view wide = SpanView(FParser, AText, FBuffer);
-    return Copy(wide, AString);
+    return Copy(wide);
   }
 
-  JSONText Copy(std::u16string_view AText, bool AString) {
+  JSONText Copy(std::u16string_view AText) {
     JSONText t;
     void* p = FPool.Allocate(AText.size() ? AText.size() * 2 : 2);
     if (!AText.empty()) std::memcpy(p, AText.data(), AText.size() * 2);
     t.Data = p;
     t.Length = static_cast<uint32_t>(AText.size());
     t.Width = 2;
-    t.Plain = IsPlain(t, AString) ? JSONText::kPlainYes : JSONText::kPlainNo;
     return t;
   }
 

@@ -108,10 +108,36 @@ void TVnJSONBase::DestroyObjects() {
     if (node->FDestroyChilds && !node->FObjects.empty()) {
       work.insert(work.end(), node->FObjects.begin(), node->FObjects.end());
       node->FObjects.clear();
-      node->ChildrenCleared();
     }
-    delete node;
+    if (!node->GiveBackToPool()) delete node;
   }
+}
+
+bool TVnJSONBase::GiveBackToPool() noexcept {
+  // A node that a load made and nobody changed holds nothing but memory of its pool, so its
+  // destructor would free nothing: the pool takes the memory back without it. Loads make the
+  // library's own classes only, each with this base at the start of the object.
+  auto* slot = reinterpret_cast<detail::NodePool**>(reinterpret_cast<char*>(this) - kPoolSlot);
+  detail::NodePool* pool = *slot;
+  if (!pool || FObjects.OwnsBlock()) return false;
+  size_t size = 0;
+  switch (FNodeClass) {
+    case detail::JSONNodeClass::Simple: {
+      auto* simple = static_cast<TVnJSONSimpleType*>(this);
+      if (simple->FVar || simple->FRaw.Owned) return false;
+      size = sizeof(TVnJSONSimpleType);
+      break;
+    }
+    case detail::JSONNodeClass::Member:
+      if (static_cast<TVnJSONMember*>(this)->FName.Owned) return false;
+      size = sizeof(TVnJSONMember);
+      break;
+    case detail::JSONNodeClass::Object: size = sizeof(TVnJSONObject); break;
+    case detail::JSONNodeClass::Array: size = sizeof(TVnJSONArray); break;
+    default: return false;
+  }
+  pool->FreeNode(slot, kPoolSlot + size);
+  return true;
 }
 
 TVnJSONDocument* TVnJSONBase::GetDocument() {

@@ -146,6 +146,13 @@ TEST(JsonModel, SimpleValuesReadAndWrite) {
   EXPECT_TRUE(root->Item(2)->GetAsBoolean());
   EXPECT_EQ(root->Item(3)->GetAsString(), u"a\u00e9");
   EXPECT_EQ(VarToUStr(root->Item(1)->GetAsVariant()), u"1.50");
+  // loaded nodes that took heap memory since must still free it (LeakSanitizer watches)
+  root->Item(3)->SetAsString(u"changed");
+  root->AddValue(jdtObject)->AddMember(u"n")->SetName(u"renamed");
+  EXPECT_EQ(doc.GetAsJSON(), u"[\"12\", 1.50, true, \"changed\", {\"renamed\": null}]");
+  TVnJSONDocument object(u"{\"a\":1}");
+  object.GetMember(u"a")->SetName(u"b");
+  EXPECT_EQ(object.GetAsJSON(), u"{\"b\": 1}");
 }
 
 TEST(JsonModel, DocumentForwardsToTheRoot) {
