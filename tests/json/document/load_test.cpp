@@ -49,6 +49,7 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
       "[\"\x01\x1f\",+1,.5,007,1e,e5,1-2]", "[1]5", "[[[[", "{\"a\":1,}",
       "[\"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\", \"\xED\xA0\x80\xC0\xAF\xF5\x80\"]",
       "[\"\b\f\n\r\t\x7f\x00\\b\\/\\\\\\\"\", \"\xE2\x82\"]",
+      "[\"a long run of plain ascii text/with a solidus \xC3\xA9 and then \xE2\x82\xAC more plain text\\n.\"]",
       "[1,{\"a\":\"\\uqqqq\"}]", "[\"ok\",\"\\u12G4\"]",  // a bad escape fails the load where it stands
   };
   for (const char* input : inputs) {
