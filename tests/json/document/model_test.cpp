@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "vnxml/common/json_doc_hooks.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant_array.h"
@@ -229,6 +230,15 @@ TEST(JsonModel, DeepTreesSaveAndFreeWithoutRecursion) {
   for (int i = 0; i < 100000; ++i) node = node->AddValue(jdtObject)->AddMember(u"k", jdtArray)->GetValueObj();
   EXPECT_EQ(doc->GetAsJSON().size(), 100000 * 9 + 2);
   doc.reset();
+}
+
+TEST(JsonModel, CommonHooksMakeADocument) {
+  // the common package reaches the JSON unit only through its hooks
+  IPtr<IInterface> doc = GetCreateJSONDoc()(u"{\"a\":[1]}");
+  IPtr<IVnJSONDocument> asDoc = doc.As<IVnJSONDocument>();
+  ASSERT_TRUE(asDoc);
+  EXPECT_EQ(asDoc->GetAsJSON(), u"{\"a\": [1]}");
+  EXPECT_NE(GetGetJSONDocValue(), nullptr);
 }
 
 }  // namespace
