@@ -31,7 +31,7 @@ class Recorder : public vn::TVnObject, public vn::IVnJSONContentHandler, public 
   std::u16string Trace;
   // Open constructs: 'a' array, 'o' object, 'm' member before its value, 'v' member after it.
   std::string Open;
-  bool Started = false, Ended = false;
+  bool Started = false, Ended = false, Failed = false;
 
   void SetDocumentLocator(vn::IVnJSONLocator*) override { Finding("SetDocumentLocator"); }
   void StartDocument() override {
@@ -66,6 +66,7 @@ class Recorder : public vn::TVnObject, public vn::IVnJSONContentHandler, public 
   void Warning(vn::IVnJSONLocator*, SV) override {}
   void Error(vn::IVnJSONLocator*, SV) override {}
   void FatalError(vn::IVnJSONLocator* l, SV m) override {
+    Failed = true;
     Trace.append(u"!").append(m).append(u"@") += vn::Utf8ToUnicode(std::to_string(l->GetLineNr()) + ":" +
                                                                 std::to_string(l->GetColNr()));
   }
@@ -129,7 +130,7 @@ std::u16string Run(F&& AParse) {
     if (e.Message() != vn::_cVnJSONEncodingNotSupported || !rec.Trace.empty()) Finding("foreign exception");
     return u"(encoding)";
   }
-  if (rec.Ended && rec.Trace.find(u'!') != std::u16string::npos) Finding("EndDocument after a failure");
+  if (rec.Ended && rec.Failed) Finding("EndDocument after a failure");
   return rec.Trace;
 }
 

@@ -109,8 +109,13 @@ bool TVnJSONTextParser::SrcWCheckCurrChar(const void* ACharPtr, bool ARaise) {
 }
 
 void TVnJSONTextParser::RaiseNotWellFormed(std::u16string_view AExpected) const {
-  throw EVnJSONParseError(cVnJSONErrNotWellFormed, _cVnJSONNotWellFormed,
-                          {UnicodeString(AExpected), PeekStringW(1)});
+  // One character found, whole in every encoding: a surrogate pair of UTF-16 text too.
+  UnicodeString found = PeekStringW(1);
+  if (GetCharacterSetType() == csUTF16 && found.size() == 1 && found[0] >= 0xD800 && found[0] < 0xDC00) {
+    UnicodeString two = PeekStringW(2);
+    if (two.size() == 2 && two[1] >= 0xDC00 && two[1] <= 0xDFFF) found = std::move(two);
+  }
+  throw EVnJSONParseError(cVnJSONErrNotWellFormed, _cVnJSONNotWellFormed, {UnicodeString(AExpected), found});
 }
 
 }  // namespace vn

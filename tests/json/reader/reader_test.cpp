@@ -106,6 +106,7 @@ TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
   const Failure failures[] = {
       {"{}\n", cVnJSONValueStartExpected, u"\n"},
       {"[\xC3\xA9]", cVnJSONValueStartExpected, u"\u00E9"},
+      {"[\xF0\x9F\x98\x80]", cVnJSONValueStartExpected, u"\U0001F600"},
       {"12,3", u"", u"3"},
       {"[\"\\q\"]", cVnJSONEscapeExpected, u"q"},
       {"[tru]", u"e", u""},   // the wrong letter was read: what follows it is shown
