@@ -13,5 +13,6 @@ void Scanner();
 void Sax();
 void Document();
 void Paths();
+void Json();
 
 }  // namespace tour

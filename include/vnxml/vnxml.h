@@ -5,6 +5,8 @@
 #include "vnxml/dom.h"
 #include "vnxml/dom_path.h"
 #include "vnxml/json_contract.h"
+#include "vnxml/json_document.h"
+#include "vnxml/json_handler.h"
 #include "vnxml/json_parser.h"
 #include "vnxml/json_reader.h"
 #include "vnxml/json_reflected_values.h"
