@@ -19,8 +19,7 @@ int Check(const std::vector<std::string>& AArgs) {
   }
   Input input;
   if (!input.Open(args[0])) {
-    std::fprintf(stderr, "vnx check: cannot read %s
-", args[0].c_str());
+    std::fprintf(stderr, "vnx check: cannot read %s\n", args[0].c_str());
     return kExitUsage;
   }
   if (input.Kind(forced) == InputKind::Json) return JsonCheck(input.Stream(), args[0]);
