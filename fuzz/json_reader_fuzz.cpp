@@ -157,8 +157,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
          r.ParseStream(&s, cp, u"");
        }),
        "chunked stream differs");
-  if (cp != 1200 && whole != u"(encoding)" && text.size() >= 4 && text.find('\0') == std::string::npos) {
-    // Text that is read as UTF-8 reads the same as UTF-16 text when it is valid.
+  const bool supplementary = std::any_of(text.begin(), text.end(), [](char c) { return static_cast<uint8_t>(c) >= 0xF0; });
+  if (cp != 1200 && whole != u"(encoding)" && text.size() >= 4 && text.find('\0') == std::string::npos &&
+      !supplementary) {
+    // Text that is read as UTF-8 reads the same as UTF-16 text when it is valid. Not with characters
+    // beyond the BMP: the steps that pass "one character" pass one code unit of UTF-16 text, half
+    // of such a character, where UTF-8 text passes it whole.
     const vn::UnicodeString wide = vn::Utf8ToUnicode(text);
     if (vn::UnicodeToUtf8(wide) == text) same(Run([&](vn::TVnJSONReader& r) { r.Parse(wide, u""); }), "UTF-16 text differs");
   }

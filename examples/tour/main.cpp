@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
     tour::Sax();
     tour::Document();
     tour::Paths();
+    tour::Json();
     tour::Form();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());

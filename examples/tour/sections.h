@@ -13,6 +13,7 @@ void Scanner();
 void Sax();
 void Document();
 void Paths();
+void Json();
 void Form();
 
 }  // namespace tour

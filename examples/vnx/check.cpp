@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "input_kind.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
@@ -10,15 +11,18 @@
 namespace vnx {
 
 int Check(const std::vector<std::string>& AArgs) {
-  if (AArgs.size() != 1) {
-    std::fprintf(stderr, "usage: vnx check FILE|-\n");
+  std::vector<std::string> args = AArgs;
+  const std::optional<InputKind> forced = TakeInputKindOption(args);
+  if (args.size() != 1) {
+    std::fprintf(stderr, "usage: vnx check [--json|--xml] FILE|-\n");
     return kExitUsage;
   }
   Input input;
-  if (!input.Open(AArgs[0])) {
-    std::fprintf(stderr, "vnx check: cannot read %s\n", AArgs[0].c_str());
+  if (!input.Open(args[0])) {
+    std::fprintf(stderr, "vnx check: cannot read %s\n", args[0].c_str());
     return kExitUsage;
   }
+  if (input.Kind(forced) == InputKind::Json) return JsonCheck(input.Stream(), args[0]);
   try {
     vn::TVnDOMDocument doc;
     doc.LoadFromStream(input.Stream());
@@ -35,7 +39,7 @@ int Check(const std::vector<std::string>& AArgs) {
     std::printf("ok: %zu elements\n", elements);
   } catch (const vn::Exception& e) {
     // The message of a syntax failure starts with "Line L, column C: ".
-    std::fprintf(stderr, "%s: %s\n", AArgs[0].c_str(), vn::UnicodeToUtf8(e.Message()).c_str());
+    std::fprintf(stderr, "%s: %s\n", args[0].c_str(), vn::UnicodeToUtf8(e.Message()).c_str());
     return kExitFailed;
   }
   return kExitOk;

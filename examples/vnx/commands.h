@@ -21,11 +21,15 @@ int Events(const std::vector<std::string>& AArgs);
 /// The JSON half of vnx events, over the bytes of APath; AForm reads them as form text.
 int JsonEvents(vn::TStream& AStream, const std::string& APath, bool AForm);
 
-/// vnx format [--plain] [--encoding NAME] [--bom] FILE|-
+/// vnx format [--json|--xml] [--plain] [--encoding NAME] [--bom] FILE|-
 int Format(const std::vector<std::string>& AArgs);
+/// The JSON half of vnx format, over the bytes of the input.
+int JsonFormat(vn::TStream& AStream, bool AFormatted, unsigned short ACodePage, bool ABOM);
 
-/// vnx check FILE|-
+/// vnx check [--json|--xml] FILE|-
 int Check(const std::vector<std::string>& AArgs);
+/// The JSON half of vnx check, over the bytes of APath.
+int JsonCheck(vn::TStream& AStream, const std::string& APath);
 
 /// vnx select [--value] [--create] [--case-sensitive] [--local-name] FILE|- PATH
 int Select(const std::vector<std::string>& AArgs);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "commands.h"
+#include "input_kind.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
@@ -13,23 +14,25 @@ namespace vnx {
 
 namespace {
 int FormatUsage() {
-  std::fprintf(stderr, "usage: vnx format [--plain] [--encoding NAME] [--bom] FILE|-\n");
+  std::fprintf(stderr, "usage: vnx format [--json|--xml] [--plain] [--encoding NAME] [--bom] FILE|-\n");
   return kExitUsage;
 }
 }  // namespace
 
 int Format(const std::vector<std::string>& AArgs) {
+  std::vector<std::string> args = AArgs;
+  const std::optional<InputKind> forced = TakeInputKindOption(args);
   bool formatted = true, bom = false;
   std::string encoding = "UTF-8", path;
-  for (size_t i = 0; i < AArgs.size(); ++i) {
-    if (AArgs[i] == "--plain") {
+  for (size_t i = 0; i < args.size(); ++i) {
+    if (args[i] == "--plain") {
       formatted = false;
-    } else if (AArgs[i] == "--bom") {
+    } else if (args[i] == "--bom") {
       bom = true;
-    } else if (AArgs[i] == "--encoding" && i + 1 < AArgs.size()) {
-      encoding = AArgs[++i];
-    } else if (path.empty() && (AArgs[i] == "-" || AArgs[i].rfind("--", 0) != 0)) {
-      path = AArgs[i];
+    } else if (args[i] == "--encoding" && i + 1 < args.size()) {
+      encoding = args[++i];
+    } else if (path.empty() && (args[i] == "-" || args[i].rfind("--", 0) != 0)) {
+      path = args[i];
     } else {
       return FormatUsage();
     }
@@ -47,6 +50,7 @@ int Format(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "vnx format: %s\n", vn::UnicodeToUtf8(e.Message()).c_str());
     return kExitUsage;
   }
+  if (input.Kind(forced) == InputKind::Json) return JsonFormat(input.Stream(), formatted, codePage, bom);
   try {
     vn::TVnDOMDocument doc;
     doc.LoadFromStream(input.Stream());

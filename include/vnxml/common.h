@@ -30,3 +30,4 @@
 #include "vnxml/common/vn_type_info_value.h"
 #include "vnxml/common/vn_types.h"
 #include "vnxml/common/vn_utils.h"
+#include "vnxml/common/json_doc_hooks.h"

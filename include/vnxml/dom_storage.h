@@ -130,6 +130,8 @@ class PtrVector {
     FreeBlock();
     FBlock = nullptr;
   }
+  /// True when the array is a heap block of its own (not empty, not a pool's).
+  bool OwnsBlock() const noexcept { return FBlock && !(FBlock->Cap & kPooled); }
   /// Index of the first AItem, or -1. Searches from the end first when AFromEnd (recent items).
   int64_t IndexOf(const T* AItem, bool AFromEnd = false) const noexcept {
     uint32_t n = size();

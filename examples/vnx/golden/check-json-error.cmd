@@ -1,0 +1,1 @@
+check check-json-error.json

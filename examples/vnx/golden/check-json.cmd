@@ -1,0 +1,1 @@
+check format-json.json

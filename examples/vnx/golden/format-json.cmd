@@ -1,0 +1,1 @@
+format format-json.json

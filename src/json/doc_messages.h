@@ -1,0 +1,10 @@
+// Texts of the JSON tree that the message table of the contract doesn't hold.
+#pragma once
+
+namespace vn::detail {
+inline constexpr char16_t cJSONInvalidCast[] = u"Invalid class typecast";
+inline constexpr char16_t cJSONMembersOnly[] = u"An object holds members only";
+// The tree handler's words for events a node cannot take.
+inline constexpr char16_t cJSONHandlerOops[] = u"oeps?";
+inline constexpr char16_t cJSONInvalidObjectType[] = u"Invalid objecttype";
+}  // namespace vn::detail

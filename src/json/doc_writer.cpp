@@ -1,0 +1,293 @@
+// The JSON tree's text, to the byte: compact and formatted forms, any code page. Loaded text
+// that decoding and encoding again would give unchanged is copied straight through.
+#include "json/doc_writer.h"
+#include "json/doc_plain.h"
+
+#include <bit>
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+#include "dom/output_writer.h"
+#include "vnxml/json_values.h"
+
+namespace vn::detail {
+
+namespace {
+
+// A loaded UTF-8 string as decode-then-encode writes it, straight from its bytes into UTF-8
+// output: Latin-1 letters stay, "/" and control characters get their escapes, everything from
+// U+0100 up becomes \uXXXX (a pair of them above U+FFFF). Gives nullptr, having written
+// nothing, for what only the long way decides alike: a \u escape, a byte sequence that is not
+// strict UTF-8.
+char* TranscodeUtf8String(const uint8_t* p, const uint8_t* e, char* o) noexcept {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  auto escapeUnit = [&](uint32_t u) {
+    o[0] = '\\';
+    o[1] = 'u';
+    o[2] = kHex[u >> 12];
+    o[3] = kHex[(u >> 8) & 15];
+    o[4] = kHex[(u >> 4) & 15];
+    o[5] = kHex[u & 15];
+    o += 6;
+  };
+  while (p < e) {
+#if defined(__SSE2__)
+    // runs of printable ASCII go sixteen bytes a step; the room reserved is six bytes a byte
+    while (e - p >= 16) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+      const int stop = StopMask(v, true);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(o), v);
+      const int run = stop ? std::countr_zero(static_cast<unsigned>(stop)) : 16;
+      p += run;
+      o += run;
+      if (stop) break;
+    }
+    if (p == e) break;
+#endif
+    const uint8_t c = *p;
+    if (c < 0x80) {
+      ++p;
+      switch (c) {
+        case 1: case 2: case 3: case 4: case 5: case 6: case 7: continue;
+        case 8: *o++ = '\\'; *o++ = 'b'; continue;
+        case 9: *o++ = '\\'; *o++ = 't'; continue;
+        case 10: *o++ = '\\'; *o++ = 'n'; continue;
+        case 12: *o++ = '\\'; *o++ = 'f'; continue;
+        case 13: *o++ = '\\'; *o++ = 'r'; continue;
+        case '/': *o++ = '\\'; *o++ = '/'; continue;
+        case '"': *o++ = '\\'; *o++ = '"'; continue;
+        case '\\':
+          // the escapes that come out as they went in; anything else takes the long way
+          if (p == e) return nullptr;
+          switch (*p) {
+            case '"': case '\\': case '/': case 'b': case 'f': case 'n': case 'r': case 't':
+              *o++ = '\\';
+              *o++ = static_cast<char>(*p++);
+              continue;
+            default: return nullptr;
+          }
+        default: *o++ = static_cast<char>(c); continue;
+      }
+    }
+    uint32_t cp;
+    if (c >= 0xC2 && c <= 0xDF && e - p >= 2 && (p[1] & 0xC0) == 0x80) {
+      // U+0080 to U+07FF: Latin-1 stays as its two bytes
+      cp = ((c & 0x1Fu) << 6) | (p[1] & 0x3Fu);
+      if (cp < 0x100) {
+        *o++ = static_cast<char>(c);
+        *o++ = static_cast<char>(p[1]);
+      } else {
+        escapeUnit(cp);
+      }
+      p += 2;
+      continue;
+    }
+    if (c >= 0xE0 && c <= 0xEF && e - p >= 3 && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80) {
+      cp = ((c & 0x0Fu) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3Fu);
+      if (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF)) return nullptr;
+      escapeUnit(cp);
+      p += 3;
+      continue;
+    }
+    if (c >= 0xF0 && c <= 0xF4 && e - p >= 4 && (p[1] & 0xC0) == 0x80 && (p[2] & 0xC0) == 0x80 &&
+        (p[3] & 0xC0) == 0x80) {
+      cp = ((c & 0x07u) << 18) | ((p[1] & 0x3Fu) << 12) | ((p[2] & 0x3Fu) << 6) | (p[3] & 0x3Fu);
+      if (cp < 0x10000 || cp > 0x10FFFF) return nullptr;
+      cp -= 0x10000;
+      escapeUnit(0xD800 + (cp >> 10));
+      escapeUnit(0xDC00 + (cp & 0x3FF));
+      p += 4;
+      continue;
+    }
+    return nullptr;
+  }
+  return o;
+}
+
+template <class Out>
+class Walker {
+ public:
+  Walker(Out& AOut, bool AFormatted) : FOut(AOut), FFormatted(AFormatted) {}
+
+  void Run(TVnJSONBase& ARoot, Integer ALevel, bool AIndent) {
+    Open(&ARoot, ALevel, AIndent);
+    while (!FStack.empty()) {
+      Frame& f = FStack.back();
+      if (f.Next < f.Count) {
+        const uint32_t i = f.Next++;
+        TVnJSONBase* child = f.Items[i];
+        const Integer level = f.Level;
+        if (f.Shape == Kind::Other) {
+          Open(child, level, f.Indent);  // a document's children take its arguments unchanged
+        } else {
+          if (i) FOut.Ascii(", ");
+          Open(child, level + 1, i == 0);
+        }
+        continue;
+      }
+      const Frame done = f;
+      FStack.pop_back();
+      if (done.Shape == Kind::Other) continue;
+      if (FFormatted) {
+        FOut.Ascii("\r\n");
+        Pad(done.Level);
+      }
+      FOut.Ascii(done.Shape == Kind::Object ? "}" : "]");
+    }
+  }
+
+ private:
+  enum class Kind : uint8_t { Object, Array, Other };
+  struct Frame {
+    TVnJSONBase* Node;
+    TVnJSONBase* const* Items;  // the children, read once per container
+    uint32_t Count;
+    uint32_t Next;
+    Integer Level;
+    Kind Shape;
+    bool Indent;
+  };
+
+  void Pad(Integer ALevel) {
+    if (ALevel > 0) FOut.Indent(static_cast<size_t>(ALevel));
+  }
+
+  void Open(TVnJSONBase* ANode, Integer ALevel, bool AIndent) {
+    const bool pad = FFormatted && AIndent;
+    if (ANode->NodeClass() == JSONNodeClass::Member) {
+      auto* member = static_cast<TVnJSONMember*>(ANode);
+      if (pad) Pad(ALevel);
+      Name(member->RawName());
+      ANode = member->GetValueObj();
+      AIndent = false;
+      if (!ANode) {
+        FOut.Ascii("null");  // a member that never got a value
+        return;
+      }
+    }
+    if (ANode->NodeClass() == JSONNodeClass::Simple) {
+      if (FFormatted && AIndent) Pad(ALevel);
+      Value(*static_cast<TVnJSONSimpleType*>(ANode));
+      return;
+    }
+    Kind kind = Kind::Other;
+    if (ANode->NodeClass() == JSONNodeClass::Object)
+      kind = Kind::Object;
+    else if (ANode->NodeClass() == JSONNodeClass::Array)
+      kind = Kind::Array;
+    if (kind != Kind::Other) {
+      if (FFormatted) {
+        if (AIndent) Pad(ALevel);
+        FOut.Ascii(kind == Kind::Object ? "{ \r\n" : "[\r\n");
+      } else {
+        FOut.Ascii(kind == Kind::Object ? "{" : "[");
+      }
+    }
+    FStack.push_back({ANode, ANode->ChildArray(), static_cast<uint32_t>(ANode->ChildCount()), 0, ALevel, kind, AIndent});
+  }
+
+  void Raw(const JSONText& AText) {
+    if (AText.Width == 1)
+      FOut.Ascii(std::string_view(static_cast<const char*>(AText.Data), AText.Length));
+    else
+      FOut.Text(std::u16string_view(static_cast<const char16_t*>(AText.Data), AText.Length));
+  }
+
+  // ALead, plain raw text and ATail as one piece: plain text is ASCII, so its bytes are its
+  // UTF-8 as they stand.
+  void Framed(std::string_view ALead, const JSONText& ARaw, std::string_view ATail) {
+    if constexpr (std::is_same_v<Out, Utf8Output>) {
+      if (ARaw.Width == 1) {
+        char* o = FOut.Reserve(ALead.size() + ARaw.Length + ATail.size());
+        std::memcpy(o, ALead.data(), ALead.size());
+        o += ALead.size();
+        if (ARaw.Length) std::memcpy(o, ARaw.Data, ARaw.Length);
+        o += ARaw.Length;
+        std::memcpy(o, ATail.data(), ATail.size());
+        FOut.Advance(o + ATail.size());
+        return;
+      }
+    }
+    FOut.Ascii(ALead);
+    Raw(ARaw);
+    FOut.Ascii(ATail);
+  }
+
+  void Name(const JSONText& AName) {
+    if (IsPlainText(AName, false)) return Framed("\"", AName, "\": ");
+    FOut.Ascii("\"");
+    FOut.Text(VnStrToJSON(AName.Wide()));
+    FOut.Ascii("\": ");
+  }
+
+  void Value(TVnJSONSimpleType& ASimple) {
+    const JSONText& raw = ASimple.RawValue();
+    if (!ASimple.HasVariant() && raw.IsSet()) {
+      switch (ASimple.GetJSONType()) {
+        case jdtString:
+          if (IsPlainText(raw, true)) return Framed("\"", raw, "\"");
+          if constexpr (std::is_same_v<Out, Utf8Output>) {
+            if (raw.Width == 1) {
+              auto* p = static_cast<const uint8_t*>(raw.Data);
+              char* o = FOut.Reserve(6 * static_cast<size_t>(raw.Length) + 2);
+              *o = '"';
+              if (char* end = TranscodeUtf8String(p, p + raw.Length, o + 1)) {
+                *end = '"';
+                FOut.Advance(end + 1);
+                return;
+              }
+            }
+          }
+          FOut.Ascii("\"");
+          FOut.Text(VnStrToJSON(VnJSONtoStr(raw.Wide(), jdtString)));
+          FOut.Ascii("\"");
+          return;
+        case jdtNumber:
+        case jdtBoolean:
+          if (IsPlainText(raw, false))
+            Raw(raw);
+          else
+            FOut.Text(VnJSONtoStr(raw.Wide(), ASimple.GetJSONType()));
+          return;
+        default: break;
+      }
+    }
+    FOut.Text(ASimple.ValueText());
+  }
+
+  Out& FOut;
+  bool FFormatted;
+  std::vector<Frame> FStack;
+};
+
+template <class Out>
+void WriteWith(Out& AOut, TVnJSONBase& ANode, bool AFormatted, Integer ALevel, bool AIndent) {
+  Walker<Out>(AOut, AFormatted).Run(ANode, ALevel, AIndent);
+  AOut.Flush();
+}
+
+}  // namespace
+
+void JSONWriter::Write(TVnJSONBase& ANode, TStream& AStream, JSONOutputKind AKind, Word ACodePage, bool AFormatted,
+                       Integer ALevel, bool AIndent) {
+  switch (AKind) {
+    case JSONOutputKind::Utf16: {
+      Utf16Output out(AStream);
+      WriteWith(out, ANode, AFormatted, ALevel, AIndent);
+      break;
+    }
+    case JSONOutputKind::Utf8: {
+      Utf8Output out(AStream);
+      WriteWith(out, ANode, AFormatted, ALevel, AIndent);
+      break;
+    }
+    case JSONOutputKind::Converted: {
+      ConvertingOutput out(AStream, ACodePage);
+      WriteWith(out, ANode, AFormatted, ALevel, AIndent);
+      break;
+    }
+  }
+}
+
+}  // namespace vn::detail

@@ -1,0 +1,245 @@
+// The node classes: the not-supported scheme, members and objects, arrays, ownership with
+// interfaces. Lifetimes are checked by ASan and LeakSanitizer as much as by the expectations.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "vnxml/common/json_doc_hooks.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/variant_array.h"
+#include "vnxml/json_document.h"
+
+namespace vn {
+namespace {
+
+UnicodeString NotSupportedText(std::u16string_view AClass, std::u16string_view AWord) {
+  return Format(_cVnJSONMethodNotSupported, {AClass, AWord});
+}
+
+template <class F>
+void ExpectJSONError(F&& AAction, Integer ACode, const UnicodeString& AMessage) {
+  try {
+    AAction();
+    ADD_FAILURE() << "no exception";
+  } catch (const EVnJSONException& e) {
+    EXPECT_EQ(e.GetCode(), ACode);
+    EXPECT_EQ(e.Message(), AMessage);
+  }
+}
+
+TEST(JsonModel, OperationsAKindLacksRaiseWithTheirWord) {
+  TVnJSONDocument doc(u"{\"o\":{},\"a\":[],\"s\":1}");
+  TVnJSONBase* object = doc.GetRootValue()->FindMember(u"o")->GetValueObj();
+  TVnJSONBase* array = doc.GetRootValue()->FindMember(u"a")->GetValueObj();
+  TVnJSONBase* simple = doc.GetRootValue()->FindMember(u"s")->GetValueObj();
+  TVnJSONBase* member = doc.GetRootValue()->FindMember(u"s");
+  struct Case {
+    TVnJSONBase* Node;
+    const char16_t* Class;
+    const char16_t* Word;
+    std::function<void(TVnJSONBase&)> Call;
+  };
+  const Case cases[] = {
+      {simple, u"TVnJSONSimpleType", u"Count", [](TVnJSONBase& n) { n.Count(); }},
+      {array, u"TVnJSONArray", u"FindMember", [](TVnJSONBase& n) { n.FindMember(u"x"); }},
+      {array, u"TVnJSONArray", u"Member", [](TVnJSONBase& n) { n.GetMember(u"x"); }},
+      {simple, u"TVnJSONSimpleType", u"GetValue", [](TVnJSONBase& n) { n.GetValueObj(); }},
+      {member, u"TVnJSONMember", u"SetValue", [](TVnJSONBase& n) { n.SetValue(nullptr); }},
+      {object, u"TVnJSONObject", u"AddValue", [](TVnJSONBase& n) { n.AddValue(Variant(1)); }},
+      {array, u"TVnJSONArray", u"AddMember", [](TVnJSONBase& n) { n.AddMember(u"x", jdtNull); }},
+      {object, u"TVnJSONObject", u"GetAsString", [](TVnJSONBase& n) { n.GetAsString(); }},
+      {object, u"TVnJSONObject", u"GetAsArray", [](TVnJSONBase& n) { n.GetAsArray(); }},
+      {array, u"TVnJSONArray", u"GetAsObject", [](TVnJSONBase& n) { n.GetAsObject(); }},
+      {simple, u"TVnJSONSimpleType", u"GetAsValue", [](TVnJSONBase& n) { n.GetAsValue(); }},
+      {simple, u"TVnJSONSimpleType", u"SetAsValue", [](TVnJSONBase& n) { n.SetAsValue(TValue()); }},
+      {object, u"TVnJSONObject", u"SetName", [](TVnJSONBase& n) { n.SetName(u"x"); }},
+      {array, u"TVnJSONArray", u"GetName", [](TVnJSONBase& n) { n.GetName(); }},
+      {simple, u"TVnJSONSimpleType", u"DeleteValue", [](TVnJSONBase& n) { n.DeleteValue(0); }},
+      {array, u"TVnJSONArray", u"RemoveMember", [](TVnJSONBase& n) { n.RemoveMember(nullptr); }},
+      {object, u"TVnJSONObject", u"SetAsInteger", [](TVnJSONBase& n) { n.SetAsInteger(1); }},
+      // a member forwards to a simple value only
+      {doc.GetRootValue()->FindMember(u"o"), u"TVnJSONMember", u"GetAsInteger",
+       [](TVnJSONBase& n) { n.GetAsInteger(); }},
+      {member, u"TVnJSONMember", u"GetAsObject", [](TVnJSONBase& n) { n.GetAsObject(); }},
+      {member, u"TVnJSONMember", u"AddValue", [](TVnJSONBase& n) { n.AddValue(jdtNull); }},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(UnicodeToUtf8(c.Word));
+    ExpectJSONError([&] { c.Call(*c.Node); }, cVnJSONErrMethodNotSupported, NotSupportedText(c.Class, c.Word));
+  }
+  EXPECT_EQ(object->GetAsObject(), object);
+  EXPECT_EQ(array->GetAsArray(), array);
+}
+
+TEST(JsonModel, MembersFindCreateAndRaise) {
+  TVnJSONObject object;
+  object.AddMember(u"a", Variant(1));
+  object.AddMember(u"a", Variant(2));  // names need not be unique; the first wins
+  EXPECT_EQ(object.FindMember(u"a")->GetAsInteger(), 1);
+  EXPECT_EQ(object.FindMember(u"A", true)->GetAsInteger(), 1);
+  EXPECT_EQ(object.FindMember(u"A", false), nullptr);
+  EXPECT_EQ(object.GetMember(u"b"), nullptr);
+  ExpectJSONError([&] { object.GetMember(u"b", {jsoRaise}); }, cVnJSONErrNoMember, Format(_cVnJSONNoMember, {u"b"}));
+  TVnJSONMember* created = object.GetMember(u"b", {jsoCreate, jsoRaise});
+  ASSERT_NE(created, nullptr);
+  EXPECT_EQ(object.GetLastMember(), created);
+  EXPECT_EQ(object.Count(), 3);
+  EXPECT_TRUE(object.HasMember(u"B", true));
+  EXPECT_EQ(object.GetName(), u"<object>");
+  // a member without a value makes one of the setter's kind
+  created->SetAsString(u"x");
+  EXPECT_EQ(created->GetValueObj()->GetJSONType(), jdtString);
+  TVnJSONMember* nested = object.AddMember(u"n");
+  TVnJSONArray* deep = nested->GetAsObject()->AddMember(u"deep")->GetAsArray();
+  EXPECT_EQ(deep->GetOwner()->GetOwner(), nested->GetValueObj());
+  EXPECT_EQ(object.GetAsJSON(), u"{\"a\": 1, \"a\": 2, \"b\": \"x\", \"n\": {\"deep\": []}}");
+  object.DeleteMember(0);
+  object.RemoveMember(object.FindMember(u"b"));
+  EXPECT_EQ(object.GetAsJSON(), u"{\"a\": 2, \"n\": {\"deep\": []}}");
+  EXPECT_THROW(object.DeleteMember(5), EListError);
+}
+
+TEST(JsonModel, VariantsBecomeValuesByMainKind) {
+  TVnJSONObject object;
+  Variant list = VarArrayCreate({0, 1}, varVariant);
+  VarArrayPut(list, Variant(1), {0});
+  VarArrayPut(list, Variant(u"x"), {1});
+  object.AddMember(u"i", Variant(7));
+  object.AddMember(u"f", Variant(1.5));
+  object.AddMember(u"s", Variant(u"a/b"));
+  object.AddMember(u"b", Variant(true));
+  object.AddMember(u"l", list);
+  object.AddMember(u"n", Variant::Null());
+  EXPECT_EQ(object.GetAsJSON(),
+            u"{\"i\": 7, \"f\": 1.5, \"s\": \"a\\/b\", \"b\": true, \"l\": [1, \"x\"], \"n\": null}");
+  EXPECT_EQ(object.FindMember(u"i")->GetValueObj()->GetJSONType(), jdtNumber);
+  EXPECT_THROW(object.AddMember(u"x", jdtObject, u"text"), EInvalidCast);
+}
+
+TEST(JsonModel, SimpleValuesReadAndWrite) {
+  struct Case {
+    std::function<void(TVnJSONBase&)> Set;
+    const char16_t* Text;    // as saved
+    const char16_t* String;  // GetAsString
+  };
+  const Case cases[] = {
+      {[](TVnJSONBase& n) { n.SetAsDouble(0.25); }, u"0.25", u"0.25"},
+      {[](TVnJSONBase& n) { n.SetAsInteger(-3); }, u"-3", u"-3"},
+      {[](TVnJSONBase& n) { n.SetAsLargeInt(1LL << 40); }, u"1099511627776", u"1099511627776"},
+      {[](TVnJSONBase& n) { n.SetAsBoolean(true); }, u"true", u"true"},
+      {[](TVnJSONBase& n) { n.SetAsString(u"\u20AC\"\n"); }, u"\"\\u20AC\\\"\\n\"", u"\u20AC\"\n"},
+      {[](TVnJSONBase& n) { n.SetAsVariant(Variant::Null()); }, u"null", u""},
+  };
+  for (const Case& c : cases) {
+    TVnJSONDocument doc;
+    TVnJSONBase* value = doc.CreateRootValue(jdtArray)->AddValue(jdtNull);
+    c.Set(*value);
+    EXPECT_EQ(value->GetAsJSON(), c.Text);
+    EXPECT_EQ(value->GetAsString(), c.String);
+  }
+  // a loaded value reads through its text
+  TVnJSONDocument doc(u"[\"12\", 1.50, true, \"a\\u00e9\"]");
+  TVnJSONBase* root = doc.GetRootValue();
+  EXPECT_EQ(root->Item(0)->GetAsInteger(), 12);
+  EXPECT_DOUBLE_EQ(root->Item(1)->GetAsDouble(), 1.5);
+  EXPECT_TRUE(root->Item(2)->GetAsBoolean());
+  EXPECT_EQ(root->Item(3)->GetAsString(), u"a\u00e9");
+  EXPECT_EQ(VarToUStr(root->Item(1)->GetAsVariant()), u"1.50");
+  // loaded nodes that took heap memory since must still free it (LeakSanitizer watches)
+  root->Item(3)->SetAsString(u"changed");
+  root->AddValue(jdtObject)->AddMember(u"n")->SetName(u"renamed");
+  EXPECT_EQ(doc.GetAsJSON(), u"[\"12\", 1.50, true, \"changed\", {\"renamed\": null}]");
+  TVnJSONDocument object(u"{\"a\":1}");
+  object.GetMember(u"a")->SetName(u"b");
+  EXPECT_EQ(object.GetAsJSON(), u"{\"b\": 1}");
+}
+
+TEST(JsonModel, DocumentForwardsToTheRoot) {
+  TVnJSONDocument empty;
+  for (auto call : {std::function<void()>([&] { empty.FindMember(u"a"); }), std::function<void()>([&] { empty.Item(0); }),
+                    std::function<void()>([&] { empty.GetMember(u"a"); })})
+    ExpectJSONError(call, cVnJSONErrNoRoot, UnicodeString(_cVnJSONNoRoot));
+  TVnJSONDocument doc(u"{\"a\":{\"b\":[1]}}");
+  TVnJSONBase& asBase = doc;
+  EXPECT_EQ(asBase.FindMember(u"a")->GetName(), u"a");
+  EXPECT_EQ(doc.GetMember(u"a")->GetAsObject()->FindMember(u"b")->GetAsArray()->Count(), 1);
+  EXPECT_EQ(doc.GetMember(u"a")->GetAsObject()->GetPath(), u"#/a");
+  EXPECT_EQ(doc.GetRootValue()->GetAsObject()->GetPath(), u"#/");
+  TVnJSONBase* array = doc.CreateRootValue(jdtArray);
+  EXPECT_EQ(doc.GetRootValue(), array);
+  EXPECT_EQ(doc.ChildCount(), 1);
+}
+
+TEST(JsonModel, InterfacesShareTheNodesCount) {
+  TVnJSONDocument doc(u"{\"a\":1,\"b\":[1,2,3]}");
+  IPtr<IVnJSONMember> held = doc.GetMemberIntf(u"a", {});
+  ASSERT_TRUE(held);
+  doc.GetRootValue()->DeleteMember(0);
+  // still usable until released; its value went with it
+  EXPECT_EQ(held->GetName(), u"a");
+  EXPECT_EQ(held->GetAsInteger(), 1);
+  held = nullptr;
+
+  IPtr<IVnJSONBase> root = doc.GetRootValueIntf();
+  IPtr<IVnJSONObject> object = root.As<IVnJSONObject>();
+  ASSERT_TRUE(object);
+  EXPECT_FALSE(root.As<IVnJSONArray>());
+  IPtr<IVnJSONArray> array = object->GetMemberEx(u"b")->GetAsArrayIntf();
+  array->Exchange(0, 2);
+  array->DeleteValue(1);
+  IPtr<IVnJSONBase> kept = array->GetItem(0);
+  array->RemoveValueIntf(kept);
+  EXPECT_EQ(kept->GetAsInteger(), 3);
+  EXPECT_EQ(object->GetMemberEx(u"c")->GetName(), u"c");  // made on demand
+  EXPECT_EQ(doc.GetAsJSON(), u"{\"b\": [1], \"c\": null}");
+}
+
+TEST(JsonModel, ADocumentHeldByInterfaceDiesWithIt) {
+  IPtr<IVnJSONDocument> doc(static_cast<IVnJSONDocument*>(new TVnJSONDocument(u"{\"a\":[true]}")));
+  IPtr<IVnJSONBase> asBase = doc.As<IVnJSONBase>();
+  ASSERT_TRUE(asBase);
+  EXPECT_EQ(doc->GetRootValueIntf()->GetMemberEx(u"a")->GetValue()->GetItem(0)->GetAsBoolean(), true);
+  EXPECT_EQ(doc->GetFormattedJSON(), u"{ \r\n  \"a\": [\r\n    true\r\n  ]\r\n}");
+  // a node held past its document's end survives on its own
+  IPtr<IVnJSONBase> survivor = doc->GetRootValueIntf();
+  doc = nullptr;
+  asBase = nullptr;
+  EXPECT_EQ(survivor->GetAsJSON(), u"{\"a\": [true]}");
+}
+
+TEST(JsonModel, FreeStandingNodesDieWithTheirLastInterface) {
+  IPtr<IVnJSONArray> array(static_cast<IVnJSONArray*>(new TVnJSONArray(nullptr)));
+  // without an owner the array lists nodes without owning them
+  TVnJSONDocument doc(u"[1,2]");
+  auto* list = static_cast<TVnJSONArray*>(dynamic_cast<TVnJSONArray*>(VnImplementor(array.Get())));
+  list->AddReference(doc.GetRootValue()->Item(1));
+  array = nullptr;
+  EXPECT_EQ(doc.GetAsJSON(), u"[1, 2]");
+
+  IPtr<IVnJSONObject> object(static_cast<IVnJSONObject*>(new TVnJSONObject()));
+  object->AddMemberIntf2(u"x", jdtArray)->GetAsArrayIntf()->AddValueIntf2(jdtNumber, u"1e5");
+  EXPECT_EQ(object->GetAsJSON(), u"{\"x\": [1e5]}");
+}
+
+TEST(JsonModel, DeepTreesSaveAndFreeWithoutRecursion) {
+  // built by hand through the operations, 300,000 levels: a recursive walk would overflow the stack
+  auto doc = std::make_unique<TVnJSONDocument>();
+  TVnJSONBase* node = doc->CreateRootValue(jdtArray);
+  for (int i = 0; i < 100000; ++i) node = node->AddValue(jdtObject)->AddMember(u"k", jdtArray)->GetValueObj();
+  EXPECT_EQ(doc->GetAsJSON().size(), 100000 * 9 + 2);
+  doc.reset();
+}
+
+TEST(JsonModel, CommonHooksMakeADocument) {
+  // the common package reaches the JSON unit only through its hooks
+  IPtr<IInterface> doc = GetCreateJSONDoc()(u"{\"a\":[1]}");
+  IPtr<IVnJSONDocument> asDoc = doc.As<IVnJSONDocument>();
+  ASSERT_TRUE(asDoc);
+  EXPECT_EQ(asDoc->GetAsJSON(), u"{\"a\": [1]}");
+  EXPECT_NE(GetGetJSONDocValue(), nullptr);
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,115 @@
+// The writer, to the byte: compact and formatted text, code pages and marks, and the copy of
+// loaded text that must give what decoding and encoding again would.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "vnxml/common/utf.h"
+
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/json_document.h"
+
+namespace vn {
+namespace {
+
+std::string Saved(TVnJSONDocument& ADoc, bool AFormatted, Word ACodePage, bool ABOM) {
+  TVnMemoryStream stream;
+  ADoc.SaveToStream(stream, AFormatted, ACodePage, ABOM);
+  return std::string(static_cast<const char*>(stream.GetMemory()), static_cast<size_t>(stream.GetSize()));
+}
+
+TEST(JsonWriter, CompactAndFormattedShapes) {
+  struct Case {
+    const char16_t* Input;
+    const char16_t* Compact;
+    const char16_t* Formatted;
+  };
+  const Case cases[] = {
+      {u"{\"a\":1,\"b\":[1,2],\"c\":{\"d\":true}}", u"{\"a\": 1, \"b\": [1, 2], \"c\": {\"d\": true}}",
+       u"{ \r\n  \"a\": 1, \"b\": [\r\n    1, 2\r\n  ], \"c\": { \r\n    \"d\": true\r\n  }\r\n}"},
+      {u"{}", u"{}", u"{ \r\n\r\n}"},
+      {u"[]", u"[]", u"[\r\n\r\n]"},
+      {u"[[],{}]", u"[[], {}]", u"[\r\n  [\r\n\r\n  ], { \r\n\r\n  }\r\n]"},
+      {u"{\"n\":1.50,\"e\":-0.0e+01,\"t\":true,\"z\":null}", u"{\"n\": 1.50, \"e\": -0.0e+01, \"t\": true, \"z\": null}",
+       nullptr},
+  };
+  for (const Case& c : cases) {
+    TVnJSONDocument doc(c.Input);
+    EXPECT_EQ(doc.GetAsJSON(), c.Compact);
+    if (c.Formatted) {
+      EXPECT_EQ(doc.GetFormattedJSON(), c.Formatted);
+    }
+  }
+}
+
+TEST(JsonWriter, LoadedTextGoesThroughDecodeThenEncode) {
+  // Each input once as UTF-16 text and once as UTF-8 bytes: the copy-through of plain text
+  // and the long way must agree with what a decoded string gives.
+  struct Case {
+    const char* Input;     // UTF-8, one string value or a name
+    const char16_t* Saved;
+  };
+  const Case cases[] = {
+      {R"(["plain text"])", uR"(["plain text"])"},
+      {R"(["a/b","a\/b"])", uR"(["a\/b", "a\/b"])"},
+      {R"(["\"\\\b\f\n\r\t"])", uR"(["\"\\\b\f\n\r\t"])"},
+      {R"(["\u00e9\u20ac"])", u"[\"\u00e9\\u20AC\"]"},
+      {"[\"\xC3\xA9\xE2\x82\xAC\"]", u"[\"\u00e9\\u20AC\"]"},
+      {"[\"\xF0\x9F\x98\x80\"]", uR"(["\uD83D\uDE00"])"},
+      {"[\"\x01x\x1f\"]", u"[\"x\x1f\"]"},
+      {R"(["100%"])", uR"(["100%"])"},
+      // names stay raw, so their escapes are encoded again
+      {R"({"a\tb":1,"c/d":2,"\u00e9":3})", uR"({"a\\tb": 1, "c\/d": 2, "\\u00e9": 3})"},
+      {"{\"\xC3\xA9\xE2\x82\xAC\":1}", u"{\"\u00e9\\u20AC\": 1}"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.Input);
+    TVnJSONDocument fromBytes(RawByteString(c.Input), cVnCodePageUTF8);
+    EXPECT_EQ(fromBytes.GetAsJSON(), c.Saved);
+    TVnStringStream bytes(std::string_view(c.Input), cVnCodePageUTF8);
+    TVnJSONDocument fromStream(bytes, cVnCodePageUTF8);
+    EXPECT_EQ(fromStream.GetAsJSON(), c.Saved);
+  }
+}
+
+TEST(JsonWriter, ValuesSetByCallers) {
+  TVnJSONDocument doc;
+  TVnJSONBase* object = doc.CreateRootValue(jdtObject);
+  object->AddMember(u"s", jdtString);                              // kind stays null until set
+  object->AddMember(u"m");                                         // no value at all
+  object->AddMember(u"a", jdtArray)->GetValueObj()->AddValue(jdtString);  // a string from a null Variant
+  object->AddMember(u"d", jdtNumber)->SetAsDouble(0.1);
+  object->AddMember(u"x", jdtNumber, u"0x1F");                     // text of a number goes as it is
+  object->AddMember(u"b", jdtBoolean, u"yes");
+  EXPECT_EQ(doc.GetAsJSON(), u"{\"s\": null, \"m\": null, \"a\": [\"\"], \"d\": 0.1, \"x\": 0x1F, \"b\": yes}");
+}
+
+TEST(JsonWriter, CodePagesAndMarks) {
+  TVnJSONDocument doc(u"{\"k\":\"\u00e9\u20ac\"}");
+  const std::string text = "{\"k\": \"\xC3\xA9\\u20AC\"}";
+  EXPECT_EQ(Saved(doc, false, cVnCodePageUTF8, false), text);
+  EXPECT_EQ(Saved(doc, false, cVnCodePageUTF8, true), "\xEF\xBB\xBF" + text);
+  std::string wide = Saved(doc, false, cVnCodePageUTF16LE, true);
+  ASSERT_EQ(wide.size(), 2 + 2 * 16u);
+  EXPECT_EQ(wide.substr(0, 4), std::string("\xFF\xFE{\0", 4));
+  EXPECT_EQ(Saved(doc, false, cVnCodePageUTF16LE, false), wide.substr(2));
+  // any other code page: the text's bytes there, never a mark
+  EXPECT_EQ(Saved(doc, false, 28591, true), "{\"k\": \"\xE9\\u20AC\"}");
+  EXPECT_EQ(Saved(doc, true, 1252, false), "{ \r\n  \"k\": \"\xE9\\u20AC\"\r\n}");
+}
+
+TEST(JsonWriter, SaveToFileWritesUtf8WithMark) {
+  TVnJSONDocument doc(u"[1]");
+  const UnicodeString path =
+      Utf8ToUnicode((std::filesystem::temp_directory_path() / "vnxml_json_writer_test.json").string());
+  doc.SaveToFile(path, false);
+  TVnJSONDocument again(path, fmOpenRead);
+  EXPECT_EQ(again.GetAsJSON(), u"[1]");
+  TVnMemoryStream file;
+  file.LoadFromFile(path);
+  EXPECT_EQ(std::string(static_cast<const char*>(file.GetMemory()), 6), "\xEF\xBB\xBF[1]");
+  EXPECT_THROW(TVnJSONDocument(u"no-such-file.json", fmOpenRead), EReadError);
+}
+
+}  // namespace
+}  // namespace vn
