@@ -16,8 +16,4 @@ void LoadDocumentFast(TVnJSONDocument& ADoc, TStream& AStream, Word ACodePage);
 /// and decodes it on reading, yet a load fails where decoding at load time would.
 void CheckJSONText(std::u16string_view AText, TVnJSONDataType AKind);
 
-/// Makes the reader of a form-URL-encoded load; set by the unit that has it.
-using JSONFormReaderFactory = TVnJSONReader* (*)();
-void SetJSONFormReaderFactory(JSONFormReaderFactory AFactory) noexcept;
-
 }  // namespace vn::detail

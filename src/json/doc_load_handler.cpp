@@ -2,31 +2,20 @@
 #include <memory>
 
 #include "json/doc_load.h"
+#include "vnxml/json_form_reader.h"
 #include "vnxml/json_handler.h"
 #include "vnxml/json_reader.h"
 #include "vnxml/json_values.h"
 
 namespace vn::detail {
 
-namespace {
-JSONFormReaderFactory gFormReader = nullptr;
-constexpr char16_t cNoFormReader[] = u"Form-URL-encoded text cannot be read: no reader for it is available";
-}  // namespace
-
 void CheckJSONText(std::u16string_view AText, TVnJSONDataType AKind) {
   if (AText.find_first_of(u"\\%") != std::u16string_view::npos) (void)VnJSONtoStr(AText, AKind);
 }
 
-void SetJSONFormReaderFactory(JSONFormReaderFactory AFactory) noexcept { gFormReader = AFactory; }
-
 void LoadWithHandler(TVnJSONBase& ATarget, TStream& AStream, Word ACodePage, bool AFormURLEncoded) {
-  std::unique_ptr<TVnJSONReader> reader;
-  if (AFormURLEncoded) {
-    if (!gFormReader) throw EVnJSONException(0, UnicodeString(cNoFormReader));
-    reader.reset(gFormReader());
-  } else {
-    reader = std::make_unique<TVnJSONReader>();
-  }
+  std::unique_ptr<TVnJSONReader> reader = AFormURLEncoded ? std::make_unique<TVnFormURLEncodedJSONReader>()
+                                                          : std::make_unique<TVnJSONReader>();
   auto handler = std::make_unique<TVnJSONHandler>(reader.get(), &ATarget);
   handler->SetAutoDestroy(false);
   reader->SetContentHandler(IPtr<IVnJSONContentHandler>(static_cast<IVnJSONContentHandler*>(handler.get())));

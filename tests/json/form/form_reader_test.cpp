@@ -4,6 +4,8 @@
 
 #include "json/reader/json_recorder.h"
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/json_document.h"
 #include "vnxml/json_form_reader.h"
 #include "vnxml/json_parser.h"
 
@@ -147,6 +149,12 @@ TEST(FormReader, HandlersAndEntryPoints) {
   parser.OnValue = [&](TVnJSONSimpleDataType, std::u16string_view v) { values += UnicodeToUtf8(v) + ";"; };
   parser.ParseBuffer(text.data(), Cardinal(text.size()), 65001, true);
   EXPECT_EQ(values, "\xC3\xA9 1;2;");
+
+  // So does the document's.
+  TVnJSONDocument doc;
+  TVnMemoryStream form(text.data(), Int64(text.size()));
+  doc.LoadFromStream(form, 65001, true);
+  EXPECT_EQ(UnicodeToUtf8(doc.GetAsJSON()), "{\"a\": {\"\xC3\xA9\": [\"\xC3\xA9 1\", \"2\"]}}");
 }
 
 TEST(FormReader, DeepAndWideKeysReadWithoutRecursion) {
