@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "../message_of.h"
+#include "common/message_of.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"

@@ -3,7 +3,7 @@
 
 #include <numeric>
 
-#include "../message_of.h"
+#include "common/message_of.h"
 #include "tracked.h"
 #include "vnxml/common/generics.h"
 #include "vnxml/common/sync_objs.h"

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "../message_of.h"
+#include "common/message_of.h"
 #include "tracked.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/rtl_messages.h"
