@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "common/message_of.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
@@ -56,15 +57,7 @@ class TPoint2 : public TPersistent {
   }
 };
 
-template <class E, class F>
-UnicodeString MessageOf(F AFunc) {
-  try {
-    AFunc();
-  } catch (const E& e) {
-    return e.Message();
-  }
-  return u"(no exception)";
-}
+using test::MessageOf;
 
 }  // namespace
 

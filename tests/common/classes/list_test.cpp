@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "common/message_of.h"
 #include "tracked.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/rtl_messages.h"
@@ -20,14 +21,7 @@ class TRecordingList : public TList {
   void Notify(void* AItem, TListNotification AAction) override { Log.emplace_back(AItem, AAction); }
 };
 
-UnicodeString ListErrorOf(const std::function<void()>& AFunc) {
-  try {
-    AFunc();
-  } catch (const EListError& e) {
-    return e.Message();
-  }
-  return u"(no EListError)";
-}
+UnicodeString ListErrorOf(const std::function<void()>& AFunc) { return test::MessageOf<EListError>(AFunc); }
 
 }  // namespace
 

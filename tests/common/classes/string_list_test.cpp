@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "common/message_of.h"
 #include "tracked.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/rtl_messages.h"
@@ -22,12 +23,7 @@ std::vector<UnicodeString> Lines(const TStrings& AList) {
 using L = std::vector<UnicodeString>;
 
 UnicodeString StringListErrorOf(const std::function<void()>& AFunc) {
-  try {
-    AFunc();
-  } catch (const EStringListError& e) {
-    return e.Message();
-  }
-  return u"(no EStringListError)";
+  return test::MessageOf<EStringListError>(AFunc);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "common/message_of.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -84,12 +85,7 @@ TEST(MemoryStream, ReadAndWriteBufferErrors) {
   m.WriteBuffer("abc", 3);
   m.SetPosition(1);
   char buf[4];
-  try {
-    m.ReadBuffer(buf, 3);
-    FAIL() << "no exception";
-  } catch (const EReadError& e) {
-    EXPECT_EQ(e.Message(), u"Stream read error");
-  }
+  EXPECT_EQ(test::MessageOf<EReadError>([&] { m.ReadBuffer(buf, 3); }), u"Stream read error");
   TMemoryStream empty;
   EXPECT_THROW(empty.ReadBuffer(buf, 1), EReadError);
   empty.ReadBuffer(buf, 0);  // nothing asked, nothing missing
@@ -178,12 +174,7 @@ TEST(FileStream, CreateWriteReopenAndModes) {
 
 template <class E>
 void ExpectFileError(std::u16string_view AName, Word AMode, const UnicodeString& AMessage) {
-  try {
-    TFileStream f(AName, AMode);
-    ADD_FAILURE() << "no exception for mode " << AMode;
-  } catch (const E& e) {
-    EXPECT_EQ(e.Message(), AMessage);
-  }
+  EXPECT_EQ(test::MessageOf<E>([&] { TFileStream f(AName, AMode); }), AMessage) << "mode " << AMode;
 }
 
 TEST(FileStream, ErrorsCarryFileNameAndSystemReason) {

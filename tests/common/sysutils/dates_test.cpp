@@ -4,6 +4,7 @@
 #include <cmath>
 #include <ctime>
 
+#include "common/message_of.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 
@@ -42,12 +43,7 @@ TEST(EncodeDate, InvalidArguments) {
   for (const auto& b : bad) {
     TDateTime d = 0;
     EXPECT_FALSE(TryEncodeDate(b[0], b[1], b[2], d));
-    try {
-      EncodeDate(b[0], b[1], b[2]);
-      ADD_FAILURE() << "no exception";
-    } catch (const EConvertError& e) {
-      EXPECT_EQ(e.Message(), cRtlDateEncodeError);
-    }
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { EncodeDate(b[0], b[1], b[2]); }), cRtlDateEncodeError);
   }
   EXPECT_TRUE(IsLeapYear(2000));
   EXPECT_FALSE(IsLeapYear(1900));

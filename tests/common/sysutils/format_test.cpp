@@ -1,6 +1,7 @@
 // Format: conversions, widths, precisions, indexes and the platform's failure texts.
 #include <gtest/gtest.h>
 
+#include "common/message_of.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 
@@ -61,13 +62,8 @@ TEST(Format, MisuseRaisesEConvertError) {
     std::initializer_list<TVarRec> Args;
     const char16_t* Message;
   };
-  auto messageOf = [](const char16_t* AFmt, std::initializer_list<TVarRec> AArgs) -> UnicodeString {
-    try {
-      Format(AFmt, AArgs);
-    } catch (const EConvertError& e) {
-      return e.Message();
-    }
-    return u"(none)";
+  auto messageOf = [](const char16_t* AFmt, std::initializer_list<TVarRec> AArgs) {
+    return test::MessageOf<EConvertError>([&] { Format(AFmt, AArgs); });
   };
   EXPECT_EQ(messageOf(u"%d", {u"abc"}), u"Format '%d' invalid or incompatible with argument");
   EXPECT_EQ(messageOf(u"%f", {1}), u"Format '%f' invalid or incompatible with argument");

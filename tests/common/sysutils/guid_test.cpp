@@ -1,6 +1,7 @@
 // GUID text form: exact layout both ways and refusal of near misses.
 #include <gtest/gtest.h>
 
+#include "common/message_of.h"
 #include "vnxml/common/guid.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
@@ -23,12 +24,6 @@ TEST(GUID, MalformedTextRaises) {
       u"{0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9",    // no closing brace
       u"",
   };
-  for (const char16_t* text : bad) {
-    try {
-      StringToGUID(text);
-      ADD_FAILURE() << "accepted";
-    } catch (const EConvertError& e) {
-      EXPECT_EQ(e.Message(), Format(cRtlInvalidGUID, {text}));
-    }
-  }
+  for (const char16_t* text : bad)
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { StringToGUID(text); }), Format(cRtlInvalidGUID, {text}));
 }

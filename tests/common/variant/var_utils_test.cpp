@@ -6,7 +6,8 @@
 namespace vn {
 namespace {
 
-using test::CastText;
+using test::ExpectCast;
+using test::ExpectOverflow;
 using test::ExpectRaise;
 
 TEST(VnVarHelpers, EmptyValuesGiveTheDefault) {
@@ -54,14 +55,10 @@ TEST(VnVarHelpers, FailuresGiveTheDefaultUnlessRaising) {
   EXPECT_EQ(VnVarToInt64(Variant(u"x"), 4), 4);
   EXPECT_EQ(VnVarToDouble(Variant(IPtr<IInterface>()), 5), 5);
 
-  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToBool(Variant(u"yes"), false, true); },
-                                     CastText(u"UnicodeString", u"Boolean"));
-  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToStr(VarArrayOf({1}), u"", true); },
-                                     CastText(u"Array Variant", u"UnicodeString"));
-  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToExtended(Variant(u"x"), 0, true); },
-                                     CastText(u"UnicodeString", u"Double"));
-  ExpectRaise<EVariantOverflowError>([] { (void)VnVarToInt(Variant(1e10), 0, true); },
-                                     test::OverflowText(u"Double", u"Integer"));
+  ExpectCast([] { (void)VnVarToBool(Variant(u"yes"), false, true); }, u"UnicodeString", u"Boolean");
+  ExpectCast([] { (void)VnVarToStr(VarArrayOf({1}), u"", true); }, u"Array Variant", u"UnicodeString");
+  ExpectCast([] { (void)VnVarToExtended(Variant(u"x"), 0, true); }, u"UnicodeString", u"Double");
+  ExpectOverflow([] { (void)VnVarToInt(Variant(1e10), 0, true); }, u"Double", u"Integer");
   ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToInt64(Variant(u"x"), 0, true); });
   ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToDouble(Variant::FromError(1), 0, true); });
 }

@@ -45,6 +45,16 @@ void ExpectRaise(F AAction, const std::string& AText = {}) {
   }
 }
 
+/// A cast or overflow failure, with the platform's text for the two type names.
+template <class F>
+void ExpectCast(F AAction, std::u16string_view AFrom, std::u16string_view ATo) {
+  ExpectRaise<EVariantTypeCastError>(AAction, CastText(AFrom, ATo));
+}
+template <class F>
+void ExpectOverflow(F AAction, std::u16string_view AFrom, std::u16string_view ATo) {
+  ExpectRaise<EVariantOverflowError>(AAction, OverflowText(AFrom, ATo));
+}
+
 /// Same kind and same value (by the Variant's own equality).
 inline void ExpectVariant(const Variant& AActual, TVarType AType, const Variant& AValue) {
   EXPECT_EQ(AActual.VarType(), AType) << U8(VarTypeAsText(AActual.VarType()));

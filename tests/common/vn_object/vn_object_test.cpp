@@ -2,6 +2,7 @@
 // and EVnException's code.
 #include <gtest/gtest.h>
 
+#include "common/message_of.h"
 #include "vnxml/common/interfaced_object.h"
 #include "vnxml/common/vn_component.h"
 #include "vnxml/common/vn_exception.h"
@@ -116,12 +117,7 @@ TEST(VnObjectEx, AssignCopiesThroughAssignToOrNamesBothClasses) {
 
   TOther other;
   auto expectAssignError = [](TVnObjectEx& ADest, const TObject* ASource, const UnicodeString& AMessage) {
-    try {
-      ADest.Assign(ASource);
-      ADD_FAILURE() << "no exception";
-    } catch (const EConvertError& e) {
-      EXPECT_EQ(e.Message(), AMessage);
-    }
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { ADest.Assign(ASource); }), AMessage);
   };
   expectAssignError(other, &a, u"Cannot assign a TPoint to a TOther");
   expectAssignError(a, &other, u"Cannot assign a TOther to a TPoint");
