@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "sax_recorder.h"
+#include "support/sax_handlers.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/vn_streams.h"
 
 using namespace vn;
-using vntest::RecordingReader;
+using vn::test::RecordingReader;
 
 namespace {
 
@@ -141,7 +141,7 @@ TEST(SaxReaderFrame, LocatorAndInterfaces) {
 
 TEST(SaxReaderFrame, LocatorDuringEvents) {
   // A handler asking the locator during an event gets the reader's current place.
-  struct Asking : vntest::SaxRecorder {
+  struct Asking : vn::test::SaxRecorder {
     IVnSAXLocator* Loc = nullptr;
     void StartElement(std::u16string_view, std::u16string_view, std::u16string_view q, IVnSAXAttributes*) override {
       Events.push_back(U8(q) + "@" + std::to_string(Loc->GetLineNr()) + ":" + std::to_string(Loc->GetColNr()) +
