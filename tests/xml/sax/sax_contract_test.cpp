@@ -6,6 +6,8 @@
 #include <fstream>
 
 #include "support/sax_handlers.h"
+#include "support/raises.h"
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/vn_streams.h"
 
@@ -56,16 +58,9 @@ TEST(SaxAttributes, Lookups) {
   EXPECT_EQ(attrs.GetIndex(u"*", u"href"), -1);
   EXPECT_EQ(CodeOf([&] { attrs.GetType(u"*", u"href"); }), cVnXMLErrListIndexOutOfBounds);
 
-  try {
-    attrs.GetValue(u"a", u"b");
-  } catch (const EVnXMLParseError& e) {
-    EXPECT_EQ(e.Message(), u"List index (a-b) out of bounds!");
-  }
-  try {
-    attrs.GetAttribute(9);
-  } catch (const EVnXMLParseError& e) {
-    EXPECT_EQ(e.Message(), u"List index (9) out of bounds!");
-  }
+  test::ExpectRaises<EVnXMLParseError>([&] { attrs.GetValue(u"a", u"b"); },
+                                       Format(_cVnXMLListIndexOutOfBounds3, {u"a", u"b"}));
+  test::ExpectRaises<EVnXMLParseError>([&] { attrs.GetAttribute(9); }, Format(_cVnXMLListIndexOutOfBounds1, {9}));
 
   // Cleared records come back for reuse, with their old content overwritten.
   attrs.Clear();
