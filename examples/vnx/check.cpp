@@ -14,15 +14,14 @@ int Check(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "usage: vnx check FILE|-\n");
     return kExitUsage;
   }
-  std::string bytes;
-  if (!ReadInput(AArgs[0], bytes)) {
+  Input input;
+  if (!input.Open(AArgs[0])) {
     std::fprintf(stderr, "vnx check: cannot read %s\n", AArgs[0].c_str());
     return kExitUsage;
   }
   try {
     vn::TVnDOMDocument doc;
-    vn::TVnStringStream in(bytes, vn::cVnCodePageDefault);
-    doc.LoadFromStream(in);
+    doc.LoadFromStream(input.Stream());
     // Count elements with an explicit stack: documents may be deep.
     size_t elements = 0;
     std::vector<vn::TVnDOMElement*> stack;

@@ -35,8 +35,8 @@ int Format(const std::vector<std::string>& AArgs) {
     }
   }
   if (path.empty()) return FormatUsage();
-  std::string bytes;
-  if (!ReadInput(path, bytes)) {
+  Input input;
+  if (!input.Open(path)) {
     std::fprintf(stderr, "vnx format: cannot read %s\n", path.c_str());
     return kExitUsage;
   }
@@ -49,8 +49,7 @@ int Format(const std::vector<std::string>& AArgs) {
   }
   try {
     vn::TVnDOMDocument doc;
-    vn::TVnStringStream in(bytes, vn::cVnCodePageDefault);
-    doc.LoadFromStream(in);
+    doc.LoadFromStream(input.Stream());
     vn::TVnStringStream out(codePage);
     doc.SaveToStream(out, codePage, formatted, bom);
     // A formatted text ends with a line end, in the output's own code page.

@@ -12,7 +12,7 @@ int Usage() {
   std::fprintf(stderr,
                "usage: vnx <command> [options] FILE|-\n"
                "commands:\n"
-               "  events [--multi-root] FILE|-   print the reader's events, one per line\n"
+               "  events [--json|--xml] [--multi-root] FILE|-   print the reader's events, one per line\n"
                "  format [--plain] [--encoding NAME] [--bom] FILE|-   write the document formatted\n"
                "  check FILE|-                    load the document; report the first error\n"
                "  select [--value] [--create] FILE|- PATH   print the nodes a path selects\n");

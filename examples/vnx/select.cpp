@@ -30,14 +30,14 @@ int Select(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "usage: vnx select [--value] [--create] [--case-sensitive] [--local-name] FILE|- PATH\n");
     return kExitUsage;
   }
-  std::string bytes;
-  if (!ReadInput(operands[0], bytes)) {
+  Input input;
+  if (!input.Open(operands[0])) {
     std::fprintf(stderr, "vnx: cannot read %s\n", operands[0].c_str());
     return kExitUsage;
   }
   try {
     vn::TVnDOMDocument doc;
-    doc.LoadFromAnsiXML(bytes);
+    doc.LoadFromStream(input.Stream());
     std::unique_ptr<vn::TVnDOMNodeList> nodes = vn::CreateNodeList(&doc, vn::Utf8ToUnicode(operands[1]), options);
     for (vn::TVnDOMNode* node : *nodes) {
       vn::UnicodeString text = valueOnly ? node->GetNodeValue() : node->GetXML();

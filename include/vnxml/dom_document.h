@@ -5,14 +5,22 @@
 #pragma once
 
 #include "vnxml/dom_element.h"
+#include "vnxml/dom_messages.h"
 #include "vnxml/dom_parser.h"
 
 namespace vn {
 
 class TVnDOMProcessingInstruction;
+class TVnDOMDocument;
 
-inline constexpr char16_t cVnDomNoProcessingInstruction[] = u"There is no processinginstruction \"%s\"!";
-inline constexpr char16_t cVnDomSyntaxAt[] = u"Line %d, column %d: %s";
+namespace detail {
+/// The value against which lookups in ADocument's namespace scopes are cached (nodes outside
+/// any document share one of their own); it changes whenever a declaration there changes.
+uint64_t NamespaceEpoch(const TVnDOMDocument* ADocument) noexcept;
+/// A declaration's name or value changed in ADocument (nullptr: outside any document).
+void NamespacesChanged(TVnDOMDocument* ADocument) noexcept;
+}  // namespace detail
+
 inline constexpr char16_t cVnXSINamespaceURI[] = u"http://www.w3.org/2001/XMLSchema-instance";
 inline constexpr char16_t cVnXSDNamespaceURI[] = u"http://www.w3.org/2001/XMLSchema";
 
@@ -106,11 +114,9 @@ class TVnDOMDocument : public TVnDOMNode {
   /// The element at APath, or nil; with no root nil (or the failure AOptions ask for).
   TVnDOMElement* SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});
 
-  /// Events of every load into this document's nodes; AHandled keeps the reader's exception.
-  TVnDOMParseError OnParseWarning;
-  TVnDOMParseError OnParseError;
-  TVnDOMParseError OnParseFatalError;
-
+  /// The first element to join the document, by any road, becomes its root.
+  TVnDOMNode* AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode = nullptr, TVnDOMPosition APosition = rdpLast) override;
+  using TVnDOMNode::AddChild;
   TVnDOMNode* AppendChild(TVnDOMNode* ANode) override;
   void RemoveChild(TVnDOMNode* ANode) override;
   void Clear() override;
@@ -133,8 +139,12 @@ class TVnDOMDocument : public TVnDOMNode {
   UnicodeString FEncoding;
   Word FCodePage = 0;
   UnicodeString FDocumentURI;
+  // Per document, so that declarations changed in one tree leave the caches of others valid.
+  uint64_t FNamespaceEpoch;
 
   friend class TVnDOMParser;
+  friend uint64_t detail::NamespaceEpoch(const TVnDOMDocument*) noexcept;
+  friend void detail::NamespacesChanged(TVnDOMDocument*) noexcept;
   friend class detail::TreeBuilder;
 };
 

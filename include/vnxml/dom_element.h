@@ -58,7 +58,8 @@ class TVnDOMElement : public TVnDOMNode {
   /// Null with xsi:nil; with xsi:type a value of that type; else the text, Null when there is none.
   /// An empty xsi:type raises EVnDomException cVnDomInvalidTypeInfo.
   Variant GetAsVariant() const;
-  /// The same as a TValue: empty with xsi:nil or without text; the text as a string without xsi:type.
+  /// The same as a TValue: empty with xsi:nil or without text (but an xsi:type of a string type
+  /// gives its empty string); the text as a string without xsi:type.
   TValue GetAsValue() const;
   /// GetAsVariant of the child element at AIndex (a number) or of that name; Null when there is none.
   Variant GetChildElementValue(const Variant& AIndex);
@@ -160,7 +161,8 @@ class TVnDOMElement : public TVnDOMNode {
   /// Elements (this one first) with that namespace URI and local name.
   std::unique_ptr<TVnDOMElementList> CreateElementList(std::u16string_view AURI, std::u16string_view ALocalName,
                                                        bool ARecursive);
-  /// The elements that APath selects from this element; the caller owns the list.
+  /// The elements that APath selects from this element; the caller owns the list. A path that
+  /// selects any other kind of node raises EVnDomHierarchyRequest.
   std::unique_ptr<TVnDOMElementList> CreateElementList(std::u16string_view APath, TVnDOMSelectOptions AOptions);
   /// The first element that APath selects, or nil; a selected node that is no element raises EInvalidCast.
   TVnDOMElement* SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions = {});

@@ -1,7 +1,7 @@
 // dom_interfaces.h: the counted interfaces of the XML document object model (unit uVnXMLDOM).
 // Each is answered by the Impl half of a node or list (dom_object.h); every call forwards to the
 // object. Nodes come back as IPtr (a new count); node arguments may be nil where the object form
-// takes nil. Slots are in the order of the library's documentation.
+// takes nil. The order of the slots is part of the binary contract: new slots go at the end.
 #pragma once
 
 #include "vnxml/common/interface.h"
@@ -273,21 +273,46 @@ struct IVnDOMElement : IVnDOMNode {
   ~IVnDOMElement() = default;
 };
 
-/// The document's interface; the loading and encoding slots arrive with the loader.
+/// The document's interface. Loads that add (LoadXML of a stream or file, LoadFromStreamEx,
+/// LoadFromFile) keep what the document holds; LoadXML of a text and LoadFromXML clear it first.
 struct IVnDOMDocument : IVnDOMNode {
   static constexpr TGUID IID = TGUID::Parse("d45d3d71-6b97-4fcd-96a6-dfbbaa9849b8");
   virtual IPtr<IVnDOMElement> GetRootNode() = 0;
+  /// The data of that processing instruction; raises EVnDomNotFound when there is none.
+  virtual UnicodeString GetProcessingInstruction(std::u16string_view ATarget) = 0;
   virtual bool GetCaseSensitive() = 0;
   virtual TVnXPathCollationClass GetCollation() = 0;
   virtual TVnDOMSelectMatchOption GetSelectMatchOption() = 0;
   virtual TVnDOMSelectCheckOption GetSelectCheckOption() = 0;
+  virtual bool GetUseSchemaInstance() = 0;
+  virtual UnicodeString GetEncoding() = 0;
+  virtual Word GetCodePage() = 0;
+  virtual UnicodeString GetDocumentURI() = 0;
+  virtual void SetEncoding(std::u16string_view AValue) = 0;
+  virtual void SetCodePage(Word AValue) = 0;
+  virtual void SetProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) = 0;
   virtual void SetCaseSensitive(bool AValue) = 0;
   virtual void SetCollation(TVnXPathCollationClass AValue) = 0;
   virtual void SetSelectMatchOption(TVnDOMSelectMatchOption AValue) = 0;
   virtual void SetSelectCheckOption(TVnDOMSelectCheckOption AValue) = 0;
+  virtual void SetUseSchemaInstance(bool AValue) = 0;
+  virtual void SetDocumentURI(std::u16string_view AValue) = 0;
   virtual IPtr<IVnDOMElement> CreateRootNode(std::u16string_view AName) = 0;
   virtual IPtr<IVnDOMElement> CreateRootNode(std::u16string_view AURI, std::u16string_view AName) = 0;
   virtual IPtr<IVnDOMComment> AddComment(std::u16string_view AText) = 0;
+  virtual void LoadXML(std::u16string_view AXML) = 0;
+  virtual void LoadXML(TStream& AStream) = 0;
+  virtual void LoadXML(std::u16string_view AFileName, Word AMode) = 0;
+  /// 8-bit text: its declaration tells the code page.
+  virtual void LoadFromXML(std::string_view AText) = 0;
+  virtual void LoadFromXML(std::u16string_view AText) = 0;
+  virtual void LoadFromStreamEx(TStream& AStream) = 0;
+  virtual void SaveToStreamEx(TStream& AStream, bool AFormatted, bool AWriteBOM) = 0;
+  virtual void LoadFromFile(std::u16string_view AFileName, Word AMode) = 0;
+  virtual void SaveToFile(std::u16string_view AFileName, bool AFormatted, bool AWriteBOM) = 0;
+  /// A new list that the interface owns.
+  virtual IPtr<IVnDOMElementList> CreateElementList(std::u16string_view APath, TVnDOMSelectOptions AOptions) = 0;
+  virtual IPtr<IVnDOMElement> SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions) = 0;
 
  protected:
   ~IVnDOMDocument() = default;

@@ -3,6 +3,13 @@
 // character data) and lives as long as the node; a list made for a caller (CreateElementList)
 // belongs to the caller. Lists never own the nodes they point at. Every list works in a
 // range-for: `for (TVnDOMElement* e : *element->GetElements())`.
+// Edits of a node's own list are edits of the tree: Add adopts the node as AddChild does, Delete
+// and Clear remove children as RemoveChild does (freed unless an interface holds them); a node
+// of a kind the list does not show is refused with EVnDomHierarchyRequest. A list keeps no
+// document of its own: it reads its owner's at each call, so it follows the owner from document
+// to document and never reads a freed one. Element lists hold elements only and attribute lists
+// attributes only, also when made for a caller; the namespaces in scope (GetNamespaces) are a
+// snapshot that refuses every edit with EVnDomNotSupported.
 #pragma once
 
 #include <memory>
@@ -43,14 +50,18 @@ class TVnDOMNodeListBase : public TVnDOMObject {
   Integer Count() const noexcept { return static_cast<Integer>(FItems->size()); }
   /// Raises EListError "List index out of bounds (%d)" outside 0..Count-1.
   TVnDOMNode* GetItem(Integer AIndex) const;
+  /// Empties the list; on a node's own list the children it shows leave the tree.
   void Clear();
-  /// Inserts ANode by position and reference (see TVnDOMPosition); returns ANode.
+  /// Inserts ANode by position and reference (see TVnDOMPosition); returns ANode. On a node's own
+  /// list the node must be detached and becomes a child of the owner.
   TVnDOMNode* Add(TVnDOMNode* ANode, TVnDOMNode* ARefNode = nullptr, TVnDOMPosition APosition = rdpLast);
   TVnDOMNode* Add(TVnDOMNode* ANode, TVnDOMPosition APosition) { return Add(ANode, nullptr, APosition); }
   TVnDOMNode* Add(TVnDOMNode* ANode, TVnDOMPosition APosition, TVnDOMNode* ARefNode) {
     return Add(ANode, ARefNode, APosition);
   }
-  /// Takes the first occurrence of ANode out of the list; returns it, or nil.
+  /// Takes the first occurrence of ANode out of the list; returns it, or nil when it isn't there.
+  /// On a node's own list the child leaves the tree and is freed unless an interface holds it:
+  /// the result is then nil too, so it never points at a freed node.
   TVnDOMNode* Delete(TVnDOMNode* ANode);
   /// Raises EVnDomNotFound on an empty list.
   TVnDOMNode* First() const;
@@ -66,11 +77,13 @@ class TVnDOMNodeListBase : public TVnDOMObject {
   TVnDOMNode* Find(std::u16string_view ANamespaceURI, std::u16string_view ALocalName) const;
   /// The last node of that name under AOptions; soRaise raises EVnDomNotFound when none.
   TVnDOMNode* Find(std::u16string_view AName, TVnDOMSelectOptions AOptions) const;
-  /// Find, then take the node out of this list (its parent link and lifetime stay as they are).
+  /// Find, then Delete.
   TVnDOMNode* Delete(std::u16string_view AName, TVnDOMSelectOptions AOptions);
   TVnDOMNode* Delete(std::u16string_view ANamespaceURI, std::u16string_view ALocalName);
 
   TVnDOMNode* GetOwner() const noexcept { return static_cast<TVnDOMNode*>(FParent); }
+  /// The owner's document now, nil for a list without owner or an owner outside a document.
+  TVnDOMDocument* GetOwnerDocument() const noexcept;
   TVnDOMListIterator<TVnDOMNode> begin() const noexcept { return {this, 0}; }
   TVnDOMListIterator<TVnDOMNode> end() const noexcept { return {this, Count()}; }
 
@@ -82,8 +95,22 @@ class TVnDOMNodeListBase : public TVnDOMObject {
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
+  /// Whether this kind of list may hold ANode at all (element lists: elements ...).
+  virtual bool HoldsKind(const TVnDOMNode& ANode) const;
+  /// The items are the children of the owner (or one typed share of them).
+  bool IsChildView() const noexcept { return FParent && FItems != &FOwnItems; }
+  /// Replaces the items of a list the owner computes (the namespaces in scope).
+  void SetSnapshot(const std::vector<TVnDOMAttribute*>& AItems);
+
   detail::PtrVector<TVnDOMNode> FOwnItems;
   detail::PtrVector<TVnDOMNode>* FItems;
+
+ private:
+  friend class TVnDOMElement;
+  /// Refuses what the list cannot take; on a child view, a node that would land in another view.
+  void CheckAdd(const TVnDOMNode* ANode) const;
+  /// A list with an owner and items of its own is the owner's computed snapshot: read-only.
+  void CheckWritable() const;
 };
 
 /// The platform-style enumerator: MoveNext and GetCurrent over a list.
@@ -123,7 +150,7 @@ class TVnDOMElementList : public TVnDOMNodeListBase {
  public:
   using TVnDOMNodeListBase::TVnDOMNodeListBase;
   TVnDOMElement* GetItem(Integer AIndex) const;
-  /// By an integer index, or by a name under the document's check option.
+  /// By an integer index, or by a name under the check option of the owner's document.
   TVnDOMElement* GetItem(const Variant& AIndex) const;
   /// By number, by name ("." is the owner), or by path under coCreate or with a "/".
   TVnDOMElement* GetItemEx(const Variant& AIndex, TVnDOMSelectCheckOption ACheck) const;
@@ -139,6 +166,7 @@ class TVnDOMElementList : public TVnDOMNodeListBase {
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
+  bool HoldsKind(const TVnDOMNode& ANode) const override;
 };
 
 class TVnDOMAttrList : public TVnDOMNodeListBase {
@@ -155,6 +183,7 @@ class TVnDOMAttrList : public TVnDOMNodeListBase {
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
+  bool HoldsKind(const TVnDOMNode& ANode) const override;
 };
 
 /// A plain, non-owning list of DOM objects, used by the path engine.

@@ -31,7 +31,21 @@ inline constexpr char16_t cVnDomSplitNeedsParent[] = u"SplitText needs a node wi
 inline constexpr char16_t cVnDomObjectGone[] = u"The DOM object behind this interface has been freed.";
 inline constexpr char16_t cVnDomHasParent[] = u"The node already has a parent; remove it there first!";
 inline constexpr char16_t cVnDomAddToItself[] = u"A node cannot be added below itself!";
+inline constexpr char16_t cVnDomDocumentAsChild[] = u"A document cannot be added below another node!";
 inline constexpr char16_t cVnDomNotYetSupported[] = u"%s is not supported yet.";
+inline constexpr char16_t cVnDomJSONOutput[] = u"Serialization as JSON";
 inline constexpr char16_t cVnDomInvalidTypeInfo[] = u"The type attribute does not contain valid typeinfo.";
+inline constexpr char16_t cVnDomListWrongKind[] = u"A node of type %s does not belong in this list!";
+inline constexpr char16_t cVnDomListNeedsOwner[] =
+    u"A path or coCreate needs a list that belongs to an element; a list made for a caller has none!";
+inline constexpr char16_t cVnDomListReadOnly[] =
+    u"The namespaces in scope are read-only; add or remove the declarations on the elements instead!";
+inline constexpr char16_t cVnDomNoProcessingInstruction[] = u"There is no processinginstruction \"%s\"!";
+inline constexpr char16_t cVnDomSyntaxAt[] = u"Line %d, column %d: %s";
+inline constexpr char16_t cVnDomNoCollator[] = u"The collator of the invariant locale is not available.";
+inline constexpr char16_t cVnDomAttributeNameNotWritable[] =
+    u"The attribute name \"%s\" cannot be written as XML that loads back with the same name!";
+inline constexpr char16_t cVnDomElementNameNotWritable[] =
+    u"The element name \"%s\" cannot be written as XML that loads back with the same name!";
 
 }  // namespace vn

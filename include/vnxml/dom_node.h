@@ -5,7 +5,9 @@
 // without recursion, so trees of any depth can be built, cloned and dropped.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "vnxml/dom_object.h"
@@ -14,9 +16,14 @@
 namespace vn {
 
 class TStream;
+struct IVnSAXLocator;
+
+/// A failure event of a load; setting AHandled in a fatal error keeps the reader's own exception.
+using TVnDOMParseError = std::function<void(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled)>;
 
 namespace detail {
 struct NodeExtras;
+struct ParseEvents;
 class TreeBuilder;
 }
 
@@ -75,11 +82,31 @@ class TVnDOMNode : public TVnDOMObject {
   virtual void NormalizeTextNodes();
 
   // ---- text in and out ----
+  // The writer copies names and stored values as they are, and what it writes loads back to the
+  // same tree. A name that the reader would read back as another name, or that would end the tag
+  // early, is not written: such a write raises EVnDomInvalidCharacter and the output stops
+  // there. Attribute names must not start with "/", a quote, a colon or white space, end with
+  // white space, or hold "=", "<" or ">" (an empty name is fine); element names must start with
+  // a name character, again behind their first colon, and hold no white space, "/", ">", and no
+  // "<" before that colon.
   /// Writes this node (and its subtree) as XML to AStream in ACodePage.
   virtual void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel);
   virtual void SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted);
-  /// Parses XML from AStream into this node (arrives with the document loader).
+  /// Parses XML from AStream into this node; failures reach this node's parse events.
   virtual void LoadFromStream(TStream& AStream, Word ACodePage);
+
+  // ---- events of loads into this node (LoadFromStream, SetInnerXML) ----
+  const TVnDOMParseError& GetOnParseWarning() const noexcept;
+  const TVnDOMParseError& GetOnParseError() const noexcept;
+  /// Without a handler that sets AHandled, a fatal error ends the load in EVnDomSyntax.
+  const TVnDOMParseError& GetOnParseFatalError() const noexcept;
+  void SetOnParseWarning(TVnDOMParseError AEvent);
+  void SetOnParseError(TVnDOMParseError AEvent);
+  void SetOnParseFatalError(TVnDOMParseError AEvent);
+  /// Call the event when one is set; the loader binds its handlers to these.
+  void DoDOMParseWarning(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled);
+  void DoDOMParseError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled);
+  void DoDOMParseFatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled);
 
   // ---- the tree ----
   /// Takes ownership of the detached ANode and puts it among the children; returns ANode.
@@ -151,6 +178,7 @@ class TVnDOMNode : public TVnDOMObject {
   /// The children array of another node, for the typed bookkeeping of subclasses.
   static detail::PtrVector<TVnDOMNode>& ChildrenOf(TVnDOMNode* ANode) noexcept { return ANode->FChildren; }
   detail::NodeExtras& Extras();
+  detail::ParseEvents& Events();
   detail::NodeExtras* ExtrasIfAny() const noexcept { return FHasExtras ? LookupExtras() : nullptr; }
   /// The name table of ADocument (made on first use), nil without a document.
   static detail::NameTable* NameTableOf(TVnDOMDocument* ADocument);

@@ -1,6 +1,7 @@
 // dom_parser.h: TVnDOMParser, the road from XML text to a tree of DOM nodes (unit uVnXMLDOM).
 // It hears the reader's events and appends a node for each, keeping text in its escaped form.
-// A parser lives for one load; the node it fills frees it.
+// A parser lives for one load; the node it fills frees it. This class itself builds straight
+// from the reader's scan; a parser of a derived class hears every event through its handlers.
 #pragma once
 
 #include <functional>
@@ -16,9 +17,6 @@ namespace detail {
 class TreeBuilder;
 }
 
-/// A failure event of a load; setting AHandled keeps the reader's own exception.
-using TVnDOMParseError = std::function<void(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled)>;
-
 class TVnDOMParser : public TVnObject,
                      public IVnSAXErrorHandler,
                      public IVnSAXContentHandler,
@@ -30,8 +28,11 @@ class TVnDOMParser : public TVnObject,
   explicit TVnDOMParser(TVnDOMNode* ANode);
   ~TVnDOMParser() override;
 
-  /// Reads AStream from its position (white space before the first "<" skipped) into the node.
+  /// Reads AStream from its position (white space before the first "<" skipped) into the node;
+  /// code page 0 leaves the choice to the text's declaration. Memory streams are read in place.
   void Parse(TStream& AStream, Word ACodePage);
+  /// The same over ASize bytes at AText, which stay the caller's and are scanned in place.
+  void Parse(const void* AText, Int64 ASize, Word ACodePage);
 
   TVnDOMParseError OnParseWarning;
   TVnDOMParseError OnParseError;

@@ -4,6 +4,15 @@
 // alternatives "|" and filters "[...]" (xpath_terms.h). Indexes in filters count from 0; names
 // match by their prefix text, through the node's collation (case-insensitive by default).
 // A list made for a caller belongs to the caller; it never owns the nodes it lists.
+//
+// Work stays bounded by the tree and the path: a node that a step reaches again with the same
+// rest of the path adds nothing new, so it is not run again, and a path inside a filter that
+// starts at the document ("//x", "/r/x") is run once per selection, not once per candidate; a
+// filter therefore sees the tree as it stood when that path first ran. soCreate adds no element
+// while a "//" search is under way, since the search would go on into what it added: a step
+// that would create there raises the "//" message of soCreate instead, and the tree is left as
+// it was. Outside a search, and behind one that has finished (a search inside a filter),
+// soCreate creates as usual.
 #pragma once
 
 #include <memory>

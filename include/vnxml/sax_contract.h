@@ -20,6 +20,11 @@ class TStream;
 VN_EXCEPTION(EVnXMLException, EVnException)
 /// Every failure of a parse; GetCode() tells which (cVnXMLErr... below).
 VN_EXCEPTION(EVnXMLParseError, EVnXMLException)
+/// For handlers and other readers that do not know or do not support a feature or property;
+/// the library's own readers never raise these.
+VN_EXCEPTION(EVnSAXException, EVnException)
+VN_EXCEPTION(EVnSAXNotRecognizedException, EVnSAXException)
+VN_EXCEPTION(EVnSAXNotSupportedException, EVnSAXException)
 
 inline constexpr Integer cVnXMLErrNotWellFormed = 2;
 inline constexpr Integer cVnXMLErrInvalidNameStartChar = 3;
@@ -54,6 +59,8 @@ inline constexpr std::u16string_view _cVnXMLNoContentHandler = u"No contenthandl
 inline constexpr std::u16string_view _cVnXMLNoErrorHandler = u"No errorhandler has been assigned!";
 inline constexpr std::u16string_view _cVnXMLInvalidTextAtRoot =
     u"The document is not wellformed!\r\nAn invalid token was detected at the root level of the document.";
+/// An assertion: InternalParse runs only inside an entry point, which makes the scanner.
+inline constexpr char16_t cVnXMLNoParser[] = u"TVnSAXXMLReader.InternalParse: no parser";
 /// Declared with the others; no path of the XML reader raises it.
 inline constexpr std::u16string_view _cVnXMLEncodingNotSupported = u"The specified encoding is not supported!";
 

@@ -20,12 +20,6 @@ class TVnSAXXMLReader;
 namespace detail {
 template <class Enc, class Sink>
 class XmlReadLoop;
-/// A reading loop run in place of the handler calls: the library's DOM loader builds its nodes
-/// straight from the reader's scan. The reader's framing (scanner, failure report) stays.
-struct ReadLoopOverride {
-  void (*Run)(TVnSAXXMLReader& AReader, void* AContext) = nullptr;
-  void* Context = nullptr;
-};
 }
 
 /// One namespace declaration in force.
@@ -160,14 +154,15 @@ class TVnSAXXMLReader : public TVnSAXReader {
   TVnSAXNamespaceList& GetNamespaceList() { return FNamespaceList; }
   /// The scanner of the running parse by its precise type, nullptr outside one.
   TVnXMLParser* GetXMLParser() const { return static_cast<TVnXMLParser*>(FParser.get()); }
-  /// For the library's own loaders: parses run AOverride instead of calling the handlers,
-  /// which must still be set (the error handler hears of failures as always).
-  void SetLoopOverride(const detail::ReadLoopOverride& AOverride) { FLoopOverride = AOverride; }
 
  protected:
   std::unique_ptr<TVnTextParser> CreateParser(TStream* AStream, bool AOwnsStream, bool ADetectBOM,
                                               Word ACodePage) override;
   void InternalParse() override;
+  /// Reads the text with the handlers hearing every event. The library's DOM loader reads
+  /// through a subclass that builds its nodes straight from the scan; the checks before the
+  /// parse and the failure report around it stay the reader's.
+  virtual void ReadContent();
 
  private:
   template <class Enc, class Sink>
@@ -177,7 +172,6 @@ class TVnSAXXMLReader : public TVnSAXReader {
   TVnSAXNamespaceList FNamespaceList;
   // One attribute set serves every tag that has attributes: cleared, never freed, per tag.
   std::unique_ptr<TVnSAXXMAttributes> FTagAttributes;
-  detail::ReadLoopOverride FLoopOverride;
 };
 
 }  // namespace vn

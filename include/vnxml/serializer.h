@@ -1,4 +1,6 @@
 // serializer.h: the frame of the object serializer (unit uVnSerializer).
+// Built-in serializers and helpers register themselves on the first use of the lookups, the
+// one-call functions or the registration functions; a host calls no initialiser.
 // Serializer classes are registered per type and format in TVnTypes; the lookups find the class
 // for a type (its own, its nearest ancestor class's, or the format's default), create it through
 // its virtual constructor and run it. A serializer keeps name/value parameters, and objects
@@ -13,12 +15,17 @@
 #include "vnxml/common/string_list.h"
 #include "vnxml/common/vn_object.h"
 #include "vnxml/common/vn_types.h"
+#include "vnxml/serializer_enums.h"
 #include "vnxml/serializer_formats.h"
+#include "vnxml/serializer_helpers.h"
+#include "vnxml/serializer_hints.h"
+#include "vnxml/serializer_serializable.h"
 
 namespace vn {
 
 class TStream;
 class TObjectList;
+class TComponent;
 
 inline constexpr char16_t cVnNoSerializerForValue[] = u"There is no registered serializer for \"%s\"!";
 inline constexpr char16_t cVnNoSerializerForType[] = u"There is no \"%s\" registered serializer for %s!";
@@ -117,6 +124,9 @@ class TVnCustomSerializer : public TVnObject, public IVnCustomSerializer {
   virtual void Create(void* AInstance, const TTypeInfo* AType);
   /// The notation this class writes or reads.
   virtual TVnDataSerializationFormatType Format() const = 0;
+  /// A deserializer records the objects it creates in AList (nil: a list of its own); a
+  /// serializer has none and ignores it.
+  virtual void SetCreatedObjects(TObjectList* AList) { (void)AList; }
 
   const TVnTypeInfo* GetInstanceTypeInfo() const noexcept { return FInstanceTypeInfo; }
   const TValue& GetValue() const noexcept { return FValue; }
@@ -159,6 +169,13 @@ void VnSerialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, T
 void VnSerialize(TVnDataSerializationFormatType AFormat, void* AInstance, const TTypeInfo* AType, TStream& AStream);
 void VnSerializeEx(TVnDataSerializationFormatType AFormat, void* AInstance, const TVnTypeInfo* AType,
                    TStream& AStream);
+/// Reads AData into AValue's object and gives the deserializer's object back (a new one when
+/// AValue held nil); ACreatedObjects, when given, records every object created. A value of
+/// another kind is read into the deserializer's copy, which dies with it: the result is nil.
+void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, const TVnSerializedData& AData,
+                    TObjectList* ACreatedObjects = nullptr);
+void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, TStream& AStream,
+                    TObjectList* ACreatedObjects = nullptr);
 /// Reads AData into the instance and gives the deserializer's instance back.
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, void* AInstance, const TTypeInfo* AType,
                     const TVnSerializedData& AData);
@@ -167,6 +184,14 @@ void* VnDeserializeEx(TVnDataSerializationFormatType AFormat, void* AInstance, c
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, void* AInstance, const TTypeInfo* AType, TStream& AStream);
 void* VnDeserializeEx(TVnDataSerializationFormatType AFormat, void* AInstance, const TVnTypeInfo* AType,
                       TStream& AStream);
+
+/// A new object of the class the text names (the caller's).
+std::unique_ptr<TObject> VnCreateFrom(TVnDataSerializationFormatType AFormat, const TVnSerializedData& AData);
+/// The same with AOwner as owner of every component created, so the new object is AOwner's when
+/// it is a component; AParent becomes the parent of each control created.
+TObject* VnCreateFrom(TVnDataSerializationFormatType AFormat, TComponent* AOwner, const TVnSerializedData& AData);
+TObject* VnCreateFrom(TVnDataSerializationFormatType AFormat, TComponent* AOwner, TComponent* AParent,
+                      const TVnSerializedData& AData);
 
 // ---- registration ----
 /// The pair for AClass in AFormat; a TPersistent descendant is also registered with RegisterClass.

@@ -19,8 +19,10 @@ inline constexpr char16_t cVnXMLToValueFailed[] = u"Failed to convert the value 
 inline constexpr char16_t cVnXMLToValueUnsupported[] =
     u"Failed to convert \"%s\" into a TValue!\r\nThe type %s is not supported.";
 
-/// The XML text of AValue: strings escaped (both quote kinds), an enumeration's value name (a
+/// The XML text of AValue: strings escaped (both quote kinds), booleans "true" or "false" as
+/// XML Schema writes them, an enumeration's value name (a
 /// number outside its range as it stands), a Variant by VnVariantToXML, dates in their XML forms,
+/// floats in the fewest digits (15 or more) that read back as the same value of their width,
 /// classes, arrays and records serialized as XML, anything else its generic text.
 UnicodeString VnValToXML(const TValue& AValue);
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "vnxml/common/exception.h"
+#include "vnxml/dom_messages.h"
 #include "vnxml/dom_names.h"
 
 namespace vn {
@@ -17,7 +18,7 @@ struct CollatorCloser {
 UCollator* OpenRoot(UColAttributeValue AStrength) {
   UErrorCode status = U_ZERO_ERROR;
   UCollator* c = ucol_open("", &status);
-  if (U_FAILURE(status)) throw Exception(u"The collator of the invariant locale is not available.");
+  if (U_FAILURE(status)) throw Exception(cVnDomNoCollator);
   ucol_setStrength(c, AStrength);
   return c;
 }

@@ -2,6 +2,7 @@
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_path.h"
 
+#include "dom/ns_scope.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_messages.h"
@@ -11,7 +12,8 @@ namespace vn {
 TVnDOMDocument::TVnDOMDocument()
     : FCollation(DefaultXPathCollation),
       FSelectMatchOption(DefaultSelectMatchOption),
-      FSelectCheckOption(DefaultSelectCheckOption) {
+      FSelectCheckOption(DefaultSelectCheckOption),
+      FNamespaceEpoch(detail::NextNamespaceEpoch()) {
   FNodeType = ntDocument;
   FName.Set(u"#document");
   FDOMDocument = this;
@@ -53,11 +55,13 @@ TVnDOMComment* TVnDOMDocument::AddComment(std::u16string_view AText) {
   return c.release();
 }
 
-TVnDOMNode* TVnDOMDocument::AppendChild(TVnDOMNode* ANode) {
-  TVnDOMNode::AppendChild(ANode);
+TVnDOMNode* TVnDOMDocument::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  TVnDOMNode::AddChild(ANode, ARefNode, APosition);
   if (!FRootNode && ANode && ANode->GetNodeType() == ntElement) FRootNode = static_cast<TVnDOMElement*>(ANode);
   return ANode;
 }
+
+TVnDOMNode* TVnDOMDocument::AppendChild(TVnDOMNode* ANode) { return AddChild(ANode, nullptr, rdpLast); }
 
 void TVnDOMDocument::RemoveChild(TVnDOMNode* ANode) {
   // The root pointer must not outlive the root.

@@ -1,13 +1,15 @@
 // TVnDOMParser: reader events become nodes; also the node-level entry points that parse text.
 #include "vnxml/dom_parser.h"
 
+#include <algorithm>
 #include <typeinfo>
 
+#include "dom/load_source.h"
 #include "dom/tree_builder.h"
 #include "xml/xml_read_loop.h"
 
+#include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
-#include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/sax_reader.h"
 #include "vnxml/xml_escape.h"
@@ -15,21 +17,6 @@
 namespace vn {
 
 namespace {
-
-// Leaves AStream on the first character above a blank (one or two bytes a unit) and returns
-// it, or 0 at the end of the stream.
-char16_t SkipToSignificant(TStream& AStream, Word ACodePage) {
-  const Int64 unit = ACodePage == cVnCodePageUTF16LE ? 2 : 1;
-  unsigned char buf[2] = {0, 0};
-  while (AStream.Read(buf, unit) == unit) {
-    char16_t c = unit == 2 ? static_cast<char16_t>(buf[0] | (buf[1] << 8)) : buf[0];
-    if (c > 32) {
-      AStream.Seek(-unit, soCurrent);
-      return c;
-    }
-  }
-  return 0;
-}
 
 // The loader's own sink for the reading loop: events become nodes at once, with no handler
 // calls, attribute records or namespace bookkeeping between the scan and the tree.
@@ -72,14 +59,21 @@ class BuildSink {
   bool InCDATA = false;
 };
 
-void RunBuildLoop(TVnSAXXMLReader& AReader, void* ABuilder) {
-  BuildSink sink(*static_cast<detail::TreeBuilder*>(ABuilder));
-  switch (AReader.GetXMLParser()->GetCharacterSetType()) {
-    case csUTF16: detail::XmlReadLoop<detail::read_loop::Utf16Units, BuildSink>(AReader, sink).Run(); break;
-    case csUTF8: detail::XmlReadLoop<detail::read_loop::Utf8Units, BuildSink>(AReader, sink).Run(); break;
-    default: detail::XmlReadLoop<detail::read_loop::AnsiUnits, BuildSink>(AReader, sink).Run(); break;
+// The reader of a load by this library's parser: it builds from the scan, with no handler
+// calls, attribute records or namespace bookkeeping between the scan and the tree.
+class BuildingReader final : public TVnSAXXMLReader {
+ public:
+  explicit BuildingReader(detail::TreeBuilder& ABuilder) : FBuilder(ABuilder) {}
+
+ protected:
+  void ReadContent() override {
+    BuildSink sink(FBuilder);
+    detail::RunXmlReadLoop(*this, sink);
   }
-}
+
+ private:
+  detail::TreeBuilder& FBuilder;
+};
 
 }  // namespace
 
@@ -91,17 +85,26 @@ TVnDOMParser::TVnDOMParser(TVnDOMNode* ANode) : FTarget(ANode) {
 TVnDOMParser::~TVnDOMParser() = default;
 
 void TVnDOMParser::Parse(TStream& AStream, Word ACodePage) {
-  SkipToSignificant(AStream, ACodePage);
+  detail::LoadSource source(AStream);
+  Parse(source.Data(), static_cast<Int64>(source.Size()), ACodePage);
+}
+
+void TVnDOMParser::Parse(const void* AText, Int64 ASize, Word ACodePage) {
+  detail::LoadSource source(AText, static_cast<size_t>(std::max<Int64>(ASize, 0)));
+  source.SkipBlanks(ACodePage);
+  FBuilder = std::make_unique<detail::TreeBuilder>(FTarget);
+  // This class builds straight from the scan; a subclass hears every event as a handler.
+  std::unique_ptr<TVnSAXXMLReader> owned;
+  if (typeid(*this) == typeid(TVnDOMParser))
+    owned = std::make_unique<BuildingReader>(*FBuilder);
+  else
+    owned = std::make_unique<TVnSAXXMLReader>();
+  TVnSAXXMLReader& reader = *owned;
   // Only the XML reader exists; text that does not start with "<" fails there with its message.
-  TVnSAXXMLReader reader;
-  reader.SetAutoDestroy(false);
   reader.SetCheckSingleRootElm(FTarget->GetNodeType() == ntDocument);
   reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(this));
   reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(this));
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(this));
-  FBuilder = std::make_unique<detail::TreeBuilder>(FTarget);
-  // This class builds straight from the scan; a subclass hears every event as a handler.
-  if (typeid(*this) == typeid(TVnDOMParser)) reader.SetLoopOverride({&RunBuildLoop, FBuilder.get()});
   struct Detach {
     TVnDOMParser& Parser;
     TVnSAXXMLReader& Reader;
@@ -113,7 +116,7 @@ void TVnDOMParser::Parse(TStream& AStream, Word ACodePage) {
       Reader.SetErrorHandler(nullptr);
     }
   } detach{*this, reader};
-  reader.ParseStream(&AStream, ACodePage, u"");
+  reader.ParseBuffer(source.Data(), static_cast<Int64>(source.Size()), ACodePage);
   FBuilder->Finish();
 }
 
@@ -174,22 +177,33 @@ void TVnDOMParser::Comment(std::u16string_view AComment) { Builder().AddComment(
 
 // ---- node entry points ----
 
+void detail::LoadInto(TVnDOMNode& ATarget, LoadSource& ASource, Word ACodePage) {
+  // Each node hears the failures of loads into it through its own events.
+  TVnDOMParser parser(&ATarget);
+  TVnDOMNode* target = &ATarget;
+  parser.OnParseWarning = [target](IVnSAXLocator* L, std::u16string_view M, bool& H) {
+    target->DoDOMParseWarning(L, M, H);
+  };
+  parser.OnParseError = [target](IVnSAXLocator* L, std::u16string_view M, bool& H) {
+    target->DoDOMParseError(L, M, H);
+  };
+  parser.OnParseFatalError = [target](IVnSAXLocator* L, std::u16string_view M, bool& H) {
+    target->DoDOMParseFatalError(L, M, H);
+  };
+  parser.Parse(ASource.Data(), static_cast<Int64>(ASource.Size()), ACodePage);
+}
+
 void TVnDOMNode::LoadFromStream(TStream& AStream, Word ACodePage) {
-  TVnDOMParser parser(this);
-  if (TVnDOMDocument* doc = Document()) {
-    parser.OnParseWarning = doc->OnParseWarning;
-    parser.OnParseError = doc->OnParseError;
-    parser.OnParseFatalError = doc->OnParseFatalError;
-  }
-  parser.Parse(AStream, ACodePage);
+  detail::LoadSource source(AStream);
+  detail::LoadInto(*this, source, ACodePage);
 }
 
 void TVnDOMElement::SetInnerXML(std::u16string_view AXML) {
   while (!FElems.empty()) RemoveChild(FElems.back());
   if (AXML.empty()) return;
-  TVnStringStream stream(AXML);
-  stream.SetPosition(0);
-  LoadFromStream(stream, cVnCodePageUTF16LE);
+  // The caller's text is scanned where it stands.
+  detail::LoadSource source(AXML.data(), AXML.size() * sizeof(char16_t));
+  detail::LoadInto(*this, source, cVnCodePageUTF16LE);
 }
 
 }  // namespace vn

@@ -3,6 +3,7 @@
 
 #include "dom/node_extras.h"
 #include "dom/ns_scope.h"
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_messages.h"
@@ -105,10 +106,8 @@ TVnDOMAttrList* TVnDOMElement::GetNamespaces() {
   // The list object holds a snapshot; the scope itself is shared with relatives.
   std::vector<TVnDOMAttribute*> all;
   detail::Flatten(FScope, all);
-  TVnDOMAttrList* list = x.Namespaces.get();
-  list->Clear();
-  for (TVnDOMAttribute* a : all) list->Add(a);
-  return list;
+  x.Namespaces->SetSnapshot(all);
+  return x.Namespaces.get();
 }
 
 TVnDOMCDATA* TVnDOMElement::GetCDATA(Integer AIndex) {
@@ -255,7 +254,7 @@ TVnDOMNode* TVnDOMElement::NodeByName(TVnDOMNodeListBase* AList, std::u16string_
   if (!ACreate || !ANodeClass) throw EVnDomNotFound(cVnDomNoChildLocalNS, {ALocalName, ANamespaceURI});
   std::unique_ptr<TObject> obj(CreateInstance(ANodeClass));
   auto* node = CastObject<TVnDOMNode>(obj.get());
-  if (!node) throw EInvalidCast(u"Invalid class typecast");
+  if (!node) throw EInvalidCast(cRtlInvalidCast);
   node->SetQualifiedName(ALocalName);
   AddChild(node, nullptr, rdpLast);
   obj.release();

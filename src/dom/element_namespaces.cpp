@@ -33,11 +33,11 @@ UnicodeString DeclarationName(std::u16string_view APrefix) {
 }  // namespace
 
 TVnDOMAttribute* TVnDOMElement::FindScopeDeclaration(std::u16string_view AQName) const {
-  return detail::FindByName(FScope, AQName, GetCollation());
+  return detail::FindByName(FScope, AQName, GetCollation(), detail::NamespaceEpoch(FDOMDocument));
 }
 
 TVnDOMAttribute* TVnDOMElement::FindScopeNamespace(std::u16string_view AURI) const {
-  return detail::FindByURI(FScope, AURI, GetCollation());
+  return detail::FindByURI(FScope, AURI, GetCollation(), detail::NamespaceEpoch(FDOMDocument));
 }
 
 TVnDOMAttribute* TVnDOMElement::FindNamespace(std::u16string_view AURI) const {
@@ -162,7 +162,7 @@ void TVnDOMElement::RefreshNamespacesSelf() {
           }
       }
       if (!dup) {
-        dup = detail::FindByName(base, a->QualifiedNameView(), coll);
+        dup = detail::FindByName(base, a->QualifiedNameView(), coll, detail::NamespaceEpoch(FDOMDocument));
         if (dup && std::find(hidden.begin(), hidden.end(), dup) == hidden.end())
           hidden.push_back(dup);
         else

@@ -95,10 +95,13 @@ TValue TVnDOMElement::GetAsValue() const {
   if (!FChars.empty()) {
     const UnicodeString text = GetNodeValue();
     if (!type) return TValue::From(text);
-    // The conversion decodes strings itself: hand it the text in XML form again.
-    if (type->GetMainTypeKind() == mtkString) return VnXMLToValue(VnStrToXML(text, false, false), type->Handle());
+    // The conversion decodes strings and Variants itself: hand it the text in XML form again.
+    if (type->GetMainTypeKind() == mtkString || type->Kind() == vtkVariant)
+      return VnXMLToValue(VnStrToXML(text, false, false), type->Handle());
     return VnXMLToValue(text, type->Handle());
   }
+  // An empty string keeps its type, as the Variant reader keeps it.
+  if (type && type->GetMainTypeKind() == mtkString) return VnXMLToValue(u"", type->Handle());
   if (type && (type->Kind() == vtkEnumeration || type->Kind() == vtkSet)) {
     // An empty enumeration element may carry its ordinal in a value attribute.
     if (TVnDOMNode* value = detail::FindInItems(FAttrs, *this, u"value", {soLocalName, soCaseInsensitive}))

@@ -1,6 +1,7 @@
 // The Impl halves: each interface operation turns interface arguments into objects, calls the
 // object's operation of the same name, and turns an object result into its interface. No logic
 // lives here beyond that.
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/value.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/common/vn_streams.h"
@@ -19,7 +20,7 @@ TVnDOMNode* Obj(const IPtr<I>& AIntf) {
 template <class T, class I>
 T* ObjAs(const IPtr<I>& AIntf) {
   TVnDOMNode* n = Obj(AIntf);
-  if (n && !n->InheritsFrom(T::StaticClass())) throw EInvalidCast(u"Invalid class typecast");
+  if (n && !n->InheritsFrom(T::StaticClass())) throw EInvalidCast(cRtlInvalidCast);
   return static_cast<T*>(n);
 }
 template <class I>
@@ -33,7 +34,6 @@ IPtr<I> Adopt(std::unique_ptr<T> AObject) {
   AObject.release();
   return r;
 }
-[[noreturn]] void NotYet(const char16_t* AWhat) { throw EVnDomNotSupported(cVnDomNotYetSupported, {AWhat}); }
 
 // ---- nodes ----
 
@@ -49,7 +49,7 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
     return AFormat == dsfXML || AFormat == dsfJSON;
   }
   TVnSerializedData Serialize(TVnDataSerializationFormatType AFormat, TObject*) override {
-    if (AFormat != dsfXML) NotYet(u"Serialization as JSON");
+    if (AFormat != dsfXML) throw EVnDomNotSupported(cVnDomNotYetSupported, {cVnDomJSONOutput});
     TVnStringStream s(65001);
     Self()->SaveToStream(s, Word{65001}, false);
     return s.GetAString();
@@ -373,15 +373,31 @@ class TVnDOMDocumentImpl final : public DocumentImplBase {
  public:
   using DocumentImplBase::DocumentImplBase;
   VN_IMPL_QI(IVnDOMDocument, IVnDOMNode, IVnSerializable)
+  using DocumentImplBase::LoadFromStream;
+  using DocumentImplBase::SaveToStream;
   IPtr<IVnDOMElement> GetRootNode() override { return ToIntf<IVnDOMElement>(Self()->GetRootNode()); }
+  UnicodeString GetProcessingInstruction(std::u16string_view ATarget) override {
+    return Self()->GetProcessingInstruction(ATarget);
+  }
   bool GetCaseSensitive() override { return Self()->GetCaseSensitive(); }
   TVnXPathCollationClass GetCollation() override { return Self()->GetCollation(); }
   TVnDOMSelectMatchOption GetSelectMatchOption() override { return Self()->GetSelectMatchOption(); }
   TVnDOMSelectCheckOption GetSelectCheckOption() override { return Self()->GetSelectCheckOption(); }
+  bool GetUseSchemaInstance() override { return Self()->GetUseSchemaInstance(); }
+  UnicodeString GetEncoding() override { return Self()->GetEncoding(); }
+  Word GetCodePage() override { return Self()->GetCodePage(); }
+  UnicodeString GetDocumentURI() override { return Self()->GetDocumentURI(); }
+  void SetEncoding(std::u16string_view AValue) override { Self()->SetEncoding(AValue); }
+  void SetCodePage(Word AValue) override { Self()->SetCodePage(AValue); }
+  void SetProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) override {
+    Self()->SetProcessingInstruction(ATarget, AData);
+  }
   void SetCaseSensitive(bool AValue) override { Self()->SetCaseSensitive(AValue); }
   void SetCollation(TVnXPathCollationClass AValue) override { Self()->SetCollation(AValue); }
   void SetSelectMatchOption(TVnDOMSelectMatchOption AValue) override { Self()->SetSelectMatchOption(AValue); }
   void SetSelectCheckOption(TVnDOMSelectCheckOption AValue) override { Self()->SetSelectCheckOption(AValue); }
+  void SetUseSchemaInstance(bool AValue) override { Self()->SetUseSchemaInstance(AValue); }
+  void SetDocumentURI(std::u16string_view AValue) override { Self()->SetDocumentURI(AValue); }
   IPtr<IVnDOMElement> CreateRootNode(std::u16string_view AName) override {
     return ToIntf<IVnDOMElement>(Self()->CreateRootNode(AName));
   }
@@ -390,6 +406,25 @@ class TVnDOMDocumentImpl final : public DocumentImplBase {
   }
   IPtr<IVnDOMComment> AddComment(std::u16string_view AText) override {
     return ToIntf<IVnDOMComment>(Self()->AddComment(AText));
+  }
+  void LoadXML(std::u16string_view AXML) override { Self()->LoadXML(AXML); }
+  void LoadXML(TStream& AStream) override { Self()->LoadXML(AStream); }
+  void LoadXML(std::u16string_view AFileName, Word AMode) override { Self()->LoadXML(AFileName, AMode); }
+  void LoadFromXML(std::string_view AText) override { Self()->LoadFromAnsiXML(AText); }
+  void LoadFromXML(std::u16string_view AText) override { Self()->LoadFromXML(AText); }
+  void LoadFromStreamEx(TStream& AStream) override { Self()->LoadFromStreamEx(AStream); }
+  void SaveToStreamEx(TStream& AStream, bool AFormatted, bool AWriteBOM) override {
+    Self()->SaveToStreamEx(AStream, AFormatted, AWriteBOM);
+  }
+  void LoadFromFile(std::u16string_view AFileName, Word AMode) override { Self()->LoadFromFile(AFileName, AMode); }
+  void SaveToFile(std::u16string_view AFileName, bool AFormatted, bool AWriteBOM) override {
+    Self()->SaveToFile(AFileName, AFormatted, AWriteBOM);
+  }
+  IPtr<IVnDOMElementList> CreateElementList(std::u16string_view APath, TVnDOMSelectOptions AOptions) override {
+    return Adopt<IVnDOMElementList>(Self()->CreateElementList(APath, AOptions));
+  }
+  IPtr<IVnDOMElement> SelectSingleElement(std::u16string_view APath, TVnDOMSelectOptions AOptions) override {
+    return ToIntf<IVnDOMElement>(Self()->SelectSingleElement(APath, AOptions));
   }
 };
 

@@ -120,12 +120,12 @@ UnicodeString TVnDOMAttribute::GetNodeValue() const { return VnXMLToStr(FNodeVal
 
 void TVnDOMAttribute::SetNodeValue(std::u16string_view AValue) {
   FNodeValue = VnStrToXML(AValue, false, true);
-  if (IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
+  if (IsNamespace()) detail::NamespacesChanged(FDOMDocument);
 }
 
 void TVnDOMAttribute::SetStoredValue(std::u16string_view AValue) {
   FNodeValue.assign(AValue);
-  if (IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
+  if (IsNamespace()) detail::NamespacesChanged(FDOMDocument);
 }
 
 bool TVnDOMAttribute::IsNamespace() const {
@@ -184,7 +184,7 @@ void TVnDOMAttribute::SetPrefix(std::u16string_view AValue) {
   bool wasNamespace = IsNamespace();
   TVnDOMNode::SetPrefix(AValue);
   // lookups of declarations by name remember their answers until a declaration's name changes
-  if (wasNamespace || IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
+  if (wasNamespace || IsNamespace()) detail::NamespacesChanged(FDOMDocument);
   RefreshNamespacesSelf();
 }
 
@@ -217,7 +217,7 @@ void TVnDOMAttribute::RefreshNamespacesSelf() {
 void TVnDOMAttribute::SetQualifiedName(std::u16string_view AName) {
   bool wasNamespace = IsNamespace();
   TVnDOMNode::SetQualifiedName(AName);
-  if (wasNamespace || IsNamespace()) detail::gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
+  if (wasNamespace || IsNamespace()) detail::NamespacesChanged(FDOMDocument);
   if (FDestroying) return;
   if (FDOMDocument && FDOMDocument->GetLoadState() == lsLoading) return;
   if (TVnDOMElement* owner = OwnerElement())

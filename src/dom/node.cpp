@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dom/node_extras.h"
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_messages.h"
@@ -205,6 +206,50 @@ void TVnDOMNode::RefreshNamespaces() {
 
 void TVnDOMNode::NormalizeTextNodes() {}
 
+// ---- events of loads ----
+
+namespace {
+const TVnDOMParseError kNoEvent;
+}
+
+const TVnDOMParseError& TVnDOMNode::GetOnParseWarning() const noexcept {
+  detail::NodeExtras* x = ExtrasIfAny();
+  return x && x->Events ? x->Events->Warning : kNoEvent;
+}
+
+const TVnDOMParseError& TVnDOMNode::GetOnParseError() const noexcept {
+  detail::NodeExtras* x = ExtrasIfAny();
+  return x && x->Events ? x->Events->Error : kNoEvent;
+}
+
+const TVnDOMParseError& TVnDOMNode::GetOnParseFatalError() const noexcept {
+  detail::NodeExtras* x = ExtrasIfAny();
+  return x && x->Events ? x->Events->FatalError : kNoEvent;
+}
+
+detail::ParseEvents& TVnDOMNode::Events() {
+  auto& x = Extras();
+  if (!x.Events) x.Events = std::make_unique<detail::ParseEvents>();
+  return *x.Events;
+}
+
+void TVnDOMNode::SetOnParseWarning(TVnDOMParseError AEvent) { Events().Warning = std::move(AEvent); }
+void TVnDOMNode::SetOnParseError(TVnDOMParseError AEvent) { Events().Error = std::move(AEvent); }
+void TVnDOMNode::SetOnParseFatalError(TVnDOMParseError AEvent) { Events().FatalError = std::move(AEvent); }
+
+void TVnDOMNode::DoDOMParseWarning(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+  // A copy: the handler may replace the event, or load again into this node.
+  if (TVnDOMParseError event = GetOnParseWarning()) event(ALocator, AErrMsg, AHandled);
+}
+
+void TVnDOMNode::DoDOMParseError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+  if (TVnDOMParseError event = GetOnParseError()) event(ALocator, AErrMsg, AHandled);
+}
+
+void TVnDOMNode::DoDOMParseFatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+  if (TVnDOMParseError event = GetOnParseFatalError()) event(ALocator, AErrMsg, AHandled);
+}
+
 // LoadFromStream lives with the parser (dom_parser.cpp).
 
 // ---- the tree ----
@@ -217,6 +262,7 @@ TVnDOMNode* TVnDOMNode::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOM
   if (!ANode) return nullptr;
   if (ANode->FParent) throw EVnDomHierarchyRequest(cVnDomHasParent);
   if (ANode == this) throw EVnDomHierarchyRequest(cVnDomAddToItself);
+  if (ANode->FNodeType == ntDocument) throw EVnDomHierarchyRequest(cVnDomDocumentAsChild);
   if (ANode->HasChilds())
     for (TVnDOMObject* p = FParent; p; p = p->GetParent())
       if (p == ANode) throw EVnDomHierarchyRequest(cVnDomAddToItself);
@@ -228,7 +274,7 @@ TVnDOMNode* TVnDOMNode::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOM
 TVnDOMNode* TVnDOMNode::AddChild(TClass AClass, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
   std::unique_ptr<TObject> obj(CreateInstance(AClass));
   auto* node = CastObject<TVnDOMNode>(obj.get());
-  if (!node) throw EInvalidCast(u"Invalid class typecast");
+  if (!node) throw EInvalidCast(cRtlInvalidCast);
   AddChild(node, ARefNode, APosition);
   obj.release();
   return node;

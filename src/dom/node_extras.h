@@ -1,4 +1,5 @@
-// What a node needs only now and then: list objects made on request and a pending namespace URI.
+// What a node needs only now and then: list objects made on request, a pending namespace URI
+// and the events of loads.
 #pragma once
 
 #include <memory>
@@ -7,6 +8,13 @@
 #include "vnxml/dom_lists.h"
 
 namespace vn::detail {
+
+/// The failure events of loads into a node; few nodes have any.
+struct ParseEvents {
+  TVnDOMParseError Warning;
+  TVnDOMParseError Error;
+  TVnDOMParseError FatalError;
+};
 
 struct NodeExtras {
   std::unique_ptr<TVnDOMNodeList> ChildNodes;
@@ -18,6 +26,7 @@ struct NodeExtras {
   UnicodeString NamespaceURI;
   /// On a document: the names of its nodes.
   std::unique_ptr<NameTable> Names;
+  std::unique_ptr<ParseEvents> Events;
 };
 
 /// A static name record over a string literal.

@@ -1,4 +1,4 @@
-// The node lists: positions, neighbours and lookups by name (the last match wins).
+// The node lists: positions, neighbours, edits and lookups by name (the last match wins).
 #include "dom/node_extras.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
@@ -63,8 +63,12 @@ TVnDOMNodeListBase::TVnDOMNodeListBase() : FItems(&FOwnItems) {}
 
 TVnDOMNodeListBase::TVnDOMNodeListBase(TVnDOMNode* AOwner, detail::PtrVector<TVnDOMNode>* AItems)
     : FItems(AItems ? AItems : &FOwnItems) {
+  // No FDOMDocument here: the owner may change documents, or outlive its own.
   FParent = AOwner;
-  if (AOwner) FDOMDocument = AOwner->GetDOMDocument();
+}
+
+TVnDOMDocument* TVnDOMNodeListBase::GetOwnerDocument() const noexcept {
+  return FParent ? FParent->GetDOMDocument() : nullptr;
 }
 
 TVnDOMNodeListBase::~TVnDOMNodeListBase() { EnsureBeforeDestruction(); }
@@ -87,18 +91,79 @@ TVnDOMNode* TVnDOMNodeListBase::GetItem(Integer AIndex) const {
   return (*FItems)[static_cast<uint32_t>(AIndex)];
 }
 
-void TVnDOMNodeListBase::Clear() { FItems->clear(); }
+// ---- edits: on a node's own list they are edits of the tree ----
+
+bool TVnDOMNodeListBase::HoldsKind(const TVnDOMNode&) const { return true; }
+
+void TVnDOMNodeListBase::CheckWritable() const {
+  if (FParent && !IsChildView()) throw EVnDomNotSupported(cVnDomListReadOnly);
+}
+
+void TVnDOMNodeListBase::CheckAdd(const TVnDOMNode* ANode) const {
+  CheckWritable();
+  if (!ANode) return;
+  bool fits = HoldsKind(*ANode);
+  // A typed view of an element shows one kind of child; what AddChild would put into another
+  // view (or into none) would vanish from this one.
+  if (fits && IsChildView() && FItems != &GetOwner()->ChildrenView()) {
+    const auto* e = static_cast<const TVnDOMElement*>(GetOwner());
+    switch (ANode->GetNodeType()) {
+      case ntAttribute: fits = FItems == &e->AttributesView(); break;
+      case ntElement: fits = FItems == &e->ElementsView(); break;
+      case ntText:
+      case ntCDATA:
+      case ntComment: fits = FItems == &e->CharNodesView(); break;
+      default: fits = false; break;
+    }
+  }
+  if (!fits) throw EVnDomHierarchyRequest(cVnDomListWrongKind, {VnDOMNodeTypes[ANode->GetNodeType()]});
+}
+
+void TVnDOMNodeListBase::Clear() {
+  CheckWritable();
+  if (!IsChildView()) {
+    FItems->clear();
+    return;
+  }
+  TVnDOMNode* owner = GetOwner();
+  if (FItems == &owner->ChildrenView()) {
+    owner->Clear();
+    return;
+  }
+  while (!FItems->empty()) {
+    TVnDOMNode* c = FItems->back();
+    owner->RemoveChild(c);
+    // a child that RemoveChild could not take out would loop forever
+    if (!FItems->empty() && FItems->back() == c) FItems->pop_back();
+  }
+}
 
 TVnDOMNode* TVnDOMNodeListBase::Add(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  CheckAdd(ANode);
+  if (!ANode) return nullptr;
+  if (IsChildView()) return GetOwner()->AddChild(ANode, ARefNode, APosition);
   detail::InsertByPosition(*FItems, ANode, ARefNode, APosition);
   return ANode;
 }
 
 TVnDOMNode* TVnDOMNodeListBase::Delete(TVnDOMNode* ANode) {
+  CheckWritable();
   int64_t i = FItems->IndexOf(ANode);
   if (i < 0) return nullptr;
+  if (IsChildView()) {
+    // RemoveChild frees the node unless an interface holds it.
+    bool livesOn = ANode->GetDOMImpl() != nullptr;
+    GetOwner()->RemoveChild(ANode);
+    return livesOn ? ANode : nullptr;
+  }
   FItems->erase(static_cast<uint32_t>(i));
   return ANode;
+}
+
+void TVnDOMNodeListBase::SetSnapshot(const std::vector<TVnDOMAttribute*>& AItems) {
+  FItems->clear();
+  FItems->reserve(static_cast<uint32_t>(AItems.size()));
+  for (TVnDOMAttribute* a : AItems) FItems->push_back(a);
 }
 
 TVnDOMNode* TVnDOMNodeListBase::First() const {
@@ -166,13 +231,11 @@ TVnDOMElement* TVnDOMElementList::Find(std::u16string_view ANamespaceURI, std::u
   return static_cast<TVnDOMElement*>(TVnDOMNodeListBase::Find(ANamespaceURI, ALocalName));
 }
 
+bool TVnDOMElementList::HoldsKind(const TVnDOMNode& ANode) const { return ANode.GetNodeType() == ntElement; }
+
 TVnDOMElement* TVnDOMElementList::GetItem(const Variant& AIndex) const {
-  TVnDOMSelectCheckOption check = DefaultSelectCheckOption;
-  if (TVnDOMNode* owner = GetOwner(); owner && owner->GetDOMDocument())
-    check = owner->GetDOMDocument()->GetSelectCheckOption();
-  else if (FDOMDocument)
-    check = FDOMDocument->GetSelectCheckOption();
-  return GetItemEx(AIndex, check);
+  TVnDOMDocument* doc = GetOwnerDocument();
+  return GetItemEx(AIndex, doc ? doc->GetSelectCheckOption() : DefaultSelectCheckOption);
 }
 
 TVnDOMElement* TVnDOMElementList::GetItemEx(const Variant& AIndex, TVnDOMSelectCheckOption ACheck) const {
@@ -199,8 +262,8 @@ TVnDOMElement* TVnDOMElementList::GetItemEx(std::u16string_view AName, TVnDOMSel
   auto* owner = CastObject<TVnDOMElement>(GetOwner());
   if (AName == u".") return owner;
   TVnDOMSelectOptions opts;
-  bool caseSensitive = FDOMDocument ? FDOMDocument->GetCaseSensitive()
-                                    : DefaultXPathCollation != TVnXPathCollationASCIICI::Class();
+  TVnDOMDocument* doc = GetOwnerDocument();
+  bool caseSensitive = doc ? doc->GetCaseSensitive() : DefaultXPathCollation != TVnXPathCollationASCIICI::Class();
   opts = opts + TVnDOMSelectOptions{caseSensitive ? soCaseSensitive : soCaseInsensitive};
   if (ACheck == coCreate) opts = opts + TVnDOMSelectOptions{soCreate};
   if (ACheck == coRaise) opts = opts + TVnDOMSelectOptions{soRaise};
@@ -208,7 +271,7 @@ TVnDOMElement* TVnDOMElementList::GetItemEx(std::u16string_view AName, TVnDOMSel
   TVnDOMElement* result = nullptr;
   if (AName.find(u'/') != std::u16string_view::npos || ACheck == coCreate) {
     // Paths and creation go through the path engine, from the owner element.
-    if (!owner) throw EVnDomNotSupported(cVnDomNotYetSupported, {u"Selection by path in a list without owner"});
+    if (!owner) throw EVnDomNotSupported(cVnDomListNeedsOwner);
     result = SelectSingleElement(owner, AName, opts - TVnDOMSelectOptions{soRaise});
   } else {
     result = Find(AName, opts - TVnDOMSelectOptions{soRaise});
@@ -218,6 +281,8 @@ TVnDOMElement* TVnDOMElementList::GetItemEx(std::u16string_view AName, TVnDOMSel
 }
 
 // ---- TVnDOMAttrList ----
+
+bool TVnDOMAttrList::HoldsKind(const TVnDOMNode& ANode) const { return ANode.GetNodeType() == ntAttribute; }
 
 TVnDOMAttribute* TVnDOMAttrList::GetAttribute(Integer AIndex) const {
   return static_cast<TVnDOMAttribute*>(GetItem(AIndex));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 
+#include "internal/huge_pages.h"
 #include "vnxml/dom_element.h"
 #include "vnxml/dom_storage.h"
 
@@ -24,6 +25,8 @@ namespace {
 // Small loads (a fragment, a short message) stay small; large ones soon get large blocks.
 constexpr size_t kFirstBlock = 4 * 1024;
 constexpr size_t kLargestBlock = 1024 * 1024;
+// What a block on a huge page holds behind its header of two words.
+constexpr size_t kHugeBlockSize = kHugePage - 2 * sizeof(void*);
 
 void Poison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABytes) noexcept {
 #ifdef VNXML_POOL_ASAN
@@ -53,7 +56,7 @@ class BlockCache {
     int c = 0;
     for (size_t s = kFirstBlock; s <= kLargestBlock; s *= 2, ++c)
       if (s == ASize) return c;
-    return -1;
+    return ASize == kHugeBlockSize ? kClasses - 1 : -1;
   }
   void* Take(size_t ASize) {
     int c = SizeClass(ASize);
@@ -79,8 +82,8 @@ class BlockCache {
 
  private:
   static constexpr size_t kCacheBytes = 32 * 1024 * 1024;
-  static constexpr int kClasses = 9;  // kFirstBlock .. kLargestBlock
-  static_assert(kFirstBlock << (kClasses - 1) == kLargestBlock);
+  static constexpr int kClasses = 10;  // kFirstBlock .. kLargestBlock, then the huge blocks
+  static_assert(kFirstBlock << (kClasses - 2) == kLargestBlock);
   std::mutex FLock;
   void* FFree[kClasses] = {};
   size_t FBytes = 0;
@@ -95,6 +98,10 @@ NodePool::~NodePool() {
     // A kept block stays marked as free space until a pool carves it again.
     Poison(b + 1, b->Size);
     if (BlockCache::Instance().Keep(b, b->Size)) continue;
+    if (b->Size == kHugeBlockSize) {
+      UnmapHugeBlock(b, kHugePage);
+      continue;
+    }
     Unpoison(b + 1, b->Size);
     std::free(b);
   }
@@ -108,8 +115,15 @@ void NodePool::Unpoison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABy
 
 void* NodePool::AllocateSlow(size_t ABytes) {
   size_t size = FBlocks ? std::min(FBlocks->Size * 2, kLargestBlock) : kFirstBlock;
+  static_assert(sizeof(Block) + kHugeBlockSize == kHugePage);
+  Block* block = nullptr;
+  // A load that has grown to the largest blocks goes on in huge pages.
+  if (size == kLargestBlock && ABytes <= kHugeBlockSize &&
+      ((block = static_cast<Block*>(BlockCache::Instance().Take(kHugeBlockSize))) ||
+       (block = static_cast<Block*>(MapHugeBlock(kHugePage)))))
+    size = kHugeBlockSize;
   size = std::max(size, ABytes);
-  auto* block = static_cast<Block*>(BlockCache::Instance().Take(size));
+  if (!block) block = static_cast<Block*>(BlockCache::Instance().Take(size));
   if (!block) block = static_cast<Block*>(std::malloc(sizeof(Block) + size));
   if (!block) throw std::bad_alloc();
   block->Size = size;

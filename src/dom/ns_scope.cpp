@@ -4,11 +4,29 @@
 #include <algorithm>
 #include <iterator>
 
+#include "vnxml/dom_document.h"
 #include "vnxml/dom_leaves.h"
 
 namespace vn::detail {
 
-std::atomic<uint64_t> gNamespaceEpoch{0};
+namespace {
+std::atomic<uint64_t> gEpochSource{0};
+// Nodes outside any document: few, and their caches are rarely asked.
+std::atomic<uint64_t> gDetachedEpoch{gEpochSource.fetch_add(1) + 1};
+}  // namespace
+
+uint64_t NextNamespaceEpoch() noexcept { return gEpochSource.fetch_add(1, std::memory_order_relaxed) + 1; }
+
+uint64_t NamespaceEpoch(const TVnDOMDocument* ADocument) noexcept {
+  return ADocument ? ADocument->FNamespaceEpoch : gDetachedEpoch.load(std::memory_order_relaxed);
+}
+
+void NamespacesChanged(TVnDOMDocument* ADocument) noexcept {
+  if (ADocument)
+    ADocument->FNamespaceEpoch = NextNamespaceEpoch();
+  else
+    gDetachedEpoch.store(NextNamespaceEpoch(), std::memory_order_relaxed);
+}
 
 namespace {
 // Below this many entries a plain scan beats building an index.
@@ -26,8 +44,7 @@ void Chain(const NsScope* AScope, std::vector<const NsScope*>& AOut) {
   for (const NsScope* s = AScope; s; s = s->Parent) AOut.push_back(s);
 }
 
-const NsScope::Index& IndexOf(const NsScope* AScope, TVnXPathCollationClass ACollation) {
-  uint64_t epoch = gNamespaceEpoch.load(std::memory_order_relaxed);
+const NsScope::Index& IndexOf(const NsScope* AScope, TVnXPathCollationClass ACollation, uint64_t epoch) {
   auto& idx = AScope->Lookup;
   if (idx && idx->Epoch == epoch && idx->Collation == ACollation) return *idx;
   auto fresh = std::make_unique<NsScope::Index>();
@@ -85,9 +102,10 @@ bool ValueIs(const TVnDOMAttribute* AAttr, std::u16string_view AURI, TVnXPathCol
 }  // namespace
 
 namespace {
-TVnDOMAttribute* SearchByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
+TVnDOMAttribute* SearchByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation,
+                              uint64_t AEpoch) {
   if (AScope->Count > kIndexThreshold) {
-    const auto& idx = IndexOf(AScope, ACollation);
+    const auto& idx = IndexOf(AScope, ACollation, AEpoch);
     auto it = idx.ByName.find(ACollation->SortKey(AQName));
     return it == idx.ByName.end() ? nullptr : it->second;
   }
@@ -101,12 +119,12 @@ TVnDOMAttribute* SearchByName(const NsScope* AScope, std::u16string_view AQName,
 }
 }  // namespace
 
-TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation) {
+TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation,
+                            uint64_t epoch) {
   if (!AScope) return nullptr;
-  uint64_t epoch = gNamespaceEpoch.load(std::memory_order_relaxed);
   for (const NsScope::NameHit& hit : AScope->NameHits)
     if (hit.Epoch == epoch && hit.Collation == ACollation && hit.Name == AQName) return hit.Found;
-  TVnDOMAttribute* found = SearchByName(AScope, AQName, ACollation);
+  TVnDOMAttribute* found = SearchByName(AScope, AQName, ACollation, epoch);
   NsScope::NameHit& slot = AScope->NameHits[AScope->NextNameHit];
   AScope->NextNameHit = static_cast<uint8_t>((AScope->NextNameHit + 1) % NsScope::kNameHits);
   slot.Epoch = epoch;
@@ -116,10 +134,11 @@ TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, T
   return found;
 }
 
-TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation) {
+TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation,
+                           uint64_t AEpoch) {
   if (!AScope) return nullptr;
   if (AScope->Count > kIndexThreshold) {
-    const auto& idx = IndexOf(AScope, ACollation);
+    const auto& idx = IndexOf(AScope, ACollation, AEpoch);
     auto it = idx.ByURI.find(ACollation->SortKey(AURI));
     return it == idx.ByURI.end() ? nullptr : it->second;
   }

@@ -18,8 +18,9 @@ class TVnDOMAttribute;
 
 namespace vn::detail {
 
-/// Bumped whenever a declaration's name or value changes, so that lookup indexes rebuild.
-extern std::atomic<uint64_t> gNamespaceEpoch;
+/// A value never handed out before: epochs of different documents never meet, so a cache
+/// made in one tree can't pass for valid in another.
+uint64_t NextNamespaceEpoch() noexcept;
 
 struct NsScope {
   int32_t Refs = 1;
@@ -54,9 +55,12 @@ NsScope* Retain(NsScope* AScope) noexcept;
 void Release(NsScope* AScope) noexcept;
 /// All entries in order: parent's first (minus hidden ones), then own.
 void Flatten(const NsScope* AScope, std::vector<TVnDOMAttribute*>& AOut);
-/// The last entry whose qualified name equals AQName under ACollation.
-TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation);
+/// The last entry whose qualified name equals AQName under ACollation; AEpoch is the tree's
+/// NamespaceEpoch, against which answers are cached.
+TVnDOMAttribute* FindByName(const NsScope* AScope, std::u16string_view AQName, TVnXPathCollationClass ACollation,
+                            uint64_t AEpoch);
 /// The first entry whose decoded value equals AURI under ACollation.
-TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation);
+TVnDOMAttribute* FindByURI(const NsScope* AScope, std::u16string_view AURI, TVnXPathCollationClass ACollation,
+                           uint64_t AEpoch);
 
 }  // namespace vn::detail

@@ -7,12 +7,14 @@
 #include <typeinfo>
 #include <vector>
 
+#include "output_names.h"
 #include "output_writer.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom_document.h"
+#include "vnxml/dom_messages.h"
 
 namespace vn {
 
@@ -34,6 +36,11 @@ struct BuiltInTypes {
 const BuiltInTypes& Types() {
   static const BuiltInTypes types;
   return types;
+}
+
+// Out of line, so that the hot writers stay small enough to inline.
+[[noreturn, gnu::noinline]] void RefuseName(const char16_t* AMessage, std::u16string_view AName) {
+  throw EVnDomInvalidCharacter(AMessage, {AName});
 }
 
 bool ParentIsPlainElement(const TVnDOMNode* ANode) {
@@ -95,8 +102,10 @@ class TreeWriter {
     }
   }
 
-  void Attribute(const TVnDOMAttribute* AAttribute) {
-    FOut.Framed(" ", AAttribute->QualifiedNameView(), "=\"");
+  [[gnu::always_inline]] void Attribute(const TVnDOMAttribute* AAttribute) {
+    const std::u16string_view name = AAttribute->QualifiedNameView();
+    if (!FNames.Attribute(name)) RefuseName(cVnDomAttributeNameNotWritable, name);
+    FOut.Framed(" ", name, "=\"");
     FOut.Framed("", AAttribute->GetStoredValue(), "\"");
   }
 
@@ -149,8 +158,10 @@ class TreeWriter {
 
   // Writes the start tag; true when the element has content, which raises the level.
   bool OpenTag(TVnDOMElement* AElement) {
+    const std::u16string_view name = AElement->QualifiedNameView();
+    if (!FNames.Element(name)) RefuseName(cVnDomElementNameNotWritable, name);
     if (FFormatted && !AElement->GetPreserveSpace()) StartLine();
-    FOut.Framed("<", AElement->QualifiedNameView(), "");
+    FOut.Framed("<", name, "");
     const auto& attributes = AElement->AttributesView();
     for (uint32_t i = 0; i < attributes.size(); ++i) {
       TVnDOMNode* a = attributes[i];
@@ -214,6 +225,7 @@ class TreeWriter {
   bool FFormatted;
   bool FFiveBytes = false;
   Integer& FLevel;
+  detail::NameCheck FNames;
 };
 
 // Runs AWrite(TreeWriter&) with the output for ACodePage and hands the bytes to the stream.

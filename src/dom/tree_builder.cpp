@@ -8,6 +8,7 @@
 #endif
 
 #include "dom/ns_scope.h"
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/sax_reader.h"
 
@@ -57,6 +58,7 @@ TreeBuilder::TreeBuilder(TVnDOMNode* ATarget)
       FDocument(ATarget->FDOMDocument),
       FNames(TVnDOMNode::NameTableOf(ATarget->FDOMDocument)),
       FPool(NodePool::Create()) {
+  if (ATarget->FNodeType == ntElement) FTargetScope = static_cast<TVnDOMElement*>(ATarget)->FScope;
   SetCurrent(ATarget);
 }
 
@@ -76,6 +78,8 @@ T* TreeBuilder::Make() {
   node->FDOMDocument = FDocument;
   return node;
 }
+
+TVnDOMAttribute* TreeBuilder::MakeAttribute() { return Make<TVnDOMAttribute>(); }
 
 void TreeBuilder::SetCurrent(TVnDOMNode* ANode) {
   FCurrent = ANode;
@@ -98,6 +102,7 @@ void TreeBuilder::BeginElement(std::u16string_view AQName) {
   FSchemaInstance = false;
   FPending = Make<TVnDOMElement>();
   FPending->FName.Set(AQName, FNames);
+  FDeclaredURIs.clear();
 }
 
 void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote) {
@@ -111,7 +116,7 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
     a->FNodeValue.AssignIn(*FPool, AValue);
-  if (a->IsNamespace()) gNamespaceEpoch.fetch_add(1, std::memory_order_relaxed);
+  if (a->IsNamespace()) FDeclaredURIs.emplace_back(AValue);
   if (!FSchemaInstance && IsSchemaInstanceURI(AValue)) FSchemaInstance = true;
 }
 
@@ -134,10 +139,11 @@ void TreeBuilder::EnterElement() {
     FWaiting.push_back(element);
   }
   FPending = nullptr;
+  const auto pushed = static_cast<uint32_t>(FPushed.size());
   Join(parent, element);
   if (FSchemaInstance && parent->GetNodeType() == ntDocument)
     static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
-  FOpen.push_back(static_cast<uint32_t>(FWaiting.size()));
+  FOpen.push_back({static_cast<uint32_t>(FWaiting.size()), pushed});
   SetCurrent(element);
 }
 
@@ -145,10 +151,7 @@ void TreeBuilder::Join(TVnDOMNode* AParent, TVnDOMElement* AElement) {
   // What SetParentNode does for a fresh element of this library's class, whose only children
   // so far are its attributes: a tree without a document works out no namespaces.
   AElement->FParent = AParent;
-  if (FDocument) {
-    AElement->RefreshNamespacesSelf();
-    for (TVnDOMNode* a : AElement->FAttrs) a->RefreshNamespacesSelf();
-  }
+  if (FDocument) ResolveNamespaces(AParent, AElement);
   AElement->InheritPreserveSpace(AParent->FNodeType == ntElement ? static_cast<TVnDOMElement*>(AParent) : nullptr);
 }
 
@@ -166,7 +169,8 @@ void TreeBuilder::EndElement() {
 
 void TreeBuilder::CloseElement() {
   auto* element = static_cast<TVnDOMElement*>(FCurrent);
-  const uint32_t first = FOpen.back();
+  const uint32_t first = FOpen.back().Waiting;
+  PopDeclarations(FOpen.back().Pushed);
   TVnDOMNode* const* kids = FWaiting.data() + first;
   const auto kidCount = static_cast<uint32_t>(FWaiting.size() - first);
   const uint32_t attributeCount = element->FAttrs.size();
@@ -246,7 +250,7 @@ void TreeBuilder::AddWhitespace(std::u16string_view AText) {
 }
 
 void TreeBuilder::AddCDATA(std::u16string_view AText) {
-  if (Current()->GetNodeType() != ntElement) throw EInvalidCast(u"Invalid class typecast");
+  if (Current()->GetNodeType() != ntElement) throw EInvalidCast(cRtlInvalidCast);
   auto* c = Make<TVnDOMCDATA>();
   c->FNodeValue.AssignIn(*FPool, AText);
   Place(c);

@@ -7,7 +7,10 @@
 // and no array is copied as it grows.
 #pragma once
 
+#include <map>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "vnxml/dom_document.h"
@@ -15,6 +18,7 @@
 namespace vn::detail {
 
 class NameTable;
+struct NsScope;
 
 class TreeBuilder {
  public:
@@ -53,6 +57,7 @@ class TreeBuilder {
  private:
   template <class T>
   T* Make();
+  TVnDOMAttribute* MakeAttribute();
   /// The node being filled; fails once a stray end tag has left none.
   TVnDOMNode* Current();
   void SetCurrent(TVnDOMNode* ANode);
@@ -69,6 +74,49 @@ class TreeBuilder {
   /// The innermost open element takes its waiting children and the one above it is filled.
   void CloseElement();
 
+  // ---- namespaces (tree_builder_namespaces.cpp) ----
+  // The declarations of the open elements stand in stacks per name, so that every lookup of
+  // the load is one hash probe, however deep the nesting and however many names are in force.
+  struct Declared {
+    TVnDOMAttribute* Attr;
+    uint64_t Seq;  // order of declaration, which is the order of the scope's entries
+    bool Empty;    // the value is the empty URI
+  };
+  struct Pushed {
+    std::vector<Declared>* ByName;       // or
+    std::vector<UnicodeString>* ByPrefix;
+  };
+  /// What joining does to namespaces: the element's scope, its own declaration and those of
+  /// its attributes, as a refresh would work them out (the reader's URI picks the declaration
+  /// the element's own attributes give it).
+  void ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement);
+  /// The declaration named AQName in force at the innermost open element (the last one wins).
+  TVnDOMAttribute* DeclarationInScope(std::u16string_view AQName);
+  /// The first declaration in force whose URI is empty, in the order of the scope.
+  TVnDOMAttribute* FirstEmptyDeclaration();
+  /// The element's "xmlns" attribute, made if missing, with the empty URI.
+  TVnDOMAttribute* EmptyDefaultDeclaration(TVnDOMElement* AElement);
+  void PushDeclaration(TVnDOMAttribute* AAttr);
+  void PopDeclarations(uint32_t AMark);
+
+  std::unordered_map<std::string, std::vector<Declared>> FByName;          // by collation key
+  std::unordered_map<std::u16string, std::vector<UnicodeString>> FByPrefix;  // the reader's view
+  std::vector<Pushed> FPushed;
+  std::map<uint64_t, TVnDOMAttribute*> FVisibleEmpty;  // by Seq: declarations of "" not redeclared
+  uint64_t FSeq = 0;
+  uint64_t FGeneration = 0;  // changes with every push and pop: the age of FHits
+  struct Hit {
+    uint64_t Generation = UINT64_MAX;
+    std::u16string Name;
+    TVnDOMAttribute* Found = nullptr;
+  };
+  Hit FHits[4];
+  uint8_t FNextHit = 0;
+  std::vector<UnicodeString> FDeclaredURIs;  // the start tag's declarations as read
+  const NsScope* FTargetScope = nullptr;     // what is in force at the target
+  bool FTargetEmptyKnown = false;
+  std::vector<TVnDOMAttribute*> FTargetEmpty;  // its declarations of the empty URI
+
   TVnDOMNode* FTarget;
   TVnDOMDocument* FDocument;
   NameTable* FNames;
@@ -79,7 +127,11 @@ class TreeBuilder {
   bool FSchemaInstance = false;       // the start tag declares the schema-instance namespace
   std::vector<TVnDOMNode*> FAttributes;
   std::vector<TVnDOMNode*> FWaiting;  // children of the open elements, innermost last
-  std::vector<uint32_t> FOpen;        // where each open element's children start in FWaiting
+  struct Open {
+    uint32_t Waiting;  // where the element's children start in FWaiting
+    uint32_t Pushed;   // where its declarations start in FPushed
+  };
+  std::vector<Open> FOpen;
 };
 
 }  // namespace vn::detail

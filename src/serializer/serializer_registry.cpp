@@ -1,4 +1,5 @@
 // The serializer lookups, creation, the one-call functions and registration.
+#include "serializer/serializer_startup.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/persistent.h"
 #include "vnxml/common/sysutils.h"
@@ -29,12 +30,24 @@ IPtr<I> CreateCounted(TClass AClass, Initialize AInitialize) {
   return result;
 }
 
+/// The serializer object behind a created serializer's interface.
+TVnCustomSerializer* CustomSerializerOf(IInterface* ASerializer) {
+  return CastObject<TVnCustomSerializer>(VnImplementor(ASerializer));
+}
+
+/// The object a value form read into; the copy of any other value dies with the deserializer.
+void* ObjectInstance(IVnDeserializer& ADeserializer, const TValue& AValue) {
+  return AValue.Kind() == tkClass ? ADeserializer.GetInstancePtr() : nullptr;
+}
+
 TClass SerializerOf(TVnDataSerializationFormatType AFormat, const TVnTypeInfo* AType) {
+  detail::EnsureSerializerStartup();
   const TVnSerializerPair* pair = TVnTypes::FindSerializers(AType, AFormat);
   return pair ? pair->Serializer : nullptr;
 }
 
 TClass DeserializerOf(TVnDataSerializationFormatType AFormat, const TVnTypeInfo* AType) {
+  detail::EnsureSerializerStartup();
   const TVnSerializerPair* pair = TVnTypes::FindSerializers(AType, AFormat);
   return pair ? pair->Deserializer : nullptr;
 }
@@ -126,6 +139,22 @@ void VnSerializeEx(TVnDataSerializationFormatType AFormat, void* AInstance, cons
   VnCreateSerializerEx(AFormat, AInstance, AType)->Serialize(AStream);
 }
 
+void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, const TVnSerializedData& AData,
+                    TObjectList* ACreatedObjects) {
+  IPtr<IVnDeserializer> d = VnCreateDeserializer(AFormat, AValue);
+  if (ACreatedObjects) CustomSerializerOf(d.Get())->SetCreatedObjects(ACreatedObjects);
+  d->Deserialize(AData);
+  return ObjectInstance(*d, AValue);
+}
+
+void* VnDeserialize(TVnDataSerializationFormatType AFormat, const TValue& AValue, TStream& AStream,
+                    TObjectList* ACreatedObjects) {
+  IPtr<IVnDeserializer> d = VnCreateDeserializer(AFormat, AValue);
+  if (ACreatedObjects) CustomSerializerOf(d.Get())->SetCreatedObjects(ACreatedObjects);
+  d->Deserialize(AStream);
+  return ObjectInstance(*d, AValue);
+}
+
 void* VnDeserialize(TVnDataSerializationFormatType AFormat, void* AInstance, const TTypeInfo* AType,
                     const TVnSerializedData& AData) {
   return VnDeserializeEx(AFormat, AInstance, TVnTypes::GetTypeInfo(AType), AData);
@@ -149,10 +178,39 @@ void* VnDeserializeEx(TVnDataSerializationFormatType AFormat, void* AInstance, c
   return d->GetInstancePtr();
 }
 
+namespace {
+
+/// Reads AData with no instance, so that the class comes from the text; the parameters name
+/// the owner and parent of what is created.
+TObject* CreateFrom(TVnDataSerializationFormatType AFormat, TComponent* AOwner, TComponent* AParent,
+                    const TVnSerializedData& AData) {
+  IPtr<IVnDeserializer> d = VnCreateDeserializerEx(AFormat, nullptr, nullptr);
+  if (AOwner) d->SetObjParam(u"Owner", AOwner);
+  if (AParent) d->SetObjParam(u"Parent", AParent);
+  d->Deserialize(AData);
+  return static_cast<TObject*>(d->GetInstancePtr());
+}
+
+}  // namespace
+
+std::unique_ptr<TObject> VnCreateFrom(TVnDataSerializationFormatType AFormat, const TVnSerializedData& AData) {
+  return std::unique_ptr<TObject>(CreateFrom(AFormat, nullptr, nullptr, AData));
+}
+
+TObject* VnCreateFrom(TVnDataSerializationFormatType AFormat, TComponent* AOwner, const TVnSerializedData& AData) {
+  return CreateFrom(AFormat, AOwner, nullptr, AData);
+}
+
+TObject* VnCreateFrom(TVnDataSerializationFormatType AFormat, TComponent* AOwner, TComponent* AParent,
+                      const TVnSerializedData& AData) {
+  return CreateFrom(AFormat, AOwner, AParent, AData);
+}
+
 // ---- registration ----
 
 void VnRegisterSerializer(TVnDataSerializationFormatType AFormat, TClass AClass, TClass ASerializer,
                           TClass ADeserializer) {
+  detail::EnsureSerializerStartup();
   VnAssert(AClass != nullptr, Format(cVnClassInfoUnknown, {u"nil"}));
   VnRegisterType(AClass);
   TVnTypes::RegisterTypeSerializers(ClassTypeInfo(AClass), AFormat, TVnSerializerPair{ASerializer, ADeserializer});
@@ -160,6 +218,7 @@ void VnRegisterSerializer(TVnDataSerializationFormatType AFormat, TClass AClass,
 
 void VnRegisterSerializer(TVnDataSerializationFormatType AFormat, const TTypeInfo* AType, TClass ASerializer,
                           TClass ADeserializer) {
+  detail::EnsureSerializerStartup();
   if (AType && AType->Kind == tkClass) VnRegisterType(AType->ClassType);
   TVnTypes::RegisterTypeSerializers(AType, AFormat, TVnSerializerPair{ASerializer, ADeserializer});
 }

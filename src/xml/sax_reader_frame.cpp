@@ -38,14 +38,14 @@ void TVnSAXReader::ParseBuffer(const void* ABuffer, Int64 ASize, Word ACodePage,
 
 void TVnSAXReader::Parse(std::u16string_view AText, std::u16string_view APublicID) {
   FPublicID.assign(APublicID);
-  // An empty text takes the empty stream's constructor: the copying one doesn't expect it.
-  TVnStringStream stream = AText.empty() ? TVnStringStream(cVnCodePageUTF16LE) : TVnStringStream(AText);
+  // The caller's text is scanned where it stands.
+  TVnMemoryStream stream(AText.data(), static_cast<Int64>(AText.size() * sizeof(char16_t)));
   Run(&stream, false, cVnCodePageUTF16LE);
 }
 
 void TVnSAXReader::Parse(std::string_view AText, Word ACodePage, std::u16string_view APublicID) {
   FPublicID.assign(APublicID);
-  TVnStringStream stream = AText.empty() ? TVnStringStream(ACodePage) : TVnStringStream(AText, ACodePage);
+  TVnMemoryStream stream(AText.data(), static_cast<Int64>(AText.size()));
   Run(&stream, false, ACodePage);
 }
 

@@ -4,6 +4,7 @@
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_chars.h"
 #include "vnxml/sax_xml_parser.h"
+#include "xml/declared_encoding.h"
 
 namespace vn {
 
@@ -38,34 +39,11 @@ TVnXMLParser::TVnXMLParser(TStream* AStream, bool AOwnsStream, bool ADetectBOM, 
 }
 
 void TVnXMLParser::DetectDeclaredEncoding() {
-  SkipWhile(soNotEqual, FLt);
-  bool declared = true;
-  // Only lower-case "<?xml" and a single space count: a tab or line end means no declaration.
-  for (char16_t expected : std::u16string_view(u"<?xml ")) {
-    if (ReadCharW() != expected) {
-      declared = false;
-      break;
-    }
-  }
-  UnicodeString name;
-  if (declared) {
-    SetMark(tpMark1);
-    SkipWhile(soNotEqual, FGt);
-    UnicodeString decl = Selected(tpMark1, tpCurrent, true);
-    size_t at = LowerCase(decl).find(u"encoding");
-    if (at != UnicodeString::npos) {
-      UnicodeString rest = decl.substr(at);
-      size_t eq = rest.find(u'=');
-      rest = Trim(std::u16string_view(rest).substr(eq == UnicodeString::npos ? 0 : eq + 1));
-      if (rest.size() >= 2) {
-        // Whatever the first character is, it is taken for the quote.
-        char16_t quote = rest[0];
-        rest.erase(0, 1);
-        size_t close = rest.find(quote);
-        name = close == UnicodeString::npos ? UnicodeString() : rest.substr(0, close);
-      }
-    }
-  }
+  // Without a code page the text is read in bytes: the declaration is ASCII in every such encoding.
+  const detail::TextCursor& c = Cursor();
+  UnicodeString name = detail::DeclaredEncoding(
+      std::string_view(reinterpret_cast<const char*>(c.Cur), static_cast<size_t>(c.End - c.Cur)),
+      detail::DeclarationRule::Prolog);
   Word cp;
   if (name.empty() || SameText(name, u"UTF-8")) {
     if (GetCharacterSetType() == csAnsi) SetCharacterSetType(csUTF8);
@@ -74,7 +52,6 @@ void TVnXMLParser::DetectDeclaredEncoding() {
     cp = VnCodePage(name);
   }
   SetContentCodePage(cp);
-  First();
 }
 
 void TVnXMLParser::SetCharacterSetType(TVnCharacterSetType ASet) {

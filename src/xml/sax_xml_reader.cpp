@@ -58,11 +58,6 @@ class HandlerSink {
   TVnSAXXMAttributes* Empty;
 };
 
-template <class Enc>
-void RunLoop(TVnSAXXMLReader& AReader, HandlerSink& ASink) {
-  detail::XmlReadLoop<Enc, HandlerSink>(AReader, ASink).Run();
-}
-
 }  // namespace
 
 // ---- TVnSAXXMLReader ----
@@ -80,27 +75,23 @@ void TVnSAXXMLReader::InternalParse() {
   // Raised outside the failure path: no handler hears of them.
   if (!FContentHandler) throw EVnXMLParseError(cVnXMLErrNoContentHandler, UnicodeString(_cVnXMLNoContentHandler));
   if (!FErrorHandler) throw EVnXMLParseError(cVnXMLErrNoErrorHandler, UnicodeString(_cVnXMLNoErrorHandler));
-  VnAssert(FParser != nullptr, u"TVnSAXXMLReader.InternalParse: no parser");
+  VnAssert(FParser != nullptr, cVnXMLNoParser);
   // The handlers are held for the whole parse even if one of them replaces another.
   IPtr<IVnSAXContentHandler> content = FContentHandler;
   IPtr<IVnSAXErrorHandler> errors = FErrorHandler;
   IPtr<IVnSAXLexicalHandler> lexical = FLexicalHandler;
   try {
-    if (FLoopOverride.Run) {
-      FLoopOverride.Run(*this, FLoopOverride.Context);
-    } else {
-      if (!FTagAttributes) FTagAttributes = std::make_unique<TVnSAXXMAttributes>();
-      HandlerSink sink(content.Get(), lexical.Get(), FTagAttributes.get(), FEmptyAttributes.get());
-      switch (FParser->GetCharacterSetType()) {
-        case csUTF16: RunLoop<detail::read_loop::Utf16Units>(*this, sink); break;
-        case csUTF8: RunLoop<detail::read_loop::Utf8Units>(*this, sink); break;
-        default: RunLoop<detail::read_loop::AnsiUnits>(*this, sink); break;
-      }
-    }
+    ReadContent();
   } catch (const std::exception& e) {
     ReportFailure(e);
     throw;
   }
+}
+
+void TVnSAXXMLReader::ReadContent() {
+  if (!FTagAttributes) FTagAttributes = std::make_unique<TVnSAXXMAttributes>();
+  HandlerSink sink(FContentHandler.Get(), FLexicalHandler.Get(), FTagAttributes.get(), FEmptyAttributes.get());
+  detail::RunXmlReadLoop(*this, sink);
 }
 
 }  // namespace vn

@@ -603,4 +603,15 @@ class XmlReadLoop {
   std::u16string QNameBuf, PrefixBuf, LocalBuf, AttrQNameBuf, ValueBuf, TextBuf;
 };
 
+/// Runs the loop in the instantiation for the scanner's kind of code unit: the one place that
+/// chooses it, for every sink.
+template <class Sink>
+void RunXmlReadLoop(TVnSAXXMLReader& AReader, Sink& ASink) {
+  switch (AReader.GetXMLParser()->GetCharacterSetType()) {
+    case csUTF16: XmlReadLoop<read_loop::Utf16Units, Sink>(AReader, ASink).Run(); break;
+    case csUTF8: XmlReadLoop<read_loop::Utf8Units, Sink>(AReader, ASink).Run(); break;
+    default: XmlReadLoop<read_loop::AnsiUnits, Sink>(AReader, ASink).Run(); break;
+  }
+}
+
 }  // namespace vn::detail

@@ -1,8 +1,11 @@
 // Reflected values in XML: a TValue to text, text to a TValue or Variant by type.
 #include "vnxml/xml_reflected_values.h"
 
+#include <cmath>
 #include <iterator>
+#include <limits>
 
+#include "internal/float_decimal.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -71,6 +74,32 @@ TValue SetValue(std::u16string_view AText, const TTypeInfo* AType) {
   return result;
 }
 
+/// The shortest text in the general format that reads back as the same value of its own width:
+/// as many digits as the type holds for sure (15 for a Double, like FloatToStr), more only when
+/// they don't suffice (up to 9, 17, 21).
+template <class T, T (*Read)(std::u16string_view, T)>
+UnicodeString ExactFloatText(T AValue) {
+  constexpr Integer maxDigits = std::numeric_limits<T>::max_digits10;
+  UnicodeString text;
+  for (Integer digits = std::numeric_limits<T>::digits10; digits <= maxDigits; ++digits) {
+    text = detail::FormatGeneral(detail::ToFloatDecimal(AValue, digits), digits, 0);
+    // A text beyond the range fails and reads as NaN, which equals nothing.
+    if (!std::isfinite(AValue) || Read(text, std::numeric_limits<T>::quiet_NaN()) == AValue) break;
+  }
+  return text;
+}
+
+UnicodeString FloatText(const TValue& AValue) {
+  const void* p = AValue.GetReferenceToRawData();
+  switch (AValue.TypeInfo()->FloatType) {
+    case ftSingle: return ExactFloatText<Single, &VnXMLToSingleDef>(*static_cast<const Single*>(p));
+    case ftDouble: return ExactFloatText<Double, &VnXMLToDoubleDef>(*static_cast<const Double*>(p));
+    case ftExtended: return ExactFloatText<Extended, &VnXMLToExtendedDef>(*static_cast<const Extended*>(p));
+    case ftComp: return IntToStr(*static_cast<const Int64*>(p));
+    default: return ToWideString(AValue);  // Currency: four decimals, exact
+  }
+}
+
 }  // namespace
 
 UnicodeString VnValToXML(const TValue& AValue) {
@@ -79,6 +108,8 @@ UnicodeString VnValToXML(const TValue& AValue) {
       return VnStrToXML(AValue.AsString(), true, true);
     case tkEnumeration: {
       const TTypeInfo* type = AValue.TypeInfo();
+      // A boolean takes the schema's lexical form, not its value name.
+      if (TypeKind(AValue) == vtkBoolean) return VnBoolToXML(AValue.AsOrdinal() != 0);
       const Int64 ordinal = AValue.AsOrdinal();
       if (ordinal >= type->MinValue && ordinal <= type->MaxValue &&
           static_cast<size_t>(ordinal - type->MinValue) < type->EnumNames.size())
@@ -95,7 +126,7 @@ UnicodeString VnValToXML(const TValue& AValue) {
         case vtkDate: return VnDateToXML(*static_cast<const TDateTime*>(AValue.GetReferenceToRawData()));
         case vtkTime: return VnTimeToXML(*static_cast<const TDateTime*>(AValue.GetReferenceToRawData()));
         case vtkDateTime: return VnDateTimeToXML(*static_cast<const TDateTime*>(AValue.GetReferenceToRawData()));
-        default: return ToWideString(AValue);
+        default: return FloatText(AValue);
       }
     default:
       return ToWideString(AValue);

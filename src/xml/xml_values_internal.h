@@ -17,10 +17,16 @@ bool TryXMLTextToFloat(std::u16string_view AText, Extended& AValue);
 Extended XMLTextToFloat(std::u16string_view AText);
 
 /// Narrows a float; values beyond the range of T become infinities instead of undefined behaviour.
+/// A value less than half a unit in the last place above the largest one rounds to it, as the
+/// shortest text of that largest value ("3.4028235E38") does.
 template <class T>
 T NarrowFloat(Extended AValue) {
-  if (std::isfinite(AValue) && std::fabs(AValue) > std::numeric_limits<T>::max())
+  constexpr T max = std::numeric_limits<T>::max();
+  if (std::isfinite(AValue) && std::fabs(AValue) > max) {
+    const Extended limit = Extended(max) + (Extended(max) - Extended(std::nextafter(max, T(0)))) / 2;
+    if (std::fabs(AValue) < limit) return AValue < 0 ? -max : max;
     return AValue < 0 ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
+  }
   return static_cast<T>(AValue);
 }
 

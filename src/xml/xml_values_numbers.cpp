@@ -10,7 +10,7 @@ namespace vn {
 
 namespace {
 
-// Cuts to the width of T without a range check: the documented behaviour of the text forms.
+// Cuts to the width of T without a range check: a value too wide for T keeps its low bits.
 template <class T>
 T ReadInteger(std::u16string_view AText) {
   if (AText.empty()) return 0;

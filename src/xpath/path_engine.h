@@ -55,6 +55,32 @@ class NameMemo {
   size_t FNext = 0;
 };
 
+struct PathStep;
+
+/// The pairs of a step and a node that the step has run on, within one run into one result.
+class StepRuns {
+ public:
+  /// True the first time AStep runs on ANode; false when it has run there before.
+  bool First(const PathStep* AStep, const TVnDOMNode* ANode);
+
+ private:
+  struct Key {
+    const PathStep* FStep = nullptr;
+    const TVnDOMNode* FNode = nullptr;
+  };
+  void Grow();
+  std::vector<Key> FTable;
+  size_t FCount = 0;
+};
+
+/// One run of a path into a result. A node reached again with the same rest of the path adds
+/// nothing that the first time did not add, so steps whose context nodes can repeat remember
+/// where they ran (see PathStep::FRemember).
+struct PathRun {
+  NodeSet& FResult;
+  StepRuns FRuns;
+};
+
 /// What a step collects from its node.
 enum class StepForm : uint8_t { Group, Node, Text, Attribute, Star, Dot, Parent, AllChildren, Name, Error };
 
@@ -66,6 +92,10 @@ struct PathStep {
 
   /// The rest of the path behind this step, cut on first use.
   PathStep& Rest(bool ALocalNameMatch);
+  /// Whether the candidates of this step, over all its context nodes, can hold a node twice, or
+  /// a node and one of its descendants.
+  bool CandidatesRepeat() const noexcept;
+  bool CandidatesNest() const noexcept;
 
   // An error found while cutting, raised when the step runs: rule order is kept by the runner.
   bool FStartsWithSlash = false;
@@ -90,6 +120,12 @@ struct PathStep {
   std::unique_ptr<PathStep> FRest;
   /// The first filter is a bare index "[n]": collecting may stop after n + 1 candidates.
   size_t FCollectLimit = SIZE_MAX;
+  /// The step may run on the same node more than once in one run (behind "..", a group, or a
+  /// "//" whose starting nodes nest): it remembers where it ran and runs there only once. A
+  /// "//" search that meets such a node again skips its subtree too, which was searched then.
+  bool FRemember = false;
+  /// The nodes this step runs on may include a node and one of its descendants.
+  bool FContextsNest = false;
   NameMemo FLocalMemo;
 };
 
@@ -119,17 +155,21 @@ class PathProgram {
   bool CreateMissing() const noexcept { return FCreateMissing; }
   /// Runs the step text of one alternative (or group) from ANode.
   void RunPath(std::u16string_view AText, std::unique_ptr<PathStep>& ACompiled, TVnDOMNode* ANode, bool ADeep,
-               NodeSet& AResult);
+               PathRun& ARun);
   /// Runs AStep on ANode and, with ADeep, on every descendant that is not an attribute.
-  void RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, NodeSet& AResult);
+  void RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, PathRun& ARun);
   /// The nodes selected from AContext, as Run without options would give them, into ANodes.
+  /// A path whose every alternative starts at the document gives the same nodes from every
+  /// candidate of a selection: it runs once per document and outermost selection.
   void Select(TVnDOMNode* AContext, std::vector<TVnDOMNode*>& ANodes);
   /// Whether Run from AContext would select anything.
   bool Exists(TVnDOMNode* AContext);
 
  private:
   struct Alternative;
-  void RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, NodeSet& AResult);
+  void RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, PathRun& ARun);
+  /// The nodes of an absolute path from AContext's document, from the cache when it holds them.
+  const std::vector<TVnDOMNode*>& AbsoluteNodes(TVnDOMNode* AContext);
   void Collect(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, std::vector<TVnDOMNode*>& ACands,
                size_t ALimit);
   void ApplyFilters(PathStep& AStep, std::vector<TVnDOMNode*>& ACands);
@@ -143,8 +183,20 @@ class PathProgram {
   TVnXPathCollationClass FCollation;
   bool FLocalNameMatch;
   bool FCreateMissing = false;
-  int8_t FSimple = -1;  ///< SimpleStep not yet decided (-1), no (0), yes (1)
+  bool FAbsolute = false;  ///< every alternative starts at the document
+  int8_t FSimple = -1;     ///< SimpleStep not yet decided (-1), no (0), yes (1)
+  /// "//" searches under way: soCreate adds nothing while one runs, since what it added could
+  /// feed the search without end ("//*/b").
+  int FSearching = 0;
+  // The result of an absolute path, for one document within one outermost selection.
+  uint64_t FCacheSelection = 0;
+  TVnDOMNode* FCacheDocument = nullptr;
+  std::vector<TVnDOMNode*> FCacheNodes;
 };
+
+/// Nodes that steps have visited on this thread, counted for tests that compare the work of two
+/// input sizes.
+uint64_t PathWork() noexcept;
 
 /// The collation that options choose; both case options together raise.
 TVnXPathCollationClass CollationFor(const TVnDOMObject* AObject, TVnDOMSelectOptions AOptions);

@@ -14,6 +14,10 @@ namespace {
 // keeps hostile paths well inside the default stack, sanitizers included.
 constexpr int cMaxDepth = 400;
 thread_local int tDepth = 0;
+thread_local uint64_t tWork = 0;
+// Numbers the outermost selections of this thread; caches of absolute paths in filters last
+// for one of them.
+thread_local uint64_t tSelection = 0;
 
 // Below this size a linear search is cheaper than hashing.
 constexpr size_t cLinearLimit = 16;
@@ -79,6 +83,8 @@ DepthGuard::DepthGuard() {
 
 DepthGuard::~DepthGuard() { --tDepth; }
 
+uint64_t PathWork() noexcept { return tWork; }
+
 void NodeSet::Add(TVnDOMNode* ANode) {
   if (FTable.empty()) {
     for (TVnDOMNode* n : FItems)
@@ -102,6 +108,30 @@ bool NodeSet::Insert(TVnDOMNode* ANode) {
   }
   FTable[i] = ANode;
   return true;
+}
+
+bool StepRuns::First(const PathStep* AStep, const TVnDOMNode* ANode) {
+  if ((FCount + 1) * 2 > FTable.size()) Grow();
+  const size_t mask = FTable.size() - 1;
+  uint64_t h = (reinterpret_cast<uintptr_t>(ANode) >> 4) * 0x9E3779B97F4A7C15ull ^
+               (reinterpret_cast<uintptr_t>(AStep) >> 3) * 0xC2B2AE3D27D4EB4Full;
+  for (size_t i = (h >> 20) & mask;; i = (i + 1) & mask) {
+    Key& k = FTable[i];
+    if (!k.FNode) {
+      k = {AStep, ANode};
+      ++FCount;
+      return true;
+    }
+    if (k.FNode == ANode && k.FStep == AStep) return false;
+  }
+}
+
+void StepRuns::Grow() {
+  std::vector<Key> old = std::move(FTable);
+  FTable.assign(std::max<size_t>(64, old.size() * 2), Key{});
+  FCount = 0;
+  for (const Key& k : old)
+    if (k.FNode) First(k.FStep, k.FNode);
 }
 
 void NodeSet::Grow() {
@@ -144,23 +174,29 @@ PathProgram::PathProgram(std::u16string_view APath, bool ALocalNameMatch, TVnXPa
     for (UnicodeString& text : VnTokenize(APath, u"|"))
       FAlternatives.push_back(std::make_unique<Alternative>(Alternative{Trim(text), nullptr}));
   }
+  // "/" alone is the context node itself; anything else behind a "/" starts at the document.
+  FAbsolute = std::all_of(FAlternatives.begin(), FAlternatives.end(), [](const auto& AAlt) {
+    return AAlt->FText.size() > 1 && AAlt->FText[0] == u'/';
+  });
 }
 
 PathProgram::~PathProgram() = default;
 
 void PathProgram::Run(TVnDOMNode* AContext, bool AFirstOnly, bool ACreateMissing, NodeSet& AResult) {
+  if (tDepth == 0) ++tSelection;
   DepthGuard guard;
   FCreateMissing = ACreateMissing;
+  PathRun run{AResult, {}};
   for (auto& alt : FAlternatives) {
-    RunPath(alt->FText, alt->FStep, AContext, false, AResult);
+    RunPath(alt->FText, alt->FStep, AContext, false, run);
     if (AFirstOnly && !AResult.Empty()) break;
   }
 }
 
 void PathProgram::RunPath(std::u16string_view AText, std::unique_ptr<PathStep>& ACompiled, TVnDOMNode* ANode,
-                          bool ADeep, NodeSet& AResult) {
+                          bool ADeep, PathRun& ARun) {
   if (AText == u"/") {
-    AResult.Add(ANode);
+    ARun.FResult.Add(ANode);
     return;
   }
   bool fromDocument = !AText.empty() && AText[0] == u'/';
@@ -168,13 +204,15 @@ void PathProgram::RunPath(std::u16string_view AText, std::unique_ptr<PathStep>& 
   if (!ACompiled) {
     std::u16string_view steps = fromDocument ? AText.substr(deep ? 2 : 1) : AText;
     ACompiled = std::make_unique<PathStep>(steps, FLocalNameMatch);
+    ACompiled->FContextsNest = deep;
   }
-  RunStep(*ACompiled, fromDocument ? DocumentOf(ANode) : ANode, false, deep, AResult);
+  RunStep(*ACompiled, fromDocument ? DocumentOf(ANode) : ANode, false, deep, ARun);
 }
 
-void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, NodeSet& AResult) {
+void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, PathRun& ARun) {
   if (!ADeep) {
-    RunStepAt(AStep, ANode, APrevWasDot, false, AResult);
+    ++tWork;
+    if (!AStep.FRemember || ARun.FRuns.First(&AStep, ANode)) RunStepAt(AStep, ANode, APrevWasDot, false, ARun);
     return;
   }
   // The same step on this node and then on each child, depth first and in document order; an
@@ -184,11 +222,19 @@ void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
   const bool skipLeaves = AStep.FForm == StepForm::Name || AStep.FForm == StepForm::Star ||
                           AStep.FForm == StepForm::Attribute || AStep.FForm == StepForm::Node ||
                           AStep.FForm == StepForm::Text || AStep.FForm == StepForm::AllChildren;
+  struct Searching {
+    int& FCount;
+    explicit Searching(int& ACount) : FCount(++ACount) {}
+    ~Searching() { --FCount; }
+  } searching(FSearching);
   std::vector<TVnDOMNode*> stack{ANode};
   while (!stack.empty()) {
     TVnDOMNode* node = stack.back();
     stack.pop_back();
-    RunStepAt(AStep, node, APrevWasDot, true, AResult);
+    ++tWork;
+    // A node this step has run on was searched with all that lies below it.
+    if (AStep.FRemember && !ARun.FRuns.First(&AStep, node)) continue;
+    RunStepAt(AStep, node, APrevWasDot, true, ARun);
     // Below an element only elements can hold children: its element list spares the walk a
     // look at every text node.
     TVnDOMElement* element = skipLeaves ? AsElement(node) : nullptr;
@@ -205,7 +251,7 @@ void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
   }
 }
 
-void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, NodeSet& AResult) {
+void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, PathRun& ARun) {
   DepthGuard guard;
   if (AStep.FStartsWithSlash) throw EVnDomSyntax(cVnPathStartsWithSlash);
   if (AStep.FRestIsSlash) throw EVnDomSyntax(cVnPathNoDomNode);
@@ -221,6 +267,7 @@ void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot
       if (AStep.FCreatable) {
         UnicodeString name(AStep.FLocal);
         if (!AStep.FPrefix.empty() && AStep.FPrefix != u"*") name = UnicodeString(AStep.FPrefix) + u':' + name;
+        if (FSearching > 0) throw Exception(cVnPathCreateDeep);
         cands.push_back(element->AddElement(name));
       }
     }
@@ -228,9 +275,9 @@ void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot
 
   if (AStep.FHasRest) {
     PathStep& rest = AStep.Rest(FLocalNameMatch);
-    for (TVnDOMNode* c : cands) RunStep(rest, c, AStep.FIsDot, AStep.FNextDeep, AResult);
+    for (TVnDOMNode* c : cands) RunStep(rest, c, AStep.FIsDot, AStep.FNextDeep, ARun);
   } else {
-    for (TVnDOMNode* c : cands) AResult.Add(c);
+    for (TVnDOMNode* c : cands) ARun.FResult.Add(c);
   }
 }
 
@@ -244,7 +291,8 @@ void PathProgram::Collect(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
   switch (AStep.FForm) {
     case StepForm::Group: {
       NodeSet inner;
-      RunPath(AStep.FGroupText, AStep.FGroup, ANode, ADeep, inner);
+      PathRun innerRun{inner, {}};
+      RunPath(AStep.FGroupText, AStep.FGroup, ANode, ADeep, innerRun);
       ACands = std::move(inner.Items());
       return;
     }
@@ -362,8 +410,26 @@ PathStep* PathProgram::SimpleStep() {
   return FSimple ? FAlternatives[0]->FStep.get() : nullptr;
 }
 
+const std::vector<TVnDOMNode*>& PathProgram::AbsoluteNodes(TVnDOMNode* AContext) {
+  TVnDOMNode* document = DocumentOf(AContext);
+  // Outside a selection (a host evaluating a filter itself) the tree may change between calls.
+  if (tDepth == 0 || FCacheSelection != tSelection || FCacheDocument != document) {
+    FCacheSelection = 0;
+    NodeSet result;
+    Run(AContext, false, false, result);
+    FCacheNodes = std::move(result.Items());
+    FCacheDocument = document;
+    FCacheSelection = tDepth == 0 ? 0 : tSelection;
+  }
+  return FCacheNodes;
+}
+
 void PathProgram::Select(TVnDOMNode* AContext, std::vector<TVnDOMNode*>& ANodes) {
   ANodes.clear();
+  if (FAbsolute) {
+    ANodes = AbsoluteNodes(AContext);
+    return;
+  }
   if (PathStep* step = SimpleStep()) {
     // The children of one node: distinct by nature, so no set is needed.
     DepthGuard guard;
@@ -400,6 +466,7 @@ bool PathProgram::AnyMatch(PathStep& AStep, TVnDOMNode* ANode) {
 }
 
 bool PathProgram::Exists(TVnDOMNode* AContext) {
+  if (FAbsolute) return !AbsoluteNodes(AContext).empty();
   if (PathStep* step = SimpleStep()) return AnyMatch(*step, AContext);
   NodeSet result;
   Run(AContext, false, false, result);

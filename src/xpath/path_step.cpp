@@ -172,8 +172,22 @@ PathStep::PathStep(std::u16string_view AText, bool ALocalNameMatch) {
 }
 
 PathStep& PathStep::Rest(bool ALocalNameMatch) {
-  if (!FRest) FRest = std::make_unique<PathStep>(FRestText, ALocalNameMatch);
+  if (!FRest) {
+    FRest = std::make_unique<PathStep>(FRestText, ALocalNameMatch);
+    // The rest runs on this step's candidates, and with "//" on everything below them.
+    FRest->FRemember = CandidatesRepeat() || (FNextDeep && CandidatesNest());
+    FRest->FContextsNest = CandidatesNest() || FNextDeep;
+  }
   return *FRest;
 }
+
+bool PathStep::CandidatesRepeat() const noexcept {
+  // Children of distinct nodes are distinct; but siblings share their parent, a group's path may
+  // reach anything, and a document answers "@" with its root element's attributes.
+  return FRemember || FForm == StepForm::Parent || FForm == StepForm::Group ||
+         (FForm == StepForm::Attribute && FContextsNest);
+}
+
+bool PathStep::CandidatesNest() const noexcept { return CandidatesRepeat() || FContextsNest; }
 
 }  // namespace vn::detail

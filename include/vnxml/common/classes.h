@@ -4,6 +4,7 @@
 // generics.h, TCriticalSection in sync_objs.h. List failures raise EListError.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "vnxml/common/exception.h"
@@ -16,6 +17,9 @@ namespace vn {
 // ---- TComponent ----
 
 enum TOperation : uint8_t { opInsert, opRemove };
+
+/// The platform's plain event: the object that fires it.
+using TNotifyEvent = std::function<void(TObject* ASender)>;
 
 class TComponent : public TPersistent {
   VN_DECLARE_CLASS(TComponent, TPersistent)

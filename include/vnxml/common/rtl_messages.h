@@ -27,5 +27,6 @@ inline constexpr char16_t cRtlArgumentOutOfRange[] = u"Argument out of range";
 inline constexpr char16_t cRtlAssignError[] = u"Cannot assign a %s to a %s";
 inline constexpr char16_t cRtlDuplicateName[] = u"A component named %s already exists";
 inline constexpr char16_t cRtlInvalidName[] = u"'%s' is not a valid component name";
+inline constexpr char16_t cRtlInvalidCast[] = u"Invalid class typecast";
 
 }  // namespace vn

@@ -72,7 +72,8 @@ class TVnTypes {
   static void RegisterTypeSerializers(const TTypeInfo* AType, TVnSerializeFormat AFormat,
                                       const TVnSerializerPair& APair);
   /// The pair of AType itself, else of its nearest ancestor class with one, else the format's
-  /// default; nullptr when none of these exists. A nil AType asks for the default.
+  /// default; nullptr when none of these exists. A nil AType asks for the default. Only what is
+  /// registered so far: the lookups of serializer.h run the built-in registrations first.
   static const TVnSerializerPair* FindSerializers(const TVnTypeInfo* AType, TVnSerializeFormat AFormat);
 };
 

@@ -116,10 +116,10 @@ TEST(DomLoad, FailuresCarryLineAndColumn) {
   // A handler that sets Handled gets the reader's own exception.
   TVnDOMDocument handled;
   int calls = 0;
-  handled.OnParseFatalError = [&](IVnSAXLocator*, std::u16string_view, bool& AHandled) {
+  handled.SetOnParseFatalError([&](IVnSAXLocator*, std::u16string_view, bool& AHandled) {
     ++calls;
     AHandled = true;
-  };
+  });
   EXPECT_THROW(handled.LoadXML(u"<a><b></a"), EVnXMLParseError);
   EXPECT_EQ(calls, 1);
 
@@ -149,10 +149,10 @@ TEST(DomLoad, FailedLoadLeavesAWholeTree) {
   const char16_t* text = u"<a><b x=\"1\"><c>t</c><!--n-->u<d y=\"2\" z";
   TVnDOMDocument seen;
   int calls = 0;
-  seen.OnParseFatalError = [&](IVnSAXLocator*, std::u16string_view, bool&) {
+  seen.SetOnParseFatalError([&](IVnSAXLocator*, std::u16string_view, bool&) {
     ++calls;
     check(seen);
-  };
+  });
   EXPECT_THROW(seen.LoadXML(text), EVnDomSyntax);
   EXPECT_EQ(calls, 1);
   check(seen);

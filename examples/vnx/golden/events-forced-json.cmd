@@ -1,0 +1,1 @@
+events --json events-forced.xml

@@ -1,0 +1,1 @@
+events events-json.json

@@ -1,0 +1,11 @@
+// The built-in registrations of serializers and helpers, run once on the first use of either
+// registry, so that a host linking the static library needs no initialiser.
+#pragma once
+
+namespace vn::detail {
+
+/// Runs every built-in registration once; a registration that itself registers (and so comes
+/// back here) goes straight through.
+void EnsureSerializerStartup();
+
+}  // namespace vn::detail

@@ -1,0 +1,83 @@
+// The ways into a load: how each finds the encoding, and that none copies the caller's text.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "alloc_counter.h"
+#include "vnxml/common/code_page.h"
+#include "vnxml/common/stream.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/dom.h"
+
+namespace vn {
+namespace {
+
+TEST(DomLoadPaths, DeclaredEncodingOfStreamsAndFiles) {
+  // Each text holds the byte E9: one character in ISO-8859-1, a broken sequence in UTF-8.
+  struct Case {
+    const char* Text;
+    const char16_t* RootText;
+  };
+  const Case cases[] = {
+      {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>", u"\u00e9"},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", u"\u00e9"},
+      {"<?xml version=\"1.0\" encoding='ISO-8859-1'?><a>\xE9</a>", u"\u00e9"},
+      // A later double-quoted value is no encoding name.
+      {"<?xml version='1.0' encoding='ISO-8859-1' standalone=\"yes\"?><a>\xE9</a>", u"\u00e9"},
+      // The first tag is searched in any case, after blanks.
+      {" \r\n<?XML version=\"1.0\" encoding=\"iso-8859-1\"?><a>\xE9</a>", u"\u00e9"},
+      {"<a>\xC3\xA9</a>", u"\u00e9"},
+      {"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xC3\xA9</a>", u"\u00e9"},
+  };
+  const auto path = std::filesystem::temp_directory_path() / ("vnxml_paths_" + std::to_string(::getpid()) + ".xml");
+  const UnicodeString name = Utf8ToUnicode(path.string());
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.Text);
+    std::ofstream(path, std::ios::binary) << c.Text;
+    TVnDOMDocument fromMemory, fromFileStream, fromFile;
+    TVnStringStream memory(std::string_view(c.Text), cVnCodePageDefault);
+    fromMemory.LoadFromStream(memory);
+    {
+      TFileStream file(name, fmOpenRead);
+      fromFileStream.LoadFromStream(file);
+    }
+    fromFile.LoadFromFile(name, fmOpenRead);
+    for (TVnDOMDocument* doc : {&fromMemory, &fromFileStream, &fromFile}) {
+      ASSERT_NE(doc->GetRootNode(), nullptr);
+      EXPECT_EQ(doc->GetRootNode()->GetText(), c.RootText);
+    }
+  }
+  std::filesystem::remove(path);
+}
+
+TEST(DomLoadPaths, CallersTextIsScannedInPlace) {
+  // White space between tags is dropped: a load that copied the text would ask for its size.
+  const std::u16string wide = u"<r>" + std::u16string(1 << 20, u' ') + u"<e/></r>";
+  const std::string narrow = "<r>" + std::string(1 << 20, ' ') + "<e/></r>";
+  const size_t bound = narrow.size() / 2;
+  auto expectSmall = [&](const char* AWay, auto ALoad) {
+    TVnDOMDocument doc;
+    doc.LoadXML(u"<h/>");
+    const size_t before = test::AllocatedBytes();
+    ALoad(doc);
+    EXPECT_LT(test::AllocatedBytes() - before, bound) << AWay;
+    EXPECT_EQ(doc.GetRootNode()->ElementCount(), 1) << AWay;
+  };
+  expectSmall("LoadXML", [&](TVnDOMDocument& d) { d.LoadXML(wide); });
+  expectSmall("LoadFromAnsiXML", [&](TVnDOMDocument& d) { d.LoadFromAnsiXML(narrow); });
+  const std::u16string fragment = u"<e/>" + std::u16string(1 << 20, u' ');
+  expectSmall("SetInnerXML", [&](TVnDOMDocument& d) { d.GetRootNode()->SetInnerXML(fragment); });
+  TVnMemoryStream view(narrow.data(), static_cast<Int64>(narrow.size()));
+  expectSmall("LoadFromStream", [&](TVnDOMDocument& d) {
+    d.Clear();
+    d.LoadFromStream(view);
+  });
+}
+
+}  // namespace
+}  // namespace vn

@@ -1,0 +1,69 @@
+// The failure events of loads: each node that text is loaded into has its own, so a fragment
+// parsed into a detached element can be watched as a whole document can.
+#include <gtest/gtest.h>
+
+#include "vnxml/common/utf.h"
+#include "vnxml/dom.h"
+#include "vnxml/sax_contract.h"
+
+namespace vn {
+namespace {
+
+TEST(DomParseEvents, EachLoadReachesTheEventsOfItsTargetNode) {
+  enum Target { Detached, InDocument, Document };
+  enum Answer { Leave, Handle, Raise };
+  struct Case {
+    Target Into;
+    Answer Hook;
+  };
+  for (Case c : {Case{Detached, Leave}, Case{Detached, Handle}, Case{Detached, Raise}, Case{InDocument, Leave},
+                 Case{Document, Handle}}) {
+    SCOPED_TRACE(testing::Message() << "target " << c.Into << ", answer " << c.Hook);
+    TVnDOMDocument doc;
+    TVnDOMElement detached;
+    TVnDOMElement* element = c.Into == Detached ? &detached : doc.CreateRootNode(u"r");
+    TVnDOMNode* target = c.Into == Document ? static_cast<TVnDOMNode*>(&doc) : element;
+    int targetCalls = 0, otherCalls = 0;
+    Integer line = 0;
+    UnicodeString message;
+    target->SetOnParseFatalError([&](IVnSAXLocator* ALocator, std::u16string_view AErrMsg, bool& AHandled) {
+      ++targetCalls;
+      line = ALocator->GetLineNr();
+      message = AErrMsg;
+      if (c.Hook == Raise) throw EVnSAXNotSupportedException(u"stop");
+      AHandled = c.Hook == Handle;
+    });
+    // Events of other nodes stay silent: the document's hears nothing of a load into its element.
+    TVnDOMNode* other = target == &doc ? static_cast<TVnDOMNode*>(element) : &doc;
+    other->SetOnParseFatalError([&](IVnSAXLocator*, std::u16string_view, bool&) { ++otherCalls; });
+
+    auto load = [&] {
+      if (target == &doc)
+        doc.LoadXML(u"<a>\r\n<b x=/></a>");
+      else
+        element->SetInnerXML(u"<a/>\r\n<b x=/>");
+    };
+    switch (c.Hook) {
+      case Leave:
+        try {
+          load();
+          FAIL() << "no exception";
+        } catch (const EVnDomSyntax& e) {
+          EXPECT_EQ(e.Message().rfind(u"Line 2, column ", 0), 0u) << UnicodeToUtf8(e.Message());
+          EXPECT_NE(e.Message().find(message), UnicodeString::npos);
+        }
+        break;
+      case Handle: EXPECT_THROW(load(), EVnXMLParseError); break;
+      case Raise: EXPECT_THROW(load(), EVnSAXException); break;
+    }
+    EXPECT_EQ(targetCalls, 1);
+    EXPECT_EQ(otherCalls, 0);
+    EXPECT_EQ(line, 2);
+    EXPECT_FALSE(message.empty());
+    // What was read before the failure stays in the target.
+    EXPECT_EQ((target == &doc ? doc.GetRootNode() : element->FirstElement())->GetQualifiedName(), u"a");
+  }
+}
+
+}  // namespace
+}  // namespace vn

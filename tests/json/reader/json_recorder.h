@@ -1,0 +1,71 @@
+// json_recorder.h: a handler that writes one token per event, for comparing whole traces.
+// Tokens: < > (document), [ ] { } (containers), m:name (member) /m (its end), s:text n:text
+// b:text z:text (string, number, boolean, null values), and !line:col:message for FatalError.
+#pragma once
+
+#include <string>
+
+#include "vnxml/common/utf.h"
+#include "vnxml/json_reader.h"
+
+namespace vntest {
+
+class JsonRecorder : public vn::TVnObject, public vn::IVnJSONContentHandler, public vn::IVnJSONErrorHandler {
+  VN_VNOBJECT_INTERFACES(vn::TVnObject, vn::IVnJSONContentHandler, vn::IVnJSONErrorHandler)
+ public:
+  std::string Trace;
+  vn::UnicodeString FatalMessage;
+  int FatalLine = 0, FatalCol = 0;
+
+  JsonRecorder() { SetAutoDestroy(false); }
+
+  void SetDocumentLocator(vn::IVnJSONLocator*) override { Add("locator"); }
+  void StartDocument() override { Add("<"); }
+  void StartObject() override { Add("{"); }
+  void StartMember(std::u16string_view n) override { Add("m:" + vn::UnicodeToUtf8(n)); }
+  void StartArray() override { Add("["); }
+  void Value(vn::TVnJSONSimpleDataType k, std::u16string_view v) override {
+    static constexpr const char* kTag[] = {"z:", "s:", "n:", "b:"};
+    Add(kTag[k] + vn::UnicodeToUtf8(v));
+  }
+  void EndArray() override { Add("]"); }
+  void EndMember() override { Add("/m"); }
+  void EndObject() override { Add("}"); }
+  void EndDocument() override { Add(">"); }
+  void Warning(vn::IVnJSONLocator*, std::u16string_view) override {}
+  void Error(vn::IVnJSONLocator*, std::u16string_view) override {}
+  void FatalError(vn::IVnJSONLocator* loc, std::u16string_view msg) override {
+    FatalLine = loc->GetLineNr();
+    FatalCol = loc->GetColNr();
+    FatalMessage = vn::UnicodeString(msg);
+    Add("!" + std::to_string(FatalLine) + ":" + std::to_string(FatalCol));
+  }
+
+ private:
+  void Add(const std::string& t) { Trace += Trace.empty() ? t : " " + t; }
+};
+
+/// A reader wired to a recorder; Read gives the trace and swallows the reader's own failures.
+struct RecordingJsonReader {
+  JsonRecorder Rec;  // outlives the reader, which holds it
+  vn::TVnJSONReader Reader;
+  RecordingJsonReader() {
+    Reader.SetContentHandler(vn::IPtr<vn::IVnJSONContentHandler>(&Rec));
+    Reader.SetErrorHandler(vn::IPtr<vn::IVnJSONErrorHandler>(&Rec));
+  }
+  template <class F>
+  std::string Run(F&& AParse) {
+    Rec.Trace.clear();
+    try {
+      AParse(Reader);
+    } catch (const vn::EVnJSONException&) {
+    } catch (const vn::EVnTextParserEOF&) {
+    }
+    return Rec.Trace;
+  }
+  std::string Read(std::string_view AText, vn::Word ACodePage = 65001) {
+    return Run([&](vn::TVnJSONReader& r) { r.Parse(AText, ACodePage, u"t"); });
+  }
+};
+
+}  // namespace vntest
