@@ -102,7 +102,11 @@ Answer Ask(const std::u16string& AXml, bool AFromElement, SelectFn ASelect) {
   }
   // Nodes die with their document: keep what identifies the answer instead.
   if (answer.First) answer.Tree = Place(answer.First);
-  answer.Tree += u"\n" + doc.GetXML();
+  try {
+    answer.Tree += u"\n" + doc.GetXML();
+  } catch (const vn::EVnDomInvalidCharacter& e) {
+    answer.Tree += u"\n" + e.Message();  // soCreate made a name the writer won't write
+  }
   answer.First = nullptr;
   return answer;
 }
