@@ -30,5 +30,7 @@ int main(int argc, char** argv) {
     }
   }
   std::printf("replayed %d inputs\n", count);
-  return 0;
+  // A moved or emptied seed folder must not pass as a clean run.
+  if (count == 0) std::fprintf(stderr, "no inputs found\n");
+  return count == 0 ? 1 : 0;
 }

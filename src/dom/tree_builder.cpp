@@ -139,12 +139,14 @@ void TreeBuilder::EnterElement() {
     FWaiting.push_back(element);
   }
   FPending = nullptr;
-  const auto pushed = static_cast<uint32_t>(FPushed.size());
+  // Open before joining: should the namespaces fail to resolve, the element is closed like any
+  // other, so its attributes reach its child list and are freed with the tree.
+  FOpen.push_back({static_cast<uint32_t>(FWaiting.size()), static_cast<uint32_t>(FPushed.size())});
+  FCurrent = element;
   Join(parent, element);
   if (FSchemaInstance && parent->GetNodeType() == ntDocument)
     static_cast<TVnDOMDocument*>(parent)->FUseSchemaInstance = true;
-  FOpen.push_back({static_cast<uint32_t>(FWaiting.size()), pushed});
-  SetCurrent(element);
+  SetCurrent(element);  // again: the space rule is the element's once it has joined
 }
 
 void TreeBuilder::Join(TVnDOMNode* AParent, TVnDOMElement* AElement) {

@@ -79,14 +79,14 @@ TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
   expectMessage([&] { VnSerialize(dsfXML, TValue::FromObject(&object)); },
                 u"There is no registered serializer for \"XML\"!");
   expectMessage([&] { VnSerialize(dsfJSON, &object, TypeInfoOf<TBase>()); },
-                u"There is no \"JSON\" registered serializer for TBase!");
+                Format(cVnNoSerializerForType, {u"JSON", u"TBase"}));
   expectMessage([&] { VnCreateDeserializer(dsfXML, TValue::From<Integer>(1)); },
-                u"There is no registered deserializer for \"XML\"!");
+                Format(cVnNoDeserializerForValue, {u"XML"}));
   // The pair exists, but without a deserializer.
   expectMessage([&] { VnDeserialize(kFake, &object, TypeInfoOf<TBase>(), TVnSerializedData("x")); },
-                u"There is no registered Format3 deserializer for TBase!");
+                Format(cVnNoDeserializerForType, {u"Format3", u"TBase"}));
   expectMessage([&] { VnSerializeEx(kEmpty, nullptr, nullptr); },
-                u"There is no \"Format2\" registered serializer for nil!");
+                Format(cVnNoSerializerForType, {u"Format2", u"nil"}));
   EXPECT_EQ(TFakeSerializer::Live, 0);
 }
 

@@ -1,6 +1,7 @@
 // Nodes, lists, names and leaves: positions, lookups, paths, stored values and edits.
 #include <gtest/gtest.h>
 
+#include "support/raises.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/dom.h"
@@ -47,11 +48,7 @@ TEST(DomList, NeighboursAndEmptyLists) {
   TVnDOMElement e;
   TVnDOMNodeList* list = e.GetChildNodes();
   EXPECT_THROW(list->First(), EVnDomNotFound);
-  try {
-    list->Last();
-  } catch (const EVnDomNotFound& ex) {
-    EXPECT_EQ(ex.Message(), cVnDomListEmpty);
-  }
+  test::ExpectRaises<EVnDomNotFound>([&] { list->Last(); }, cVnDomListEmpty);
   TVnDOMElement* a = e.AddElement(u"a");
   TVnDOMElement* b = e.AddElement(u"b");
   TVnDOMElement stranger;
@@ -76,12 +73,7 @@ TEST(DomList, FindTakesTheLastMatchAndChecksOptions) {
   EXPECT_EQ(list->Find(u"item", {soCaseSensitive}), first);
   EXPECT_THROW(list->Find(u"a", {soCaseSensitive, soCaseInsensitive}), Exception);
   EXPECT_THROW(list->Find(u"a", {soCreate}), Exception);
-  try {
-    list->Find(u"none", {soRaise});
-    FAIL();
-  } catch (const EVnDomNotFound& ex) {
-    EXPECT_EQ(ex.Message(), Format(cVnDomNoNodeForName, {u"none"}));
-  }
+  test::ExpectRaises<EVnDomNotFound>([&] { list->Find(u"none", {soRaise}); }, Format(cVnDomNoNodeForName, {u"none"}));
   TVnDOMElement* px = e.AddElement(u"p:x");
   EXPECT_EQ(list->Find(u"x", TVnDOMSelectOptions{}), nullptr);  // qualified match by default
   EXPECT_EQ(list->Find(u"x", {soLocalName}), px);

@@ -5,12 +5,14 @@
 #include <filesystem>
 #include <fstream>
 
-#include "sax_recorder.h"
+#include "support/sax_handlers.h"
+#include "support/raises.h"
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/vn_streams.h"
 
 using namespace vn;
-using vntest::RecordingReader;
+using vn::test::RecordingReader;
 
 namespace {
 
@@ -56,16 +58,9 @@ TEST(SaxAttributes, Lookups) {
   EXPECT_EQ(attrs.GetIndex(u"*", u"href"), -1);
   EXPECT_EQ(CodeOf([&] { attrs.GetType(u"*", u"href"); }), cVnXMLErrListIndexOutOfBounds);
 
-  try {
-    attrs.GetValue(u"a", u"b");
-  } catch (const EVnXMLParseError& e) {
-    EXPECT_EQ(e.Message(), u"List index (a-b) out of bounds!");
-  }
-  try {
-    attrs.GetAttribute(9);
-  } catch (const EVnXMLParseError& e) {
-    EXPECT_EQ(e.Message(), u"List index (9) out of bounds!");
-  }
+  test::ExpectRaises<EVnXMLParseError>([&] { attrs.GetValue(u"a", u"b"); },
+                                       Format(_cVnXMLListIndexOutOfBounds3, {u"a", u"b"}));
+  test::ExpectRaises<EVnXMLParseError>([&] { attrs.GetAttribute(9); }, Format(_cVnXMLListIndexOutOfBounds1, {9}));
 
   // Cleared records come back for reuse, with their old content overwritten.
   attrs.Clear();
@@ -141,7 +136,7 @@ TEST(SaxReaderFrame, LocatorAndInterfaces) {
 
 TEST(SaxReaderFrame, LocatorDuringEvents) {
   // A handler asking the locator during an event gets the reader's current place.
-  struct Asking : vntest::SaxRecorder {
+  struct Asking : vn::test::SaxRecorder {
     IVnSAXLocator* Loc = nullptr;
     void StartElement(std::u16string_view, std::u16string_view, std::u16string_view q, IVnSAXAttributes*) override {
       Events.push_back(U8(q) + "@" + std::to_string(Loc->GetLineNr()) + ":" + std::to_string(Loc->GetColNr()) +

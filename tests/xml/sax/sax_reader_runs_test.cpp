@@ -9,10 +9,10 @@
 #include <cstring>
 #include <memory>
 
-#include "sax_recorder.h"
+#include "support/sax_handlers.h"
 #include "vnxml/common/sysutils.h"
 
-using vntest::RecordingReader;
+using vn::test::RecordingReader;
 
 namespace {
 

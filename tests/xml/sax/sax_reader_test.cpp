@@ -4,10 +4,10 @@
 
 #include <functional>
 
-#include "sax_recorder.h"
+#include "support/sax_handlers.h"
 #include "vnxml/common/utf.h"
 
-using vntest::RecordingReader;
+using vn::test::RecordingReader;
 
 namespace {
 
@@ -242,8 +242,8 @@ TEST(SaxReader, HandlersAndFailurePath) {
   } catch (const vn::EVnXMLParseError& e) {
     EXPECT_EQ(e.GetCode(), vn::cVnXMLErrNoContentHandler);
   }
-  vntest::SaxRecorder* rec = new vntest::SaxRecorder;
-  vn::IPtr<vntest::SaxRecorder> keep(rec);
+  vn::test::SaxRecorder* rec = new vn::test::SaxRecorder;
+  vn::IPtr<vn::test::SaxRecorder> keep(rec);
   reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(rec));
   try {
     reader.Parse(u"<a/>", u"");
@@ -254,7 +254,7 @@ TEST(SaxReader, HandlersAndFailurePath) {
   EXPECT_TRUE(rec->Events.empty());  // neither reached a handler
 
   // A handler's own exception goes through FatalError and comes out unchanged.
-  struct Throwing : vntest::SaxRecorder {
+  struct Throwing : vn::test::SaxRecorder {
     void Characters(std::u16string_view) override { throw vn::EConvertError(u"handler says no"); }
   };
   RecordingReader r;

@@ -2,7 +2,7 @@
 
 #include "vnxml/common/sysutils.h"
 #include "vnxml/xml_values.h"
-#include "xml/values/values_test_util.h"
+#include "support/raises.h"
 
 namespace vn {
 namespace {

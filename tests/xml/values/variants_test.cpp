@@ -6,7 +6,7 @@
 #include "common/dates/tz_scope.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/xml_values.h"
-#include "xml/values/values_test_util.h"
+#include "support/raises.h"
 
 namespace vn {
 namespace {

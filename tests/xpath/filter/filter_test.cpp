@@ -3,6 +3,7 @@
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/xpath_terms.h"
+#include "xpath/fn_messages.h"
 #include "xpath/path/select_helpers.h"
 
 namespace vn {
@@ -113,7 +114,7 @@ TEST_F(Filter, ParserMessages) {
   EXPECT_EQ(Items(u"[-5]"), u"");     // a sign is no part of a literal: a name
   EXPECT_EQ(Items(u"['1']"), u"");    // nor is the apostrophe a quote
   EXPECT_EQ(Items(u"[fn:last()]"), u"4");
-  ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), u"The filter contains an unsupported function (nosuchfunction)!");
+  ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), Format(detail::cFnUnsupportedFunction, {u"nosuchfunction"}));
 }
 
 TEST_F(Filter, PathsWithFiltersInsideFilters) {

@@ -1,0 +1,1 @@
+events --multi-root two-roots.xml

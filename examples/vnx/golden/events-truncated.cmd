@@ -1,0 +1,1 @@
+events truncated.xml

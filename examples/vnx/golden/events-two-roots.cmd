@@ -1,0 +1,1 @@
+events two-roots.xml

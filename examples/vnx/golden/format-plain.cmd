@@ -1,0 +1,1 @@
+format --plain ns.xml

@@ -1,0 +1,1 @@
+format truncated.xml

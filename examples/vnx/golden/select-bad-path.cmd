@@ -1,0 +1,1 @@
+select shop.xml '//item[@id =='

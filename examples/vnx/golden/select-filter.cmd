@@ -1,0 +1,1 @@
+select shop.xml '/shop/item[@price > 8]/name'

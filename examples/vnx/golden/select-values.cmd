@@ -1,0 +1,1 @@
+select --value shop.xml '//name | //tag'
