@@ -9,6 +9,7 @@ target=${1:?usage: scripts/fuzz.sh TARGET [SECONDS]}
 seconds=${2:-600}
 case $target in
   xpath_fuzz) dict=fuzz/dict/path.dict ;;
+  json_*) dict=fuzz/dict/json.dict ;;
   *) dict=fuzz/dict/xml.dict ;;
 esac
 cmake --preset fuzz >/dev/null
