@@ -215,6 +215,13 @@ void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
     if (!AStep.FRemember || ARun.FRuns.First(&AStep, ANode)) RunStepAt(AStep, ANode, APrevWasDot, false, ARun);
     return;
   }
+  // A group without filters searches below its context itself, so from any node below it would
+  // only find again what it finds from here: one run covers the whole walk, in the same order.
+  if (AStep.FForm == StepForm::Group && AStep.FFilters.empty()) {
+    ++tWork;
+    if (!AStep.FRemember || ARun.FRuns.First(&AStep, ANode)) RunStepAt(AStep, ANode, APrevWasDot, true, ARun);
+    return;
+  }
   // The same step on this node and then on each child, depth first and in document order; an
   // explicit stack keeps deep trees off the call stack.
   // These forms find nothing on a node without children that is no element, so the walk leaves

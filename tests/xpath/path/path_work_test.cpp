@@ -35,6 +35,9 @@ TEST(PathWork, GrowsLinearlyWhereNodesAreReachedAgain) {
       // An absolute path inside a filter gives the same nodes for every candidate.
       {u"//[//[//[//[y]]]]", true, 10, 2, -1},
       {u"//x[//y = \"\"][/r/x[//y]]", true, 50, 1, 0},
+      // A group below "//" searched from every node, each nesting level another factor.
+      {u"//((((a))))", false, 200, 1, 0},
+      {u"//((x))/y", true, 100, 1, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FPath));
@@ -55,6 +58,7 @@ TEST(PathWork, NodesReachedAgainKeepTheOrderOfFirstDiscovery) {
   auto doc = LoadDoc(u"<r><a id='1'><a id='2'><b id='3'/></a><b id='4'/></a><a id='5'/></r>");
   EXPECT_EQ(Sel(doc.get(), u"//a//b"), u"4 3");
   EXPECT_EQ(Sel(doc.get(), u"//a//a//b"), u"3");
+  EXPECT_EQ(Sel(doc.get(), u"//((b))"), u"4 3");
   EXPECT_EQ(Sel(doc.get(), u"//b/../../a"), u"1 5 2");
   EXPECT_EQ(Sel(doc.get(), u"//a[//b]/b"), u"4 3");
   EXPECT_EQ(Sel(doc.get(), u"//a[/r/a/b]"), u"1 5 2");
