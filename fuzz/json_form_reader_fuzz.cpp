@@ -3,6 +3,7 @@
 // events and the same ending; valid UTF-8 read as UTF-16 text gives them too; the events follow
 // the grammar of the contract, the root is one object and every value a string. Any exception
 // but the reader's own failures is a finding.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -161,8 +162,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
          parser.ParseBuffer(text.data(), static_cast<vn::Cardinal>(text.size()), cp, true);
        }),
        "parser component differs");
-  if (cp != 1200 && whole != u"(encoding)" && text.size() >= 4 && text.find('\0') == std::string::npos) {
-    // Text that is read as UTF-8 reads the same as UTF-16 text when it is valid.
+  const bool supplementary = std::any_of(text.begin(), text.end(), [](char c) { return static_cast<uint8_t>(c) >= 0xF0; });
+  if (cp != 1200 && whole != u"(encoding)" && text.size() >= 4 && text.find('\0') == std::string::npos &&
+      !supplementary) {
+    // Text that is read as UTF-8 reads the same as UTF-16 text when it is valid. Not with characters
+    // beyond the BMP: the two characters after "%" are two code units of UTF-16 text, half of such a
+    // character, where UTF-8 text reads it whole.
     const vn::UnicodeString wide = vn::Utf8ToUnicode(text);
     if (vn::UnicodeToUtf8(wide) == text) same(RunReader([&](vn::TVnJSONReader& r) { r.Parse(wide, u""); }), "UTF-16 text differs");
   }
