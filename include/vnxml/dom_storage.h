@@ -61,6 +61,12 @@ class NodePool {
   char* FEnd = nullptr;
 };
 
+/// Nodes of either tree carry a slot in front of them that names their pool, or nullptr for a node
+/// made on the heap; these are their operator new and delete.
+inline constexpr size_t kNodePoolSlot = sizeof(NodePool*);
+void* NewSlottedNode(size_t ASize);
+void DeleteSlottedNode(void* APtr, size_t ASize) noexcept;
+
 /// A growable array of pointers that owns nothing it points at; one null pointer while empty.
 /// Growing with a pool takes the new block from it; a block from a pool is never freed here.
 template <class T>

@@ -154,20 +154,24 @@ namespace vn {
 
 static_assert(alignof(TVnDOMElement) <= TVnDOMNode::kPoolSlot);
 
-void* TVnDOMNode::operator new(size_t ASize) {
-  void* p = ::operator new(kPoolSlot + ASize);
-  *static_cast<detail::NodePool**>(p) = nullptr;
-  return static_cast<char*>(p) + kPoolSlot;
+void* detail::NewSlottedNode(size_t ASize) {
+  void* p = ::operator new(kNodePoolSlot + ASize);
+  *static_cast<NodePool**>(p) = nullptr;
+  return static_cast<char*>(p) + kNodePoolSlot;
 }
 
-void TVnDOMNode::operator delete(void* APtr, size_t ASize) noexcept {
+void detail::DeleteSlottedNode(void* APtr, size_t ASize) noexcept {
   if (!APtr) return;
-  void* p = static_cast<char*>(APtr) - kPoolSlot;
-  if (detail::NodePool* pool = *static_cast<detail::NodePool**>(p))
-    pool->FreeNode(p, kPoolSlot + ASize);
+  void* p = static_cast<char*>(APtr) - kNodePoolSlot;
+  if (NodePool* pool = *static_cast<NodePool**>(p))
+    pool->FreeNode(p, kNodePoolSlot + ASize);
   else
-    ::operator delete(p, kPoolSlot + ASize);
+    ::operator delete(p, kNodePoolSlot + ASize);
 }
+
+void* TVnDOMNode::operator new(size_t ASize) { return detail::NewSlottedNode(ASize); }
+
+void TVnDOMNode::operator delete(void* APtr, size_t ASize) noexcept { detail::DeleteSlottedNode(APtr, ASize); }
 
 void TVnDOMNode::operator delete(void* APtr, detail::NodePool& APool) noexcept {
   APool.FreeNode(static_cast<char*>(APtr) - kPoolSlot, kPoolSlot);

@@ -16,20 +16,9 @@ void detail::SetJSONSelect(JSONSelectFunc AFunc) noexcept { gSelect = AFunc; }
 
 // ---- memory ----
 
-void* TVnJSONBase::operator new(size_t ASize) {
-  void* p = ::operator new(kPoolSlot + ASize);
-  *static_cast<detail::NodePool**>(p) = nullptr;
-  return static_cast<char*>(p) + kPoolSlot;
-}
+void* TVnJSONBase::operator new(size_t ASize) { return detail::NewSlottedNode(ASize); }
 
-void TVnJSONBase::operator delete(void* APtr, size_t ASize) noexcept {
-  if (!APtr) return;
-  void* p = static_cast<char*>(APtr) - kPoolSlot;
-  if (detail::NodePool* pool = *static_cast<detail::NodePool**>(p))
-    pool->FreeNode(p, kPoolSlot + ASize);
-  else
-    ::operator delete(p, kPoolSlot + ASize);
-}
+void TVnJSONBase::operator delete(void* APtr, size_t ASize) noexcept { detail::DeleteSlottedNode(APtr, ASize); }
 
 void TVnJSONBase::operator delete(void* APtr, detail::NodePool& APool) noexcept {
   APool.FreeNode(static_cast<char*>(APtr) - kPoolSlot, kPoolSlot);
