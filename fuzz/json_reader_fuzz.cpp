@@ -11,82 +11,13 @@
 #include <vector>
 
 #include "vnxml/common/stream.h"
-#include "vnxml/common/utf.h"
+#include "json_event_recorder.h"
 #include "vnxml/json_reader.h"
 
 namespace {
 
-using SV = std::u16string_view;
-
-[[noreturn]] void Finding(const char* AWhat) {
-  std::fprintf(stderr, "json_reader_fuzz: %s\n", AWhat);
-  std::abort();
-}
-
-// Records the events and checks them against the grammar as they come.
-class Recorder : public vn::TVnObject, public vn::IVnJSONContentHandler, public vn::IVnJSONErrorHandler {
-  VN_VNOBJECT_INTERFACES(vn::TVnObject, vn::IVnJSONContentHandler, vn::IVnJSONErrorHandler)
- public:
-  Recorder() { SetAutoDestroy(false); }
-  std::u16string Trace;
-  // Open constructs: 'a' array, 'o' object, 'm' member before its value, 'v' member after it.
-  std::string Open;
-  bool Started = false, Ended = false, Failed = false;
-
-  void SetDocumentLocator(vn::IVnJSONLocator*) override { Finding("SetDocumentLocator"); }
-  void StartDocument() override {
-    if (Started) Finding("two StartDocument");
-    Started = true;
-    Trace += u'<';
-  }
-  void EndDocument() override {
-    if (!Open.empty() || Ended) Finding("EndDocument inside a value");
-    Ended = true;
-    Trace += u'>';
-  }
-  void StartObject() override { BeginValue('o', u'{'); }
-  void StartArray() override { BeginValue('a', u'['); }
-  void EndObject() override { End('o', u'}'); }
-  void EndArray() override { End('a', u']'); }
-  void StartMember(SV n) override {
-    if (Open.empty() || Open.back() != 'o') Finding("StartMember outside an object");
-    Open += 'm';
-    Trace.append(u"m:").append(n).append(u"|");
-  }
-  void EndMember() override {
-    if (Open.empty() || Open.back() != 'v') Finding("EndMember without one value");
-    Open.pop_back();
-    Trace += u'/';
-  }
-  void Value(vn::TVnJSONSimpleDataType k, SV v) override {
-    if (k > vn::jdtBoolean) Finding("Value of a container kind");
-    BeginValue(0, static_cast<char16_t>(u'0' + k));
-    Trace.append(v).append(u"|");
-  }
-  void Warning(vn::IVnJSONLocator*, SV) override {}
-  void Error(vn::IVnJSONLocator*, SV) override {}
-  void FatalError(vn::IVnJSONLocator* l, SV m) override {
-    Failed = true;
-    Trace.append(u"!").append(m).append(u"@") += vn::Utf8ToUnicode(std::to_string(l->GetLineNr()) + ":" +
-                                                                std::to_string(l->GetColNr()));
-  }
-
- private:
-  void BeginValue(char AKind, char16_t AToken) {
-    if (!Started || Ended) Finding("event outside the document");
-    if (!Open.empty()) {
-      if (Open.back() == 'm') Open.back() = 'v';
-      else if (Open.back() != 'a') Finding("value where a member is due");
-    }
-    if (AKind) Open += AKind;
-    Trace += AToken;
-  }
-  void End(char AKind, char16_t AToken) {
-    if (Open.empty() || Open.back() != AKind) Finding("end without its start");
-    Open.pop_back();
-    Trace += AToken;
-  }
-};
+using fuzzjson::Finding;
+using fuzzjson::Recorder;
 
 // A stream that hands out at most Chunk bytes per read, and may not know its size.
 class ChunkStream : public vn::TStream {
@@ -157,14 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
          r.ParseStream(&s, cp, u"");
        }),
        "chunked stream differs");
-  const bool supplementary = std::any_of(text.begin(), text.end(), [](char c) { return static_cast<uint8_t>(c) >= 0xF0; });
-  if (cp != 1200 && whole != u"(encoding)" && text.size() >= 4 && text.find('\0') == std::string::npos &&
-      !supplementary) {
-    // Text that is read as UTF-8 reads the same as UTF-16 text when it is valid. Not with characters
-    // beyond the BMP: the steps that pass "one character" pass one code unit of UTF-16 text, half
-    // of such a character, where UTF-8 text passes it whole.
-    const vn::UnicodeString wide = vn::Utf8ToUnicode(text);
-    if (vn::UnicodeToUtf8(wide) == text) same(Run([&](vn::TVnJSONReader& r) { r.Parse(wide, u""); }), "UTF-16 text differs");
-  }
+  const vn::UnicodeString wide = fuzzjson::Utf16Twin(text, cp, whole == u"(encoding)");
+  if (!wide.empty()) same(Run([&](vn::TVnJSONReader& r) { r.Parse(wide, u""); }), "UTF-16 text differs");
   return 0;
 }
