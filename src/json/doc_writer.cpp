@@ -15,11 +15,33 @@ namespace vn::detail {
 
 namespace {
 
+int HexDigit(uint8_t c) noexcept {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// The letter of a two-character escape for an ASCII unit, or 0 when the unit is written as is.
+char ShortEscape(uint32_t u) noexcept {
+  switch (u) {
+    case 8: return 'b';
+    case 9: return 't';
+    case 10: return 'n';
+    case 12: return 'f';
+    case 13: return 'r';
+    case '"': return '"';
+    case '/': return '/';
+    case '\\': return '\\';
+    default: return 0;
+  }
+}
+
 // A loaded UTF-8 string as decode-then-encode writes it, straight from its bytes into UTF-8
 // output: Latin-1 letters stay, "/" and control characters get their escapes, everything from
-// U+0100 up becomes \uXXXX (a pair of them above U+FFFF). Gives nullptr, having written
-// nothing, for what only the long way decides alike: a \u escape, a byte sequence that is not
-// strict UTF-8.
+// U+0100 up becomes \uXXXX (a pair of them above U+FFFF), a \u escape is the code unit it names
+// written the same way. Gives nullptr, having written nothing, for what only the long way decides
+// alike: other escapes, a byte sequence that is not strict UTF-8.
 char* TranscodeUtf8String(const uint8_t* p, const uint8_t* e, char* o) noexcept {
   static constexpr char kHex[] = "0123456789ABCDEF";
   auto escapeUnit = [&](uint32_t u) {
@@ -30,6 +52,22 @@ char* TranscodeUtf8String(const uint8_t* p, const uint8_t* e, char* o) noexcept 
     o[4] = kHex[(u >> 4) & 15];
     o[5] = kHex[u & 15];
     o += 6;
+  };
+  // one UTF-16 code unit as the escaping writes it, in UTF-8
+  auto writeUnit = [&](uint32_t u) {
+    if (u >= 0x100) {
+      escapeUnit(u);
+    } else if (u >= 0x80) {
+      *o++ = static_cast<char>(0xC0 | (u >> 6));
+      *o++ = static_cast<char>(0x80 | (u & 0x3F));
+    } else if (u >= 1 && u <= 7) {
+      // dropped
+    } else if (const char esc = ShortEscape(u)) {
+      *o++ = '\\';
+      *o++ = esc;
+    } else {
+      *o++ = static_cast<char>(u);
+    }
   };
   while (p < e) {
 #if defined(__SSE2__)
@@ -48,38 +86,35 @@ char* TranscodeUtf8String(const uint8_t* p, const uint8_t* e, char* o) noexcept 
     const uint8_t c = *p;
     if (c < 0x80) {
       ++p;
-      switch (c) {
-        case 1: case 2: case 3: case 4: case 5: case 6: case 7: continue;
-        case 8: *o++ = '\\'; *o++ = 'b'; continue;
-        case 9: *o++ = '\\'; *o++ = 't'; continue;
-        case 10: *o++ = '\\'; *o++ = 'n'; continue;
-        case 12: *o++ = '\\'; *o++ = 'f'; continue;
-        case 13: *o++ = '\\'; *o++ = 'r'; continue;
-        case '/': *o++ = '\\'; *o++ = '/'; continue;
-        case '"': *o++ = '\\'; *o++ = '"'; continue;
-        case '\\':
-          // the escapes that come out as they went in; anything else takes the long way
-          if (p == e) return nullptr;
-          switch (*p) {
-            case '"': case '\\': case '/': case 'b': case 'f': case 'n': case 'r': case 't':
-              *o++ = '\\';
-              *o++ = static_cast<char>(*p++);
-              continue;
-            default: return nullptr;
+      if (c != '\\') {
+        writeUnit(c);
+        continue;
+      }
+      // the escapes that come out as they went in, and \u; anything else takes the long way
+      if (p == e) return nullptr;
+      switch (*p) {
+        case '"': case '\\': case '/': case 'b': case 'f': case 'n': case 'r': case 't':
+          *o++ = '\\';
+          *o++ = static_cast<char>(*p++);
+          continue;
+        case 'u': {
+          uint32_t u = 0;
+          if (e - p < 5) return nullptr;
+          for (int k = 1; k <= 4; ++k) {
+            const int d = HexDigit(p[k]);
+            if (d < 0) return nullptr;
+            u = (u << 4) | static_cast<uint32_t>(d);
           }
-        default: *o++ = static_cast<char>(c); continue;
+          p += 5;
+          writeUnit(u);
+          continue;
+        }
+        default: return nullptr;
       }
     }
     uint32_t cp;
     if (c >= 0xC2 && c <= 0xDF && e - p >= 2 && (p[1] & 0xC0) == 0x80) {
-      // U+0080 to U+07FF: Latin-1 stays as its two bytes
-      cp = ((c & 0x1Fu) << 6) | (p[1] & 0x3Fu);
-      if (cp < 0x100) {
-        *o++ = static_cast<char>(c);
-        *o++ = static_cast<char>(p[1]);
-      } else {
-        escapeUnit(cp);
-      }
+      writeUnit(((c & 0x1Fu) << 6) | (p[1] & 0x3Fu));
       p += 2;
       continue;
     }

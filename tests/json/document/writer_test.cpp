@@ -54,6 +54,9 @@ TEST(JsonWriter, LoadedTextGoesThroughDecodeThenEncode) {
       {R"(["a/b","a\/b"])", uR"(["a\/b", "a\/b"])"},
       {R"(["\"\\\b\f\n\r\t"])", uR"(["\"\\\b\f\n\r\t"])"},
       {R"(["\u00e9\u20ac"])", u"[\"\u00e9\\u20AC\"]"},
+      // \u escapes of every kind of unit, in either case of hexadecimal digits
+      {R"(["\u0041\u00E9\u0001\u002f\u005c\u0022\u000a\u000B\ud83d\ude00\uDC00"])",
+       u"[\"A\u00e9\\/\\\\\\\"\\n\u000b\\uD83D\\uDE00\\uDC00\"]"},
       {"[\"\xC3\xA9\xE2\x82\xAC\"]", u"[\"\u00e9\\u20AC\"]"},
       {"[\"\xF0\x9F\x98\x80\"]", uR"(["\uD83D\uDE00"])"},
       {"[\"\x01x\x1f\"]", u"[\"x\x1f\"]"},
@@ -69,6 +72,8 @@ TEST(JsonWriter, LoadedTextGoesThroughDecodeThenEncode) {
     TVnStringStream bytes(std::string_view(c.Input), cVnCodePageUTF8);
     TVnJSONDocument fromStream(bytes, cVnCodePageUTF8);
     EXPECT_EQ(fromStream.GetAsJSON(), c.Saved);
+    // UTF-8 output writes loaded UTF-8 strings straight from their bytes
+    EXPECT_EQ(Saved(fromStream, false, cVnCodePageUTF8, false), UnicodeToUtf8(c.Saved));
   }
 }
 
