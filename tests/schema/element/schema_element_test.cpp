@@ -1,0 +1,250 @@
+// The schema element tree: creation in the order of the table, the rows that create on read, the
+// typed accessors, lookups by name, removal and the event's re-entry guard.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "support/raises.h"
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/dom.h"
+#include "vnxml/schema_element.h"
+
+namespace {
+
+using namespace vn;
+using test::ExpectRaises;
+using test::U8;
+
+// A wrapper over a document's root, with its protected containers in reach.
+struct TTestSchema : TVnXMLSchemaElement {
+  using TVnXMLSchemaElement::FArrayElements;
+  using TVnXMLSchemaElement::FSubElements;
+  using TVnXMLSchemaElement::TVnXMLSchemaElement;
+};
+
+struct Fixture {
+  explicit Fixture(std::u16string_view AXML) : Doc(TVnDOMDocument::FromXML(AXML)) {}
+  std::unique_ptr<TVnDOMDocument> Doc;
+  TTestSchema Schema{Doc->GetRootNode()->As<IVnDOMElement>()};
+  std::string XML() { return U8(Schema.GetXML()); }
+};
+
+TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
+  struct Case {
+    const char16_t* Start;
+    std::vector<Integer> Created;
+    const char* Expected;
+  } cases[] = {
+      {u"<r/>", {1}, "<r><b /></r>"},
+      {u"<r><c/></r>", {1, 0}, "<r><a /><b /><c /></r>"},  // no earlier row exists: at the front
+      {u"<r><a/></r>", {2}, "<r><a /><c /></r>"},
+      {u"<r><a/><c/></r>", {1}, "<r><a /><b /><c /></r>"},
+      {u"<r><x/><a/><y/></r>", {2, 1}, "<r><x /><a /><b /><c /><y /></r>"},
+      {u"<r><x/></r>", {2}, "<r><c /><x /></r>"},
+  };
+  for (const Case& c : cases) {
+    Fixture f(c.Start);
+    for (const char16_t* name : {u"a", u"b", u"c"})
+      f.Schema.AddSchemaInfo(static_cast<Integer>(name[0] - u'a'), ntElement, name);
+    for (Integer i : c.Created) ASSERT_TRUE(f.Schema.GetNodeByIndex(i, true));
+    EXPECT_EQ(f.XML(), c.Expected) << U8(c.Start);
+  }
+}
+
+TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
+  struct Case {
+    TVnDOMNodeType Type;
+    Integer MinOccurs;
+    bool Required;
+    const char* Expected;
+  } cases[] = {
+      {ntElement, 0, false, "<r />"},   {ntElement, 1, false, "<r><x /></r>"},
+      {ntElement, 2, false, "<r />"},   {ntElement, 0, true, "<r><x /></r>"},
+      {ntAttribute, 1, false, "<r />"}, {ntAttribute, 0, true, "<r x=\"\" />"},
+  };
+  for (const Case& c : cases) {
+    Fixture f(u"<r/>");
+    f.Schema.AddSchemaInfo(0, c.Type, u"x", c.MinOccurs, 1, c.Required);
+    UnicodeString value = u"old";
+    bool created = std::string(c.Expected) != "<r />";
+    EXPECT_EQ(f.Schema.GetValue(0, value), created);
+    EXPECT_EQ(value, u"");
+    EXPECT_EQ(f.XML(), c.Expected) << c.Type << " min " << c.MinOccurs;
+  }
+}
+
+TEST(SchemaElement, EmptyValueOnAMissingNodeCreatesNothing) {
+  Fixture f(u"<r/>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"s");
+  f.Schema.AddSchemaInfo(1, ntAttribute, u"t");
+  f.Schema.SetStringValue(0, u"");
+  f.Schema.SetStringValue(1, u"");
+  EXPECT_EQ(f.XML(), "<r />");
+  f.Schema.SetStringValue(1, u"v");
+  f.Schema.SetStringValue(0, u"w");
+  f.Schema.SetStringValue(0, u"");  // an existing node takes the empty value
+  EXPECT_EQ(f.XML(), "<r t=\"v\"><s></s></r>");
+}
+
+TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
+  using Check = std::function<bool(TTestSchema&)>;
+  struct Case {
+    const char* Name;
+    std::function<void(TTestSchema&)> Set;
+    const char16_t* Stored;
+    Check Read;
+  } cases[] = {
+      {"Byte", [](auto& s) { s.SetByteValue(0, 255); }, u"255", [](auto& s) { return s.GetUnsignedByteValue(0) == 255; }},
+      {"Short", [](auto& s) { s.SetShortValue(0, -32768); }, u"-32768", [](auto& s) { return s.GetShortValue(0) == -32768; }},
+      {"Int", [](auto& s) { s.SetIntegerValue(0, -7); }, u"-7", [](auto& s) { return s.GetIntValue(0) == -7; }},
+      {"Long", [](auto& s) { s.SetInt64Value(0, INT64_MIN); }, u"-9223372036854775808",
+       [](auto& s) { return s.GetInteger64Value(0) == INT64_MIN; }},
+      {"UnsignedShort", [](auto& s) { s.SetUnsignedShortValue(0, 65535); }, u"65535",
+       [](auto& s) { return s.GetUnsignedShortValue(0) == 65535; }},
+      {"UnsignedInt", [](auto& s) { s.SetNonNegativeIntegerValue(0, 4294967295u); }, u"4294967295",
+       [](auto& s) { return s.GetUnsignedIntValue(0) == 4294967295u; }},
+      {"UnsignedLong", [](auto& s) { s.SetUnsignedLongValue(0, UINT64_MAX); }, u"18446744073709551615",
+       [](auto& s) { return s.GetUnsignedLongValue(0) == UINT64_MAX; }},
+      {"Float", [](auto& s) { s.SetDecimalValue(0, 1.5); }, u"1.5", [](auto& s) { return s.GetFloatValue(0) == 1.5; }},
+      {"Double", [](auto& s) { s.SetDoubleValue(0, 0.25L); }, u"0.25", [](auto& s) { return s.GetDoubleValue(0) == 0.25L; }},
+      {"Boolean", [](auto& s) { s.SetBooleanValue(0, true); }, u"true", [](auto& s) { return s.GetBooleanValue(0); }},
+      {"Date", [](auto& s) { s.SetDateValue(0, EncodeDate(1999, 10, 20)); }, u"1999-10-20",
+       [](auto& s) { return s.GetDateValue(0) == EncodeDate(1999, 10, 20); }},
+      {"Time", [](auto& s) { s.SetTimeValue(0, 0.5); }, u"12:00:00.000", [](auto& s) { return s.GetTimeValue(0) == 0.5; }},
+      {"TimeInstant", [](auto& s) { s.SetTimeInstantValue(0, EncodeDate(2001, 2, 3) + 0.5); }, u"2001-02-03T12:00:00.000",
+       [](auto& s) { return s.GetDatetimeValue(0) == EncodeDate(2001, 2, 3) + 0.5; }},
+      {"Guid", [](auto& s) { s.SetGuidValue(0, TGUID::Parse("01234567-89ab-cdef-0123-456789abcdef")); },
+       u"{01234567-89AB-CDEF-0123-456789ABCDEF}",
+       [](auto& s) { return s.GetGuidValue(0) == TGUID::Parse("01234567-89ab-cdef-0123-456789abcdef"); }},
+      {"Base64binary", [](auto& s) { s.SetBase64binaryValue(0, "QUJD"); }, u"QUJD",
+       [](auto& s) { return s.GetBase64binaryValue(0) == "QUJD"; }},
+      {"String", [](auto& s) { s.SetAnyUriValue(0, u"a<b"); }, u"a<b", [](auto& s) { return s.GetLanguageValue(0) == u"a<b"; }},
+      {"Duration", [](auto& s) { s.SetDurationValue(0, u"P1D"); }, u"P1D", [](auto& s) { return s.GetAnyValue(0) == u"P1D"; }},
+      {"Xml", [](auto& s) { s.SetJsonValue(0, u"{\"a\":1}"); }, u"{\"a\":1}",
+       [](auto& s) { return s.GetXmlValue(0) == u"{\"a\":1}"; }},
+  };
+  for (const Case& c : cases) {
+    Fixture f(u"<r/>");
+    f.Schema.AddSchemaInfo(0, ntElement, u"v");
+    c.Set(f.Schema);
+    EXPECT_EQ(U8(f.Doc->GetRootNode()->FirstElement()->GetNodeValue()), U8(c.Stored)) << c.Name;
+    EXPECT_TRUE(c.Read(f.Schema)) << c.Name;
+  }
+}
+
+TEST(SchemaElement, DatetimeWritesUTCAndTimeInstantNoZone) {
+  Fixture f(u"<r/>");
+  f.Schema.AddSchemaInfo(0, ntAttribute, u"d");
+  f.Schema.AddSchemaInfo(1, ntAttribute, u"t");
+  f.Schema.SetDatetimeValue(0, EncodeDate(2001, 2, 3));
+  f.Schema.SetTimeInstantValue(1, EncodeDate(2001, 2, 3));
+  EXPECT_EQ(f.Schema.GetXmlValue(0).back(), u'Z');
+  EXPECT_NE(f.Schema.GetXmlValue(1).back(), u'Z');
+}
+
+TEST(SchemaElement, MissingNodesReadAsZeroAndStringsDecodeTwice) {
+  Fixture f(u"<r><s>&amp;amp;</s></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"missing");
+  f.Schema.AddSchemaInfo(1, ntElement, u"s");
+  EXPECT_EQ(f.Schema.GetIntValue(0), 0);
+  EXPECT_EQ(f.Schema.GetDatetimeValue(0), 0.0);
+  EXPECT_EQ(f.Schema.GetStringValue(0), u"");
+  EXPECT_EQ(f.Schema.GetGuidValue(0), TGUID{});
+  EXPECT_FALSE(f.Schema.GetBooleanValue(0));
+  EXPECT_EQ(f.XML(), "<r><s>&amp;amp;</s></r>");
+  EXPECT_EQ(f.Schema.GetXmlValue(1), u"&amp;");
+  EXPECT_EQ(f.Schema.GetStringValue(1), u"&");
+}
+
+TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
+  Fixture f(u"<r><n>abc</n></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"n");
+  UnicodeString v;
+  for (auto call : std::initializer_list<std::function<void()>>{
+           [&] { f.Schema.GetValue(9, v); }, [&] { f.Schema.SetValue(9, u"x"); }, [&] { f.Schema.GetIntValue(9); },
+           [&] { f.Schema.GetNodeByIndex(-1, false); }})
+    ExpectRaises<EListError>(call, cVnSchemaInvalidIndex);
+  ExpectRaises<EListError>([&] { f.Schema.GetNode(u"zz"); }, Format(cVnSchemaNodeNotInSchema, {u"zz"}));
+  ExpectRaises<EListError>([&] { f.Schema.AddSchemaInfo(0, ntElement, u"other"); }, cRtlDuplicateItem);
+  EXPECT_THROW(f.Schema.GetIntValue(0), EConvertError);
+  EXPECT_THROW(f.Schema.GetGuidValue(0), EConvertError);
+  EXPECT_FALSE(f.Schema.FindNode(u"zz"));
+  EXPECT_EQ(f.Schema.FindSchemaInfo(u"zz"), nullptr);
+  EXPECT_EQ(f.XML(), "<r><n>abc</n></r>");
+}
+
+TEST(SchemaElement, NamesMatchWithAndWithoutPrefix) {
+  Fixture f(u"<r xmlns:p=\"u\"><p:b>1</p:b></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"p:b");
+  EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.GetNode(u"").Get()), f.Doc->GetRootNode());
+  EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.FindNode(u"").Get()), f.Doc->GetRootNode());
+  ASSERT_TRUE(f.Schema.FindNode(u"b"));
+  EXPECT_EQ(f.Schema.FindNode(u"b")->GetNodeValue(), u"1");
+  EXPECT_FALSE(f.Schema.FindNode(u"B"));  // exact in FindNode, ASCII case-blind in FindSchemaInfo
+  EXPECT_EQ(f.Schema.FindSchemaInfo(u"b"), nullptr);
+  ASSERT_NE(f.Schema.FindSchemaInfo(u"P:B"), nullptr);
+  EXPECT_EQ(f.Schema.FindSchemaInfo(u"P:B")->FName, u"p:b");
+}
+
+TEST(SchemaElement, EventFiresOncePerRowAndMayReadItsOwnRow) {
+  Fixture f(u"<r><a>1</a><b>2</b></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"a");
+  f.Schema.AddSchemaInfo(1, ntElement, u"b");
+  std::vector<UnicodeString> fired;
+  f.Schema.FOnGetValue = [&](TVnXMLSchemaElement* ASender, TVnXMLSchemaInfo* AInfo) {
+    fired.push_back(AInfo->FName);
+    EXPECT_EQ(ASender, &f.Schema);
+    ASender->GetIntValue(0);  // its own row for a, another row (fired too) for b
+  };
+  EXPECT_EQ(f.Schema.GetIntValue(0), 1);
+  EXPECT_EQ(fired, (std::vector<UnicodeString>{u"a"}));
+  fired.clear();
+  EXPECT_EQ(f.Schema.GetIntValue(1), 2);
+  EXPECT_EQ(fired, (std::vector<UnicodeString>{u"b", u"a"}));
+}
+
+TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
+  Fixture f(u"<r><Item>1</Item><keep/></r>");
+  auto item = f.Doc->GetRootNode()->FirstElement()->As<IVnDOMElement>();
+  f.Schema.FSubElements.Add(new TTestSchema(item));
+  f.Schema.FSubElements.Add(new TTestSchema(f.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
+  f.Schema.FSubElements.Add(new TTestSchema(item));
+  f.Schema.RemoveNode(u"absent");
+  EXPECT_EQ(f.Schema.FSubElements.Count(), 3);
+  f.Schema.RemoveNode(u"ITEM");
+  EXPECT_EQ(f.Schema.FSubElements.Count(), 1);
+  EXPECT_EQ(f.XML(), "<r><keep /></r>");
+  // The removed element lives on in the interface held here; its last release frees it.
+  EXPECT_EQ(item->GetNodeValue(), u"1");
+}
+
+TEST(SchemaElement, ClearAndAssignKeepTheTable) {
+  Fixture from(u"<r><a>1</a></r>"), to(u"<r><a>2</a><z/></r>");
+  for (Fixture* f : {&from, &to}) f->Schema.AddSchemaInfo(0, ntElement, u"a");
+  to.Schema.FArrayElements.Add(0, TValue::FromObject(new TObject()));  // disposed by Clear
+  to.Schema.FSubElements.Add(new TTestSchema(to.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
+  to.Schema.Assign(&from.Schema);
+  EXPECT_EQ(to.XML(), "<r><a>1</a></r>");
+  EXPECT_EQ(to.Schema.FArrayElements.Count() + to.Schema.FSubElements.Count(), 0);
+  EXPECT_EQ(to.Schema.GetIntValue(0), 1);
+  to.Schema.Clear();
+  EXPECT_EQ(to.XML(), "<r />");
+  TVnObjectEx plain;
+  ExpectRaises<EConvertError>([&] { plain.Assign(&from.Schema); },
+                              Format(cRtlAssignError, {u"TVnXMLSchemaElement", u"TVnObjectEx"}));
+}
+
+TEST(SchemaElement, WrapperOfADetachedElementKeepsItAlive) {
+  auto* detached = new TVnDOMElement();
+  detached->SetQualifiedName(u"d");
+  auto schema = TVnXMLSchemaElement::Create<TTestSchema>(detached->As<IVnDOMElement>());
+  schema->AddSchemaInfo(0, ntElement, u"x", 1, 1);
+  EXPECT_EQ(schema->GetStringValue(0), u"");
+  EXPECT_EQ(U8(schema->GetXML()), "<d><x /></d>");
+  schema.reset();  // the last reference goes with the wrapper: LeakSanitizer checks the free
+}
+
+}  // namespace
