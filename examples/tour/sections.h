@@ -16,4 +16,7 @@ void Paths();
 void Json();
 void Form();
 
+// schema-adapter
+void Schema();
+
 }  // namespace tour
