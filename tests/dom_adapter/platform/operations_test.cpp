@@ -10,6 +10,7 @@
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
+#include "vnxml/common/xml_doc_hooks.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_adapter.h"
 #include "vnxml/dom_messages.h"
@@ -119,6 +120,11 @@ TEST(PlatformDOM, VendorsAndFreeFunctions) {
   EXPECT_EQ(U8(VnFormatXML(doc)), "<p:a xmlns:p=\"u\" p:x=\"1\">\r\n  <p:b />\r\n</p:a>");
   EXPECT_EQ(U8(VnCreateDOM(u"<a>1</a>")->GetRootNode()->GetText()), "1");
   ExpectRaises<EInvalidCast>([] { VnAddText(nullptr, u"x"); }, cRtlInvalidCast);
+
+  // The document hooks of the common package are in place before their first use.
+  IPtr<IInterface> hooked = GetCreateXMLDoc()(u"<a><b>1</b></a>");
+  EXPECT_EQ(U8(GetGetXMLDocValue()(hooked, u"/a/b").AsString()), "1");
+  EXPECT_TRUE(VarIsEmpty(GetGetXMLDocValue()(hooked, u"/a/c")));
 }
 
 TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
