@@ -206,6 +206,11 @@ TEST(PlatformDOM, LookupsAndRefusals) {
   // A document is not cloned, and a node in a tree must leave it before it goes elsewhere.
   EXPECT_THROW(doc->importNode(doc, -1), EVnDomNotSupported);
   ExpectRaises<EVnDomHierarchyRequest>([&] { root->appendChild(text); }, cVnDomHasParent);
+  // Names that aren't XML are refused where they would be written.
+  IPtr<IDOMElement> bad = doc->createElement(u"1bad");
+  VnAddAttribute(root, u"a=b");
+  ExpectRaises<EVnDomInvalidCharacter>([&] { XML(bad); }, Format(cVnDomElementNameNotWritable, {u"1bad"}));
+  ExpectRaises<EVnDomInvalidCharacter>([&] { XML(root); }, Format(cVnDomAttributeNameNotWritable, {u"a=b"}));
 }
 
 }  // namespace
