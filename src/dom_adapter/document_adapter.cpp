@@ -49,7 +49,10 @@ class DocumentAdapter final : public NodeAdapter<IDOMDocument, IDOMDocumentType>
   void set_documentElement(const IPtr<IDOMElement>& element) override {
     TVnDOMDocument* doc = Self();
     if (TVnDOMElement* root = doc->GetRootNode()) doc->RemoveChild(root);
-    doc->AppendChild(NodeArgAs<TVnDOMElement>(element.Get()));
+    // The old root is gone even when the new one fails the cast.
+    auto* newRoot = NodeArgAs<TVnDOMElement>(element.Get());
+    if (!newRoot) throw EInvalidCast(cRtlInvalidCast);
+    doc->AppendChild(newRoot);
   }
   IPtr<IDOMElement> createElement(std::u16string_view tagName) override {
     return Adopt<IDOMElement>(NewNamed<TVnDOMElement>(tagName));

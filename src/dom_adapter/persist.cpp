@@ -65,9 +65,17 @@ void SaveToInterfaceStream(TVnDOMNode* ANode, const IPtr<IStream>& AStream) {
 }
 
 void ReplaceChild(TVnDOMNode* AParent, TVnDOMNode* ANew, TVnDOMNode* AOld) {
-  TVnDOMNode* before = AOld ? AOld->PreviousSibling() : nullptr;
+  if (!ANew || !AOld) throw EInvalidCast(cRtlInvalidCast);
+  TVnDOMNode* before = AOld->PreviousSibling();
+  const TVnDOMPosition where = before ? rdpAfter : rdpFirst;
   AParent->RemoveChild(AOld);
-  AParent->AddChild(ANew, before, before ? rdpAfter : rdpFirst);
+  try {
+    AParent->AddChild(ANew, before, where);
+  } catch (...) {
+    // A refused new child leaves the tree as it was (the caller's reference kept AOld alive).
+    AParent->AddChild(AOld, before, where);
+    throw;
+  }
 }
 
 }  // namespace vn::detail

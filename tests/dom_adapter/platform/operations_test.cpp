@@ -205,12 +205,42 @@ TEST(PlatformDOM, LookupsAndRefusals) {
   EXPECT_EQ(text->supports(u"xml", u"1.0"), 0);
   // A document is not cloned, and a node in a tree must leave it before it goes elsewhere.
   EXPECT_THROW(doc->importNode(doc, -1), EVnDomNotSupported);
-  ExpectRaises<EVnDomHierarchyRequest>([&] { root->appendChild(text); }, cVnDomHasParent);
   // Names that aren't XML are refused where they would be written.
   IPtr<IDOMElement> bad = doc->createElement(u"1bad");
   VnAddAttribute(root, u"a=b");
   ExpectRaises<EVnDomInvalidCharacter>([&] { XML(bad); }, Format(cVnDomElementNameNotWritable, {u"1bad"}));
   ExpectRaises<EVnDomInvalidCharacter>([&] { XML(root); }, Format(cVnDomAttributeNameNotWritable, {u"a=b"}));
+}
+
+TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
+  using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
+  struct Case {
+    Edit Call;
+    const char* Class;
+    const char* After;
+  } cases[] = {
+      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast", "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->replaceChild(d->createElement(u"x"), nullptr); }, "EInvalidCast", "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest",
+       "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed", "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", "<r a=\"1\">t<e /></r>"},
+      // The old root goes before the new one fails the cast.
+      {[](auto d, auto) { d->set_documentElement(nullptr); }, "EInvalidCast", ""},
+  };
+  for (const Case& c : cases) {
+    IPtr<IDOMDocument> doc = Load(u"<r a=\"1\">t<e/></r>");
+    std::string raised;
+    try {
+      c.Call(doc, doc->get_documentElement());
+    } catch (const Exception& e) {
+      raised = U8(e.ClassName());
+    }
+    EXPECT_EQ(raised, c.Class);
+    EXPECT_EQ(XML(doc), c.After) << c.Class;
+  }
 }
 
 }  // namespace
