@@ -5,6 +5,9 @@
 // library's vendor, "Ondrel", is registered before the first look-up and unregistered at exit.
 // Nodes of another vendor, or objects that aren't nodes, given where a node of this library is
 // needed fail the class cast (EInvalidCast). Refused operations raise EVnDomNotSupported.
+// Each query for one of these interfaces gives a new small adapter over the node, so two
+// interfaces of one node may differ as pointers: compare nodes by the object behind them
+// (VnImplementor, or TVnDOMObjectImpl::Node), which is the same for all of them.
 #pragma once
 
 #include <memory>

@@ -64,6 +64,7 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
   IPtr<IVnDOMElement> own = root.As<IVnDOMElement>();
   ASSERT_TRUE(own);
   EXPECT_EQ(TVnDOMObjectImpl::Node(own.As<IDOMElement>().Get()), TVnDOMObjectImpl::Node(own.Get()));
+  EXPECT_EQ(VnImplementor(doc->get_documentElement().Get()), VnImplementor(root.Get()));
   EXPECT_TRUE(kids.As<IDOMNamedNodeMap>() && root->get_attributes().As<IDOMNodeList>());
 }
 

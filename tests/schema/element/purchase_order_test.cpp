@@ -34,12 +34,15 @@ TEST(PurchaseOrder, BuildsInSchemaOrderAndReadsBack) {
   EXPECT_EQ(test::U8(item->GetXML()),
             "<item partNum=\"926-AA\"><quantity /><USPrice>39.98</USPrice><shipDate>1999-05-21</shipDate></item>");
 
-  po::TPurchaseOrder again(doc.GetRootNode()->As<IVnDOMElement>());
-  EXPECT_EQ(again.GetOrderDate(), EncodeDate(1999, 10, 20));
-  EXPECT_EQ(again.GetComment(), u"fast & cheap");
-  ASSERT_EQ(again.Items()->Count(), 1);
-  EXPECT_EQ(again.Items()->GetItem(0)->GetUSPrice(), 39.98);
-  EXPECT_EQ(again.BillTo()->GetZip(), 90952.0);
+  // Made again through the class reference, as a host that picks classes at run time would.
+  TVnXMLSchemaElementClass orderClass = &TVnXMLSchemaElement::Create<po::TPurchaseOrder>;
+  std::unique_ptr<TVnXMLSchemaElement> made = orderClass(doc.GetRootNode()->As<IVnDOMElement>());
+  auto* again = static_cast<po::TPurchaseOrder*>(made.get());
+  EXPECT_EQ(again->GetOrderDate(), EncodeDate(1999, 10, 20));
+  EXPECT_EQ(again->GetComment(), u"fast & cheap");
+  ASSERT_EQ(again->Items()->Count(), 1);
+  EXPECT_EQ(again->Items()->GetItem(0)->GetUSPrice(), 39.98);
+  EXPECT_EQ(again->BillTo()->GetZip(), 90952.0);
 }
 
 }  // namespace
