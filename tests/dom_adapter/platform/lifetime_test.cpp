@@ -48,6 +48,12 @@ TEST(PlatformDOMLifetime, InterfaceHeldWhenTheTreeIsFreedKeepsItsSubtree) {
   EXPECT_FALSE(held->get_parentNode()->get_parentNode());
   EXPECT_FALSE(held->get_ownerDocument());
   EXPECT_EQ(U8(held->get_parentNode().As<IDOMNodeEx>()->get_xml()), "<r><c>t</c></r>");
+
+  // A node deleted under its interface leaves an interface that answers with an exception.
+  auto lone = std::make_unique<TVnDOMElement>();
+  IPtr<IDOMElement> orphan = lone->As<IDOMElement>();
+  lone.reset();
+  ExpectRaises<EVnDomException>([&] { orphan->get_tagName(); }, cVnDomObjectGone);
 }
 
 }  // namespace
