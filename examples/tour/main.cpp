@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
     tour::Form();
     // schema-adapter
     tour::Schema();
+    tour::PlatformDom();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

@@ -18,5 +18,6 @@ void Form();
 
 // schema-adapter
 void Schema();
+void PlatformDom();
 
 }  // namespace tour
