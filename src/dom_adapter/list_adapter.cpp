@@ -28,17 +28,23 @@ class ListAdapter final : public DOMAdapter, public IDOMNodeList, public IDOMNam
     return Wrap<IDOMNode>(Self()->Add(NodeArg(arg.Get()), rdpLast));
   }
   IPtr<IDOMNode> removeNamedItem(std::u16string_view name) override {
-    return Wrap<IDOMNode>(Self()->Delete(name, {soQualifiedName}));
+    return Removed(Self()->Find(name, {soQualifiedName}));
   }
   IPtr<IDOMNode> getNamedItemNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
     return Wrap<IDOMNode>(Self()->Find(namespaceURI, localName));
   }
   IPtr<IDOMNode> setNamedItemNS(const IPtr<IDOMNode>& arg) override { return setNamedItem(arg); }
   IPtr<IDOMNode> removeNamedItemNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
-    return Wrap<IDOMNode>(Self()->Delete(namespaceURI, localName));
+    return Removed(Self()->Find(namespaceURI, localName));
   }
 
  private:
+  // The node is held before it leaves the list, so the caller gets it back instead of a freed one.
+  IPtr<IDOMNode> Removed(TVnDOMNode* ANode) {
+    IPtr<IDOMNode> held = Wrap<IDOMNode>(ANode);
+    if (ANode) Self()->Delete(ANode);
+    return held;
+  }
   TVnDOMNodeListBase* Self() const { return static_cast<TVnDOMNodeListBase*>(Object()); }
 };
 
