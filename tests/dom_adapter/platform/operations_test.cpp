@@ -220,6 +220,8 @@ TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
       {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
       {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed", "<r a=\"1\">t<e /></r>"},
       {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", "<r a=\"1\">t<e /></r>"},
+      // A node without children has no first child: the list's First refuses.
+      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", "<r a=\"1\">t<e /></r>"},
       // The old root goes before the new one fails the cast.
       {[](auto d, auto) { d->set_documentElement(nullptr); }, "EInvalidCast", ""},
   };
