@@ -70,6 +70,8 @@ struct IDOMNode : IInterface {
   virtual DOMNodeType get_nodeType() = 0;
   virtual IPtr<IDOMNode> get_parentNode() = 0;
   virtual IPtr<IDOMNodeList> get_childNodes() = 0;
+  /// An element's attributes stand first among its children. A node without children has no
+  /// first or last child: both raise EVnDomNotFound (test hasChildNodes first).
   virtual IPtr<IDOMNode> get_firstChild() = 0;
   virtual IPtr<IDOMNode> get_lastChild() = 0;
   virtual IPtr<IDOMNode> get_previousSibling() = 0;
@@ -80,6 +82,8 @@ struct IDOMNode : IInterface {
   virtual UnicodeString get_prefix() = 0;
   virtual UnicodeString get_localName() = 0;
   virtual IPtr<IDOMNode> insertBefore(const IPtr<IDOMNode>& newChild, const IPtr<IDOMNode>& refChild) = 0;
+  /// A refused newChild leaves oldChild in its place. A node that is in a tree must be removed
+  /// before it is added elsewhere (EVnDomHierarchyRequest).
   virtual IPtr<IDOMNode> replaceChild(const IPtr<IDOMNode>& newChild, const IPtr<IDOMNode>& oldChild) = 0;
   virtual IPtr<IDOMNode> removeChild(const IPtr<IDOMNode>& childNode) = 0;
   virtual IPtr<IDOMNode> appendChild(const IPtr<IDOMNode>& newChild) = 0;
@@ -277,6 +281,7 @@ struct IDOMDocument : IDOMNode {
   virtual IPtr<IDOMDocumentType> get_doctype() = 0;
   virtual IPtr<IDOMImplementation> get_domImplementation() = 0;
   virtual IPtr<IDOMElement> get_documentElement() = 0;
+  /// The old root goes first; an element that isn't this library's then fails the class cast.
   virtual void set_documentElement(const IPtr<IDOMElement>& element) = 0;
   virtual IPtr<IDOMElement> createElement(std::u16string_view tagName) = 0;
   virtual IPtr<IDOMDocumentFragment> createDocumentFragment() = 0;
