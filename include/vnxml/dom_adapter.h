@@ -82,7 +82,6 @@ class TVnDOMImplementation : public TVnObject, public IDOMImplementation {
                                             std::u16string_view systemId) override;
   /// A new document; a non-blank qualifiedName makes its root, declaring a non-blank
   /// namespaceURI for the root's prefix (or as the default). A doctype raises EVnDomNotSupported.
-  /// A root name the document refuses leaves the document without a root.
   IPtr<IDOMDocument> createDocument(std::u16string_view namespaceURI, std::u16string_view qualifiedName,
                                     const IPtr<IDOMDocumentType>& doctype) override;
 };

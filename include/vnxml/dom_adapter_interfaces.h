@@ -124,7 +124,8 @@ struct IDOMPersist : IInterface {
   virtual UnicodeString get_xml() = 0;
   virtual Integer asyncLoadState() = 0;
   /// On a document: text beginning with "<" is XML, anything else the name of a file, and a
-  /// file that doesn't exist loads nothing and gives false. On other nodes: the inner XML.
+  /// file that doesn't exist loads nothing and gives false; a file adds to what the document
+  /// holds, as file loads do throughout the library. On other nodes: the inner XML.
   virtual WordBool load(std::u16string_view source) = 0;
   virtual WordBool loadFromStream(TStream& stream) = 0;
   virtual WordBool loadxml(std::u16string_view value) = 0;

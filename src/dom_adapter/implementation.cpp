@@ -19,18 +19,14 @@ IPtr<IDOMDocument> TVnDOMImplementation::createDocument(std::u16string_view name
                                                         std::u16string_view qualifiedName,
                                                         const IPtr<IDOMDocumentType>& doctype) {
   if (doctype) throw EVnDomNotSupported(cVnDomNoDoctype);
+  // A failure while the root is made frees the new document on its way out.
   auto doc = std::make_unique<TVnDOMDocument>();
-  try {
-    if (!Trim(qualifiedName).empty()) {
-      TVnDOMElement* root = doc->CreateRootNode(qualifiedName);
-      if (!Trim(namespaceURI).empty()) {
-        UnicodeString prefix = root->GetPrefix();
-        root->SetAttribute(prefix.empty() ? UnicodeString(u"xmlns") : u"xmlns:" + prefix, namespaceURI);
-      }
+  if (!Trim(qualifiedName).empty()) {
+    TVnDOMElement* root = doc->CreateRootNode(qualifiedName);
+    if (!Trim(namespaceURI).empty()) {
+      UnicodeString prefix = root->GetPrefix();
+      root->SetAttribute(prefix.empty() ? UnicodeString(u"xmlns") : u"xmlns:" + prefix, namespaceURI);
     }
-  } catch (const Exception&) {
-    // A name the document refuses leaves a fresh document without a root.
-    doc = std::make_unique<TVnDOMDocument>();
   }
   IPtr<IDOMDocument> result = doc->As<IDOMDocument>();
   doc.release();
