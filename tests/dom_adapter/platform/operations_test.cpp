@@ -2,11 +2,10 @@
 // which interfaces, document creation, loading, child and attribute edits, refusals.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
 
 #include "support/raises.h"
-#include <cstdio>
-
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
