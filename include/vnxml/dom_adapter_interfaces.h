@@ -53,9 +53,11 @@ struct IStream : IInterface {
 struct IDOMImplementation : IInterface {
   static constexpr TGUID IID = TGUID::Parse("2bf4c0e0-096e-11d4-83da-00c04f60b2dd");
   virtual WordBool hasFeature(std::u16string_view feature, std::u16string_view version) = 0;
-  virtual IPtr<IDOMDocumentType> createDocumentType(std::u16string_view qualifiedName, std::u16string_view publicId,
+  virtual IPtr<IDOMDocumentType> createDocumentType(std::u16string_view qualifiedName,
+                                                    std::u16string_view publicId,
                                                     std::u16string_view systemId) = 0;
-  virtual IPtr<IDOMDocument> createDocument(std::u16string_view namespaceURI, std::u16string_view qualifiedName,
+  virtual IPtr<IDOMDocument> createDocument(std::u16string_view namespaceURI,
+                                            std::u16string_view qualifiedName,
                                             const IPtr<IDOMDocumentType>& doctype) = 0;
 
  protected:
@@ -161,7 +163,8 @@ struct IDOMNamedNodeMap : IInterface {
   /// Nil when absent.
   virtual IPtr<IDOMNode> getNamedItemNS(std::u16string_view namespaceURI, std::u16string_view localName) = 0;
   virtual IPtr<IDOMNode> setNamedItemNS(const IPtr<IDOMNode>& arg) = 0;
-  virtual IPtr<IDOMNode> removeNamedItemNS(std::u16string_view namespaceURI, std::u16string_view localName) = 0;
+  virtual IPtr<IDOMNode> removeNamedItemNS(std::u16string_view namespaceURI,
+                                           std::u16string_view localName) = 0;
 
  protected:
   ~IDOMNamedNodeMap() = default;
@@ -210,7 +213,8 @@ struct IDOMElement : IDOMNode {
   virtual void setAttributeNS(std::u16string_view namespaceURI, std::u16string_view qualifiedName,
                               std::u16string_view value) = 0;
   virtual void removeAttributeNS(std::u16string_view namespaceURI, std::u16string_view localName) = 0;
-  virtual IPtr<IDOMAttr> getAttributeNodeNS(std::u16string_view namespaceURI, std::u16string_view localName) = 0;
+  virtual IPtr<IDOMAttr> getAttributeNodeNS(std::u16string_view namespaceURI,
+                                            std::u16string_view localName) = 0;
   virtual IPtr<IDOMAttr> setAttributeNodeNS(const IPtr<IDOMAttr>& newAttr) = 0;
   virtual IPtr<IDOMNodeList> getElementsByTagNameNS(std::u16string_view namespaceURI,
                                                     std::u16string_view localName) = 0;
@@ -296,8 +300,10 @@ struct IDOMDocument : IDOMNode {
   virtual IPtr<IDOMNodeList> getElementsByTagName(std::u16string_view tagName) = 0;
   /// A detached copy that belongs to no document until it is added.
   virtual IPtr<IDOMNode> importNode(const IPtr<IDOMNode>& importedNode, WordBool deep) = 0;
-  virtual IPtr<IDOMElement> createElementNS(std::u16string_view namespaceURI, std::u16string_view qualifiedName) = 0;
-  virtual IPtr<IDOMAttr> createAttributeNS(std::u16string_view namespaceURI, std::u16string_view qualifiedName) = 0;
+  virtual IPtr<IDOMElement> createElementNS(std::u16string_view namespaceURI,
+                                            std::u16string_view qualifiedName) = 0;
+  virtual IPtr<IDOMAttr> createAttributeNS(std::u16string_view namespaceURI,
+                                           std::u16string_view qualifiedName) = 0;
   virtual IPtr<IDOMNodeList> getElementsByTagNameNS(std::u16string_view namespaceURI,
                                                     std::u16string_view localName) = 0;
   virtual IPtr<IDOMElement> getElementById(std::u16string_view elementId) = 0;

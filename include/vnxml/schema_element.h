@@ -20,14 +20,16 @@
 namespace vn {
 
 inline constexpr char16_t cVnSchemaInvalidIndex[] = u"Invalid Schema Index";
-inline constexpr char16_t cVnSchemaNodeNotInSchema[] = u"The specified nodename (%s) is not part of the Schema!";
+inline constexpr char16_t cVnSchemaNodeNotInSchema[] =
+    u"The specified nodename (%s) is not part of the Schema!";
 
 /// One row of the table: an attribute (FNodeType ntAttribute) or a child element (anything else).
 class TVnXMLSchemaInfo : public TObject {
   VN_DECLARE_CLASS(TVnXMLSchemaInfo, TObject)
  public:
   TVnXMLSchemaInfo() = default;
-  TVnXMLSchemaInfo(std::u16string_view AName, TVnDOMNodeType ANodeType) : FNodeType(ANodeType), FName(AName) {}
+  TVnXMLSchemaInfo(std::u16string_view AName, TVnDOMNodeType ANodeType)
+      : FNodeType(ANodeType), FName(AName) {}
 
   TVnDOMNodeType FNodeType = ntElement;
   /// The name as the document writes it, prefix included (p:name).
@@ -41,9 +43,11 @@ class TVnXMLSchemaInfo : public TObject {
 
 class TVnXMLSchemaElement;
 /// Fired before a row's node is looked up (not again while the same row's handler runs).
-using TVnXMLSchemaElementOnGetValue = std::function<void(TVnXMLSchemaElement* ASender, TVnXMLSchemaInfo* ASchemaInfo)>;
+using TVnXMLSchemaElementOnGetValue =
+    std::function<void(TVnXMLSchemaElement* ASender, TVnXMLSchemaInfo* ASchemaInfo)>;
 /// The virtual constructor of a descendant: TVnXMLSchemaElement::Create<T>.
-using TVnXMLSchemaElementClass = std::unique_ptr<TVnXMLSchemaElement> (*)(const IPtr<IVnDOMElement>& AElement);
+using TVnXMLSchemaElementClass =
+    std::unique_ptr<TVnXMLSchemaElement> (*)(const IPtr<IVnDOMElement>& AElement);
 
 class TVnXMLSchemaElement : public TVnObjectEx {
   VN_DECLARE_CLASS(TVnXMLSchemaElement, TVnObjectEx)
@@ -59,8 +63,9 @@ class TVnXMLSchemaElement : public TVnObjectEx {
   }
 
   /// Adds a row under AIndex, at the end of the document order; a taken index raises EListError.
-  void AddSchemaInfo(Integer AIndex, TVnDOMNodeType ANodeType, std::u16string_view AName, Integer AMinOccurs = 0,
-                     Integer AMaxOccurs = 1, bool ARequired = false, Integer AChoiceIdx = 0);
+  void AddSchemaInfo(Integer AIndex, TVnDOMNodeType ANodeType, std::u16string_view AName,
+                     Integer AMinOccurs = 0, Integer AMaxOccurs = 1, bool ARequired = false,
+                     Integer AChoiceIdx = 0);
   /// The first row whose name equals AName ignoring ASCII case (prefix included), or nil.
   TVnXMLSchemaInfo* FindSchemaInfo(std::u16string_view AName) const;
   /// The row's node; created when ACreate, the row is required, or an element row has a minimum

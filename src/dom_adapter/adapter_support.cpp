@@ -6,20 +6,23 @@
 namespace vn::detail {
 
 namespace {
-TVnDOMObjectImpl* ImplOf(IInterface* AInterface) { return CastObject<TVnDOMObjectImpl>(VnImplementor(AInterface)); }
+TVnDOMObjectImpl* ImplOf(IInterface* AInterface) {
+  return CastObject<TVnDOMObjectImpl>(VnImplementor(AInterface));
+}
 
 // Only these are answered by adapters: a query for anything else never builds one.
 bool IsAdapterInterface(const TGUID& AIID) {
-  for (const TGUID& iid : {IDOMNode::IID, IDOMNodeEx::IID, IDOMNodeSelect::IID, IDOMPersist::IID, IDOMNodeList::IID,
-                           IDOMNamedNodeMap::IID, IDOMCharacterData::IID, IDOMAttr::IID, IDOMElement::IID,
-                           IDOMText::IID, IDOMComment::IID, IDOMCDATASection::IID, IDOMDocumentType::IID,
-                           IDOMProcessingInstruction::IID, IDOMDocument::IID})
+  for (const TGUID& iid : {IDOMNode::IID, IDOMNodeEx::IID, IDOMNodeSelect::IID, IDOMPersist::IID,
+                           IDOMNodeList::IID, IDOMNamedNodeMap::IID, IDOMCharacterData::IID, IDOMAttr::IID,
+                           IDOMElement::IID, IDOMText::IID, IDOMComment::IID, IDOMCDATASection::IID,
+                           IDOMDocumentType::IID, IDOMProcessingInstruction::IID, IDOMDocument::IID})
     if (iid == AIID) return true;
   return false;
 }
 }  // namespace
 
-DOMAdapter::DOMAdapter(IPtr<IInterface> ATarget) : FTarget(std::move(ATarget)), FImpl(ImplOf(FTarget.Get())) {}
+DOMAdapter::DOMAdapter(IPtr<IInterface> ATarget)
+    : FTarget(std::move(ATarget)), FImpl(ImplOf(FTarget.Get())) {}
 
 HRESULT DOMAdapter::Query(const TGUID& AIID, void** AObj) {
   if (void* own = Own(AIID)) {

@@ -57,7 +57,9 @@ class DocumentAdapter final : public NodeAdapter<IDOMDocument, IDOMDocumentType>
   IPtr<IDOMElement> createElement(std::u16string_view tagName) override {
     return Adopt<IDOMElement>(NewNamed<TVnDOMElement>(tagName));
   }
-  IPtr<IDOMDocumentFragment> createDocumentFragment() override { throw EVnDomNotSupported(cVnDomNoFragments); }
+  IPtr<IDOMDocumentFragment> createDocumentFragment() override {
+    throw EVnDomNotSupported(cVnDomNoFragments);
+  }
   IPtr<IDOMText> createTextNode(std::u16string_view data) override {
     return Adopt<IDOMText>(NewWithValue<TVnDOMText>(data));
   }
@@ -89,17 +91,20 @@ class DocumentAdapter final : public NodeAdapter<IDOMDocument, IDOMDocumentType>
     if (!node) throw EInvalidCast(cRtlInvalidCast);
     return Adopt<IDOMNode>(node->CloneNode(deep != 0));
   }
-  IPtr<IDOMElement> createElementNS(std::u16string_view namespaceURI, std::u16string_view qualifiedName) override {
+  IPtr<IDOMElement> createElementNS(std::u16string_view namespaceURI,
+                                    std::u16string_view qualifiedName) override {
     auto element = NewNamed<TVnDOMElement>(qualifiedName);
     element->SetNamespaceURI(namespaceURI);
     return Adopt<IDOMElement>(std::move(element));
   }
-  IPtr<IDOMAttr> createAttributeNS(std::u16string_view namespaceURI, std::u16string_view qualifiedName) override {
+  IPtr<IDOMAttr> createAttributeNS(std::u16string_view namespaceURI,
+                                   std::u16string_view qualifiedName) override {
     auto attribute = NewNamed<TVnDOMAttribute>(qualifiedName);
     attribute->SetNamespaceURI(namespaceURI);
     return Adopt<IDOMAttr>(std::move(attribute));
   }
-  IPtr<IDOMNodeList> getElementsByTagNameNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
+  IPtr<IDOMNodeList> getElementsByTagNameNS(std::u16string_view namespaceURI,
+                                            std::u16string_view localName) override {
     TVnDOMElement* root = Self()->GetRootNode();
     return root ? Adopt<IDOMNodeList>(root->CreateElementList(namespaceURI, localName, true))
                 : Adopt<IDOMNodeList>(std::make_unique<TVnDOMElementList>());
@@ -114,7 +119,8 @@ class DocumentAdapter final : public NodeAdapter<IDOMDocument, IDOMDocumentType>
       TVnDOMAttribute* id = element->FindAttribute(u"id", {soQualifiedName, soCaseSensitive});
       if (id && id->GetNodeValue() == elementId) return Wrap<IDOMElement>(element);
       const auto& children = element->ElementsView();
-      for (size_t i = children.size(); i > 0; --i) pending.push_back(static_cast<TVnDOMElement*>(children[i - 1]));
+      for (size_t i = children.size(); i > 0; --i)
+        pending.push_back(static_cast<TVnDOMElement*>(children[i - 1]));
     }
     return {};
   }

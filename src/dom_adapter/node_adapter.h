@@ -13,7 +13,11 @@ namespace vn::detail {
 inline WordBool WB(bool AValue) { return AValue ? WordBool(-1) : WordBool(0); }
 
 template <class... Extra>
-class NodeAdapter : public DOMAdapter, public IDOMNodeEx, public IDOMNodeSelect, public IDOMPersist, public Extra... {
+class NodeAdapter : public DOMAdapter,
+                    public IDOMNodeEx,
+                    public IDOMNodeSelect,
+                    public IDOMPersist,
+                    public Extra... {
  public:
   explicit NodeAdapter(TVnDOMNode* ANode) : DOMAdapter(ANode->As<IVnDOMNode>()) {}
 

@@ -15,7 +15,9 @@ class ElementAdapter final : public NodeAdapter<IDOMElement> {
 
   UnicodeString get_tagName() override { return Self()->GetQualifiedName(); }
   UnicodeString getAttribute(std::u16string_view name) override { return Self()->GetAttribute(name); }
-  void setAttribute(std::u16string_view name, std::u16string_view value) override { Self()->SetAttribute(name, value); }
+  void setAttribute(std::u16string_view name, std::u16string_view value) override {
+    Self()->SetAttribute(name, value);
+  }
   void removeAttribute(std::u16string_view name) override { Self()->RemoveAttribute(name); }
   IPtr<IDOMAttr> getAttributeNode(std::u16string_view name) override {
     return Wrap<IDOMAttr>(Self()->AttributeByName(name, {soQualifiedName}));
@@ -41,14 +43,20 @@ class ElementAdapter final : public NodeAdapter<IDOMElement> {
   void removeAttributeNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
     Self()->RemoveAttribute(namespaceURI, localName);
   }
-  IPtr<IDOMAttr> getAttributeNodeNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
+  IPtr<IDOMAttr> getAttributeNodeNS(std::u16string_view namespaceURI,
+                                    std::u16string_view localName) override {
     return Wrap<IDOMAttr>(Self()->AttributeByName(namespaceURI, localName));
   }
-  IPtr<IDOMAttr> setAttributeNodeNS(const IPtr<IDOMAttr>& newAttr) override { return setAttributeNode(newAttr); }
-  IPtr<IDOMNodeList> getElementsByTagNameNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
+  IPtr<IDOMAttr> setAttributeNodeNS(const IPtr<IDOMAttr>& newAttr) override {
+    return setAttributeNode(newAttr);
+  }
+  IPtr<IDOMNodeList> getElementsByTagNameNS(std::u16string_view namespaceURI,
+                                            std::u16string_view localName) override {
     return Adopt<IDOMNodeList>(Self()->CreateElementList(namespaceURI, localName, true));
   }
-  WordBool hasAttribute(std::u16string_view name) override { return WB(Self()->HasAttribute(name, {soQualifiedName})); }
+  WordBool hasAttribute(std::u16string_view name) override {
+    return WB(Self()->HasAttribute(name, {soQualifiedName}));
+  }
   WordBool hasAttributeNS(std::u16string_view namespaceURI, std::u16string_view localName) override {
     return WB(Self()->HasAttribute(namespaceURI, localName));
   }
@@ -83,7 +91,9 @@ class PIAdapter final : public NodeAdapter<IDOMProcessingInstruction> {
   void set_data(std::u16string_view value) override { Self()->SetData(value); }
 
  private:
-  TVnDOMProcessingInstruction* Self() const { return static_cast<TVnDOMProcessingInstruction*>(NodeAdapter::Self()); }
+  TVnDOMProcessingInstruction* Self() const {
+    return static_cast<TVnDOMProcessingInstruction*>(NodeAdapter::Self());
+  }
 };
 
 // Character data of every kind; I is the most derived interface of the kind.
@@ -99,7 +109,9 @@ class CharDataAdapter : public NodeAdapter<I> {
   UnicodeString get_data() override { return Self()->GetNodeValue(); }
   void set_data(std::u16string_view data) override { Self()->SetNodeValue(data); }
   Integer get_length() override { return static_cast<Integer>(Self()->GetNodeValue().size()); }
-  UnicodeString substringData(Integer offset, Integer count) override { return Self()->Substring(offset, count); }
+  UnicodeString substringData(Integer offset, Integer count) override {
+    return Self()->Substring(offset, count);
+  }
   void appendData(std::u16string_view data) override { Self()->AppendStr(data); }
   void insertData(Integer offset, std::u16string_view data) override { Self()->InsertStr(offset, data); }
   void deleteData(Integer offset, Integer count) override { Self()->DeleteStr(offset, count); }

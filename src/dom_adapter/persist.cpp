@@ -37,7 +37,9 @@ bool Load(TVnDOMNode* ANode, std::u16string_view ASource) {
   return true;
 }
 
-void SaveToStream(TVnDOMNode* ANode, TStream& AStream) { ANode->SaveToStream(AStream, OutputCodePage(ANode), false); }
+void SaveToStream(TVnDOMNode* ANode, TStream& AStream) {
+  ANode->SaveToStream(AStream, OutputCodePage(ANode), false);
+}
 
 void SaveToFile(TVnDOMNode* ANode, std::u16string_view AFileName) {
   TFileStream file(AFileName, fmCreate);
@@ -52,7 +54,8 @@ void LoadFromInterfaceStream(TVnDOMNode* ANode, const IPtr<IStream>& AStream) {
   TVnMemoryStream buffer(static_cast<Int64>(size));
   buffer.SetSize(static_cast<Int64>(size));
   uint32_t read = 0;
-  if (size > UINT32_MAX || AStream->Read(buffer.GetMemory(), static_cast<uint32_t>(size), &read) < 0 || read != size)
+  if (size > UINT32_MAX || AStream->Read(buffer.GetMemory(), static_cast<uint32_t>(size), &read) < 0 ||
+      read != size)
     throw EVnDomException(cVnDomStreamIncomplete);
   ANode->LoadFromStream(buffer, Word{65001});
 }

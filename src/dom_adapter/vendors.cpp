@@ -43,7 +43,8 @@ TDOMVendor* TDOMVendorList::Find(std::u16string_view AVendorName) const {
 TDOMVendorList& DOMVendors() { return TheRegistry().List; }
 
 void TDOMVendorList::Add(TDOMVendor* AVendor) {
-  if (AVendor && std::find(FVendors.begin(), FVendors.end(), AVendor) == FVendors.end()) FVendors.push_back(AVendor);
+  if (AVendor && std::find(FVendors.begin(), FVendors.end(), AVendor) == FVendors.end())
+    FVendors.push_back(AVendor);
 }
 
 void TDOMVendorList::Remove(TDOMVendor* AVendor) {
@@ -55,7 +56,8 @@ void UnRegisterDOMVendor(TDOMVendor* AVendor) { DOMVendors().Remove(AVendor); }
 
 IPtr<IDOMImplementation> GetDOM(std::u16string_view AVendorName) {
   TDOMVendorList& vendors = DOMVendors();
-  TDOMVendor* vendor = AVendorName.empty() ? (vendors.Count() ? vendors.GetVendor(0) : nullptr) : vendors.Find(AVendorName);
+  TDOMVendor* vendor =
+      AVendorName.empty() ? (vendors.Count() ? vendors.GetVendor(0) : nullptr) : vendors.Find(AVendorName);
   if (!vendor) throw EVnDomNotFound(cVnDomNoSuchVendor, {AVendorName});
   return vendor->DOMImplementation();
 }

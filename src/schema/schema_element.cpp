@@ -27,7 +27,8 @@ void TVnXMLSchemaElement::FreeArrayElements() {
 }
 
 void TVnXMLSchemaElement::AddSchemaInfo(Integer AIndex, TVnDOMNodeType ANodeType, std::u16string_view AName,
-                                        Integer AMinOccurs, Integer AMaxOccurs, bool ARequired, Integer AChoiceIdx) {
+                                        Integer AMinOccurs, Integer AMaxOccurs, bool ARequired,
+                                        Integer AChoiceIdx) {
   auto info = std::make_unique<TVnXMLSchemaInfo>(AName, ANodeType);
   info->FMinOccurs = AMinOccurs;
   info->FMaxOccurs = AMaxOccurs;

@@ -17,10 +17,10 @@ T ReadAs(TVnXMLSchemaElement& ASelf, Integer AIndex, Read ARead) {
 }
 }  // namespace
 
-#define VN_SCHEMA_ACCESSORS(Name, Type, ReadExpr, WriteExpr)                            \
-  Type TVnXMLSchemaElement::Get##Name##Value(Integer AIndex) {                           \
+#define VN_SCHEMA_ACCESSORS(Name, Type, ReadExpr, WriteExpr)                                 \
+  Type TVnXMLSchemaElement::Get##Name##Value(Integer AIndex) {                               \
     return ReadAs<Type>(*this, AIndex, [](const UnicodeString& AText) { return ReadExpr; }); \
-  }                                                                                      \
+  }                                                                                          \
   void TVnXMLSchemaElement::Set##Name##Value(Integer AIndex, Type AValue) { SetValue(AIndex, WriteExpr); }
 
 VN_SCHEMA_ACCESSORS(Byte, Byte, VnXMLToByte(AText), VnByteToXML(AValue))
@@ -64,6 +64,8 @@ TGUID TVnXMLSchemaElement::GetGuidValue(Integer AIndex) {
   return ReadAs<TGUID>(*this, AIndex, [](const UnicodeString& AText) { return StringToGUID(AText); });
 }
 
-void TVnXMLSchemaElement::SetGuidValue(Integer AIndex, const TGUID& AValue) { SetValue(AIndex, GUIDToString(AValue)); }
+void TVnXMLSchemaElement::SetGuidValue(Integer AIndex, const TGUID& AValue) {
+  SetValue(AIndex, GUIDToString(AValue));
+}
 
 }  // namespace vn

@@ -39,10 +39,15 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
   struct Case {
     IPtr<IDOMNode> Node;
     DOMNodeType Type;
-    std::string Answered;  // E element, A attr, C character data, T text, S cdata, M comment, P pi, D document
+    std::string
+        Answered;  // E element, A attr, C character data, T text, S cdata, M comment, P pi, D document
   } cases[] = {
-      {doc, ntDocument, "D"}, {root, ntElement, "E"},          {kids->get_item(0), ntAttribute, "A"},
-      {kids->get_item(1), ntText, "CT"}, {kids->get_item(2), ntCDATA, "CTS"}, {kids->get_item(3), ntComment, "CM"},
+      {doc, ntDocument, "D"},
+      {root, ntElement, "E"},
+      {kids->get_item(0), ntAttribute, "A"},
+      {kids->get_item(1), ntText, "CT"},
+      {kids->get_item(2), ntCDATA, "CTS"},
+      {kids->get_item(3), ntComment, "CM"},
       {doc->get_firstChild(), ntProcessingInstruction, "P"},
   };
   for (const Case& c : cases) {
@@ -57,7 +62,8 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
     if (Answers<IDOMDocument>(c.Node) && Answers<IDOMDocumentType>(c.Node)) answered += 'D';
     EXPECT_EQ(answered, c.Answered) << int(c.Type);
     EXPECT_EQ(c.Node->get_nodeType(), c.Type);
-    EXPECT_TRUE(Answers<IDOMNodeEx>(c.Node) && Answers<IDOMNodeSelect>(c.Node) && Answers<IDOMPersist>(c.Node));
+    EXPECT_TRUE(Answers<IDOMNodeEx>(c.Node) && Answers<IDOMNodeSelect>(c.Node) &&
+                Answers<IDOMPersist>(c.Node));
   }
   // Both ways between the library's interfaces and these, to the same object.
   IPtr<IVnDOMElement> own = root.As<IVnDOMElement>();
@@ -72,8 +78,13 @@ TEST(PlatformDOM, ImplementationFeaturesAndNewDocuments) {
   struct Feature {
     const char16_t *Name, *Version;
     WordBool Has;
-  } features[] = {{u"XML", u"2.0", -1}, {u"xml", u"1.0", -1}, {u"xml", u"3.0", 0}, {u"xml", u"", 0}, {u"core", u"2.0", 0}};
-  for (const Feature& f : features) EXPECT_EQ(impl->hasFeature(f.Name, f.Version), f.Has) << U8(f.Name) << U8(f.Version);
+  } features[] = {{u"XML", u"2.0", -1},
+                  {u"xml", u"1.0", -1},
+                  {u"xml", u"3.0", 0},
+                  {u"xml", u"", 0},
+                  {u"core", u"2.0", 0}};
+  for (const Feature& f : features)
+    EXPECT_EQ(impl->hasFeature(f.Name, f.Version), f.Has) << U8(f.Name) << U8(f.Version);
 
   struct NewDoc {
     const char16_t *URI, *Name;
@@ -89,7 +100,8 @@ TEST(PlatformDOM, ImplementationFeaturesAndNewDocuments) {
     EXPECT_EQ(static_cast<bool>(doc->get_documentElement()), d.XML[0] != 0);
   }
   IPtr<IDOMDocument> doc = impl->createDocument(u"", u"", nullptr);
-  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); }, cVnDomNoDoctype);
+  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); },
+                                   cVnDomNoDoctype);
   ExpectRaises<EVnDomNotSupported>([&] { impl->createDocumentType(u"a", u"", u""); }, cVnDomNotImplemented);
   ExpectRaises<EVnDomNotSupported>([&] { doc->createDocumentFragment(); }, cVnDomNoFragments);
   ExpectRaises<EVnDomNotSupported>([&] { doc->createEntityReference(u"e"); }, cVnDomNoEntityRefs);
@@ -149,20 +161,26 @@ TEST(PlatformDOM, ChildEditsAndSiblings) {
     std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)> Edit;
     const char* Expected;
   } cases[] = {
-      {u"<r><a/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); }, "<r><n /></r>"},
-      {u"<r><a/><b/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
+      {u"<r><a/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
+       "<r><n /></r>"},
+      {u"<r><a/><b/></r>",
+       [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
        "<r><n /><b /></r>"},
-      {u"<r a=\"1\"/>", [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
+      {u"<r a=\"1\"/>",
+       [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
        "<r a=\"1\" a=\"2\" />"},
-      {u"<r a=\"1\" b=\"2\"/>", [](auto, auto r) { r->removeAttributeNode(r->getAttributeNode(u"a")); }, "<r b=\"2\" />"},
+      {u"<r a=\"1\" b=\"2\"/>", [](auto, auto r) { r->removeAttributeNode(r->getAttributeNode(u"a")); },
+       "<r b=\"2\" />"},
       {u"<r a=\"1\"/>", [](auto d, auto r) { r->get_attributes()->setNamedItem(d->createAttribute(u"a")); },
        "<r a=\"1\" a=\"\" />"},
       {u"<r a=\"1\" b=\"2\"/>",
        [](auto, auto r) { EXPECT_EQ(r->get_attributes()->removeNamedItem(u"b")->get_nodeValue(), u"2"); },
        "<r a=\"1\" />"},
       {u"<r><a/></r>", [](auto d, auto) { d->set_documentElement(d->createElement(u"n")); }, "<n />"},
-      {u"<r>ab</r>", [](auto, auto r) { r->get_lastChild().template As<IDOMText>()->splitText(1); }, "<r>ab</r>"},
-      {u"<r>abc</r>", [](auto, auto r) { r->get_firstChild().template As<IDOMCharacterData>()->replaceData(2, 1, u"X"); },
+      {u"<r>ab</r>", [](auto, auto r) { r->get_lastChild().template As<IDOMText>()->splitText(1); },
+       "<r>ab</r>"},
+      {u"<r>abc</r>",
+       [](auto, auto r) { r->get_firstChild().template As<IDOMCharacterData>()->replaceData(2, 1, u"X"); },
        "<r>aXc</r>"},
       {u"<r><a/></r>", [](auto d, auto r) { r->appendChild(d->importNode(r->get_firstChild(), -1)); },
        "<r><a /><a /></r>"},
@@ -211,13 +229,17 @@ TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
     const char* Class;
     const char* After;
   } cases[] = {
-      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast", "<r a=\"1\">t<e /></r>"},
-      {[](auto d, auto r) { r->replaceChild(d->createElement(u"x"), nullptr); }, "EInvalidCast", "<r a=\"1\">t<e /></r>"},
-      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest",
+      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast",
        "<r a=\"1\">t<e /></r>"},
-      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->replaceChild(d->createElement(u"x"), nullptr); }, "EInvalidCast",
+       "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); },
+       "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest",
+       "<r a=\"1\">t<e /></r>"},
       {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
-      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed", "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed",
+       "<r a=\"1\">t<e /></r>"},
       {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", "<r a=\"1\">t<e /></r>"},
       // A node without children has no first child: the list's First refuses.
       {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", "<r a=\"1\">t<e /></r>"},

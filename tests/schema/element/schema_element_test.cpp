@@ -93,28 +93,36 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
     const char16_t* Stored;
     std::function<bool(TTestSchema&)> WriteRead;
   } cases[] = {
-      {u"255", [](auto& s) { s.SetByteValue(0, 255); return s.GetUnsignedByteValue(0) == 255; }},
-      {u"-32768", [](auto& s) { s.SetShortValue(0, -32768); return s.GetShortValue(0) == -32768; }},
-      {u"-7", [](auto& s) { s.SetIntegerValue(0, -7); return s.GetIntValue(0) == -7; }},
-      {u"-9223372036854775808", [](auto& s) { s.SetInt64Value(0, INT64_MIN); return s.GetLongValue(0) == INT64_MIN; }},
-      {u"65535", [](auto& s) { s.SetUnsignedShortValue(0, 65535); return s.GetUnsignedShortValue(0) == 65535; }},
+      {u"255", [](auto& s) { return s.SetByteValue(0, 255), s.GetUnsignedByteValue(0) == 255; }},
+      {u"-32768", [](auto& s) { return s.SetShortValue(0, -32768), s.GetShortValue(0) == -32768; }},
+      {u"-7", [](auto& s) { return s.SetIntegerValue(0, -7), s.GetIntValue(0) == -7; }},
+      {u"-9223372036854775808",
+       [](auto& s) { return s.SetInt64Value(0, INT64_MIN), s.GetLongValue(0) == INT64_MIN; }},
+      {u"65535",
+       [](auto& s) { return s.SetUnsignedShortValue(0, 65535), s.GetUnsignedShortValue(0) == 65535; }},
       {u"4294967295",
-       [](auto& s) { s.SetNonNegativeIntegerValue(0, UINT32_MAX); return s.GetUnsignedIntValue(0) == UINT32_MAX; }},
+       [](auto& s) {
+         return s.SetNonNegativeIntegerValue(0, UINT32_MAX), s.GetUnsignedIntValue(0) == UINT32_MAX;
+       }},
       {u"18446744073709551615",
-       [](auto& s) { s.SetUnsignedLongValue(0, UINT64_MAX); return s.GetUnsignedLongValue(0) == UINT64_MAX; }},
-      {u"1.5", [](auto& s) { s.SetDecimalValue(0, 1.5); return s.GetFloatValue(0) == 1.5; }},
-      {u"0.25", [](auto& s) { s.SetDoubleValue(0, 0.25L); return s.GetDoubleValue(0) == 0.25L; }},
-      {u"true", [](auto& s) { s.SetBooleanValue(0, true); return s.GetBooleanValue(0); }},
-      {u"1999-10-20", [&](auto& s) { s.SetDateValue(0, day); return s.GetDateValue(0) == day; }},
-      {u"12:00:00.000", [](auto& s) { s.SetTimeValue(0, 0.5); return s.GetTimeValue(0) == 0.5; }},
+       [](auto& s) {
+         return s.SetUnsignedLongValue(0, UINT64_MAX), s.GetUnsignedLongValue(0) == UINT64_MAX;
+       }},
+      {u"1.5", [](auto& s) { return s.SetDecimalValue(0, 1.5), s.GetFloatValue(0) == 1.5; }},
+      {u"0.25", [](auto& s) { return s.SetDoubleValue(0, 0.25L), s.GetDoubleValue(0) == 0.25L; }},
+      {u"true", [](auto& s) { return s.SetBooleanValue(0, true), s.GetBooleanValue(0); }},
+      {u"1999-10-20", [&](auto& s) { return s.SetDateValue(0, day), s.GetDateValue(0) == day; }},
+      {u"12:00:00.000", [](auto& s) { return s.SetTimeValue(0, 0.5), s.GetTimeValue(0) == 0.5; }},
       {u"1999-10-20T12:00:00.000",
-       [&](auto& s) { s.SetTimeInstantValue(0, day + 0.5); return s.GetDatetimeValue(0) == day + 0.5; }},
+       [&](auto& s) { return s.SetTimeInstantValue(0, day + 0.5), s.GetDatetimeValue(0) == day + 0.5; }},
       {u"{01234567-89AB-CDEF-0123-456789ABCDEF}",
-       [&](auto& s) { s.SetGuidValue(0, guid); return s.GetGuidValue(0) == guid; }},
-      {u"QUJD", [](auto& s) { s.SetBase64binaryValue(0, "QUJD"); return s.GetBase64binaryValue(0) == "QUJD"; }},
-      {u"a<b", [](auto& s) { s.SetAnyUriValue(0, u"a<b"); return s.GetLanguageValue(0) == u"a<b"; }},
-      {u"P1D", [](auto& s) { s.SetDurationValue(0, u"P1D"); return s.GetAnyValue(0) == u"P1D"; }},
-      {u"{\"a\":1}", [](auto& s) { s.SetJsonValue(0, u"{\"a\":1}"); return s.GetXmlValue(0) == u"{\"a\":1}"; }},
+       [&](auto& s) { return s.SetGuidValue(0, guid), s.GetGuidValue(0) == guid; }},
+      {u"QUJD",
+       [](auto& s) { return s.SetBase64binaryValue(0, "QUJD"), s.GetBase64binaryValue(0) == "QUJD"; }},
+      {u"a<b", [](auto& s) { return s.SetAnyUriValue(0, u"a<b"), s.GetLanguageValue(0) == u"a<b"; }},
+      {u"P1D", [](auto& s) { return s.SetDurationValue(0, u"P1D"), s.GetAnyValue(0) == u"P1D"; }},
+      {u"{\"a\":1}",
+       [](auto& s) { return s.SetJsonValue(0, u"{\"a\":1}"), s.GetXmlValue(0) == u"{\"a\":1}"; }},
   };
   for (const Case& c : cases) {
     Fixture f(u"<r/>");
@@ -148,8 +156,8 @@ TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
   f.Schema.AddSchemaInfo(0, ntElement, u"n");
   UnicodeString v;
   for (auto call : std::initializer_list<std::function<void()>>{
-           [&] { f.Schema.GetValue(9, v); }, [&] { f.Schema.SetValue(9, u"x"); }, [&] { f.Schema.GetIntValue(9); },
-           [&] { f.Schema.GetNodeByIndex(-1, false); }})
+           [&] { f.Schema.GetValue(9, v); }, [&] { f.Schema.SetValue(9, u"x"); },
+           [&] { f.Schema.GetIntValue(9); }, [&] { f.Schema.GetNodeByIndex(-1, false); }})
     ExpectRaises<EListError>(call, cVnSchemaInvalidIndex);
   ExpectRaises<EListError>([&] { f.Schema.GetNode(u"zz"); }, Format(cVnSchemaNodeNotInSchema, {u"zz"}));
   ExpectRaises<EListError>([&] { f.Schema.AddSchemaInfo(0, ntElement, u"other"); }, cRtlDuplicateItem);
