@@ -22,6 +22,9 @@ int main(int argc, char** argv) {
     tour::Paths();
     tour::Json();
     tour::Form();
+    // schema-adapter
+    tour::Schema();
+    tour::PlatformDom();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

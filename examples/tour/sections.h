@@ -16,4 +16,8 @@ void Paths();
 void Json();
 void Form();
 
+// schema-adapter
+void Schema();
+void PlatformDom();
+
 }  // namespace tour

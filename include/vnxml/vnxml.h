@@ -16,3 +16,7 @@
 #include "vnxml/serializer.h"
 #include "vnxml/xml_utils.h"
 #include "vnxml/xpath.h"
+
+// schema-adapter
+#include "vnxml/dom_adapter.h"
+#include "vnxml/schema_element.h"

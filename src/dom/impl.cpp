@@ -1,6 +1,7 @@
 // The Impl halves: each interface operation turns interface arguments into objects, calls the
 // object's operation of the same name, and turns an object result into its interface. No logic
 // lives here beyond that.
+#include "dom_adapter/query.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/value.h"
 #include "vnxml/common/variant.h"
@@ -122,7 +123,9 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
 #define VN_IMPL_QI(...)                                                                        \
   HRESULT QueryInterface(const TGUID& AIID, void** AObj) override {                            \
     if (detail::QueryInterfaces<__VA_ARGS__>(this, AIID, AObj) == S_OK) return S_OK;           \
-    return detail::QueryInterfaces<IVnObject>(static_cast<TVnObject*>(this), AIID, AObj);      \
+    if (detail::QueryInterfaces<IVnObject>(static_cast<TVnObject*>(this), AIID, AObj) == S_OK) \
+      return S_OK;                                                                             \
+    return detail::QueryDOMAdapter(this, AIID, AObj);                                          \
   }
 
 using NodeImplBase = NodeImplT<IVnDOMNode, TVnDOMNode>;

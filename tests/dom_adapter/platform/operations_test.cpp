@@ -1,0 +1,260 @@
+// The vendor-neutral operations where they differ from a plain forward: which kinds answer
+// which interfaces, document creation, loading, child and attribute edits, refusals.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <functional>
+
+#include "support/raises.h"
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/xml_doc_hooks.h"
+#include "vnxml/dom.h"
+#include "vnxml/dom_adapter.h"
+#include "vnxml/dom_messages.h"
+
+namespace {
+
+using namespace vn;
+using test::ExpectRaises;
+using test::U8;
+
+IPtr<IDOMDocument> Load(std::u16string_view AXML) {
+  IPtr<IDOMDocument> doc = GetDOM()->createDocument(u"", u"", nullptr);
+  EXPECT_EQ(doc.As<IDOMPersist>()->loadxml(AXML), -1);
+  return doc;
+}
+std::string XML(const IPtr<IDOMNode>& ANode) { return U8(ANode.As<IDOMNodeEx>()->get_xml()); }
+
+template <class I>
+bool Answers(const IPtr<IDOMNode>& ANode) {
+  return static_cast<bool>(ANode.As<I>());
+}
+
+TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
+  IPtr<IDOMDocument> doc = Load(u"<?pi d?><r a=\"1\">t<![CDATA[c]]><!--m--><e/></r>");
+  IPtr<IDOMElement> root = doc->get_documentElement();
+  IPtr<IDOMNodeList> kids = root->get_childNodes();  // the attribute stands first
+  struct Case {
+    IPtr<IDOMNode> Node;
+    DOMNodeType Type;
+    std::string
+        Answered;  // E element, A attr, C character data, T text, S cdata, M comment, P pi, D document
+  } cases[] = {
+      {doc, ntDocument, "D"},
+      {root, ntElement, "E"},
+      {kids->get_item(0), ntAttribute, "A"},
+      {kids->get_item(1), ntText, "CT"},
+      {kids->get_item(2), ntCDATA, "CTS"},
+      {kids->get_item(3), ntComment, "CM"},
+      {doc->get_firstChild(), ntProcessingInstruction, "P"},
+  };
+  for (const Case& c : cases) {
+    std::string answered;
+    if (Answers<IDOMElement>(c.Node)) answered += 'E';
+    if (Answers<IDOMAttr>(c.Node)) answered += 'A';
+    if (Answers<IDOMCharacterData>(c.Node)) answered += 'C';
+    if (Answers<IDOMText>(c.Node)) answered += 'T';
+    if (Answers<IDOMCDATASection>(c.Node)) answered += 'S';
+    if (Answers<IDOMComment>(c.Node)) answered += 'M';
+    if (Answers<IDOMProcessingInstruction>(c.Node)) answered += 'P';
+    if (Answers<IDOMDocument>(c.Node) && Answers<IDOMDocumentType>(c.Node)) answered += 'D';
+    EXPECT_EQ(answered, c.Answered) << int(c.Type);
+    EXPECT_EQ(c.Node->get_nodeType(), c.Type);
+    EXPECT_TRUE(Answers<IDOMNodeEx>(c.Node) && Answers<IDOMNodeSelect>(c.Node) &&
+                Answers<IDOMPersist>(c.Node));
+  }
+  // Both ways between the library's interfaces and these, to the same object.
+  IPtr<IVnDOMElement> own = root.As<IVnDOMElement>();
+  ASSERT_TRUE(own);
+  EXPECT_EQ(TVnDOMObjectImpl::Node(own.As<IDOMElement>().Get()), TVnDOMObjectImpl::Node(own.Get()));
+  EXPECT_EQ(VnImplementor(doc->get_documentElement().Get()), VnImplementor(root.Get()));
+  EXPECT_TRUE(kids.As<IDOMNamedNodeMap>() && root->get_attributes().As<IDOMNodeList>());
+}
+
+TEST(PlatformDOM, ImplementationFeaturesAndNewDocuments) {
+  IPtr<IDOMImplementation> impl = GetDOM(cVnDomVendorName);
+  struct Feature {
+    const char16_t *Name, *Version;
+    WordBool Has;
+  } features[] = {{u"XML", u"2.0", -1},
+                  {u"xml", u"1.0", -1},
+                  {u"xml", u"3.0", 0},
+                  {u"xml", u"", 0},
+                  {u"core", u"2.0", 0}};
+  for (const Feature& f : features)
+    EXPECT_EQ(impl->hasFeature(f.Name, f.Version), f.Has) << U8(f.Name) << U8(f.Version);
+
+  struct NewDoc {
+    const char16_t *URI, *Name;
+    const char* XML;
+  } docs[] = {{u"", u"", ""},
+              {u"u", u" ", ""},
+              {u"u", u"p:a", "<p:a xmlns:p=\"u\" />"},
+              {u"u", u"a", "<a xmlns=\"u\" />"},
+              {u" ", u"a", "<a />"}};
+  for (const NewDoc& d : docs) {
+    IPtr<IDOMDocument> doc = impl->createDocument(d.URI, d.Name, nullptr);
+    EXPECT_EQ(XML(doc), d.XML) << U8(d.Name);
+    EXPECT_EQ(static_cast<bool>(doc->get_documentElement()), d.XML[0] != 0);
+  }
+  IPtr<IDOMDocument> doc = impl->createDocument(u"", u"", nullptr);
+  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); },
+                                   cVnDomNoDoctype);
+  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocumentType(u"a", u"", u""); }, cVnDomNotImplemented);
+  ExpectRaises<EVnDomNotSupported>([&] { doc->createDocumentFragment(); }, cVnDomNoFragments);
+  ExpectRaises<EVnDomNotSupported>([&] { doc->createEntityReference(u"e"); }, cVnDomNoEntityRefs);
+  EXPECT_EQ(doc->get_doctype()->get_entities()->get_length(), 0);
+}
+
+TEST(PlatformDOM, VendorsAndFreeFunctions) {
+  EXPECT_EQ(U8(DOMVendors().Find(cVnDomVendorName)->Description()), "Ondrel");
+  ExpectRaises<EVnDomNotFound>([] { GetDOM(u"Other"); }, Format(cVnDomNoSuchVendor, {u"Other"}));
+  struct TOtherVendor : TDOMVendor {
+    UnicodeString Description() const override { return u"Other"; }
+    IPtr<IDOMImplementation> DOMImplementation() const override { return GetDOM(); }
+  } other;
+  RegisterDOMVendor(&other);
+  RegisterDOMVendor(&other);
+  EXPECT_EQ(DOMVendors().Count(), 2);
+  EXPECT_TRUE(GetDOM(u"Other"));
+  UnRegisterDOMVendor(&other);
+  EXPECT_EQ(DOMVendors().Find(u"Other"), nullptr);
+
+  IPtr<IDOMDocument> doc = VnCreateDOM(u"Ondrel", u"u", u"p:a");
+  IPtr<IDOMElement> root = doc->get_documentElement();
+  VnAddAttribute(root, u"u", u"p:x")->set_value(u"1");
+  VnAddElement(root, u"u", u"p:b");
+  EXPECT_EQ(U8(VnFormatXML(doc)), "<p:a xmlns:p=\"u\" p:x=\"1\">\r\n  <p:b />\r\n</p:a>");
+  EXPECT_EQ(U8(VnCreateDOM(u"<a>1</a>")->GetRootNode()->GetText()), "1");
+  ExpectRaises<EInvalidCast>([] { VnAddText(nullptr, u"x"); }, cRtlInvalidCast);
+
+  // The document hooks of the common package are in place before their first use.
+  IPtr<IInterface> hooked = GetCreateXMLDoc()(u"<a><b>1</b></a>");
+  EXPECT_EQ(U8(GetGetXMLDocValue()(hooked, u"/a/b").AsString()), "1");
+  EXPECT_TRUE(VarIsEmpty(GetGetXMLDocValue()(hooked, u"/a/c")));
+}
+
+TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
+  IPtr<IDOMDocument> doc = Load(u"<a><b/></a>");
+  IPtr<IDOMPersist> persist = doc.As<IDOMPersist>();
+  EXPECT_EQ(persist->load(u"no such file"), 0);  // nothing loaded, nothing raised
+  EXPECT_EQ(XML(doc), "<a><b /></a>");
+  EXPECT_EQ(persist->asyncLoadState(), lsLoaded);
+  // Other nodes take the text as their inner XML.
+  doc->get_documentElement().As<IDOMPersist>()->load(u"<c/>text");
+  EXPECT_EQ(XML(doc), "<a><c />text</a>");
+
+  // A file adds to what the document holds, as loading a file does everywhere in the library.
+  std::u16string file = u"platform_dom_saved.xml";
+  persist->save(file);
+  IPtr<IDOMDocument> again = GetDOM()->createDocument(u"", u"", nullptr);
+  EXPECT_EQ(again.As<IDOMPersist>()->load(file), -1);
+  EXPECT_EQ(XML(again), "<a><c />text</a>");
+  std::remove(U8(file).c_str());
+}
+
+TEST(PlatformDOM, ChildEditsAndSiblings) {
+  struct Case {
+    const char16_t* Start;
+    std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)> Edit;
+    const char* Expected;
+  } cases[] = {
+      {u"<r><a/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
+       "<r><n /></r>"},
+      {u"<r><a/><b/></r>",
+       [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
+       "<r><n /><b /></r>"},
+      {u"<r a=\"1\"/>",
+       [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
+       "<r a=\"1\" a=\"2\" />"},
+      {u"<r a=\"1\" b=\"2\"/>", [](auto, auto r) { r->removeAttributeNode(r->getAttributeNode(u"a")); },
+       "<r b=\"2\" />"},
+      {u"<r a=\"1\"/>", [](auto d, auto r) { r->get_attributes()->setNamedItem(d->createAttribute(u"a")); },
+       "<r a=\"1\" a=\"\" />"},
+      {u"<r a=\"1\" b=\"2\"/>",
+       [](auto, auto r) { EXPECT_EQ(r->get_attributes()->removeNamedItem(u"b")->get_nodeValue(), u"2"); },
+       "<r a=\"1\" />"},
+      {u"<r><a/></r>", [](auto d, auto) { d->set_documentElement(d->createElement(u"n")); }, "<n />"},
+      {u"<r>abc</r>",
+       [](auto, auto r) { r->get_firstChild().template As<IDOMCharacterData>()->replaceData(2, 1, u"X"); },
+       "<r>aXc</r>"},
+      {u"<r><a/></r>", [](auto d, auto r) { r->appendChild(d->importNode(r->get_firstChild(), -1)); },
+       "<r><a /><a /></r>"},
+  };
+  for (const Case& c : cases) {
+    IPtr<IDOMDocument> doc = Load(c.Start);
+    c.Edit(doc, doc->get_documentElement());
+    EXPECT_EQ(XML(doc), c.Expected) << U8(c.Start);
+  }
+  // An element's attributes stand first among its children.
+  IPtr<IDOMElement> r = Load(u"<r a=\"1\">t</r>")->get_documentElement();
+  EXPECT_EQ(r->get_firstChild()->get_nodeType(), ntAttribute);
+  EXPECT_EQ(r->get_firstChild()->get_nextSibling()->get_nodeType(), ntText);
+  EXPECT_EQ(r->get_firstChild().As<IDOMAttr>()->get_ownerElement()->get_tagName(), u"r");
+}
+
+TEST(PlatformDOM, LookupsAndRefusals) {
+  IPtr<IDOMDocument> doc = Load(u"<r xmlns:p=\"u\" p:a=\"1\"><e id=\"x\"/><e id=\"y\">t</e></r>");
+  IPtr<IDOMElement> root = doc->get_documentElement();
+  IPtr<IDOMNamedNodeMap> attrs = root->get_attributes();
+  ExpectRaises<EVnDomNotFound>([&] { attrs->getNamedItem(u"x"); }, Format(cVnDomNoNodeForName, {u"x"}));
+  EXPECT_FALSE(attrs->getNamedItemNS(u"", u"x"));
+  EXPECT_EQ(U8(attrs->getNamedItemNS(u"u", u"a")->get_nodeValue()), "1");
+  EXPECT_EQ(root->hasAttributeNS(u"u", u"a"), -1);
+  EXPECT_EQ(U8(doc->getElementById(u"y").As<IDOMNodeEx>()->get_text()), "t");
+  EXPECT_FALSE(doc->getElementById(u"z"));
+  EXPECT_EQ(GetDOM()->createDocument(u"", u"", nullptr)->getElementsByTagName(u"e")->get_length(), 0);
+
+  IPtr<IDOMNode> text = doc->getElementById(u"y")->get_firstChild();
+  ExpectRaises<EVnDomNotFound>([&] { text->get_attributes(); }, cVnDomNoAttributes);
+  EXPECT_THROW(root.As<IDOMNodeSelect>()->selectNode(u"nothing"), EVnDomNotFound);
+  EXPECT_EQ(root.As<IDOMNodeSelect>()->selectNodes(u"nothing")->get_length(), 0);
+  // A document is not cloned, and a node in a tree must leave it before it goes elsewhere.
+  EXPECT_THROW(doc->importNode(doc, -1), EVnDomNotSupported);
+  // Names that aren't XML are refused where they would be written.
+  IPtr<IDOMElement> bad = doc->createElement(u"1bad");
+  VnAddAttribute(root, u"a=b");
+  ExpectRaises<EVnDomInvalidCharacter>([&] { XML(bad); }, Format(cVnDomElementNameNotWritable, {u"1bad"}));
+  ExpectRaises<EVnDomInvalidCharacter>([&] { XML(root); }, Format(cVnDomAttributeNameNotWritable, {u"a=b"}));
+}
+
+TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
+  using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
+  struct Case {
+    Edit Call;
+    const char* Class;
+    const char* After;
+  } cases[] = {
+      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast",
+       "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->replaceChild(d->createElement(u"x"), nullptr); }, "EInvalidCast",
+       "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); },
+       "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest",
+       "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
+      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed",
+       "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", "<r a=\"1\">t<e /></r>"},
+      // A node without children has no first child: the list's First refuses.
+      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", "<r a=\"1\">t<e /></r>"},
+      // The old root goes before the new one fails the cast.
+      {[](auto d, auto) { d->set_documentElement(nullptr); }, "EInvalidCast", ""},
+  };
+  for (const Case& c : cases) {
+    IPtr<IDOMDocument> doc = Load(u"<r a=\"1\">t<e/></r>");
+    std::string raised;
+    try {
+      c.Call(doc, doc->get_documentElement());
+    } catch (const Exception& e) {
+      raised = U8(e.ClassName());
+    }
+    EXPECT_EQ(raised, c.Class);
+    EXPECT_EQ(XML(doc), c.After) << c.Class;
+  }
+}
+
+}  // namespace

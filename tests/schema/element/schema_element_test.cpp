@@ -1,0 +1,232 @@
+// The schema element tree: creation in the order of the table, the rows that create on read, the
+// typed accessors, lookups by name, removal and the event's re-entry guard.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "support/raises.h"
+#include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/dom.h"
+#include "vnxml/schema_element.h"
+
+namespace {
+
+using namespace vn;
+using test::ExpectRaises;
+using test::U8;
+
+// A wrapper over a document's root, with its protected containers in reach.
+struct TTestSchema : TVnXMLSchemaElement {
+  using TVnXMLSchemaElement::FArrayElements;
+  using TVnXMLSchemaElement::FSubElements;
+  using TVnXMLSchemaElement::TVnXMLSchemaElement;
+};
+
+struct Fixture {
+  explicit Fixture(std::u16string_view AXML) : Doc(TVnDOMDocument::FromXML(AXML)) {}
+  std::unique_ptr<TVnDOMDocument> Doc;
+  TTestSchema Schema{Doc->GetRootNode()->As<IVnDOMElement>()};
+  std::string XML() { return U8(Schema.GetXML()); }
+};
+
+TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
+  struct Case {
+    const char16_t* Start;
+    std::vector<Integer> Created;
+    const char* Expected;
+  } cases[] = {
+      {u"<r/>", {1}, "<r><b /></r>"},
+      {u"<r><c/></r>", {1, 0}, "<r><a /><b /><c /></r>"},  // no earlier row exists: at the front
+      {u"<r><a/></r>", {2}, "<r><a /><c /></r>"},
+      {u"<r><a/><c/></r>", {1}, "<r><a /><b /><c /></r>"},
+      {u"<r><x/><a/><y/></r>", {2, 1}, "<r><x /><a /><b /><c /><y /></r>"},
+      {u"<r><x/></r>", {2}, "<r><c /><x /></r>"},
+  };
+  for (const Case& c : cases) {
+    Fixture f(c.Start);
+    for (const char16_t* name : {u"a", u"b", u"c"})
+      f.Schema.AddSchemaInfo(static_cast<Integer>(name[0] - u'a'), ntElement, name);
+    for (Integer i : c.Created) ASSERT_TRUE(f.Schema.GetNodeByIndex(i, true));
+    EXPECT_EQ(f.XML(), c.Expected) << U8(c.Start);
+  }
+}
+
+TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
+  struct Case {
+    TVnDOMNodeType Type;
+    Integer MinOccurs;
+    bool Required;
+    const char* Expected;
+  } cases[] = {
+      {ntElement, 0, false, "<r />"},   {ntElement, 1, false, "<r><x /></r>"},
+      {ntElement, 2, false, "<r />"},   {ntElement, 0, true, "<r><x /></r>"},
+      {ntAttribute, 1, false, "<r />"}, {ntAttribute, 0, true, "<r x=\"\" />"},
+  };
+  for (const Case& c : cases) {
+    Fixture f(u"<r/>");
+    f.Schema.AddSchemaInfo(0, c.Type, u"x", c.MinOccurs, 1, c.Required);
+    UnicodeString value = u"old";
+    bool created = std::string(c.Expected) != "<r />";
+    EXPECT_EQ(f.Schema.GetValue(0, value), created);
+    EXPECT_EQ(value, u"");
+    EXPECT_EQ(f.XML(), c.Expected) << c.Type << " min " << c.MinOccurs;
+  }
+}
+
+TEST(SchemaElement, EmptyValueOnAMissingNodeCreatesNothing) {
+  Fixture f(u"<r/>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"s");
+  f.Schema.AddSchemaInfo(1, ntAttribute, u"t");
+  f.Schema.SetStringValue(0, u"");
+  f.Schema.SetStringValue(1, u"");
+  EXPECT_EQ(f.XML(), "<r />");
+}
+
+TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
+  const TDateTime day = EncodeDate(1999, 10, 20);
+  const TGUID guid = TGUID::Parse("01234567-89ab-cdef-0123-456789abcdef");
+  // Each case writes through one accessor and reads back through an alias of it.
+  struct Case {
+    const char16_t* Stored;
+    std::function<bool(TTestSchema&)> WriteRead;
+  } cases[] = {
+      {u"255", [](auto& s) { return s.SetByteValue(0, 255), s.GetUnsignedByteValue(0) == 255; }},
+      {u"-32768", [](auto& s) { return s.SetShortValue(0, -32768), s.GetShortValue(0) == -32768; }},
+      {u"-7", [](auto& s) { return s.SetIntegerValue(0, -7), s.GetIntValue(0) == -7; }},
+      {u"-9223372036854775808",
+       [](auto& s) { return s.SetInt64Value(0, INT64_MIN), s.GetLongValue(0) == INT64_MIN; }},
+      {u"65535",
+       [](auto& s) { return s.SetUnsignedShortValue(0, 65535), s.GetUnsignedShortValue(0) == 65535; }},
+      {u"4294967295",
+       [](auto& s) {
+         return s.SetNonNegativeIntegerValue(0, UINT32_MAX), s.GetUnsignedIntValue(0) == UINT32_MAX;
+       }},
+      {u"18446744073709551615",
+       [](auto& s) {
+         return s.SetUnsignedLongValue(0, UINT64_MAX), s.GetUnsignedLongValue(0) == UINT64_MAX;
+       }},
+      {u"1.5", [](auto& s) { return s.SetDecimalValue(0, 1.5), s.GetFloatValue(0) == 1.5; }},
+      {u"0.25", [](auto& s) { return s.SetDoubleValue(0, 0.25L), s.GetDoubleValue(0) == 0.25L; }},
+      {u"true", [](auto& s) { return s.SetBooleanValue(0, true), s.GetBooleanValue(0); }},
+      {u"1999-10-20", [&](auto& s) { return s.SetDateValue(0, day), s.GetDateValue(0) == day; }},
+      {u"12:00:00.000", [](auto& s) { return s.SetTimeValue(0, 0.5), s.GetTimeValue(0) == 0.5; }},
+      {u"1999-10-20T12:00:00.000",
+       [&](auto& s) { return s.SetTimeInstantValue(0, day + 0.5), s.GetDatetimeValue(0) == day + 0.5; }},
+      {u"{01234567-89AB-CDEF-0123-456789ABCDEF}",
+       [&](auto& s) { return s.SetGuidValue(0, guid), s.GetGuidValue(0) == guid; }},
+      {u"QUJD",
+       [](auto& s) { return s.SetBase64binaryValue(0, "QUJD"), s.GetBase64binaryValue(0) == "QUJD"; }},
+      {u"a<b", [](auto& s) { return s.SetAnyUriValue(0, u"a<b"), s.GetLanguageValue(0) == u"a<b"; }},
+      {u"P1D", [](auto& s) { return s.SetDurationValue(0, u"P1D"), s.GetAnyValue(0) == u"P1D"; }},
+      {u"{\"a\":1}",
+       [](auto& s) { return s.SetJsonValue(0, u"{\"a\":1}"), s.GetXmlValue(0) == u"{\"a\":1}"; }},
+  };
+  for (const Case& c : cases) {
+    Fixture f(u"<r/>");
+    f.Schema.AddSchemaInfo(0, ntElement, u"v");
+    EXPECT_TRUE(c.WriteRead(f.Schema)) << U8(c.Stored);
+    EXPECT_EQ(U8(f.Doc->GetRootNode()->FirstElement()->GetNodeValue()), U8(c.Stored));
+  }
+  // Datetime writes in UTC, TimeInstant without a zone, though both read alike.
+  Fixture f(u"<r/>");
+  f.Schema.AddSchemaInfo(0, ntAttribute, u"d");
+  f.Schema.SetDatetimeValue(0, day);
+  EXPECT_EQ(f.Schema.GetXmlValue(0).back(), u'Z');
+}
+
+TEST(SchemaElement, MissingNodesReadAsZeroAndStringsDecodeTwice) {
+  Fixture f(u"<r><s>&amp;amp;</s></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"missing");
+  f.Schema.AddSchemaInfo(1, ntElement, u"s");
+  EXPECT_EQ(f.Schema.GetIntValue(0), 0);
+  EXPECT_EQ(f.Schema.GetDatetimeValue(0), 0.0);
+  EXPECT_EQ(f.Schema.GetStringValue(0), u"");
+  EXPECT_EQ(f.Schema.GetGuidValue(0), TGUID{});
+  EXPECT_FALSE(f.Schema.GetBooleanValue(0));
+  EXPECT_EQ(f.XML(), "<r><s>&amp;amp;</s></r>");
+  EXPECT_EQ(f.Schema.GetXmlValue(1), u"&amp;");
+  EXPECT_EQ(f.Schema.GetStringValue(1), u"&");
+}
+
+TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
+  Fixture f(u"<r><n>abc</n></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"n");
+  UnicodeString v;
+  for (auto call : std::initializer_list<std::function<void()>>{
+           [&] { f.Schema.GetValue(9, v); }, [&] { f.Schema.SetValue(9, u"x"); },
+           [&] { f.Schema.GetIntValue(9); }, [&] { f.Schema.GetNodeByIndex(-1, false); }})
+    ExpectRaises<EListError>(call, cVnSchemaInvalidIndex);
+  ExpectRaises<EListError>([&] { f.Schema.GetNode(u"zz"); }, Format(cVnSchemaNodeNotInSchema, {u"zz"}));
+  ExpectRaises<EListError>([&] { f.Schema.AddSchemaInfo(0, ntElement, u"other"); }, cRtlDuplicateItem);
+  EXPECT_THROW(f.Schema.GetIntValue(0), EConvertError);
+  EXPECT_THROW(f.Schema.GetGuidValue(0), EConvertError);
+  EXPECT_FALSE(f.Schema.FindNode(u"zz"));
+  EXPECT_EQ(f.Schema.FindSchemaInfo(u"zz"), nullptr);
+  EXPECT_EQ(f.XML(), "<r><n>abc</n></r>");
+}
+
+TEST(SchemaElement, NamesMatchWithAndWithoutPrefix) {
+  Fixture f(u"<r xmlns:p=\"u\"><p:b>1</p:b></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"p:b");
+  EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.GetNode(u"").Get()), f.Doc->GetRootNode());
+  EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.FindNode(u"").Get()), f.Doc->GetRootNode());
+  ASSERT_TRUE(f.Schema.FindNode(u"b"));
+  EXPECT_EQ(f.Schema.FindNode(u"b")->GetNodeValue(), u"1");
+  EXPECT_FALSE(f.Schema.FindNode(u"B"));  // exact in FindNode, ASCII case-blind in FindSchemaInfo
+  EXPECT_EQ(f.Schema.FindSchemaInfo(u"b"), nullptr);
+  ASSERT_NE(f.Schema.FindSchemaInfo(u"P:B"), nullptr);
+  EXPECT_EQ(f.Schema.FindSchemaInfo(u"P:B")->FName, u"p:b");
+}
+
+TEST(SchemaElement, EventFiresOncePerRowAndMayReadItsOwnRow) {
+  Fixture f(u"<r><a>1</a><b>2</b></r>");
+  f.Schema.AddSchemaInfo(0, ntElement, u"a");
+  f.Schema.AddSchemaInfo(1, ntElement, u"b");
+  std::vector<UnicodeString> fired;
+  f.Schema.FOnGetValue = [&](TVnXMLSchemaElement* ASender, TVnXMLSchemaInfo* AInfo) {
+    fired.push_back(AInfo->FName);
+    EXPECT_EQ(ASender, &f.Schema);
+    ASender->GetIntValue(0);  // its own row for a, another row (fired too) for b
+  };
+  EXPECT_EQ(f.Schema.GetIntValue(0), 1);
+  EXPECT_EQ(fired, (std::vector<UnicodeString>{u"a"}));
+  fired.clear();
+  EXPECT_EQ(f.Schema.GetIntValue(1), 2);
+  EXPECT_EQ(fired, (std::vector<UnicodeString>{u"b", u"a"}));
+}
+
+TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
+  Fixture f(u"<r><Item>1</Item><keep/></r>");
+  auto item = f.Doc->GetRootNode()->FirstElement()->As<IVnDOMElement>();
+  f.Schema.FSubElements.Add(new TTestSchema(item));
+  f.Schema.FSubElements.Add(new TTestSchema(f.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
+  f.Schema.FSubElements.Add(new TTestSchema(item));
+  f.Schema.RemoveNode(u"absent");
+  EXPECT_EQ(f.Schema.FSubElements.Count(), 3);
+  f.Schema.RemoveNode(u"ITEM");
+  EXPECT_EQ(f.Schema.FSubElements.Count(), 1);
+  EXPECT_EQ(f.XML(), "<r><keep /></r>");
+  // The removed element lives on in the interface held here; its last release frees it.
+  EXPECT_EQ(item->GetNodeValue(), u"1");
+}
+
+TEST(SchemaElement, ClearAndAssignKeepTheTable) {
+  Fixture from(u"<r><a>1</a></r>"), to(u"<r><a>2</a><z/></r>");
+  for (Fixture* f : {&from, &to}) f->Schema.AddSchemaInfo(0, ntElement, u"a");
+  to.Schema.FArrayElements.Add(0, TValue::FromObject(new TObject()));  // disposed by Clear
+  to.Schema.FSubElements.Add(new TTestSchema(to.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
+  to.Schema.Assign(&from.Schema);
+  EXPECT_EQ(to.XML(), "<r><a>1</a></r>");
+  EXPECT_EQ(to.Schema.FArrayElements.Count() + to.Schema.FSubElements.Count(), 0);
+  EXPECT_EQ(to.Schema.GetIntValue(0), 1);
+  to.Schema.Clear();
+  EXPECT_EQ(to.XML(), "<r />");
+  TVnObjectEx plain;
+  ExpectRaises<EConvertError>([&] { plain.Assign(&from.Schema); },
+                              Format(cRtlAssignError, {u"TVnXMLSchemaElement", u"TVnObjectEx"}));
+}
+
+}  // namespace
