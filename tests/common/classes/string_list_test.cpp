@@ -122,12 +122,8 @@ TEST(TStrings, TextSplitsOnAnyLineEnd) {
     L Lines;
   };
   const Case cases[] = {
-      {u"", {}},
-      {u"a", {u"a"}},
-      {u"a\r\n", {u"a"}},
-      {u"\r\n", {u""}},
-      {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}},
-      {u"a\n\nb", {u"a", u"", u"b"}},
+      {u"", {}}, {u"a", {u"a"}}, {u"a\r\n", {u"a"}}, {u"\r\n", {u""}},
+      {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}}, {u"a\n\nb", {u"a", u"", u"b"}},
       {u"a\r\r\nb", {u"a", u"", u"b"}},
   };
   for (const auto& c : cases) {
@@ -163,18 +159,11 @@ TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
     L Lines;
   };
   const Case cases[] = {
-      {u"", {}},
-      {u"a,b", {u"a", u"b"}},
+      {u"", {}}, {u"a,b", {u"a", u"b"}},
       {u"a b", {u"a", u"b"}},  // blanks separate too
-      {u"  a , b  ", {u"a", u"b"}},
-      {u"\"a b\",c", {u"a b", u"c"}},
-      {u"\"x\"\"y\"", {u"x\"y"}},
-      {u"a,", {u"a", u""}},
-      {u",a", {u"", u"a"}},
-      {u"a,,b", {u"a", u"", u"b"}},
-      {u"\"unclosed", {u"unclosed"}},
-      {u"\"q\"tail,z", {u"q", u"tail", u"z"}},
-      {u"\"\"", {u""}},
+      {u"  a , b  ", {u"a", u"b"}}, {u"\"a b\",c", {u"a b", u"c"}}, {u"\"x\"\"y\"", {u"x\"y"}},
+      {u"a,", {u"a", u""}}, {u",a", {u"", u"a"}}, {u"a,,b", {u"a", u"", u"b"}},
+      {u"\"unclosed", {u"unclosed"}}, {u"\"q\"tail,z", {u"q", u"tail", u"z"}}, {u"\"\"", {u""}},
       {u"a\0b"sv, {u"a"}},
   };
   TStringList list;

@@ -18,31 +18,13 @@ TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
     TVarType Type;
   };
   const Row rows[] = {
-      {true, varBoolean},
-      {int8_t(-1), varShortInt},
-      {int16_t(-1), varSmallint},
-      {-1, varInteger},
-      {int64_t(-1), varInt64},
-      {-1LL, varInt64},
-      {uint8_t(1), varByte},
-      {uint16_t(1), varWord},
-      {1u, varLongWord},
-      {uint64_t(1), varUInt64},
-      {1ULL, varUInt64},
-      {1.5f, varSingle},
-      {1.5, varDouble},
-      {1.5L, varDouble},
-      {Currency::FromRaw(15000), varCurrency},
-      {u'x', varUString},
-      {u"text", varUString},
-      {UnicodeString(u"text"), varUString},
-      {VnXMLString(u"<a/>"), varUString},
-      {std::string("bytes"), varString},
-      {"bytes", varString},
-      {Variant::FromDate(1.5), varDate},
-      {Variant::FromOleStr(u"x"), varOleStr},
-      {Variant::Null(), varNull},
-      {Variant::Unassigned(), varEmpty},
+      {true, varBoolean}, {int8_t(-1), varShortInt}, {int16_t(-1), varSmallint}, {-1, varInteger},
+      {int64_t(-1), varInt64}, {-1LL, varInt64}, {uint8_t(1), varByte}, {uint16_t(1), varWord},
+      {1u, varLongWord}, {uint64_t(1), varUInt64}, {1ULL, varUInt64}, {1.5f, varSingle}, {1.5, varDouble},
+      {1.5L, varDouble}, {Currency::FromRaw(15000), varCurrency}, {u'x', varUString}, {u"text", varUString},
+      {UnicodeString(u"text"), varUString}, {VnXMLString(u"<a/>"), varUString},
+      {std::string("bytes"), varString}, {"bytes", varString}, {Variant::FromDate(1.5), varDate},
+      {Variant::FromOleStr(u"x"), varOleStr}, {Variant::Null(), varNull}, {Variant::Unassigned(), varEmpty},
   };
   for (const Row& r : rows) EXPECT_EQ(r.V.VarType(), r.Type) << test::U8(VarTypeAsText(r.Type));
 }
@@ -181,15 +163,9 @@ TEST(VariantConversion, VarAsType) {
     Variant Expected;
   };
   const Row rows[] = {
-      {u"12", varInteger, 12},
-      {u"12", varByte, uint8_t(12)},
-      {12, varUString, u"12"},
-      {12, varOleStr, u"12"},
-      {12, varString, "12"},
-      {u"1.5", varCurrency, Currency::FromRaw(15000)},
-      {1.25, varSingle, 1.25f},
-      {true, varInt64, -1},
-      {u"True", varBoolean, true},
+      {u"12", varInteger, 12}, {u"12", varByte, uint8_t(12)}, {12, varUString, u"12"}, {12, varOleStr, u"12"},
+      {12, varString, "12"}, {u"1.5", varCurrency, Currency::FromRaw(15000)}, {1.25, varSingle, 1.25f},
+      {true, varInt64, -1}, {u"True", varBoolean, true},
       {u"2024-02-29", varDate, Variant::FromDate(EncodeDate(2024, 2, 29))},
       {int64_t(5), varVariant, int64_t(5)},
   };

@@ -10,18 +10,11 @@ namespace {
 
 TEST_F(FunctionTest, NodeFunctionValues) {
   const ValueCase cases[] = {
-      {u"text()", "bool true"},
-      {u"node-name()", "str item"},
-      {u"node-name(p:g)", "str p:g"},
-      {u"node-name(@a)", "str a"},
-      {u"string(@a)", "str 1"},
-      {u"string(7)", "str 7"},
-      {u"data(@b)", "str x"},
+      {u"text()", "bool true"}, {u"node-name()", "str item"}, {u"node-name(p:g)", "str p:g"},
+      {u"node-name(@a)", "str a"}, {u"string(@a)", "str 1"}, {u"string(7)", "str 7"}, {u"data(@b)", "str x"},
       {u"data(3)", "str 3"},
       {u"nilled(e)", "bool true"},  // found in the xsi namespace, its value compared by the collation
-      {u"nilled(f)", "bool false"},
-      {u"nilled(@a)", "null"},
-      {u"document-uri()", "str "},
+      {u"nilled(f)", "bool false"}, {u"nilled(@a)", "null"}, {u"document-uri()", "str "},
       {u"base-uri()", "str "},
   };
   for (const auto& c : cases) {
