@@ -1,4 +1,5 @@
 #include <cmath>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -56,19 +57,10 @@ TEST(DecodeISODateTime, AcceptedForms) {
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.Text, c.Text + std::char_traits<char16_t>::length(c.Text)));
     TVnDateTimeParts p = VnDecodeISODateTime(c.Text);
-    EXPECT_EQ(p.Year, c.Year);
-    EXPECT_EQ(p.Month, c.Month);
-    EXPECT_EQ(p.Day, c.Day);
-    EXPECT_EQ(p.Hour, c.Hour);
-    EXPECT_EQ(p.Minute, c.Minute);
-    EXPECT_EQ(p.Second, c.Second);
-    EXPECT_EQ(p.MilliSecond, c.MilliSecond);
-    EXPECT_EQ(p.NegativeYear, c.NegativeYear);
-    EXPECT_EQ(p.HasDate, c.HasDate);
-    EXPECT_EQ(p.HasTime, c.HasTime);
-    EXPECT_EQ(p.TimeZone, c.Zone);
-    EXPECT_EQ(p.TimeZoneOffset(), c.Offset);
-    EXPECT_EQ(p.TimeZoneNegative, c.Offset < 0);
+    EXPECT_EQ(std::tuple(p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second, p.MilliSecond, p.NegativeYear, p.HasDate,
+                         p.HasTime, p.TimeZone, p.TimeZoneOffset(), p.TimeZoneNegative),
+              std::tuple(c.Year, c.Month, c.Day, c.Hour, c.Minute, c.Second, c.MilliSecond, c.NegativeYear, c.HasDate,
+                         c.HasTime, c.Zone, c.Offset, c.Offset < 0));
     EXPECT_EQ(p.TimeZoneHour * 60 + p.TimeZoneMinute, std::abs(c.Offset));
   }
 }
