@@ -8,6 +8,7 @@
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_type_info_value.h"
+#include "vnxml/serializer.h"
 #include "vnxml/xml_utils.h"
 
 namespace reflected {
@@ -43,22 +44,20 @@ UnicodeString MessageOf(auto ACall) {
 const TTypeInfo* Named(std::u16string_view AName) { return FindTypeInfo(AName); }
 
 TEST(ValToXML, TextByKind) {
-  EXPECT_EQ(VnValToXML(TValue::From<UnicodeString>(u"a\"b'c<d&")), u"a&quot;b&apos;c&lt;d&amp;");
-  EXPECT_EQ(VnValToXML(TValue::From<char16_t>(u'<')), u"&lt;");
-  EXPECT_EQ(VnValToXML(TValue::From<TSize>(szLarge)), u"szLarge");
   const auto outside = static_cast<TSize>(7);
-  EXPECT_EQ(VnValToXML(TValue::Make(&outside, TypeInfoOf<TSize>())), u"7");
-  EXPECT_EQ(VnValToXML(TValue::From(VarArrayFromBytes(TBytes{0xAB, 1}))), u"AB01");
-  EXPECT_EQ(VnValToXML(TValue()), u"");
   const TDateTime moment = EncodeDateTime(2024, 2, 29, 13, 5, 6, 7);
-  EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TDateTime"))), u"2024-02-29T13:05:06.007");
-  EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TDate"))), u"2024-02-29");
-  EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TTime"))), u"13:05:06.007");
+  const std::pair<TValue, const char16_t*> cases[] = {
+      {TValue::From<UnicodeString>(u"a\"b'c<d&"), u"a&quot;b&apos;c&lt;d&amp;"}, {TValue::From<char16_t>(u'<'), u"&lt;"},
+      {TValue::From<TSize>(szLarge), u"szLarge"}, {TValue::Make(&outside, TypeInfoOf<TSize>()), u"7"},
+      {TValue::From(VarArrayFromBytes(TBytes{0xAB, 1})), u"AB01"}, {TValue(), u""},
+      {TValue::Make(&moment, Named(u"TDateTime")), u"2024-02-29T13:05:06.007"},
+      {TValue::Make(&moment, Named(u"TDate")), u"2024-02-29"}, {TValue::Make(&moment, Named(u"TTime")), u"13:05:06.007"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(VnValToXML(value), text) << UnicodeToUtf8(text);
 }
 
 TEST(ValToXML, ComplexKindsNeedTheXMLSerializer) {
   TThing thing;
-  const UnicodeString noSerializer = u"There is no registered serializer for \"XML\"!";
+  const UnicodeString noSerializer = Format(cVnNoSerializerForValue, {u"XML"});
   EXPECT_EQ(MessageOf([&] { VnValToXML(TValue::FromObject(&thing)); }), noSerializer);
   EXPECT_EQ(MessageOf([] { VnValToXML(TValue::From(TPair{})); }), noSerializer);
   EXPECT_EQ(MessageOf([] { VnValToXML(TValue::From(std::vector<Integer>{1})); }), noSerializer);
