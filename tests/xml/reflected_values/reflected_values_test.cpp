@@ -95,10 +95,8 @@ TEST(XMLToValue, EnumerationsAndSets) {
   const TTypeInfo* size = TypeInfoOf<TSize>();
   EXPECT_EQ(VnXMLToValue(u"1", size).AsOrdinal(), 1);
   EXPECT_EQ(VnXMLToValue(u"szlarge", size).AsOrdinal(), 2);
-  EXPECT_EQ(MessageOf([&] { VnXMLToValue(u"szHuge", size); }),
-            u"Failed to convert the value \"szHuge\" to a value of type TSize!");
-  EXPECT_EQ(MessageOf([&] { VnXMLToValue(u"9", size); }),
-            u"Failed to convert the value \"9\" to a value of type TSize!");
+  for (const char16_t* bad : {u"szHuge", u"9"})
+    EXPECT_EQ(MessageOf([&] { VnXMLToValue(bad, size); }), Format(cVnXMLToValueFailed, {bad, u"TSize"}));
 
   const TTypeInfo* sizes = TypeInfoOf<TSizes>();
   EXPECT_EQ(VnXMLToValue(u"6", sizes).AsOrdinal(), 6);
@@ -109,9 +107,9 @@ TEST(XMLToValue, EnumerationsAndSets) {
 
 TEST(XMLToValue, UnsupportedKindsAndBadText) {
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"<A>1</A>", TypeInfoOf<TPair>()); }),
-            u"Failed to convert \"<A>1</A>\" into a TValue!\r\nThe type TPair is not supported.");
+            Format(cVnXMLToValueUnsupported, {u"<A>1</A>", u"TPair"}));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"x", static_cast<const TTypeInfo*>(nullptr)); }),
-            u"Failed to convert \"x\" into a TValue!\r\nThe type nil is not supported.");
+            Format(cVnXMLToValueUnsupported, {u"x", u"nil"}));
   EXPECT_THROW(VnXMLToValue(u"abc", TypeInfoOf<Integer>()), EConvertError);
   // A character that an 8-bit character can't hold becomes '?'; an empty text gives NUL.
   EXPECT_EQ(VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(), '?');
@@ -122,7 +120,7 @@ TEST(XMLToValue, ByTypeName) {
   EXPECT_EQ(VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(), 2);
   EXPECT_EQ(VnXMLToValue(u"a&amp;b", u"string").AsString(), u"a&b");
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"1", u"TNoSuchType"); }),
-            u"Failed to convert \"1\" into a TValue!\r\nThe type TNoSuchType is not supported.");
+            Format(cVnXMLToValueUnsupported, {u"1", u"TNoSuchType"}));
 }
 
 TEST(XMLToVariant, ByTypeNameAndByKind) {
@@ -142,8 +140,7 @@ TEST(XMLToVariant, ByTypeNameAndByKind) {
   EXPECT_EQ(decoded.VarType(), varUString);
   EXPECT_EQ(decoded.AsString(), u"a&b");
   EXPECT_DOUBLE_EQ(VnXMLToVariant(u"12:00:00", vtkTime).AsDouble(), 0.5);
-  EXPECT_EQ(MessageOf([] { VnXMLToVariant(u"x", vtkClass); }),
-            u"Failed to convert the value \"x\" to a variant value of type vtkClass!");
+  EXPECT_EQ(MessageOf([] { VnXMLToVariant(u"x", vtkClass); }), Format(cVnXMLToVariantFailed, {u"x", u"vtkClass"}));
   EXPECT_THROW(VnXMLToVariant(u"x", vtkInteger), EConvertError);
 }
 
