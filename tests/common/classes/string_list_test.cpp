@@ -49,10 +49,10 @@ TEST(TStringList, LinesObjectsAndIndexErrors) {
   EXPECT_EQ(list[0], u"uno");
   list.Delete(1);
   EXPECT_EQ(list.GetCount(), 2);
-  EXPECT_EQ(StringListErrorOf([&] { list.GetStrings(2); }), u"List index out of bounds (2)");
-  EXPECT_EQ(StringListErrorOf([&] { list.Delete(-1); }), u"List index out of bounds (-1)");
-  EXPECT_EQ(StringListErrorOf([&] { list.Insert(3, u"x"); }), u"List index out of bounds (3)");
-  EXPECT_EQ(StringListErrorOf([&] { list.SetObjects(9, nullptr); }), u"List index out of bounds (9)");
+  EXPECT_EQ(StringListErrorOf([&] { list.GetStrings(2); }), Format(cRtlListIndexError, {2}));
+  EXPECT_EQ(StringListErrorOf([&] { list.Delete(-1); }), Format(cRtlListIndexError, {-1}));
+  EXPECT_EQ(StringListErrorOf([&] { list.Insert(3, u"x"); }), Format(cRtlListIndexError, {3}));
+  EXPECT_EQ(StringListErrorOf([&] { list.SetObjects(9, nullptr); }), Format(cRtlListIndexError, {9}));
 }
 
 TEST(TStringList, SortedListsAndDuplicates) {
@@ -70,7 +70,7 @@ TEST(TStringList, SortedListsAndDuplicates) {
   EXPECT_EQ(StringListErrorOf([&] { list.SetStrings(0, u"x"); }), cRtlSortedListError);
 
   list.SetDuplicates(dupError);
-  EXPECT_EQ(StringListErrorOf([&] { list.Add(u"PEAR"); }), u"String list does not allow duplicates");
+  EXPECT_EQ(StringListErrorOf([&] { list.Add(u"PEAR"); }), cRtlDuplicateString);
   list.SetDuplicates(dupAccept);
   EXPECT_EQ(list.Add(u"PEAR"), 2);  // before the equal line already there
   EXPECT_EQ(list.GetCount(), 4);
