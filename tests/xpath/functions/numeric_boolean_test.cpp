@@ -2,6 +2,8 @@
 // boolean's judgement by the class of its parameter term.
 #include "fn_test_support.h"
 
+#include "vnxml/common/sysutils.h"
+
 namespace vn::testing {
 namespace {
 
@@ -34,7 +36,8 @@ TEST_F(FunctionTest, NumberOfTextThatIsNoNumberRaises) {
   EXPECT_THROW(Eval(u"number(@b)"), Exception);
   EXPECT_THROW(Eval(u"number()"), Exception);  // the candidate's own text is "text..."
   // A path must select exactly one node.
-  ExpectXPathError(u"number(@missing)", u"XPDY0002", u"The node parameter of function \"fn:number(arg)\" may not be nil!");
+  ExpectXPathError(u"number(@missing)", detail::cFnCodeNoContext,
+                   Format(detail::cFnNodeMayNotBeNil, {u"fn:number(arg)"}));
 }
 
 TEST_F(FunctionTest, BooleanFunctions) {
