@@ -4,6 +4,7 @@
 #include <tuple>
 #include <vector>
 
+#include "common/message_of.h"
 #include "vnxml/common/currency.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/utf.h"
@@ -32,14 +33,7 @@ VN_REGISTER_TYPE(TThing, u"uReflected") {}
 
 namespace {
 
-UnicodeString MessageOf(auto ACall) {
-  try {
-    ACall();
-  } catch (const Exception& e) {
-    return e.Message();
-  }
-  return u"<no exception>";
-}
+using test::MessageOf;
 
 const TTypeInfo* Named(std::u16string_view AName) { return FindTypeInfo(AName); }
 
