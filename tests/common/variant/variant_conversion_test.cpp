@@ -1,6 +1,8 @@
 // Variant conversions: construction kinds, text <-> number coercion, range checks, Null and Empty.
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <tuple>
 
 #include "variant_test_support.h"
 #include "vnxml/common/interfaced_object.h"
@@ -88,22 +90,18 @@ TEST(VariantConversion, BooleansAreMinusOneAndTrueText) {
 
 TEST(VariantConversion, NullRefusesEveryConversionAndEmptyIsZero) {
   const Variant null = Variant::Null();
-  ExpectCast([&] { (void)null.AsInteger(); }, u"Null", u"Integer");
-  ExpectCast([&] { (void)null.AsDouble(); }, u"Null", u"Double");
-  ExpectCast([&] { (void)null.AsBoolean(); }, u"Null", u"Boolean");
-  ExpectCast([&] { (void)null.AsString(); }, u"Null", u"UnicodeString");
-  ExpectCast([&] { (void)null.AsDateTime(); }, u"Null", u"Date");
-  ExpectCast([&] { (void)VarAsType(null, varInteger); }, u"Null", u"Integer");
+  const std::pair<std::function<void()>, const char16_t*> refusals[] = {
+      {[&] { (void)null.AsInteger(); }, u"Integer"},  {[&] { (void)null.AsDouble(); }, u"Double"},
+      {[&] { (void)null.AsBoolean(); }, u"Boolean"},  {[&] { (void)null.AsString(); }, u"UnicodeString"},
+      {[&] { (void)null.AsDateTime(); }, u"Date"},    {[&] { (void)VarAsType(null, varInteger); }, u"Integer"}};
+  for (const auto& [call, to] : refusals) ExpectCast(call, u"Null", to);
   EXPECT_EQ(VarToStr(null), u"");
   EXPECT_EQ(VarToStrDef(null, u"none"), u"none");
   EXPECT_EQ(VarToStrDef(Variant(), u"none"), u"");
 
   const Variant empty;
-  EXPECT_EQ(empty.AsInteger(), 0);
-  EXPECT_EQ(empty.AsDouble(), 0);
-  EXPECT_EQ(empty.AsString(), u"");
-  EXPECT_FALSE(empty.AsBoolean());
-  EXPECT_EQ(empty.AsDateTime(), 0);
+  EXPECT_EQ(std::tuple(empty.AsInteger(), empty.AsDouble(), empty.AsString(), empty.AsBoolean(), empty.AsDateTime()),
+            std::tuple(0, 0.0, UnicodeString(), false, 0.0));
   EXPECT_FALSE(empty.AsInterface());
 }
 
