@@ -5,8 +5,9 @@
 
 namespace vn::test {
 
-/// AAction's E message; a marker text when it raises nothing (any other exception escapes).
-template <class E, class F>
+/// AAction's E message (any exception of the library's by default); a marker text when it raises
+/// nothing (any other exception escapes).
+template <class E = Exception, class F>
 UnicodeString MessageOf(F&& AAction) {
   try {
     AAction();

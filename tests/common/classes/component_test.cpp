@@ -70,10 +70,10 @@ TEST(TPersistent, AssignFallsBackToAssignToThenFails) {
   EXPECT_EQ(list.GetText(), u"X=3\r\nY=-4\r\n");
 
   TPoint2 other;
-  EXPECT_EQ(MessageOf<EConvertError>([&] { other.Assign(&list); }), u"Cannot assign a TStringList to a TPoint2");
-  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(nullptr); }), u"Cannot assign a nil to a TStringList");
+  EXPECT_EQ(MessageOf<EConvertError>([&] { other.Assign(&list); }), Format(cRtlAssignError, {u"TStringList", u"TPoint2"}));
+  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(nullptr); }), Format(cRtlAssignError, {u"nil", u"TStringList"}));
   TComponent component;
-  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(&component); }), u"Cannot assign a TComponent to a TStringList");
+  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(&component); }), Format(cRtlAssignError, {u"TComponent", u"TStringList"}));
   EXPECT_EQ(point.GetNamePath(), u"TPoint2");
 }
 
@@ -106,8 +106,8 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
   EXPECT_EQ(owner.FindComponent(u"ALPHA"), a);
   EXPECT_EQ(owner.FindComponent(u"Beta"), nullptr);
   EXPECT_EQ(owner.FindComponent(u""), nullptr);
-  EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"alpha"); }), u"A component named alpha already exists");
-  EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"1abc"); }), u"'1abc' is not a valid component name");
+  EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"alpha"); }), Format(cRtlDuplicateName, {u"alpha"}));
+  EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"1abc"); }), Format(cRtlInvalidName, {u"1abc"}));
   EXPECT_THROW(b->SetName(u"a b"), EComponentError);
   a->SetName(u"ALPHA");  // a new case of its own name is no clash
   b->SetName(u"_beta2");

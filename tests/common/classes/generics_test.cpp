@@ -6,6 +6,7 @@
 #include "common/message_of.h"
 #include "tracked.h"
 #include "vnxml/common/generics.h"
+#include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sync_objs.h"
 #include "vnxml/common/sysutils.h"
 
@@ -38,7 +39,7 @@ TEST(GenericList, OrderSearchAndErrors) {
   list.Exchange(0, 1);
   list.DeleteRange(1, 2);
   EXPECT_EQ(list.ToArray(), (std::vector<int>{5, 9}));
-  EXPECT_EQ(test::MessageOf<EArgumentOutOfRangeException>([&] { list[2]; }), u"Argument out of range");
+  EXPECT_EQ(test::MessageOf<EArgumentOutOfRangeException>([&] { list[2]; }), cRtlArgumentOutOfRange);
   EXPECT_THROW(list.Insert(3, 1), EArgumentOutOfRangeException);
   EXPECT_THROW(list.DeleteRange(1, 2), EArgumentOutOfRangeException);
   list.Clear();
@@ -88,8 +89,8 @@ TEST(GenericDictionary, KeysValuesAndErrors) {
   map.Add(u"b", 2);
   map.Add(u"a", 1);
   map.Add(u"c", 3);
-  EXPECT_EQ(test::MessageOf<EListError>([&] { map.Add(u"a", 9); }), u"Duplicates not allowed");
-  EXPECT_EQ(test::MessageOf<EListError>([&] { map[u"zz"]; }), u"Item not found");
+  EXPECT_EQ(test::MessageOf<EListError>([&] { map.Add(u"a", 9); }), cRtlDuplicateItem);
+  EXPECT_EQ(test::MessageOf<EListError>([&] { map[u"zz"]; }), cRtlItemNotFound);
   EXPECT_THROW(map.SetItem(u"zz", 1), EListError);
   map.Remove(u"b");
   map.Remove(u"missing");

@@ -1,12 +1,15 @@
 // TList (pointers) and TObjectList: notifications, index errors, and who frees the items.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <tuple>
 #include <vector>
 
 #include "common/message_of.h"
 #include "tracked.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/rtl_messages.h"
+#include "vnxml/common/sysutils.h"
 
 using namespace vn;
 using vn::test::TTracked;
@@ -65,14 +68,14 @@ TEST(TList, OrderOperations) {
 
 TEST(TList, IndexErrorsCarryTheIndex) {
   TList list;
-  EXPECT_EQ(ListErrorOf([&] { list.First(); }), u"List index out of bounds (0)");
-  EXPECT_EQ(ListErrorOf([&] { list.Last(); }), u"List index out of bounds (-1)");
+  EXPECT_EQ(ListErrorOf([&] { list.First(); }), Format(cRtlListIndexError, {0}));
+  EXPECT_EQ(ListErrorOf([&] { list.Last(); }), Format(cRtlListIndexError, {-1}));
   list.Add(nullptr);
-  EXPECT_EQ(ListErrorOf([&] { list.Delete(5); }), u"List index out of bounds (5)");
-  EXPECT_EQ(ListErrorOf([&] { list.Insert(2, nullptr); }), u"List index out of bounds (2)");
-  EXPECT_EQ(ListErrorOf([&] { list.Move(0, 1); }), u"List index out of bounds (1)");
-  EXPECT_EQ(ListErrorOf([&] { list.SetCount(-1); }), u"List count out of bounds (-1)");
-  EXPECT_EQ(ListErrorOf([&] { list.SetCapacity(0); }), u"List capacity out of bounds (0)");
+  const std::tuple<std::function<void()>, const char16_t*, Integer> cases[] = {
+      {[&] { list.Delete(5); }, cRtlListIndexError, 5}, {[&] { list.Insert(2, nullptr); }, cRtlListIndexError, 2},
+      {[&] { list.Move(0, 1); }, cRtlListIndexError, 1}, {[&] { list.SetCount(-1); }, cRtlListCountError, -1},
+      {[&] { list.SetCapacity(0); }, cRtlListCapacityError, 0}};
+  for (const auto& [call, message, index] : cases) EXPECT_EQ(ListErrorOf(call), Format(message, {index}));
   list.Insert(1, nullptr);  // inserting at Count appends
   EXPECT_EQ(list.GetCount(), 2);
 }

@@ -49,10 +49,10 @@ TEST(TStringList, LinesObjectsAndIndexErrors) {
   EXPECT_EQ(list[0], u"uno");
   list.Delete(1);
   EXPECT_EQ(list.GetCount(), 2);
-  EXPECT_EQ(StringListErrorOf([&] { list.GetStrings(2); }), u"List index out of bounds (2)");
-  EXPECT_EQ(StringListErrorOf([&] { list.Delete(-1); }), u"List index out of bounds (-1)");
-  EXPECT_EQ(StringListErrorOf([&] { list.Insert(3, u"x"); }), u"List index out of bounds (3)");
-  EXPECT_EQ(StringListErrorOf([&] { list.SetObjects(9, nullptr); }), u"List index out of bounds (9)");
+  EXPECT_EQ(StringListErrorOf([&] { list.GetStrings(2); }), Format(cRtlListIndexError, {2}));
+  EXPECT_EQ(StringListErrorOf([&] { list.Delete(-1); }), Format(cRtlListIndexError, {-1}));
+  EXPECT_EQ(StringListErrorOf([&] { list.Insert(3, u"x"); }), Format(cRtlListIndexError, {3}));
+  EXPECT_EQ(StringListErrorOf([&] { list.SetObjects(9, nullptr); }), Format(cRtlListIndexError, {9}));
 }
 
 TEST(TStringList, SortedListsAndDuplicates) {
@@ -70,7 +70,7 @@ TEST(TStringList, SortedListsAndDuplicates) {
   EXPECT_EQ(StringListErrorOf([&] { list.SetStrings(0, u"x"); }), cRtlSortedListError);
 
   list.SetDuplicates(dupError);
-  EXPECT_EQ(StringListErrorOf([&] { list.Add(u"PEAR"); }), u"String list does not allow duplicates");
+  EXPECT_EQ(StringListErrorOf([&] { list.Add(u"PEAR"); }), cRtlDuplicateString);
   list.SetDuplicates(dupAccept);
   EXPECT_EQ(list.Add(u"PEAR"), 2);  // before the equal line already there
   EXPECT_EQ(list.GetCount(), 4);
@@ -122,12 +122,8 @@ TEST(TStrings, TextSplitsOnAnyLineEnd) {
     L Lines;
   };
   const Case cases[] = {
-      {u"", {}},
-      {u"a", {u"a"}},
-      {u"a\r\n", {u"a"}},
-      {u"\r\n", {u""}},
-      {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}},
-      {u"a\n\nb", {u"a", u"", u"b"}},
+      {u"", {}}, {u"a", {u"a"}}, {u"a\r\n", {u"a"}}, {u"\r\n", {u""}},
+      {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}}, {u"a\n\nb", {u"a", u"", u"b"}},
       {u"a\r\r\nb", {u"a", u"", u"b"}},
   };
   for (const auto& c : cases) {
@@ -163,18 +159,11 @@ TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
     L Lines;
   };
   const Case cases[] = {
-      {u"", {}},
-      {u"a,b", {u"a", u"b"}},
+      {u"", {}}, {u"a,b", {u"a", u"b"}},
       {u"a b", {u"a", u"b"}},  // blanks separate too
-      {u"  a , b  ", {u"a", u"b"}},
-      {u"\"a b\",c", {u"a b", u"c"}},
-      {u"\"x\"\"y\"", {u"x\"y"}},
-      {u"a,", {u"a", u""}},
-      {u",a", {u"", u"a"}},
-      {u"a,,b", {u"a", u"", u"b"}},
-      {u"\"unclosed", {u"unclosed"}},
-      {u"\"q\"tail,z", {u"q", u"tail", u"z"}},
-      {u"\"\"", {u""}},
+      {u"  a , b  ", {u"a", u"b"}}, {u"\"a b\",c", {u"a b", u"c"}}, {u"\"x\"\"y\"", {u"x\"y"}},
+      {u"a,", {u"a", u""}}, {u",a", {u"", u"a"}}, {u"a,,b", {u"a", u"", u"b"}},
+      {u"\"unclosed", {u"unclosed"}}, {u"\"q\"tail,z", {u"q", u"tail", u"z"}}, {u"\"\"", {u""}},
       {u"a\0b"sv, {u"a"}},
   };
   TStringList list;

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -56,63 +57,22 @@ TEST(DecodeISODateTime, AcceptedForms) {
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.Text, c.Text + std::char_traits<char16_t>::length(c.Text)));
     TVnDateTimeParts p = VnDecodeISODateTime(c.Text);
-    EXPECT_EQ(p.Year, c.Year);
-    EXPECT_EQ(p.Month, c.Month);
-    EXPECT_EQ(p.Day, c.Day);
-    EXPECT_EQ(p.Hour, c.Hour);
-    EXPECT_EQ(p.Minute, c.Minute);
-    EXPECT_EQ(p.Second, c.Second);
-    EXPECT_EQ(p.MilliSecond, c.MilliSecond);
-    EXPECT_EQ(p.NegativeYear, c.NegativeYear);
-    EXPECT_EQ(p.HasDate, c.HasDate);
-    EXPECT_EQ(p.HasTime, c.HasTime);
-    EXPECT_EQ(p.TimeZone, c.Zone);
-    EXPECT_EQ(p.TimeZoneOffset(), c.Offset);
-    EXPECT_EQ(p.TimeZoneNegative, c.Offset < 0);
+    EXPECT_EQ(std::tuple(p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second, p.MilliSecond, p.NegativeYear, p.HasDate,
+                         p.HasTime, p.TimeZone, p.TimeZoneOffset(), p.TimeZoneNegative),
+              std::tuple(c.Year, c.Month, c.Day, c.Hour, c.Minute, c.Second, c.MilliSecond, c.NegativeYear, c.HasDate,
+                         c.HasTime, c.Zone, c.Offset, c.Offset < 0));
     EXPECT_EQ(p.TimeZoneHour * 60 + p.TimeZoneMinute, std::abs(c.Offset));
   }
 }
 
 TEST(DecodeISODateTime, RejectedTexts) {
   const char16_t* texts[] = {
-      u"",
-      u"   ",
-      u"T",
-      u"Z",
-      u"2021-02-29",
-      u"1900-02-29",
-      u"2020-04-31",
-      u"2020-13-01",
-      u"2020-00-10",
-      u"2020-01-00",
-      u"24:00:00",
-      u"10:60:00",
-      u"10:00:60",
-      u"10:00:00.",
-      u"10",
-      u"10:0",
-      u"2020-01-01T",
-      u"2020-01-01T10",
-      u"2020-01-01X10:00:00",
-      u"2020-01-01T10:00:00+15:00",
-      u"2020-01-01T10:00:00+14:30",
-      u"2020-01-01T10:00:00+02:60",
-      u"2020-01-01T10:00:00+2",
-      u"2020-01-01T10:00:00Zjunk",
-      u"2020-01-01T10:00:00ZZ",
-      u"123-01-01",
-      u"123456-01-01",
-      u"99999",
-      u"2020-1-01",
-      u"2020/01/01",
-      u"20200101",
-      u"--13",
-      u"---32",
-      u"--02-30",
-      u"-",
-      u"--",
-      u"---",
-      u"+2020-01-01",
+      u"", u"   ", u"T", u"Z", u"2021-02-29", u"1900-02-29", u"2020-04-31", u"2020-13-01", u"2020-00-10",
+      u"2020-01-00", u"24:00:00", u"10:60:00", u"10:00:60", u"10:00:00.", u"10", u"10:0", u"2020-01-01T",
+      u"2020-01-01T10", u"2020-01-01X10:00:00", u"2020-01-01T10:00:00+15:00", u"2020-01-01T10:00:00+14:30",
+      u"2020-01-01T10:00:00+02:60", u"2020-01-01T10:00:00+2", u"2020-01-01T10:00:00Zjunk",
+      u"2020-01-01T10:00:00ZZ", u"123-01-01", u"123456-01-01", u"99999", u"2020-1-01", u"2020/01/01",
+      u"20200101", u"--13", u"---32", u"--02-30", u"-", u"--", u"---", u"+2020-01-01",
   };
   for (const char16_t* text : texts) {
     SCOPED_TRACE(std::string(text, text + std::char_traits<char16_t>::length(text)));

@@ -17,15 +17,11 @@ TEST(VnGetCodePage, PassesTheMarkOrLeavesTheStreamAlone) {
     Int64 After;
   };
   const Case cases[] = {
-      {"\xEF\xBB\xBF<a/>", 65001, 3},
-      {"\xFF\xFE<\0", 1200, 2},
-      {"\xFE\xFF\0<", 1201, 2},
-      {std::string("\xFF\xFE\0\0<\0\0\0", 8), 12000, 4},
-      {std::string("\0\0\xFE\xFF\0\0\0<", 8), 12001, 4},
+      {"\xEF\xBB\xBF<a/>", 65001, 3}, {"\xFF\xFE<\0", 1200, 2}, {"\xFE\xFF\0<", 1201, 2},
+      {std::string("\xFF\xFE\0\0<\0\0\0", 8), 12000, 4}, {std::string("\0\0\xFE\xFF\0\0\0<", 8), 12001, 4},
       {"<a/>", 0, 0},
       {"\xEF\xBB", 0, 0},  // a mark cut short is no mark
-      {"\xFF", 0, 0},
-      {"", 0, 0},
+      {"\xFF", 0, 0}, {"", 0, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.Bytes.size());

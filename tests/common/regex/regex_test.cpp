@@ -27,15 +27,10 @@ struct OptionCase {
 
 TEST(TRegEx, OptionsChangeWhatMatches) {
   const OptionCase cases[] = {
-      {u"b", {}, u"ABC", false},
-      {u"b", {roIgnoreCase}, u"ABC", true},
-      {u"^b$", {}, u"a\nb", false},
-      {u"^b$", {roMultiLine}, u"a\nb", true},
-      {u"a.b", {}, u"a\nb", false},
-      {u"a.b", {roSingleLine}, u"a\nb", true},
-      {u"a b  c # comment", {}, u"abc", false},
-      {u"a b  c # comment", {roIgnorePatternSpace}, u"abc", true},
-      {u"a+b", {roCompiled}, u"xaab", true},
+      {u"b", {}, u"ABC", false}, {u"b", {roIgnoreCase}, u"ABC", true}, {u"^b$", {}, u"a\nb", false},
+      {u"^b$", {roMultiLine}, u"a\nb", true}, {u"a.b", {}, u"a\nb", false},
+      {u"a.b", {roSingleLine}, u"a\nb", true}, {u"a b  c # comment", {}, u"abc", false},
+      {u"a b  c # comment", {roIgnorePatternSpace}, u"abc", true}, {u"a+b", {roCompiled}, u"xaab", true},
       {u"a+b", {roCompiled, roIgnoreCase}, u"XAAB", true},
       {u"\u00E9", {roIgnoreCase}, u"\u00C9", true},  // case folding beyond ASCII
       {u"", {}, u"anything", true},
@@ -151,17 +146,13 @@ TEST(TRegEx, ReplacementReferences) {
   const ReplaceCase cases[] = {
       {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
       {u"b+", u"abbc", u"[$0|$&|\\0]", u"a[bb|bb|bb]c"},
-      {u"(?<y>\\d{4})-(\\d\\d)", u"2024-05", u"${2}/${y}", u"05/2024"},
-      {u"b", u"abc", u"$$\\\\", u"a$\\c"},
+      {u"(?<y>\\d{4})-(\\d\\d)", u"2024-05", u"${2}/${y}", u"05/2024"}, {u"b", u"abc", u"$$\\\\", u"a$\\c"},
       {u"(b)", u"abc", u"$9\\7${x}", u"a$9\\7${x}c"},  // no such group: stays as written
       {u"(b)", u"abc", u"$10", u"ab0c"},               // one group: "$1" then "0"
       {u"(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)", u"abcdefghij", u"$10$1", u"ja"},
       {u"(a)|(b)", u"b", u"[$1]", u"[]"},  // a group that took no part gives nothing
-      {u"b", u"abc", u"<$`|$'|$_>", u"a<a|c|abc>c"},
-      {u"x*", u"abc", u"-", u"-a-b-c-"},
-      {u"b", u"abc", u"$", u"a$c"},
-      {u"b", u"abc", u"${", u"a${c"},
-      {u"\\s+", u"a  b\t\tc", u" ", u"a b c"},
+      {u"b", u"abc", u"<$`|$'|$_>", u"a<a|c|abc>c"}, {u"x*", u"abc", u"-", u"-a-b-c-"},
+      {u"b", u"abc", u"$", u"a$c"}, {u"b", u"abc", u"${", u"a${c"}, {u"\\s+", u"a  b\t\tc", u" ", u"a b c"},
   };
   for (const ReplaceCase& c : cases)
     EXPECT_EQ(TRegEx::Replace(c.Input, c.Pattern, c.Replacement), c.Expected) << Narrow(c.Replacement);

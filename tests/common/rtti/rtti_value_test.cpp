@@ -27,11 +27,10 @@ TEST(TValueBasics, EmptyKindAndTypeInfo) {
   EXPECT_TRUE(TValue::From(std::vector<TLine>{}).IsEmpty());
   EXPECT_FALSE(TValue::From<Integer>(0).IsEmpty());
 
-  EXPECT_EQ(TValue::From<Integer>(1).Kind(), tkInteger);
-  EXPECT_EQ(TValue::From(UnicodeString(u"x")).Kind(), tkUString);
-  EXPECT_EQ(TValue::From(TAddress{}).Kind(), tkRecord);
-  EXPECT_EQ(TValue::From(clGreen).Kind(), tkEnumeration);
-  EXPECT_EQ(TValue::From(Variant(1)).Kind(), tkVariant);
+  const std::pair<TValue, TTypeKind> kinds[] = {
+      {TValue::From<Integer>(1), tkInteger}, {TValue::From(UnicodeString(u"x")), tkUString},
+      {TValue::From(TAddress{}), tkRecord}, {TValue::From(clGreen), tkEnumeration}, {TValue::From(Variant(1)), tkVariant}};
+  for (const auto& [value, kind] : kinds) EXPECT_EQ(value.Kind(), kind);
 }
 
 TEST(TValueBasics, CopiesOwnTheirPayload) {
@@ -62,9 +61,9 @@ TEST(TValueBasics, CopiesOwnTheirPayload) {
 
 TEST(TValueBasics, OrdinalsAndRanges) {
   EXPECT_EQ(TValue::FromOrdinal(TypeInfoOf<TColor>(), 2).ToString(), u"clBlue");
-  EXPECT_THROW(TValue::FromOrdinal(TypeInfoOf<TColor>(), 3), EInvalidCast);
-  EXPECT_THROW(TValue::FromOrdinal(TypeInfoOf<Byte>(), 256), EInvalidCast);
-  EXPECT_THROW(TValue::FromOrdinal(TypeInfoOf<UnicodeString>(), 1), EInvalidCast);
+  for (const auto& [type, ordinal] : {std::pair{TypeInfoOf<TColor>(), 3}, {TypeInfoOf<Byte>(), 256},
+                                      {TypeInfoOf<UnicodeString>(), 1}})
+    EXPECT_THROW(TValue::FromOrdinal(type, ordinal), EInvalidCast);
   EXPECT_EQ(TValue::FromOrdinal(TypeInfoOf<ShortInt>(), -5).AsInteger(), -5);
   EXPECT_TRUE(TValue::FromOrdinal(TypeInfoOf<bool>(), 1).AsBoolean());
   EXPECT_EQ(TValue::From(clGreen).AsOrdinal(), 1);
@@ -101,13 +100,11 @@ TEST(TValueBasics, ConversionsBetweenKinds) {
 }
 
 TEST(TValueBasics, VariantsBothWays) {
-  EXPECT_EQ(VarType(TValue::From<Byte>(7).AsVariant()), varByte);
-  EXPECT_EQ(VarType(TValue::From<Int64>(7).AsVariant()), varInt64);
-  EXPECT_EQ(VarType(TValue::From(true).AsVariant()), varBoolean);
-  EXPECT_EQ(VarType(TValue::From(UnicodeString(u"s")).AsVariant()), varUString);
-  EXPECT_EQ(VarType(TValue::From(Currency::FromRaw(1)).AsVariant()), varCurrency);
-  EXPECT_EQ(VarType(TValue::Make(nullptr, FindTypeInfo(u"TDate")).AsVariant()), varDate);
-  EXPECT_EQ(VarType(TValue().AsVariant()), varEmpty);
+  const std::pair<TValue, TVarType> types[] = {
+      {TValue::From<Byte>(7), varByte}, {TValue::From<Int64>(7), varInt64}, {TValue::From(true), varBoolean},
+      {TValue::From(UnicodeString(u"s")), varUString}, {TValue::From(Currency::FromRaw(1)), varCurrency},
+      {TValue::Make(nullptr, FindTypeInfo(u"TDate")), varDate}, {TValue(), varEmpty}};
+  for (const auto& [value, type] : types) EXPECT_EQ(VarType(value.AsVariant()), type);
   EXPECT_THROW(TValue::From(TAddress{}).AsVariant(), EInvalidCast);
 
   EXPECT_TRUE(TValue::FromVariant(Variant::Null()).IsEmpty());
@@ -155,10 +152,11 @@ TEST(TValueText, EnumerationsAndSets) {
   EXPECT_EQ(GetEnumValue(color, u""), -1);
   EXPECT_EQ(GetEnumValue(TypeInfoOf<Integer>(), u"12"), 12);
 
-  EXPECT_EQ(TValue::From<Integer>(-3).ToString(), u"-3");
-  EXPECT_EQ(TValue::From<Double>(0.5).ToString(), u"0.5");
-  EXPECT_EQ(TValue::From(TAddress{}).ToString(), u"(record)");
-  EXPECT_EQ(TValue::From(std::vector<TLine>(1)).ToString(), u"(dynamic array)");
+  const std::pair<TValue, const char16_t*> texts[] = {{TValue::From<Integer>(-3), u"-3"},
+                                                      {TValue::From<Double>(0.5), u"0.5"},
+                                                      {TValue::From(TAddress{}), u"(record)"},
+                                                      {TValue::From(std::vector<TLine>(1)), u"(dynamic array)"}};
+  for (const auto& [value, text] : texts) EXPECT_EQ(value.ToString(), text);
   TItem item;
   EXPECT_EQ(TValue::From(&item).ToString().rfind(u"(TItem @ ", 0), 0u);
 }

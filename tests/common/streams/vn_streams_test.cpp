@@ -53,8 +53,7 @@ TEST(VnStringStream, AddStoresTextInItsCodePage) {
     std::string Bytes;
   };
   const Case cases[] = {
-      {1200, Utf16Bytes(text)},
-      {65001, UnicodeToUtf8(text)},
+      {1200, Utf16Bytes(text)}, {65001, UnicodeToUtf8(text)},
       {0, UnicodeToUtf8(text)},  // the 8-bit default is UTF-8
       {1252, "a<\xE9>\x80?"},    // the emoji has no place in windows-1252
       {28591, "a<\xE9>??"},

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "common/message_of.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -13,14 +14,7 @@ using namespace vn;
 namespace {
 
 template <class F>
-UnicodeString ConvertErrorOf(F AFunc) {
-  try {
-    AFunc();
-  } catch (const EConvertError& e) {
-    return e.Message();
-  }
-  return u"(no EConvertError)";
-}
+UnicodeString ConvertErrorOf(F AFunc) { return test::MessageOf<EConvertError>(AFunc); }
 
 }  // namespace
 
@@ -46,7 +40,7 @@ TEST(StrToInt, RefusedFormsRaiseThePlatformText) {
     EXPECT_FALSE(TryStrToInt(text, v)) << UnicodeToUtf8(text);
     EXPECT_EQ(v, 99);
   }
-  EXPECT_EQ(ConvertErrorOf([] { StrToInt(u"12x"); }), u"'12x' is not a valid integer value");
+  EXPECT_EQ(ConvertErrorOf([] { StrToInt(u"12x"); }), Format(cRtlInvalidInteger, {u"12x"}));
   EXPECT_EQ(StrToIntDef(u"nope", -7), -7);
 }
 
@@ -65,28 +59,19 @@ TEST(StrToInt64, RangeAndHex) {
   EXPECT_THROW(StrToUInt64(u"-1"), EConvertError);
 }
 
-TEST(IntToStr, Extremes) {
-  EXPECT_EQ(IntToStr(0), u"0");
-  EXPECT_EQ(IntToStr(-17), u"-17");
-  EXPECT_EQ(IntToStr(INT64_MIN), u"-9223372036854775808");
-  EXPECT_EQ(UIntToStr(UINT64_MAX), u"18446744073709551615");
-  EXPECT_EQ(IntToHex(255, 4), u"00FF");
-  EXPECT_EQ(IntToHex(0x1234, 2), u"1234");
-  EXPECT_EQ(IntToHex(0, 0), u"0");
+TEST(IntToStr, ExtremesAndBooleans) {
+  const std::pair<UnicodeString, const char16_t*> cases[] = {
+      {IntToStr(0), u"0"},         {IntToStr(-17), u"-17"},      {IntToStr(INT64_MIN), u"-9223372036854775808"},
+      {IntToHex(255, 4), u"00FF"}, {IntToHex(0x1234, 2), u"1234"}, {UIntToStr(UINT64_MAX), u"18446744073709551615"},
+      {IntToHex(0, 0), u"0"},      {BoolToStr(true), u"-1"},      {BoolToStr(false), u"0"},
+      {BoolToStr(true, true), u"True"}, {BoolToStr(false, true), u"False"}};
+  for (const auto& [text, expected] : cases) EXPECT_EQ(text, expected);
 }
 
 TEST(StrToBool, NumbersAndWords) {
-  EXPECT_TRUE(StrToBool(u"true"));
-  EXPECT_TRUE(StrToBool(u"TRUE"));
-  EXPECT_FALSE(StrToBool(u"False"));
-  EXPECT_TRUE(StrToBool(u"-1"));
-  EXPECT_TRUE(StrToBool(u"0.5"));
-  EXPECT_FALSE(StrToBool(u"0"));
-  EXPECT_EQ(ConvertErrorOf([] { StrToBool(u"yes"); }), u"'yes' is not a valid boolean value");
-  EXPECT_EQ(BoolToStr(true), u"-1");
-  EXPECT_EQ(BoolToStr(false), u"0");
-  EXPECT_EQ(BoolToStr(true, true), u"True");
-  EXPECT_EQ(BoolToStr(false, true), u"False");
+  for (const char16_t* text : {u"true", u"TRUE", u"-1", u"0.5"}) EXPECT_TRUE(StrToBool(text)) << UnicodeToUtf8(text);
+  for (const char16_t* text : {u"False", u"0"}) EXPECT_FALSE(StrToBool(text)) << UnicodeToUtf8(text);
+  EXPECT_EQ(ConvertErrorOf([] { StrToBool(u"yes"); }), Format(cRtlInvalidBoolean, {u"yes"}));
 }
 
 TEST(FloatToStr, PlatformTable) {
@@ -95,29 +80,14 @@ TEST(FloatToStr, PlatformTable) {
     const char16_t* Expected;
   };
   const Case cases[] = {
-      {0.0, u"0"},
-      {-0.0, u"0"},
-      {0.1, u"0.1"},
-      {1.0 / 3.0, u"0.333333333333333"},
-      {2.0 / 3.0, u"0.666666666666667"},
-      {100.0, u"100"},
-      {-2.5, u"-2.5"},
-      {1e15, u"1E15"},
-      {1e14, u"100000000000000"},
-      {999999999999999.0, u"999999999999999"},
-      {9999999999999999.0, u"1E16"},
-      {1e-5, u"1E-5"},
-      {0.0001, u"0.0001"},
-      {0.00012345, u"0.00012345"},
-      {1.5e-7, u"1.5E-7"},
-      {123456789.125, u"123456789.125"},
-      {1.7976931348623157e308, u"1.79769313486232E308"},
-      {-1.7976931348623157e308, u"-1.79769313486232E308"},
-      {5e-324, u"4.94065645841247E-324"},
-      {2.2250738585072014e-308, u"2.2250738585072E-308"},
-      {1.0L / 3.0L, u"0.333333333333333"},
-      {std::numeric_limits<double>::quiet_NaN(), u"NAN"},
-      {std::numeric_limits<double>::infinity(), u"INF"},
+      {0.0, u"0"}, {-0.0, u"0"}, {0.1, u"0.1"}, {1.0 / 3.0, u"0.333333333333333"},
+      {2.0 / 3.0, u"0.666666666666667"}, {100.0, u"100"}, {-2.5, u"-2.5"}, {1e15, u"1E15"},
+      {1e14, u"100000000000000"}, {999999999999999.0, u"999999999999999"}, {9999999999999999.0, u"1E16"},
+      {1e-5, u"1E-5"}, {0.0001, u"0.0001"}, {0.00012345, u"0.00012345"}, {1.5e-7, u"1.5E-7"},
+      {123456789.125, u"123456789.125"}, {1.7976931348623157e308, u"1.79769313486232E308"},
+      {-1.7976931348623157e308, u"-1.79769313486232E308"}, {5e-324, u"4.94065645841247E-324"},
+      {2.2250738585072014e-308, u"2.2250738585072E-308"}, {1.0L / 3.0L, u"0.333333333333333"},
+      {std::numeric_limits<double>::quiet_NaN(), u"NAN"}, {std::numeric_limits<double>::infinity(), u"INF"},
       {-std::numeric_limits<double>::infinity(), u"-INF"},
   };
   for (const auto& c : cases)
@@ -150,7 +120,7 @@ TEST(StrToFloat, RefusedForms) {
   }
   Double d = 0;
   EXPECT_FALSE(TryStrToFloat(u"1e400", d));  // fits Extended, not Double
-  EXPECT_EQ(ConvertErrorOf([] { StrToFloat(u"1,5"); }), u"'1,5' is not a valid floating point value");
+  EXPECT_EQ(ConvertErrorOf([] { StrToFloat(u"1,5"); }), Format(cRtlInvalidFloat, {u"1,5"}));
   EXPECT_EQ(StrToFloatDef(u"x", 2.5), 2.5);
 }
 

@@ -1,80 +1,70 @@
 // Text helpers: trimming, ASCII and Unicode case, comparison, quoting, search and replace.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
 
 using namespace vn;
 
-TEST(Trim, ControlCharactersAndSpaces) {
-  EXPECT_EQ(Trim(u"\t a b \r\n"), u"a b");
-  EXPECT_EQ(Trim(u"\x01\x1F x"), u"x");
-  EXPECT_EQ(Trim(u"\u00A0x\u00A0"), u"\u00A0x\u00A0");  // only characters at or below the space
-  EXPECT_EQ(Trim(u"   "), u"");
-  EXPECT_EQ(Trim(u""), u"");
+namespace {
+
+using TextFn = UnicodeString (*)(std::u16string_view);
+using CompareFn = Integer (*)(std::u16string_view, std::u16string_view);
+int Sign(int AValue) { return (AValue > 0) - (AValue < 0); }
+
+}  // namespace
+
+TEST(Text, TrimAndCaseFolding) {
+  const TextFn trim = Trim, upper = UpperCase, lower = LowerCase, ansiUpper = AnsiUpperCase,
+               ansiLower = AnsiLowerCase;
+  const std::tuple<TextFn, const char16_t*, const char16_t*> cases[] = {
+      {trim, u"\t a b \r\n", u"a b"}, {trim, u"\x01\x1F x", u"x"}, {trim, u"   ", u""}, {trim, u"", u""},
+      {trim, u"\u00A0x\u00A0", u"\u00A0x\u00A0"},  // only characters at or below the space
+      {upper, u"abz\u00E4\u00DF", u"ABZ\u00E4\u00DF"}, {lower, u"ABZ\u00C4", u"abz\u00C4"},
+      {ansiUpper, u"ab\u00E4", u"AB\u00C4"}, {ansiUpper, u"stra\u00DFe", u"STRASSE"},
+      {ansiLower, u"\u00C4\u0391", u"\u00E4\u03B1"}};
+  for (const auto& [fn, in, out] : cases) EXPECT_EQ(fn(in), out) << UnicodeToUtf8(in);
   EXPECT_EQ(TrimLeft(u"  x  "), u"x  ");
   EXPECT_EQ(TrimRight(u"  x  "), u"  x");
-}
-
-TEST(CaseFolding, AsciiOnlyVersusUnicode) {
-  EXPECT_EQ(UpperCase(u"abz\u00E4\u00DF"), u"ABZ\u00E4\u00DF");
-  EXPECT_EQ(LowerCase(u"ABZ\u00C4"), u"abz\u00C4");
-  EXPECT_EQ(AnsiUpperCase(u"ab\u00E4"), u"AB\u00C4");
-  EXPECT_EQ(AnsiUpperCase(u"stra\u00DFe"), u"STRASSE");
-  EXPECT_EQ(AnsiLowerCase(u"\u00C4\u0391"), u"\u00E4\u03B1");
   EXPECT_TRUE(SameText(u"Hello", u"hELLO"));
   EXPECT_FALSE(SameText(u"\u00C4", u"\u00E4"));
   EXPECT_TRUE(AnsiSameText(u"\u00C4x", u"\u00E4X"));
   EXPECT_FALSE(AnsiSameText(u"a", u"ab"));
 }
 
-TEST(Compare, SignsFollowUpperCasedUnits) {
-  EXPECT_EQ(CompareText(u"abc", u"ABC"), 0);
-  EXPECT_LT(CompareText(u"abc", u"ABD"), 0);
-  EXPECT_LT(CompareText(u"ab", u"abc"), 0);
-  EXPECT_GT(CompareText(u"_", u"a"), 0);  // 'a' folds to 'A' (0x41), below '_' (0x5F)
-  EXPECT_LT(CompareStr(u"B", u"a"), 0);
-  EXPECT_GT(CompareStr(u"b", u"B"), 0);
-  EXPECT_EQ(CompareStr(u"", u""), 0);
+TEST(Text, ComparisonSigns) {
+  const CompareFn text = CompareText, str = CompareStr, ansiStr = AnsiCompareStr, ansiText = AnsiCompareText;
+  const std::tuple<CompareFn, const char16_t*, const char16_t*, int> cases[] = {
+      {text, u"abc", u"ABC", 0}, {text, u"abc", u"ABD", -1}, {text, u"ab", u"abc", -1},
+      {text, u"_", u"a", 1},  // 'a' folds to 'A' (0x41), below '_' (0x5F)
+      {str, u"B", u"a", -1}, {str, u"b", u"B", 1}, {str, u"", u"", 0},
+      // The linguistic forms: lower case first, then the letter decides, not the code unit.
+      {ansiStr, u"a", u"A", -1}, {ansiStr, u"A", u"b", -1}, {ansiStr, u"\u00E4", u"b", -1}, {ansiStr, u"x", u"x", 0},
+      {ansiStr, u"a\u0001", u"a", 1},  // ignorable characters still tell texts apart
+      {ansiText, u"Stra\u00DFe", u"STRASSE", 0}, {ansiText, u"apple", u"Banana", -1}, {ansiText, u"a\u0001", u"A", 1}};
+  for (const auto& [cmp, a, b, sign] : cases)
+    EXPECT_EQ(Sign(cmp(a, b)), sign) << UnicodeToUtf8(a) << " vs " << UnicodeToUtf8(b);
 }
 
-TEST(Compare, AnsiFormsFollowLinguisticOrder) {
-  EXPECT_LT(AnsiCompareStr(u"a", u"A"), 0);  // lower case first
-  EXPECT_LT(AnsiCompareStr(u"A", u"b"), 0);  // then the letter decides, not the code unit
-  EXPECT_LT(AnsiCompareStr(u"\u00E4", u"b"), 0);
-  EXPECT_EQ(AnsiCompareStr(u"x", u"x"), 0);
-  EXPECT_NE(AnsiCompareStr(u"a\u0001", u"a"), 0);  // ignorable characters still tell texts apart
-  EXPECT_EQ(AnsiCompareText(u"Stra\u00DFe", u"STRASSE"), 0);
-  EXPECT_LT(AnsiCompareText(u"apple", u"Banana"), 0);
-  EXPECT_GT(AnsiCompareText(u"a\u0001", u"A"), 0);
-}
-
-TEST(Quoting, QuotedAndDequoted) {
+TEST(Text, QuotedAndDequoted) {
   EXPECT_EQ(QuotedStr(u"it's"), u"'it''s'");
   EXPECT_EQ(QuotedStr(u"", u'"'), u"\"\"");
-  struct Case {
-    const char16_t* Text;
-    const char16_t* Expected;
-  };
-  const Case cases[] = {
-      {u"'abc'", u"abc"},    {u"'ab''c'", u"ab'c"}, {u"abc", u"abc"},  {u"'abc", u"'abc"},
-      {u"'abc'def", u"abc"}, {u"''", u""},          {u"'", u""},       {u"", u""},
-      {u"abc'", u"abc'"},    {u"''''", u"'"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(AnsiDequotedStr(c.Text, u'\''), c.Expected);
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
+      {u"'abc'", u"abc"}, {u"'ab''c'", u"ab'c"}, {u"abc", u"abc"}, {u"'abc", u"'abc"}, {u"'abc'def", u"abc"},
+      {u"''", u""},       {u"'", u""},           {u"", u""},       {u"abc'", u"abc'"}, {u"''''", u"'"}};
+  for (const auto& [text, expected] : cases) EXPECT_EQ(AnsiDequotedStr(text, u'\''), expected);
 }
 
-TEST(Search, PosCopyAndAffixes) {
-  EXPECT_EQ(Pos(u"b", u"abcb"), 2);
-  EXPECT_EQ(Pos(u"b", u"abcb", 3), 4);
-  EXPECT_EQ(Pos(u"z", u"abc"), 0);
-  EXPECT_EQ(Pos(u"", u"abc"), 0);
-  EXPECT_EQ(Pos(u"a", u"abc", 0), 0);
-  EXPECT_EQ(Pos(u"a", u"abc", 4), 0);
-  EXPECT_EQ(Copy(u"abcdef", 2, 3), u"bcd");
-  EXPECT_EQ(Copy(u"abcdef", 0, 2), u"ab");
-  EXPECT_EQ(Copy(u"abcdef", 5, 100), u"ef");
-  EXPECT_EQ(Copy(u"abcdef", 7, 1), u"");
-  EXPECT_EQ(Copy(u"abcdef", 2, -1), u"");
+TEST(Text, PosCopyAndAffixes) {
+  const std::tuple<const char16_t*, const char16_t*, Integer, Integer> positions[] = {
+      {u"b", u"abcb", 1, 2}, {u"b", u"abcb", 3, 4}, {u"z", u"abc", 1, 0},
+      {u"", u"abc", 1, 0},   {u"a", u"abc", 0, 0},  {u"a", u"abc", 4, 0}};
+  for (const auto& [sub, text, from, at] : positions) EXPECT_EQ(Pos(sub, text, from), at) << from;
+  const std::tuple<Integer, Integer, const char16_t*> copies[] = {
+      {2, 3, u"bcd"}, {0, 2, u"ab"}, {5, 100, u"ef"}, {7, 1, u""}, {2, -1, u""}};
+  for (const auto& [index, count, part] : copies) EXPECT_EQ(Copy(u"abcdef", index, count), part) << index;
   EXPECT_TRUE(StartsText(u"AB", u"abc"));
   EXPECT_FALSE(StartsStr(u"AB", u"abc"));
   EXPECT_TRUE(EndsText(u"BC", u"abc"));
@@ -85,15 +75,16 @@ TEST(Search, PosCopyAndAffixes) {
   EXPECT_EQ(StringOfChar(u'-', -1), u"");
 }
 
-TEST(StringReplace, FlagsDecideCountAndCase) {
-  EXPECT_EQ(StringReplace(u"a-b-c", u"-", u"+", 0), u"a+b-c");
-  EXPECT_EQ(StringReplace(u"a-b-c", u"-", u"+", rfReplaceAll), u"a+b+c");
-  EXPECT_EQ(StringReplace(u"aXbxc", u"x", u"", rfReplaceAll | rfIgnoreCase), u"abc");
-  EXPECT_EQ(StringReplace(u"aXbxc", u"x", u"", rfReplaceAll), u"aXbc");
-  EXPECT_EQ(StringReplace(u"\u00C4\u00E4", u"\u00E4", u"a", rfReplaceAll | rfIgnoreCase), u"aa");
-  EXPECT_EQ(StringReplace(u"aaa", u"aa", u"b", rfReplaceAll), u"ba");  // no overlapping matches
-  EXPECT_EQ(StringReplace(u"abc", u"", u"x", rfReplaceAll), u"abc");
-  EXPECT_EQ(StringReplace(u"xx", u"x", u"xx", rfReplaceAll), u"xxxx");
+TEST(Text, StringReplaceFlagsDecideCountAndCase) {
+  const auto all = rfReplaceAll;
+  const std::tuple<const char16_t*, const char16_t*, const char16_t*, unsigned, const char16_t*> cases[] = {
+      {u"a-b-c", u"-", u"+", 0, u"a+b-c"}, {u"a-b-c", u"-", u"+", all, u"a+b+c"},
+      {u"aXbxc", u"x", u"", all | rfIgnoreCase, u"abc"}, {u"aXbxc", u"x", u"", all, u"aXbc"},
+      {u"\u00C4\u00E4", u"\u00E4", u"a", all | rfIgnoreCase, u"aa"},
+      {u"aaa", u"aa", u"b", all, u"ba"},  // no overlapping matches
+      {u"abc", u"", u"x", all, u"abc"}, {u"xx", u"x", u"xx", all, u"xxxx"}};
+  for (const auto& [text, from, to, flags, result] : cases)
+    EXPECT_EQ(StringReplace(text, from, to, flags), result) << UnicodeToUtf8(text);
 }
 
 TEST(FileNames, SplitOnEitherSeparator) {

@@ -59,8 +59,7 @@ TEST_F(LoggerTest, SinkReceivesWhatPassesTheLevel) {
   log.Error(u"e");
   log.SetLevel(llDebug);
   EXPECT_EQ(Records(), (std::vector<Record>{{llDebug, u"test.levels", u"d"},
-                                            {llInfo, u"test.levels", u"i"},
-                                            {llWarn, u"test.levels", u"w"},
+                                            {llInfo, u"test.levels", u"i"}, {llWarn, u"test.levels", u"w"},
                                             {llError, u"test.levels", u"e"}}));
 }
 

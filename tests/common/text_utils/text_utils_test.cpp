@@ -18,10 +18,7 @@ struct NormalizeCase {
 
 TEST(VnNormalizeString, GivesEachOfTheFourForms) {
   const NormalizeCase cases[] = {
-      {u"", nfC, u""},
-      {u"plain", nfKD, u"plain"},
-      {u"e\u0301", nfC, u"\u00E9"},
-      {u"\u00E9", nfD, u"e\u0301"},
+      {u"", nfC, u""}, {u"plain", nfKD, u"plain"}, {u"e\u0301", nfC, u"\u00E9"}, {u"\u00E9", nfD, u"e\u0301"},
       {u"\u212B", nfC, u"\u00C5"},  // the Angstrom sign is a singleton
       {u"\uFB01", nfC, u"\uFB01"},  // a ligature survives canonical forms...
       {u"\uFB01", nfKC, u"fi"},     // ...but not compatibility forms
@@ -48,27 +45,21 @@ TEST(VnNormalizeString, FormNamesAreExact) {
 
 TEST(VnSimplifyString, RemovesMarksAndKeepsBaseLetters) {
   const std::pair<std::u16string_view, std::u16string_view> cases[] = {
-      {u"Cr\u00E8me Br\u00FBl\u00E9e", u"Creme Brulee"},
-      {u"\u00C5ngstr\u00F6m", u"Angstrom"},
+      {u"Cr\u00E8me Br\u00FBl\u00E9e", u"Creme Brulee"}, {u"\u00C5ngstr\u00F6m", u"Angstrom"},
       {u"e\u0301t\u00E9", u"ete"},  // decomposed input too
-      {u"\uFB01anc\u00E9", u"fiance"},
-      {u"\uFF21\uFF22\uFF23", u"ABC"},
+      {u"\uFB01anc\u00E9", u"fiance"}, {u"\uFF21\uFF22\uFF23", u"ABC"},
       {u"\u00D8resund \u0141\u00F3d\u017A stra\u00DFe", u"Oresund Lodz strasse"},
       {u"\u00C6sir \u0153uvre", u"AEsir oeuvre"},
       {u"\uD55C\uAD6D\uC5B4", u"\uD55C\uAD6D\uC5B4"},  // Hangul recomposes after decomposition
       {u"\u0391\u03B8\u03AE\u03BD\u03B1", u"\u0391\u03B8\u03B7\u03BD\u03B1"},  // Greek tonos goes
-      {u"MiXeD", u"MiXeD"},
-      {u"\U0001F600\u0301", u"\U0001F600"},
-      {u"", u""},
+      {u"MiXeD", u"MiXeD"}, {u"\U0001F600\u0301", u"\U0001F600"}, {u"", u""},
   };
   for (const auto& [input, expected] : cases) EXPECT_EQ(VnSimplifyString(input), expected) << Narrow(input);
 }
 
 TEST(VnStripLiterals, RemovesEnclosingQuotes) {
   const std::pair<std::u16string_view, std::u16string_view> cases[] = {
-      {u"'abc'", u"abc"},
-      {u"\"abc\"", u"abc"},
-      {u"''", u""},
+      {u"'abc'", u"abc"}, {u"\"abc\"", u"abc"}, {u"''", u""},
       {u"'", u""},            // an opening quote alone
       {u"'abc", u"abc"},      // unterminated: the opening quote goes
       {u"'abc\"", u"abc\""},  // the end quote must be the same kind

@@ -77,7 +77,7 @@ TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
     EXPECT_EQ(test::MessageOf<Exception>(ACall), AMessage);
   };
   expectMessage([&] { VnSerialize(dsfXML, TValue::FromObject(&object)); },
-                u"There is no registered serializer for \"XML\"!");
+                Format(cVnNoSerializerForValue, {u"XML"}));
   expectMessage([&] { VnSerialize(dsfJSON, &object, TypeInfoOf<TBase>()); },
                 Format(cVnNoSerializerForType, {u"JSON", u"TBase"}));
   expectMessage([&] { VnCreateDeserializer(dsfXML, TValue::From<Integer>(1)); },
@@ -108,7 +108,7 @@ TEST(SerializerFrame, CreateTakesTheRightInstance) {
   EXPECT_EQ(set.GetInstancePtr(), set.GetValue().GetReferenceToRawData());
   TProbe p;
   EXPECT_EQ(test::MessageOf<Exception>([&] { p.Create(TValue::From(IPtr<IInterface>())); }),
-            u"Values of type \"tkInterface\" cannot be serialized!");
+            Format(cVnValueCannotBeSerialized, {u"tkInterface"}));
 }
 
 TEST(SerializerFrame, AFailingCreateFreesTheNewSerializer) {

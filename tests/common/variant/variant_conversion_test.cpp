@@ -1,6 +1,8 @@
 // Variant conversions: construction kinds, text <-> number coercion, range checks, Null and Empty.
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <tuple>
 
 #include "variant_test_support.h"
 #include "vnxml/common/interfaced_object.h"
@@ -18,31 +20,13 @@ TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
     TVarType Type;
   };
   const Row rows[] = {
-      {true, varBoolean},
-      {int8_t(-1), varShortInt},
-      {int16_t(-1), varSmallint},
-      {-1, varInteger},
-      {int64_t(-1), varInt64},
-      {-1LL, varInt64},
-      {uint8_t(1), varByte},
-      {uint16_t(1), varWord},
-      {1u, varLongWord},
-      {uint64_t(1), varUInt64},
-      {1ULL, varUInt64},
-      {1.5f, varSingle},
-      {1.5, varDouble},
-      {1.5L, varDouble},
-      {Currency::FromRaw(15000), varCurrency},
-      {u'x', varUString},
-      {u"text", varUString},
-      {UnicodeString(u"text"), varUString},
-      {VnXMLString(u"<a/>"), varUString},
-      {std::string("bytes"), varString},
-      {"bytes", varString},
-      {Variant::FromDate(1.5), varDate},
-      {Variant::FromOleStr(u"x"), varOleStr},
-      {Variant::Null(), varNull},
-      {Variant::Unassigned(), varEmpty},
+      {true, varBoolean}, {int8_t(-1), varShortInt}, {int16_t(-1), varSmallint}, {-1, varInteger},
+      {int64_t(-1), varInt64}, {-1LL, varInt64}, {uint8_t(1), varByte}, {uint16_t(1), varWord},
+      {1u, varLongWord}, {uint64_t(1), varUInt64}, {1ULL, varUInt64}, {1.5f, varSingle}, {1.5, varDouble},
+      {1.5L, varDouble}, {Currency::FromRaw(15000), varCurrency}, {u'x', varUString}, {u"text", varUString},
+      {UnicodeString(u"text"), varUString}, {VnXMLString(u"<a/>"), varUString},
+      {std::string("bytes"), varString}, {"bytes", varString}, {Variant::FromDate(1.5), varDate},
+      {Variant::FromOleStr(u"x"), varOleStr}, {Variant::Null(), varNull}, {Variant::Unassigned(), varEmpty},
   };
   for (const Row& r : rows) EXPECT_EQ(r.V.VarType(), r.Type) << test::U8(VarTypeAsText(r.Type));
 }
@@ -106,22 +90,18 @@ TEST(VariantConversion, BooleansAreMinusOneAndTrueText) {
 
 TEST(VariantConversion, NullRefusesEveryConversionAndEmptyIsZero) {
   const Variant null = Variant::Null();
-  ExpectCast([&] { (void)null.AsInteger(); }, u"Null", u"Integer");
-  ExpectCast([&] { (void)null.AsDouble(); }, u"Null", u"Double");
-  ExpectCast([&] { (void)null.AsBoolean(); }, u"Null", u"Boolean");
-  ExpectCast([&] { (void)null.AsString(); }, u"Null", u"UnicodeString");
-  ExpectCast([&] { (void)null.AsDateTime(); }, u"Null", u"Date");
-  ExpectCast([&] { (void)VarAsType(null, varInteger); }, u"Null", u"Integer");
+  const std::pair<std::function<void()>, const char16_t*> refusals[] = {
+      {[&] { (void)null.AsInteger(); }, u"Integer"},  {[&] { (void)null.AsDouble(); }, u"Double"},
+      {[&] { (void)null.AsBoolean(); }, u"Boolean"},  {[&] { (void)null.AsString(); }, u"UnicodeString"},
+      {[&] { (void)null.AsDateTime(); }, u"Date"},    {[&] { (void)VarAsType(null, varInteger); }, u"Integer"}};
+  for (const auto& [call, to] : refusals) ExpectCast(call, u"Null", to);
   EXPECT_EQ(VarToStr(null), u"");
   EXPECT_EQ(VarToStrDef(null, u"none"), u"none");
   EXPECT_EQ(VarToStrDef(Variant(), u"none"), u"");
 
   const Variant empty;
-  EXPECT_EQ(empty.AsInteger(), 0);
-  EXPECT_EQ(empty.AsDouble(), 0);
-  EXPECT_EQ(empty.AsString(), u"");
-  EXPECT_FALSE(empty.AsBoolean());
-  EXPECT_EQ(empty.AsDateTime(), 0);
+  EXPECT_EQ(std::tuple(empty.AsInteger(), empty.AsDouble(), empty.AsString(), empty.AsBoolean(), empty.AsDateTime()),
+            std::tuple(0, 0.0, UnicodeString(), false, 0.0));
   EXPECT_FALSE(empty.AsInterface());
 }
 
@@ -181,15 +161,9 @@ TEST(VariantConversion, VarAsType) {
     Variant Expected;
   };
   const Row rows[] = {
-      {u"12", varInteger, 12},
-      {u"12", varByte, uint8_t(12)},
-      {12, varUString, u"12"},
-      {12, varOleStr, u"12"},
-      {12, varString, "12"},
-      {u"1.5", varCurrency, Currency::FromRaw(15000)},
-      {1.25, varSingle, 1.25f},
-      {true, varInt64, -1},
-      {u"True", varBoolean, true},
+      {u"12", varInteger, 12}, {u"12", varByte, uint8_t(12)}, {12, varUString, u"12"}, {12, varOleStr, u"12"},
+      {12, varString, "12"}, {u"1.5", varCurrency, Currency::FromRaw(15000)}, {1.25, varSingle, 1.25f},
+      {true, varInt64, -1}, {u"True", varBoolean, true},
       {u"2024-02-29", varDate, Variant::FromDate(EncodeDate(2024, 2, 29))},
       {int64_t(5), varVariant, int64_t(5)},
   };

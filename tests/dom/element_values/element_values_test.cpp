@@ -45,26 +45,13 @@ bool HasNil(TVnDOMElement* AElement) { return AElement->FindAttribute(cVnXSIName
 
 /// One Variant of each kind that has a text form.
 std::vector<Variant> VariantsOfEveryKind() {
-  return {
-      Variant(short(-2)),
-      Variant(123456),
-      Variant(0.5f),
-      Variant(-1.25e-7),
-      Variant(Currency::FromDouble(99.5)),
-      Variant::FromDate(EncodeDateTime(2023, 7, 1, 8, 9, 10, 11)),
-      Variant::FromOleStr(u"ole <&>"),
-      Variant(true),
-      Variant(static_cast<signed char>(-100)),
-      Variant(static_cast<unsigned char>(200)),
-      Variant(static_cast<unsigned short>(60000)),
-      Variant(4000000000u),
-      Variant(-9000000000LL),
-      Variant(18000000000000000000ULL),
-      Variant(std::string("ansi \xC3\xA9")),
-      Variant(u"text with \"quotes\" and 'apostrophes' <&>"),
-      VarArrayOf({Variant(1), Variant(u"two")}),
-      VarArrayFromBytes(TBytes{0, 0x7F, 0xFF}),
-  };
+  return {Variant(short(-2)), Variant(123456), Variant(0.5f), Variant(-1.25e-7), Variant(Currency::FromDouble(99.5)),
+          Variant::FromDate(EncodeDateTime(2023, 7, 1, 8, 9, 10, 11)), Variant::FromOleStr(u"ole <&>"), Variant(true),
+          Variant(static_cast<signed char>(-100)), Variant(static_cast<unsigned char>(200)),
+          Variant(static_cast<unsigned short>(60000)), Variant(4000000000u), Variant(-9000000000LL),
+          Variant(18000000000000000000ULL), Variant(std::string("ansi \xC3\xA9")),
+          Variant(u"text with \"quotes\" and 'apostrophes' <&>"), VarArrayOf({Variant(1), Variant(u"two")}),
+          VarArrayFromBytes(TBytes{0, 0x7F, 0xFF})};
 }
 
 TEST(ElementValues, EveryVariantKindComesBackWithItsTypeAndValue) {

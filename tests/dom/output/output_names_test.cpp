@@ -43,8 +43,7 @@ TEST(OutputNames, LoadSaveReloadGivesTheSameTreeOrTheSaveRefuses) {
   const Case cases[] = {
       {u"<a p::b=\"1\" c:d=\"2\" e:=\"3\"/>", nullptr},
       {u"<c =\"\" x=\"1\" =\"2\"/>", nullptr},  // empty names read back empty
-      {u"<a b/c=\"1\" d\"e=\"2\" f g=\"3\"/>", nullptr},
-      {u"<a\t b \t= '1'\r\nc='x\"y'/>", nullptr},
+      {u"<a b/c=\"1\" d\"e=\"2\" f g=\"3\"/>", nullptr}, {u"<a\t b \t= '1'\r\nc='x\"y'/>", nullptr},
       {u"<a\x14/=\"\" x=\"1\"/>", u"/"},       // would end the tag: x is lost
       {u"<a\n/=\"\"><a>", u"/"},               // would end the tag: two roots
       {u"<c =\"\":\"=\"\">", u"\""},          // a quote behind a value is skipped

@@ -94,8 +94,7 @@ TEST(JsonLoad, HandlerRules) {
     const char16_t* Failure;  // message, or nullptr
   };
   const Case cases[] = {
-      {u"[1][2]", u"[2]", nullptr},
-      {u"5", u"", u"oeps?"},
+      {u"[1][2]", u"[2]", nullptr}, {u"5", u"", u"oeps?"},
       {u"{\"a\":1,\"a\":{\"b\":2}}", u"{\"a\": 1, \"a\": {\"b\": 2}}", nullptr},
       {u"{\"a\":[1,{\"b\":", u"{\"a\": [1, {\"b\": null}]}", cut.c_str()},
   };

@@ -44,8 +44,7 @@ struct Case {
 };
 
 const Case kForms[] = {
-    {"a=1&b=2", "< { m:a s:1 /m m:b s:2 /m } >"},
-    {"a=1&a=2", "< { m:a s:1 /m m:a s:2 /m } >"},
+    {"a=1&b=2", "< { m:a s:1 /m m:b s:2 /m } >"}, {"a=1&a=2", "< { m:a s:1 /m m:a s:2 /m } >"},
     {"a[b]=1&a[c]=2&d=3", "< { m:a { m:b s:1 /m m:c s:2 /m } /m m:d s:3 /m } >"},
     {"a[b][c]=1&a[d]=2", "< { m:a { m:b { m:c s:1 /m } /m m:d s:2 /m } /m } >"},
     {"a%5Bb%5D=1", "< { m:a { m:b s:1 /m } /m } >"},
@@ -68,9 +67,7 @@ const Case kForms[] = {
     {"a+b%26c%0A=1&\xC3\xA9=\xE2\x82\xAC", "< { m:a+b&c\n s:1 /m m:\xC3\xA9 s:\\u20AC /m } >"},
     {"=1&a=1&&b=2&c&d=3", "< { m: s:1 /m m:a s:1 /m m:&b s:2 /m m:c&d s:3 /m } >"},
     // "_" behind "&" ends the form; the first pair is exempt unless it is a bare name.
-    {"a=1&_=123&b=2", "< { m:a s:1 /m } >"},
-    {"_=1", "< { m:_ s:1 /m } >"},
-    {"%5Fx", "< { } >"},
+    {"a=1&_=123&b=2", "< { m:a s:1 /m } >"}, {"_=1", "< { m:_ s:1 /m } >"}, {"%5Fx", "< { } >"},
     // Shapes this reader gives a meaning of its own, within the event grammar.
     {"a[5]=x&b[1st]=y", "< { m:a [ s:x ] /m m:b [ s:y ] /m } >"},
     {"a[1]=x&a[0]=y", "< { m:a [ s:x s:y ] /m } >"},
@@ -102,15 +99,12 @@ TEST(FormReader, FailuresReachTheErrorHandlerWithTheirPlace) {
   auto mark = [](std::u16string_view found) { return Format(cVnFormOpeningMarkExpected, {UnicodeString(found)}); };
   const UnicodeString eof = u"Unexpected end of the text!";
   const Failure kFailures[] = {
-      {"", "< { m: !1:1", mark(u"")},
-      {"a", "< { m:a !1:2", mark(u"")},
+      {"", "< { m: !1:1", mark(u"")}, {"a", "< { m:a !1:2", mark(u"")},
       {"a[b=1", "< { m:a { m:b !1:5", mark(u"1")},  // the "=" closed the segment
-      {"a]=1", "< { m:a !1:2", mark(u"]=1")},
-      {"a[b]c=1", "< { m:a { m:b !1:5", mark(u"c=1")},
+      {"a]=1", "< { m:a !1:2", mark(u"]=1")}, {"a[b]c=1", "< { m:a { m:b !1:5", mark(u"c=1")},
       {"a=%C3x", "< { m:a !1:6", UnicodeString(cVnFormInvalidUTF8)},
       {"a=%E2%82", "< { m:a !1:9", UnicodeString(cVnFormInvalidUTF8)},
-      {"a=%zz", "< { m:a !1:6", u"'$zz' is not a valid integer value"},
-      {"a=%4", "< { m:a !1:5", eof},
+      {"a=%zz", "< { m:a !1:6", u"'$zz' is not a valid integer value"}, {"a=%4", "< { m:a !1:5", eof},
       {"a[b", "< { m:a !1:4", eof},
   };
   FormReader r;

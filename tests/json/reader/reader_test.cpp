@@ -23,25 +23,16 @@ struct Case {
 
 // Traces end with !line:col when the parse failed; -1:-1 marks the end of text coming too early.
 const Case kLanguage[] = {
-    {"", "< >"},
-    {"   ", "< >"},
-    {"{}", "< { } >"},
-    {"[]", "< [ ] >"},
-    {"  [1]", "< [ n:1 ] >"},
-    {"12 ", "< n:12 >"},
-    {"\"a\" ", "< s:a >"},
+    {"", "< >"}, {"   ", "< >"}, {"{}", "< { } >"}, {"[]", "< [ ] >"}, {"  [1]", "< [ n:1 ] >"},
+    {"12 ", "< n:12 >"}, {"\"a\" ", "< s:a >"},
     {"truex", "< b:true >"},  // the character after a top-level literal is passed over unseen
     {"[1][2]{}", "< [ n:1 ] [ n:2 ] { } >"},
     {"{\"a\":[1,{\"b\":null}],\"c\":false}", "< { m:a [ n:1 { m:b z:null /m } ] /m m:c b:false /m } >"},
-    {"{\"a\" junk : 1 junk }", "< { m:a n:1 /m } >"},
-    {"{ junk \"a\":1}", "< { m:a n:1 /m } >"},
+    {"{\"a\" junk : 1 junk }", "< { m:a n:1 /m } >"}, {"{ junk \"a\":1}", "< { m:a n:1 /m } >"},
     {"{\"a\":1,junk\"b\":2}", "< { m:a n:1 /m m:b n:2 /m } >"},
-    {"{\"a\":1,\"a\":2}", "< { m:a n:1 /m m:a n:2 /m } >"},
-    {"[1}]", "< [ n:1 ] >"},
-    {"{\"a\":[1]]}", "< { m:a [ n:1 ] /m } >"},
-    {"[1 2]", "< [ n:1 ] >"},
-    {"[truex, nullnull]", "< [ b:true z:null ] >"},
-    {"[1,]", "< [ n:1 ] >"},
+    {"{\"a\":1,\"a\":2}", "< { m:a n:1 /m m:a n:2 /m } >"}, {"[1}]", "< [ n:1 ] >"},
+    {"{\"a\":[1]]}", "< { m:a [ n:1 ] /m } >"}, {"[1 2]", "< [ n:1 ] >"},
+    {"[truex, nullnull]", "< [ b:true z:null ] >"}, {"[1,]", "< [ n:1 ] >"},
     {"[[],[[]]]", "< [ [ ] [ [ ] ] ] >"},
     {"[+1,.5,007,1e,e5,1-2,-]", "< [ n:+1 n:.5 n:007 n:1e n:e5 n:1-2 n:- ] >"},
     {"[\"\",\"a\\tb\",\"\\\"\\\\\",\"\\u00e9\\/\"]", "< [ s: s:a\\tb s:\\\"\\\\ s:\\u00e9\\/ ] >"},
@@ -51,30 +42,15 @@ const Case kLanguage[] = {
     {"[\"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\"]", "< [ s:\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 ] >"},
     // Text cut short: a string at the top level ends quietly; a container fires its end, then
     // the step past its bracket meets the end.
-    {"\"abc", "< s:abc >"},
-    {"[1", "< [ n:1 ] !-1:-1"},
-    {"{\"a\":1", "< { m:a n:1 /m } !-1:-1"},
-    {"{\"a", "< { m:a !-1:-1"},
-    {"{\"a\" 1}", "< { m:a !-1:-1"},
-    {"[\"\\u12", "< [ !-1:-1"},
+    {"\"abc", "< s:abc >"}, {"[1", "< [ n:1 ] !-1:-1"}, {"{\"a\":1", "< { m:a n:1 /m } !-1:-1"},
+    {"{\"a", "< { m:a !-1:-1"}, {"{\"a\" 1}", "< { m:a !-1:-1"}, {"[\"\\u12", "< [ !-1:-1"},
     {"{", "< { } !-1:-1"},
     // Failures: the scanner stands at the character found.
-    {"\t1", "< !1:1"},
-    {"{}\n", "< { } !1:3"},
-    {"[1] ", "< [ n:1 ] !1:4"},
-    {"12,3", "< n:12 !1:4"},
-    {"\"a\"x", "< s:a !1:4"},
-    {"\"a\"  \"b\"", "< s:a !1:6"},
-    {"{\"a\":}", "< { m:a !1:6"},
+    {"\t1", "< !1:1"}, {"{}\n", "< { } !1:3"}, {"[1] ", "< [ n:1 ] !1:4"}, {"12,3", "< n:12 !1:4"},
+    {"\"a\"x", "< s:a !1:4"}, {"\"a\"  \"b\"", "< s:a !1:6"}, {"{\"a\":}", "< { m:a !1:6"},
     {"{\"a\":1,}", "< { m:a n:1 /m !1:9"},  // no trailing comma in an object: a name is due
-    {"[,]", "< [ !1:2"},
-    {"[}", "< [ !1:2"},
-    {"[", "< [ !1:2"},
-    {"[\"\\q\"]", "< [ !1:4"},
-    {"[\"\\", "< [ !1:4"},
-    {"[tru]", "< [ !1:6"},
-    {"[True]", "< [ !1:2"},
-    {"[\n1,\n x]", "< [ n:1 !3:2"},
+    {"[,]", "< [ !1:2"}, {"[}", "< [ !1:2"}, {"[", "< [ !1:2"}, {"[\"\\q\"]", "< [ !1:4"},
+    {"[\"\\", "< [ !1:4"}, {"[tru]", "< [ !1:6"}, {"[True]", "< [ !1:2"}, {"[\n1,\n x]", "< [ n:1 !3:2"},
     {"x", "< !1:1"},
 };
 
@@ -104,14 +80,11 @@ struct Failure {
 
 TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
   const Failure failures[] = {
-      {"{}\n", cVnJSONValueStartExpected, u"\n"},
-      {"[\xC3\xA9]", cVnJSONValueStartExpected, u"\u00E9"},
-      {"[\xF0\x9F\x98\x80]", cVnJSONValueStartExpected, u"\U0001F600"},
-      {"12,3", u"", u"3"},
+      {"{}\n", cVnJSONValueStartExpected, u"\n"}, {"[\xC3\xA9]", cVnJSONValueStartExpected, u"\u00E9"},
+      {"[\xF0\x9F\x98\x80]", cVnJSONValueStartExpected, u"\U0001F600"}, {"12,3", u"", u"3"},
       {"[\"\\q\"]", cVnJSONEscapeExpected, u"q"},
       {"[tru]", u"e", u""},   // the wrong letter was read: what follows it is shown
-      {"[trux1]", u"e", u"1"},
-      {"{\"a\":1,}", u"\"", u""},
+      {"[trux1]", u"e", u"1"}, {"{\"a\":1,}", u"\"", u""},
   };
   for (const Failure& f : failures) {
     RecordingJsonReader r;

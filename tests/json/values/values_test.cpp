@@ -16,10 +16,7 @@ namespace {
 
 TEST(JsonValues, StrToJSON) {
   const std::pair<std::u16string_view, std::u16string_view> cases[] = {
-      {u"", u""},
-      {u"plain text", u"plain text"},
-      {u"a/b", u"a\\/b"},
-      {u"q\"b\\", u"q\\\"b\\\\"},
+      {u"", u""}, {u"plain text", u"plain text"}, {u"a/b", u"a\\/b"}, {u"q\"b\\", u"q\\\"b\\\\"},
       {u"\b\t\n\f\r", u"\\b\\t\\n\\f\\r"},
       {u"\a", u""},                                   // U+0001..U+0007 are dropped
       {u"x\x01y\x07z", u"xyz"},
@@ -39,19 +36,13 @@ TEST(JsonValues, JSONtoStr) {
     std::u16string_view Out;
   };
   const Case cases[] = {
-      {u"", jdtString, u""},
-      {u"\\\"\\/\\\\\\b\\f\\n\\r\\t", jdtString, u"\"/\\\b\f\n\r\t"},
-      {u"\\u00e9\\u00E9", jdtString, u"\u00E9\u00E9"},
-      {u"\\uD83D\\uDE00", jdtString, u"\U0001F600"},
+      {u"", jdtString, u""}, {u"\\\"\\/\\\\\\b\\f\\n\\r\\t", jdtString, u"\"/\\\b\f\n\r\t"},
+      {u"\\u00e9\\u00E9", jdtString, u"\u00E9\u00E9"}, {u"\\uD83D\\uDE00", jdtString, u"\U0001F600"},
       {u"\\uDE00x", jdtString, u"\xDE00x"},          // a lone surrogate stays alone
-      {u"\\q", jdtString, u"q"},
-      {u"\\%41", jdtString, u"A"},
+      {u"\\q", jdtString, u"q"}, {u"\\%41", jdtString, u"A"},
       {u"\\%e9", jdtString, u"\u00E9"},                // a byte widens to the character of its code
-      {u"100%", jdtString, u"100%"},
-      {u"1%41", jdtNumber, u"1A"},
-      {u"-1.5e3", jdtNumber, u"-1.5e3"},
-      {u"true", jdtBoolean, u"true"},
-      {u"ab\\", jdtString, u"ab\\"},
+      {u"100%", jdtString, u"100%"}, {u"1%41", jdtNumber, u"1A"}, {u"-1.5e3", jdtNumber, u"-1.5e3"},
+      {u"true", jdtBoolean, u"true"}, {u"ab\\", jdtString, u"ab\\"},
   };
   for (const Case& c : cases) EXPECT_EQ(VnJSONtoStr(c.In, c.Type), c.Out) << UnicodeToUtf8(c.In);
   for (std::u16string_view bad : {u"\\uZZZZ", u"\\u", u"\\%g1", u"%zz"})
@@ -73,19 +64,14 @@ TEST(JsonValues, VarToJSON) {
   VarArrayPut(mixed, Variant(true), {2});
   VarArrayPut(mixed, Variant::Null(), {3});
   const std::tuple<Variant, std::u16string_view, TVnJSONDataType> cases[] = {
-      {Variant(42), u"42", jdtNumber},
-      {Variant(Int64(-9007199254740993)), u"-9007199254740993", jdtNumber},
-      {Variant(1.5), u"1.5", jdtNumber},
-      {Variant(-0.0), u"-0", jdtNumber},
+      {Variant(42), u"42", jdtNumber}, {Variant(Int64(-9007199254740993)), u"-9007199254740993", jdtNumber},
+      {Variant(1.5), u"1.5", jdtNumber}, {Variant(-0.0), u"-0", jdtNumber},
       {Variant(std::numeric_limits<double>::infinity()), u"null", jdtNumber},
-      {Variant(std::nan("")), u"null", jdtNumber},
-      {Variant(u"say \"hi\""), u"\"say \\\"hi\\\"\"", jdtString},
+      {Variant(std::nan("")), u"null", jdtNumber}, {Variant(u"say \"hi\""), u"\"say \\\"hi\\\"\"", jdtString},
       {Variant(false), u"false", jdtBoolean},
       {Variant::FromDate(EncodeDate(2024, 2, 29) + 0.5), u"\"2024-02-29T12:00:00.000\"", jdtString},
-      {arr, u"[1,2]", jdtArray},
-      {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
-      {Variant::Null(), u"null", jdtNull},
-      {Variant(), u"null", jdtNull},
+      {arr, u"[1,2]", jdtArray}, {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
+      {Variant::Null(), u"null", jdtNull}, {Variant(), u"null", jdtNull},
   };
   for (const auto& [v, text, kind] : cases) {
     EXPECT_EQ(VnVarToJSON(v), text);
@@ -97,15 +83,12 @@ TEST(JsonValues, Dates) {
   const TDateTime epoch = EncodeDate(1970, 1, 1), leap = EncodeDate(2024, 2, 29);
   using Fn = TDateTime (*)(std::u16string_view);
   const std::tuple<Fn, std::u16string_view, TDateTime> cases[] = {
-      {VnJSONToDateTime, u"/Date(0)/", epoch},
-      {VnJSONToDateTime, u"/Date(-43200000)/", epoch - 0.5},
+      {VnJSONToDateTime, u"/Date(0)/", epoch}, {VnJSONToDateTime, u"/Date(-43200000)/", epoch - 0.5},
       {VnJSONToDate, u"/Date(129600000)/", epoch + 1},  // a day and a half: whole days
       {VnJSONToTime, u"/Date(3600000)/", 1.0 / 24},     // counted from 0
       {VnJSONToTime, u"/xxxx(3600000)x", 1.0 / 24},     // the letters aren't looked at
-      {VnJSONToDateTime, u"", 0},
-      {VnJSONToDateTime, u"2024-02-29T12:00:00", leap + 0.5},
-      {VnJSONToDate, u"2024-02-29", leap},
-      {VnJSONToTime, u"06:00:00", 0.25},
+      {VnJSONToDateTime, u"", 0}, {VnJSONToDateTime, u"2024-02-29T12:00:00", leap + 0.5},
+      {VnJSONToDate, u"2024-02-29", leap}, {VnJSONToTime, u"06:00:00", 0.25},
   };
   for (const auto& [fn, text, want] : cases) EXPECT_DOUBLE_EQ(fn(text), want) << UnicodeToUtf8(text);
   for (std::u16string_view bad : {u"/Date(0+0100)/", u"/Date()/"}) EXPECT_THROW(VnJSONToDateTime(bad), EConvertError);
@@ -119,8 +102,7 @@ TEST(JsonValues, Dates) {
   EXPECT_DOUBLE_EQ(VnJSONToTime(Variant::FromDate(0.25), 7), 0.25);
   EXPECT_DOUBLE_EQ(VnJSONToDateTime(Variant(u"/Date(0)/"), 7), epoch);
   const std::pair<TDateTime (*)(const Variant&, TDateTime), std::u16string_view> failing[] = {
-      {&VnJSONToDate, cVnJSONInvalidDateValue},
-      {&VnJSONToTime, cVnJSONInvalidTimeValue},
+      {&VnJSONToDate, cVnJSONInvalidDateValue}, {&VnJSONToTime, cVnJSONInvalidTimeValue},
       {&VnJSONToDateTime, cVnJSONInvalidDateTimeValue}};
   for (const auto& [fn, message] : failing) {
     try {

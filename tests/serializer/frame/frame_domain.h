@@ -2,6 +2,7 @@
 // enumeration, hinted members, and helpers registered under qualified names.
 #pragma once
 
+#include "common/message_of.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/serializer.h"
 
@@ -9,14 +10,7 @@ namespace framedomain {
 
 using namespace vn;
 
-UnicodeString MessageOf(auto ACall) {
-  try {
-    ACall();
-  } catch (const Exception& e) {
-    return e.Message();
-  }
-  return u"<no exception>";
-}
+using test::MessageOf;
 
 // clang-format off
 class TAnimal : public TObject { VN_DECLARE_CLASS(TAnimal, TObject) };

@@ -3,6 +3,7 @@
 
 #include <tuple>
 
+#include "common/message_of.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/json_reflected_values.h"
@@ -21,14 +22,7 @@ VN_REGISTER_TYPE(TSpot, u"uJSONValues") { b.Public(u"X", &TSpot::X); }
 
 namespace {
 
-UnicodeString MessageOf(auto ACall) {
-  try {
-    ACall();
-  } catch (const Exception& e) {
-    return e.Message();
-  }
-  return u"<no exception>";
-}
+using test::MessageOf;
 
 TEST(JSONValues, TextsThatDifferFromXML) {
   EXPECT_EQ(VnValToJSON(TValue::From<bool>(true)), u"true");

@@ -22,15 +22,11 @@ struct EscapeCase {
 
 TEST(VnStrToXML, ReplacesMarkupAndControlCharacters) {
   const EscapeCase cases[] = {
-      {u"", true, true, u""},
-      {u"plain text", true, true, u"plain text"},
+      {u"", true, true, u""}, {u"plain text", true, true, u"plain text"},
       {u"a<b>c&d", false, false, u"a&lt;b&gt;c&amp;d"},
       {u"]]>", false, false, u"]]&gt;"},  // '>' always, not only after "]]"
-      {u"a'b", false, true, u"a'b"},
-      {u"a'b", true, false, u"a&apos;b"},
-      {u"a\"b", true, false, u"a\"b"},
-      {u"a\"b", false, true, u"a&quot;b"},
-      {u"\t\n\r", true, true, u"&#9;&#10;&#13;"},
+      {u"a'b", false, true, u"a'b"}, {u"a'b", true, false, u"a&apos;b"}, {u"a\"b", true, false, u"a\"b"},
+      {u"a\"b", false, true, u"a&quot;b"}, {u"\t\n\r", true, true, u"&#9;&#10;&#13;"},
       {u"\x01x\x1F", true, true, u"&#1;x&#31;"},
       {u"\x7F \u00E9\u20AC", true, true, u"\x7F \u00E9\u20AC"},  // DEL and anything above stay
       {u"\U0001F600\xD800", true, true, u"\U0001F600\xD800"},    // pairs and lone surrogates too
@@ -86,21 +82,15 @@ struct DecodeCase {
 
 TEST(VnXMLToStr, LeavesWhatItDoesNotRecogniseInTheText) {
   const DecodeCase cases[] = {
-      {u"", u""},
-      {u"no references", u"no references"},
+      {u"", u""}, {u"no references", u"no references"},
       {u"a & b", u"a & b"},          // the space stops the scan
       {u"AT&T; x", u"AT&T; x"},      // T is no entity
       {u"&foo&amp;", u"&foo&amp;"},  // the scan runs over the second '&': one unknown name
-      {u"x&", u"x&"},
-      {u"&amp", u"&amp"},
-      {u"&;", u"&;"},
-      {u"& amp;", u"& amp;"},
+      {u"x&", u"x&"}, {u"&amp", u"&amp"}, {u"&;", u"&;"}, {u"& amp;", u"& amp;"},
       {u"&a &amp;", u"&a &"},  // the scan resumes at the space, so the next one decodes
       {u"&AMP;&Amp;", u"&AMP;&Amp;"},
       {u"&thetasymx;", u"&thetasymx;"},  // 9 characters are never looked up
-      {u"&#65", u"&#65"},
-      {u"&#6 5;", u"&#6 5;"},
-      {u"&unknown;&amp;", u"&unknown;&"},
+      {u"&#65", u"&#65"}, {u"&#6 5;", u"&#6 5;"}, {u"&unknown;&amp;", u"&unknown;&"},
   };
   for (const DecodeCase& c : cases)
     EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
@@ -127,13 +117,11 @@ TEST(VnXMLToStr, DecodesNamesOfTheWholeEntityTable) {
 
 TEST(VnXMLToStr, NumericReferencesGiveOneCodeUnit) {
   const DecodeCase cases[] = {
-      {u"&#65;&#x41;&#X41;", u"AAA"},
-      {u"&#10;&#9;", u"\n\t"},
+      {u"&#65;&#x41;&#X41;", u"AAA"}, {u"&#10;&#9;", u"\n\t"},
       {u"&#-1;", u"\xFFFF"},      // the sign is accepted and the value cut to 16 bits
       {u"&#x1F600;", u"\xF600"},  // never a surrogate pair
       {u"&#65601;", u"A"},        // 0x10041
-      {u"&#+66;", u"B"},
-      {u"&#x20ac;", u"\u20AC"},
+      {u"&#+66;", u"B"}, {u"&#x20ac;", u"\u20AC"},
       {u"&#0000000067;", u"C"},  // the 8-character limit is for names only
       {u"a&#60;b&#62;", u"a<b>"},
   };
@@ -151,14 +139,9 @@ TEST(VnXMLToStr, NumericReferenceWithoutDigitsRaises) {
 
 TEST(VnXMLToStr, AnsiFormKnowsFiveEntitiesByTheirFirstLetter) {
   const std::pair<std::string_view, std::string_view> cases[] = {
-      {"a &amp; b", "a & b"},
-      {"&AMP;&Amp;", "&&"},
-      {"&apos;&axe;&A;", "'''"},
-      {"&gt;&GT;&gone;", ">>>"},
+      {"a &amp; b", "a & b"}, {"&AMP;&Amp;", "&&"}, {"&apos;&axe;&A;", "'''"}, {"&gt;&GT;&gone;", ">>>"},
       {"&lambda;&lt;", "<<"},  // no length limit and no table here
-      {"&quot;&Q;", "\"\""},
-      {"&foo;&;& amp;&amp", "&foo;&;& amp;&amp"},
-      {"&#65;&#x42;", "AB"},
+      {"&quot;&Q;", "\"\""}, {"&foo;&;& amp;&amp", "&foo;&;& amp;&amp"}, {"&#65;&#x42;", "AB"},
       {"&#233;", "\xC3\xA9"},  // written in the 8-bit default, UTF-8
       {"no references", "no references"},
   };

@@ -4,10 +4,12 @@
 #include <tuple>
 #include <vector>
 
+#include "common/message_of.h"
 #include "vnxml/common/currency.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_type_info_value.h"
+#include "vnxml/serializer.h"
 #include "vnxml/xml_utils.h"
 
 namespace reflected {
@@ -31,34 +33,25 @@ VN_REGISTER_TYPE(TThing, u"uReflected") {}
 
 namespace {
 
-UnicodeString MessageOf(auto ACall) {
-  try {
-    ACall();
-  } catch (const Exception& e) {
-    return e.Message();
-  }
-  return u"<no exception>";
-}
+using test::MessageOf;
 
 const TTypeInfo* Named(std::u16string_view AName) { return FindTypeInfo(AName); }
 
 TEST(ValToXML, TextByKind) {
-  EXPECT_EQ(VnValToXML(TValue::From<UnicodeString>(u"a\"b'c<d&")), u"a&quot;b&apos;c&lt;d&amp;");
-  EXPECT_EQ(VnValToXML(TValue::From<char16_t>(u'<')), u"&lt;");
-  EXPECT_EQ(VnValToXML(TValue::From<TSize>(szLarge)), u"szLarge");
   const auto outside = static_cast<TSize>(7);
-  EXPECT_EQ(VnValToXML(TValue::Make(&outside, TypeInfoOf<TSize>())), u"7");
-  EXPECT_EQ(VnValToXML(TValue::From(VarArrayFromBytes(TBytes{0xAB, 1}))), u"AB01");
-  EXPECT_EQ(VnValToXML(TValue()), u"");
   const TDateTime moment = EncodeDateTime(2024, 2, 29, 13, 5, 6, 7);
-  EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TDateTime"))), u"2024-02-29T13:05:06.007");
-  EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TDate"))), u"2024-02-29");
-  EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TTime"))), u"13:05:06.007");
+  const std::pair<TValue, const char16_t*> cases[] = {
+      {TValue::From<UnicodeString>(u"a\"b'c<d&"), u"a&quot;b&apos;c&lt;d&amp;"}, {TValue::From<char16_t>(u'<'), u"&lt;"},
+      {TValue::From<TSize>(szLarge), u"szLarge"}, {TValue::Make(&outside, TypeInfoOf<TSize>()), u"7"},
+      {TValue::From(VarArrayFromBytes(TBytes{0xAB, 1})), u"AB01"}, {TValue(), u""},
+      {TValue::Make(&moment, Named(u"TDateTime")), u"2024-02-29T13:05:06.007"},
+      {TValue::Make(&moment, Named(u"TDate")), u"2024-02-29"}, {TValue::Make(&moment, Named(u"TTime")), u"13:05:06.007"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(VnValToXML(value), text) << UnicodeToUtf8(text);
 }
 
 TEST(ValToXML, ComplexKindsNeedTheXMLSerializer) {
   TThing thing;
-  const UnicodeString noSerializer = u"There is no registered serializer for \"XML\"!";
+  const UnicodeString noSerializer = Format(cVnNoSerializerForValue, {u"XML"});
   EXPECT_EQ(MessageOf([&] { VnValToXML(TValue::FromObject(&thing)); }), noSerializer);
   EXPECT_EQ(MessageOf([] { VnValToXML(TValue::From(TPair{})); }), noSerializer);
   EXPECT_EQ(MessageOf([] { VnValToXML(TValue::From(std::vector<Integer>{1})); }), noSerializer);
@@ -96,10 +89,8 @@ TEST(XMLToValue, EnumerationsAndSets) {
   const TTypeInfo* size = TypeInfoOf<TSize>();
   EXPECT_EQ(VnXMLToValue(u"1", size).AsOrdinal(), 1);
   EXPECT_EQ(VnXMLToValue(u"szlarge", size).AsOrdinal(), 2);
-  EXPECT_EQ(MessageOf([&] { VnXMLToValue(u"szHuge", size); }),
-            u"Failed to convert the value \"szHuge\" to a value of type TSize!");
-  EXPECT_EQ(MessageOf([&] { VnXMLToValue(u"9", size); }),
-            u"Failed to convert the value \"9\" to a value of type TSize!");
+  for (const char16_t* bad : {u"szHuge", u"9"})
+    EXPECT_EQ(MessageOf([&] { VnXMLToValue(bad, size); }), Format(cVnXMLToValueFailed, {bad, u"TSize"}));
 
   const TTypeInfo* sizes = TypeInfoOf<TSizes>();
   EXPECT_EQ(VnXMLToValue(u"6", sizes).AsOrdinal(), 6);
@@ -110,9 +101,9 @@ TEST(XMLToValue, EnumerationsAndSets) {
 
 TEST(XMLToValue, UnsupportedKindsAndBadText) {
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"<A>1</A>", TypeInfoOf<TPair>()); }),
-            u"Failed to convert \"<A>1</A>\" into a TValue!\r\nThe type TPair is not supported.");
+            Format(cVnXMLToValueUnsupported, {u"<A>1</A>", u"TPair"}));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"x", static_cast<const TTypeInfo*>(nullptr)); }),
-            u"Failed to convert \"x\" into a TValue!\r\nThe type nil is not supported.");
+            Format(cVnXMLToValueUnsupported, {u"x", u"nil"}));
   EXPECT_THROW(VnXMLToValue(u"abc", TypeInfoOf<Integer>()), EConvertError);
   // A character that an 8-bit character can't hold becomes '?'; an empty text gives NUL.
   EXPECT_EQ(VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(), '?');
@@ -123,7 +114,7 @@ TEST(XMLToValue, ByTypeName) {
   EXPECT_EQ(VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(), 2);
   EXPECT_EQ(VnXMLToValue(u"a&amp;b", u"string").AsString(), u"a&b");
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"1", u"TNoSuchType"); }),
-            u"Failed to convert \"1\" into a TValue!\r\nThe type TNoSuchType is not supported.");
+            Format(cVnXMLToValueUnsupported, {u"1", u"TNoSuchType"}));
 }
 
 TEST(XMLToVariant, ByTypeNameAndByKind) {
@@ -143,8 +134,7 @@ TEST(XMLToVariant, ByTypeNameAndByKind) {
   EXPECT_EQ(decoded.VarType(), varUString);
   EXPECT_EQ(decoded.AsString(), u"a&b");
   EXPECT_DOUBLE_EQ(VnXMLToVariant(u"12:00:00", vtkTime).AsDouble(), 0.5);
-  EXPECT_EQ(MessageOf([] { VnXMLToVariant(u"x", vtkClass); }),
-            u"Failed to convert the value \"x\" to a variant value of type vtkClass!");
+  EXPECT_EQ(MessageOf([] { VnXMLToVariant(u"x", vtkClass); }), Format(cVnXMLToVariantFailed, {u"x", u"vtkClass"}));
   EXPECT_THROW(VnXMLToVariant(u"x", vtkInteger), EConvertError);
 }
 

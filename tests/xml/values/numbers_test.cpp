@@ -12,42 +12,29 @@ namespace {
 
 using test::U8;
 
-TEST(XMLIntegerText, EmptyAndBadText) {
-  EXPECT_EQ(VnXMLToIntDef(u"", 5), 0);  // empty means 0, not the default
-  EXPECT_EQ(VnXMLToIntDef(u"x", 5), 5);
-  EXPECT_EQ(VnXMLToIntDef(u"12", 5), 12);
-  EXPECT_EQ(VnXMLToInt(u""), 0);
-  EXPECT_THROW(VnXMLToInt(u"x"), EConvertError);
-  EXPECT_THROW(VnXMLToInt(u"1.5"), EConvertError);
-  EXPECT_THROW(VnXMLToInt(u"2147483648"), EConvertError);
-  EXPECT_THROW(VnXMLToInt64(u"9223372036854775808"), EConvertError);
-  EXPECT_EQ(VnXMLToInt64Def(u"9223372036854775808", -1), -1);
-  EXPECT_EQ(VnXMLToWordDef(u"", 9), 0);
+TEST(XMLIntegerText, EmptyBadCutAndFullRange) {
+  // Empty means 0, not the default; narrow targets are cut to width without a range check;
+  // values above the signed range of the wide types must not be lost on the way through the text.
+  const std::pair<Int64, Int64> values[] = {
+      {VnXMLToIntDef(u"", 5), 0}, {VnXMLToIntDef(u"x", 5), 5}, {VnXMLToIntDef(u"12", 5), 12}, {VnXMLToInt(u""), 0},
+      {VnXMLToInt64Def(u"9223372036854775808", -1), -1}, {VnXMLToWordDef(u"", 9), 0},
+      {VnXMLToByte(u"256"), 0}, {VnXMLToByte(u"-1"), 255}, {VnXMLToShortint(u"200"), -56},
+      {VnXMLToSmallint(u"-32769"), 32767}, {VnXMLToWord(u"65537"), 1}, {VnXMLToShortintDef(u"300", 1), 44},
+      {VnXMLToLongword(u"4294967295"), 4294967295}, {VnXMLToLongwordDef(u"4294967295", 0), 4294967295},
+      {VnXMLToInt64(u"-9223372036854775808"), std::numeric_limits<Int64>::min()}};
+  for (size_t i = 0; i < std::size(values); ++i) EXPECT_EQ(values[i].first, values[i].second) << "row " << i;
   EXPECT_EQ(VnXMLToUInt64Def(u"-", 9), 9u);
-}
-
-TEST(XMLIntegerText, CutToWidthWithoutRangeCheck) {
-  EXPECT_EQ(VnXMLToByte(u"256"), 0);
-  EXPECT_EQ(VnXMLToByte(u"-1"), 255);
-  EXPECT_EQ(VnXMLToShortint(u"200"), -56);
-  EXPECT_EQ(VnXMLToSmallint(u"-32769"), 32767);
-  EXPECT_EQ(VnXMLToWord(u"65537"), 1);
-  EXPECT_EQ(VnXMLToShortintDef(u"300", 1), 44);
-}
-
-TEST(XMLIntegerText, FullRangeOfWideTypes) {
-  // Values above the signed range must not be lost on the way through the text.
-  EXPECT_EQ(VnXMLToLongword(u"4294967295"), 4294967295u);
-  EXPECT_EQ(VnXMLToLongwordDef(u"4294967295", 0), 4294967295u);
   EXPECT_EQ(VnXMLToUInt64(u"18446744073709551615"), std::numeric_limits<UInt64>::max());
   EXPECT_EQ(VnXMLToUInt64(u"-1"), std::numeric_limits<UInt64>::max());
-  EXPECT_EQ(VnXMLToInt64(u"-9223372036854775808"), std::numeric_limits<Int64>::min());
+  for (const char16_t* bad : {u"x", u"1.5", u"2147483648"}) EXPECT_THROW(VnXMLToInt(bad), EConvertError);
+  EXPECT_THROW(VnXMLToInt64(u"9223372036854775808"), EConvertError);
 
-  EXPECT_EQ(VnShortIntToXML(-128), u"-128");
-  EXPECT_EQ(VnLongWordToXML(4294967295u), u"4294967295");
-  EXPECT_EQ(VnCardinalToXML(4294967295u), u"4294967295");
-  EXPECT_EQ(VnUInt64ToXML(std::numeric_limits<UInt64>::max()), u"18446744073709551615");
-  EXPECT_EQ(VnInt64ToXML(std::numeric_limits<Int64>::min()), u"-9223372036854775808");
+  const std::pair<UnicodeString, const char16_t*> texts[] = {
+      {VnShortIntToXML(-128), u"-128"}, {VnLongWordToXML(4294967295u), u"4294967295"},
+      {VnCardinalToXML(4294967295u), u"4294967295"},
+      {VnUInt64ToXML(std::numeric_limits<UInt64>::max()), u"18446744073709551615"},
+      {VnInt64ToXML(std::numeric_limits<Int64>::min()), u"-9223372036854775808"}};
+  for (const auto& [text, expected] : texts) EXPECT_EQ(text, expected);
 }
 
 TEST(XMLFloatText, DotIsTheOnlySeparator) {

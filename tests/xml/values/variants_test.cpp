@@ -26,22 +26,16 @@ Variant IntArray(std::initializer_list<Integer> AValues) {
 
 TEST(VariantToXML, Scalars) {
   TimeZoneScope zone(test::cZoneBerlin);
-  EXPECT_EQ(U8(VnVariantToXML(Variant())), "");
-  EXPECT_EQ(U8(VnVariantToXML(Variant::Null())), "");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(ShortInt(-5)))), "-5");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(4294967295u))), "4294967295");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(std::numeric_limits<Int64>::min()))), "-9223372036854775808");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(std::numeric_limits<UInt64>::max()))), "18446744073709551615");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(2.5))), "2.5");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(Currency::FromRaw(12345)))), "1.2345");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(true))), "true");
-  EXPECT_EQ(U8(VnVariantToXML(Variant::FromDate(EncodeDateTime(2020, 7, 1, 12, 0, 0, 5)))),
-            "2020-07-01T12:00:00.005");
-  // Strings are escaped for any place in a document, quotes included.
-  EXPECT_EQ(U8(VnVariantToXML(Variant(u"a<b & \"c\" 'd'"))), "a&lt;b &amp; &quot;c&quot; &apos;d&apos;");
-  EXPECT_EQ(U8(VnVariantToXML(Variant::FromOleStr(u"x>y"))), "x&gt;y");
-  EXPECT_EQ(U8(VnVariantToXML(Variant(std::string("caf\xC3\xA9")))), "caf\xC3\xA9");
-
+  const std::pair<Variant, const char*> cases[] = {
+      {Variant(), ""}, {Variant::Null(), ""}, {Variant(ShortInt(-5)), "-5"}, {Variant(4294967295u), "4294967295"},
+      {Variant(std::numeric_limits<Int64>::min()), "-9223372036854775808"},
+      {Variant(std::numeric_limits<UInt64>::max()), "18446744073709551615"}, {Variant(2.5), "2.5"},
+      {Variant(Currency::FromRaw(12345)), "1.2345"}, {Variant(true), "true"},
+      {Variant::FromDate(EncodeDateTime(2020, 7, 1, 12, 0, 0, 5)), "2020-07-01T12:00:00.005"},
+      // Strings are escaped for any place in a document, quotes included.
+      {Variant(u"a<b & \"c\" 'd'"), "a&lt;b &amp; &quot;c&quot; &apos;d&apos;"},
+      {Variant::FromOleStr(u"x>y"), "x&gt;y"}, {Variant(std::string("caf\xC3\xA9")), "caf\xC3\xA9"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(U8(VnVariantToXML(value)), text);
   ExpectRaises<Exception>([] { VnVariantToXML(Variant::FromError(5)); },
                           Format(cVnVariantToXMLInvalidType, {10}));
   ExpectRaises<Exception>([] { VnVariantToXML(Variant(IPtr<IInterface>())); },
@@ -59,11 +53,8 @@ TEST(VariantToXML, Arrays) {
   EXPECT_EQ(U8(VnVariantToXML(VarArrayOf({u"<", true}))),
             "<array length=\"2\"><element nr=\"0\">&lt;</element><element nr=\"1\">true</element></array>");
   // Only one dimension has a text.
-  ExpectRaises<Exception>(
-      [] {
-        VnVariantToXML(VarArrayCreate({0, 1, 0, 1}, varInteger));
-      },
-      Format(cVnVariantToXMLInvalidType, {varArray | varInteger}));
+  ExpectRaises<Exception>([] { VnVariantToXML(VarArrayCreate({0, 1, 0, 1}, varInteger)); },
+                          Format(cVnVariantToXMLInvalidType, {varArray | varInteger}));
 }
 
 // ---- VnXMLToVariant ----
@@ -76,18 +67,13 @@ TEST(XMLToVariant, Scalars) {
     Variant Expected;
   };
   const Case cases[] = {
-      {u"-7", varSmallint, Variant(SmallInt(-7))},
-      {u"70000", varInteger, Variant(70000)},
-      {u"300", varShortInt, Variant(ShortInt(44))},
-      {u"255", varByte, Variant(Byte(255))},
-      {u"65535", varWord, Variant(Word(65535))},
-      {u"4294967295", varLongWord, Variant(LongWord(4294967295u))},
+      {u"-7", varSmallint, Variant(SmallInt(-7))}, {u"70000", varInteger, Variant(70000)},
+      {u"300", varShortInt, Variant(ShortInt(44))}, {u"255", varByte, Variant(Byte(255))},
+      {u"65535", varWord, Variant(Word(65535))}, {u"4294967295", varLongWord, Variant(LongWord(4294967295u))},
       {u"-9223372036854775808", varInt64, Variant(std::numeric_limits<Int64>::min())},
       {u"18446744073709551615", varUInt64, Variant(std::numeric_limits<UInt64>::max())},
-      {u"0.5", varSingle, Variant(0.5f)},
-      {u"1.5e3", varDouble, Variant(1500.0)},
-      {u"1.2345", varCurrency, Variant(Currency::FromRaw(12345))},
-      {u"TRUE", varBoolean, Variant(true)},
+      {u"0.5", varSingle, Variant(0.5f)}, {u"1.5e3", varDouble, Variant(1500.0)},
+      {u"1.2345", varCurrency, Variant(Currency::FromRaw(12345))}, {u"TRUE", varBoolean, Variant(true)},
       {u"a&lt;b", varUString, Variant(u"a<b")},
       {u"a&amp;b", varVariant, Variant(u"a&amp;b")},  // kept as it stands
       {u"", varInteger, Variant(0)},
@@ -156,21 +142,13 @@ TEST(XMLToVariant, ArraysReadBackWhatVariantToXMLWrites) {
 
 TEST(XMLToVariant, BrokenArraysFailCleanly) {
   // A length that no text of this size can fill would only allocate.
-  ExpectRaises<Exception>(
-      [] { VnXMLToVariant(u"<array length=\"999999999\"></array>", varArray | varInteger); },
-      Format(cVnXMLToVariantBadLength, {u"999999999"}));
-  ExpectRaises<Exception>([] { VnXMLToVariant(u"<array length=\"-1\"></array>", varArray | varInteger); },
-                          Format(cVnXMLToVariantBadLength, {u"-1"}));
-  ExpectRaises<Exception>([] { VnXMLToVariant(u"<array length=\"x\"></array>", varArray | varInteger); },
-                          Format(cVnXMLToVariantBadLength, {u"x"}));
-  ExpectRaises<Exception>([] { VnXMLToVariant(u"<array>", varArray | varInteger); },
-                          Format(cVnXMLToVariantBadLength, {u"<array>"}));
-  ExpectRaises<Exception>(
-      [] {
-        VnXMLToVariant(u"<array length=\"1\"><element>1</element><element>2</element></array>",
-                       varArray | varInteger);
-      },
-      Format(cVnXMLToVariantBadLength, {u"1"}));
+  const std::pair<const char16_t*, const char16_t*> badLengths[] = {
+      {u"<array length=\"999999999\"></array>", u"999999999"}, {u"<array length=\"-1\"></array>", u"-1"},
+      {u"<array length=\"x\"></array>", u"x"}, {u"<array>", u"<array>"},
+      {u"<array length=\"1\"><element>1</element><element>2</element></array>", u"1"}};
+  for (const auto& [text, length] : badLengths)
+    ExpectRaises<Exception>([&] { VnXMLToVariant(text, varArray | varInteger); },
+                            Format(cVnXMLToVariantBadLength, {length}));
   EXPECT_THROW(VnXMLToVariant(u"<array length=\"1\"><element>x</element></array>", varArray | varInteger),
                EConvertError);
 }
@@ -239,30 +217,22 @@ TEST(VariantReaders, DateTargetsByKind) {
 }
 
 TEST(VariantReaders, BooleanTarget) {
-  EXPECT_TRUE(VnXMLToBool(Variant(-3), false));
-  EXPECT_FALSE(VnXMLToBool(Variant(0), true));
-  EXPECT_TRUE(VnXMLToBool(Variant(u"1"), false));
-  EXPECT_TRUE(VnXMLToBool(Variant(u"True"), false));
-  EXPECT_FALSE(VnXMLToBool(Variant(u"yes"), true));
-  EXPECT_TRUE(VnXMLToBool(Variant(true), false));
+  for (const Variant& v : {Variant(-3), Variant(u"1"), Variant(u"True"), Variant(true)})
+    EXPECT_TRUE(VnXMLToBool(v, false)) << U8(VarToStr(v));
+  for (const Variant& v : {Variant(0), Variant(u"yes")}) EXPECT_FALSE(VnXMLToBool(v, true)) << U8(VarToStr(v));
   ExpectRaises<EConvertError>([] { VnXMLToBool(Variant(1.0), false); }, cVnInvalidBoolean);
   ExpectRaises<EConvertError>([] { VnXMLToBool(Variant::FromDate(1), false); }, cVnInvalidBoolean);
 }
 
 TEST(VariantReaders, StringOfAnyKind) {
   TimeZoneScope zone(test::cZoneBerlin);
-  EXPECT_EQ(U8(VnXMLToStr(Variant(-12), u"")), "-12");
-  EXPECT_EQ(U8(VnXMLToStr(Variant(std::numeric_limits<UInt64>::max()), u"")), "18446744073709551615");
-  EXPECT_EQ(U8(VnXMLToStr(Variant(0.25), u"")), "0.25");
-  EXPECT_EQ(U8(VnXMLToStr(Variant(u"a&amp;b"), u"")), "a&b");
-  EXPECT_EQ(U8(VnXMLToStr(Variant(false), u"")), "false");
-  EXPECT_EQ(U8(VnXMLToStr(Variant::FromDate(43831.5), u"")), "2020-01-01T12:00:00.000");
-  EXPECT_EQ(U8(VnXMLToStr(VarArrayOf({1, u"x&lt;", Variant::Null()}), u"")), "1\r\nx<\r\n\r\n");
-  ExpectRaises<EConvertError>(
-      [] {
-        VnXMLToStr(VarArrayCreate({0, 1, 0, 1}, varInteger), u"");
-      },
-      cVnInvalidString);
+  const std::pair<Variant, const char*> cases[] = {
+      {Variant(-12), "-12"}, {Variant(std::numeric_limits<UInt64>::max()), "18446744073709551615"},
+      {Variant(0.25), "0.25"}, {Variant(u"a&amp;b"), "a&b"}, {Variant(false), "false"},
+      {Variant::FromDate(43831.5), "2020-01-01T12:00:00.000"},
+      {VarArrayOf({1, u"x&lt;", Variant::Null()}), "1\r\nx<\r\n\r\n"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(U8(VnXMLToStr(value, u"")), text);
+  ExpectRaises<EConvertError>([] { VnXMLToStr(VarArrayCreate({0, 1, 0, 1}, varInteger), u""); }, cVnInvalidString);
   ExpectRaises<EConvertError>([] { VnXMLToStr(Variant::FromError(1), u""); }, cVnInvalidString);
 }
 

@@ -27,62 +27,49 @@ class Filter : public ::testing::Test {
   UnicodeString Items(std::u16string_view AFilter, TVnDOMSelectOptions AOptions = {}) {
     return Sel(FDoc->GetRootNode(), u"i" + UnicodeString(AFilter), AOptions);
   }
+  /// Each filter keeps the items of the ids given.
+  void ExpectItems(std::initializer_list<std::pair<const char16_t*, const char16_t*>> ARows) {
+    for (const auto& [filter, ids] : ARows) EXPECT_EQ(Items(filter), ids) << UnicodeToUtf8(filter);
+  }
   std::unique_ptr<TVnDOMDocument> FDoc;
 };
 
-TEST_F(Filter, PresenceAndIndexTests) {
-  EXPECT_EQ(Items(u"[@a]"), u"1 2 4");
-  EXPECT_EQ(Items(u"[not(@a)]"), u"3");
-  EXPECT_EQ(Items(u"[v]"), u"1 2");
-  EXPECT_EQ(Items(u"[0]"), u"1");
-  EXPECT_EQ(Items(u"[first()]"), u"1");
-  EXPECT_EQ(Items(u"[last()]"), u"4");
-  EXPECT_EQ(Items(u"[position() = 2]"), u"2");
-  EXPECT_EQ(Items(u"[node()]"), u"1 2 3 4");
-  EXPECT_EQ(Items(u"[@a][1]"), u"2");  // the index counts in the list the first filter left
-}
+TEST_F(Filter, PresenceIndexesAndLogic) {
+  ExpectItems({{u"[@a]", u"1 2 4"}, {u"[not(@a)]", u"3"}, {u"[v]", u"1 2"}, {u"[0]", u"1"},
+               {u"[first()]", u"1"}, {u"[last()]", u"4"}, {u"[position() = 2]", u"2"},
+               {u"[node()]", u"1 2 3 4"},
+               {u"[@a][1]", u"2"}});  // the index counts in the list the first filter left
 
-TEST_F(Filter, AndOrRunLeftToRightWithEqualRank) {
+  // Logic: and/or run left to right with equal rank; not reaches to the end of its group.
   EXPECT_EQ(Items(u"[@b and (@a = 1 or @a = 10)]"), u"1 4");
   // (@a or @b) and v: item 3 has b but no v.
-  EXPECT_EQ(Items(u"[@a or @b and v]"), u"1 2");
-  EXPECT_EQ(Items(u"[v and @b or @id = 3]"), u"1 3");
-  EXPECT_EQ(Items(u"[@b aND v]"), u"1");  // keywords: first letter lower-case, the rest any case
+  ExpectItems({{u"[@a or @b and v]", u"1 2"}, {u"[v and @b or @id = 3]", u"1 3"},
+               {u"[@b aND v]", u"1"}});  // keywords: first letter lower-case, the rest any case
   ExpectError<Exception>([&] { Items(u"[@a AND @b]"); }, Format(cVnFilterInvalid, {u"[@a AND @b]"}));
-}
-
-TEST_F(Filter, NotReachesToTheEndOfItsGroup) {
   // not(@a and @b): items without both.
-  EXPECT_EQ(Items(u"[not @a and @b]"), u"2 3");
-  EXPECT_EQ(Items(u"[(not @a) or @id = 1]"), u"1 3");
-  EXPECT_EQ(Items(u"[notes = 1]"), u"4");  // a name beginning with "not"
-  EXPECT_EQ(Items(u"[android]"), u"");
+  ExpectItems({{u"[not @a and @b]", u"2 3"}, {u"[(not @a) or @id = 1]", u"1 3"},
+               {u"[notes = 1]", u"4"},  // a name beginning with "not"
+               {u"[android]", u""}});
 }
 
-TEST_F(Filter, EmptyValuesAreNeitherTrueNorFalse) {
+TEST_F(Filter, EmptyValuesAndExistentialComparisons) {
   // A comparison with a missing value is empty: not(...) stays false, and so does the chain.
-  EXPECT_EQ(Items(u"[not(@a = 1)]"), u"2 4");
-  EXPECT_EQ(Items(u"[@a = 1 or @b = 2]"), u"1");
-  EXPECT_EQ(Items(u"[(@a = 1) or (@b = 2)]"), u"1 3");
-  EXPECT_EQ(Items(u"[@a != 1]"), u"2 4");
-  EXPECT_EQ(Items(u"[missing != 1]"), u"");
-}
-
-TEST_F(Filter, ComparisonsOverSeveralNodesAreExistential) {
-  EXPECT_EQ(Items(u"[v = \"y\"]"), u"1");
-  EXPECT_EQ(Items(u"[v != \"x\"]"), u"1");  // item 1 has a "y"; item 2's "X" equals "x" here
-  EXPECT_EQ(Items(u"[v = v]"), u"1 2");
-  EXPECT_EQ(Items(u"[v = (\"q\", \"y\")]"), u"");  // a sequence compares as its joined text
+  ExpectItems({{u"[not(@a = 1)]", u"2 4"}, {u"[@a = 1 or @b = 2]", u"1"}, {u"[(@a = 1) or (@b = 2)]", u"1 3"},
+               {u"[@a != 1]", u"2 4"}, {u"[missing != 1]", u""}});
+  // Comparisons over several nodes are existential.
+  ExpectItems({{u"[v = \"y\"]", u"1"},
+               {u"[v != \"x\"]", u"1"},  // item 1 has a "y"; item 2's "X" equals "x" here
+               {u"[v = v]", u"1 2"},
+               {u"[v = (\"q\", \"y\")]", u""}});  // a sequence compares as its joined text
 }
 
 TEST_F(Filter, NumbersAgainstTextsAndTextsAgainstTexts) {
-  EXPECT_EQ(Items(u"[@a = 5]"), u"2");       // "5.0" reads as a float
-  EXPECT_EQ(Items(u"[@a > 9]"), u"4");       // numerically, not as text
-  EXPECT_EQ(Items(u"[@a = \"5\"]"), u"");    // two texts compare as texts
-  EXPECT_EQ(Items(u"[@a > @b]"), u"");       // "10" < "9" as text
-  EXPECT_EQ(Items(u"[@a &gt;= 5.0]"), u"2 4");
-  EXPECT_EQ(Items(u"[@b <> 2]"), u"4");
-  EXPECT_EQ(Items(u"[v = \"X\"]"), u"1 2");  // default collation ignores case
+  ExpectItems({{u"[@a = 5]", u"2"},  // "5.0" reads as a float
+               {u"[@a > 9]", u"4"},  // numerically, not as text
+               {u"[@a = \"5\"]", u""},  // two texts compare as texts
+               {u"[@a > @b]", u""},  // "10" < "9" as text
+               {u"[@a &gt;= 5.0]", u"2 4"}, {u"[@b <> 2]", u"4"},
+               {u"[v = \"X\"]", u"1 2"}});  // default collation ignores case
   EXPECT_EQ(Items(u"[v = \"X\"]", {soCaseSensitive}), u"2");
   EXPECT_EQ(Items(u"[v < \"Y\"]", {soCaseSensitive}), u"1 2");
   EXPECT_THROW(Items(u"[v = 1]"), EVariantError);  // a text without number against a number
@@ -110,16 +97,15 @@ TEST_F(Filter, ParserMessages) {
   ExpectError<EVnDomSyntax>(filter(u"[@a = ]"), cVnFilterStatementInvalid);
   ExpectError<EVnDomSyntax>(filter(u"[@a = 1.2.3]"), cVnFilterNumberExpected);
   ExpectError<EVnDomSyntax>(filter(u"[@a = (1 ,2)]"), cVnFilterStatementInvalid);
-  EXPECT_EQ(Items(u"[@a = (1, 2)]"), u"");
-  EXPECT_EQ(Items(u"[-5]"), u"");     // a sign is no part of a literal: a name
-  EXPECT_EQ(Items(u"['1']"), u"");    // nor is the apostrophe a quote
-  EXPECT_EQ(Items(u"[fn:last()]"), u"4");
+  ExpectItems({{u"[@a = (1, 2)]", u""},
+               {u"[-5]", u""},  // a sign is no part of a literal: a name
+               {u"['1']", u""},  // nor is the apostrophe a quote
+               {u"[fn:last()]", u"4"}});
   ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), Format(detail::cFnUnsupportedFunction, {u"nosuchfunction"}));
 }
 
 TEST_F(Filter, PathsWithFiltersInsideFilters) {
-  EXPECT_EQ(Items(u"[v[1]]"), u"1");
-  EXPECT_EQ(Items(u"[../i[3]]"), u"1 2 3 4");
+  ExpectItems({{u"[v[1]]", u"1"}, {u"[../i[3]]", u"1 2 3 4"}});
   // A slash behind a nested "]" separates steps: "notes = 1]" becomes a step that matches nothing.
   EXPECT_EQ(Items(u"[../i[3]/notes = 1]"), u"");
   EXPECT_EQ(Sel(FDoc->GetRootNode(), u"i[v[@x]]"), u"");
@@ -128,9 +114,9 @@ TEST_F(Filter, PathsWithFiltersInsideFilters) {
 }
 
 TEST_F(Filter, FunctionsFromTheLibraryTakePartInFilters) {
-  EXPECT_EQ(Items(u"[contains(@a, \".\")][0]"), u"2");
-  EXPECT_EQ(Items(u"[contains(v, \"x\")]"), u"2");  // several v give an array, which is no text
-  EXPECT_EQ(Items(u"[string-length(@a) = 3]"), u"2");
+  ExpectItems({{u"[contains(@a, \".\")][0]", u"2"},
+               {u"[contains(v, \"x\")]", u"2"},  // several v give an array, which is no text
+               {u"[string-length(@a) = 3]", u"2"}});
 }
 
 TEST_F(Filter, NestingIsBoundedAndLongChainsWork) {

@@ -10,17 +10,12 @@ namespace {
 
 TEST_F(FunctionTest, DurationParts) {
   const ValueCase cases[] = {
-      {uR"(months-from-duration("P1Y2M"))", "int 14"},
-      {uR"(years-from-duration("P1Y2M"))", "int 1"},
-      {uR"(years-from-duration("-P1Y"))", "int -1"},
-      {uR"(months-from-duration("-P3M"))", "int -3"},
-      {uR"(days-from-duration("P1DT2H"))", "int 1"},
-      {uR"(hours-from-duration("P1DT2H"))", "int 2"},
-      {uR"(minutes-from-duration("PT1H30M"))", "int 30"},
-      {uR"(minutes-from-duration("-PT90M"))", "int -30"},
+      {uR"(months-from-duration("P1Y2M"))", "int 14"}, {uR"(years-from-duration("P1Y2M"))", "int 1"},
+      {uR"(years-from-duration("-P1Y"))", "int -1"}, {uR"(months-from-duration("-P3M"))", "int -3"},
+      {uR"(days-from-duration("P1DT2H"))", "int 1"}, {uR"(hours-from-duration("P1DT2H"))", "int 2"},
+      {uR"(minutes-from-duration("PT1H30M"))", "int 30"}, {uR"(minutes-from-duration("-PT90M"))", "int -30"},
       {uR"(seconds-from-duration("P1DT2H"))", "float 93600"},
-      {uR"(seconds-from-duration("PT1.5S"))", "float 1.5"},
-      {uR"(days-from-duration(()))", "null"},
+      {uR"(seconds-from-duration("PT1.5S"))", "float 1.5"}, {uR"(days-from-duration(()))", "null"},
   };
   for (const auto& c : cases) EXPECT_EQ(ShowEval(c.Expr), c.Expected) << UnicodeToUtf8(c.Expr);
 }
@@ -40,11 +35,9 @@ TEST_F(FunctionTest, DateAndTimeParts) {
   const ValueCase cases[] = {
       {uR"(year-from-dateTime("2020-03-04T05:06:07.25+02:00"))", "int 2020"},
       {uR"(month-from-dateTime("2020-03-04T05:06:07"))", "int 3"},
-      {uR"(day-from-date("2020-03-04"))", "int 4"},
-      {uR"(year-from-date("-0044-03-15"))", "int -44"},
+      {uR"(day-from-date("2020-03-04"))", "int 4"}, {uR"(year-from-date("-0044-03-15"))", "int -44"},
       {uR"(hours-from-dateTime("2020-03-04T05:06:07"))", "int 5"},
-      {uR"(minutes-from-time("05:06:07"))", "int 6"},
-      {uR"(seconds-from-time("05:06:07.25"))", "float 7.25"},
+      {uR"(minutes-from-time("05:06:07"))", "int 6"}, {uR"(seconds-from-time("05:06:07.25"))", "float 7.25"},
       {uR"(seconds-from-dateTime("2020-03-04T05:06:07"))", "float 7"},
       {uR"(timezone-from-dateTime("2020-01-01T00:00:00+02:00"))", "str PT2H"},
       {uR"(timezone-from-time("10:00:00-05:30"))", "str -PT5H30M"},

@@ -1,6 +1,7 @@
 // Node paths: name matching, step forms, indexes, alternatives, groups, option rules, soCreate,
 // and paths that must fail in order rather than crash.
 #include "xpath/path/select_helpers.h"
+#include "vnxml/common/utf.h"
 
 namespace vn {
 namespace {
@@ -16,6 +17,13 @@ constexpr char16_t cShop[] =
     u"<c id='c1'>text<!--note--><![CDATA[raw]]><?pi x?><d id='d1'/></c>"
     u"</root>";
 
+/// Each path from AContext selects the nodes of the signatures given, in order.
+void ExpectSel(TVnDOMNode* AContext, std::initializer_list<std::pair<const char16_t*, const char16_t*>> ARows,
+               TVnDOMSelectOptions AOptions = {}) {
+  for (const auto& [path, signatures] : ARows)
+    EXPECT_EQ(Sel(AContext, path, AOptions), signatures) << UnicodeToUtf8(path);
+}
+
 TEST(PathNames, DefaultDocumentMatchesNamesIgnoringAsciiCase) {
   auto doc = LoadDoc(u"<root><child id='k'/></root>");
   TVnDOMElement* root = doc->GetRootNode();
@@ -28,89 +36,56 @@ TEST(PathNames, DefaultDocumentMatchesNamesIgnoringAsciiCase) {
 }
 
 TEST(PathNames, PrefixesMatchAsTextNotByNamespace) {
-  auto doc = LoadDoc(
-      u"<r xmlns:x='urn:1' xmlns:y='urn:1'><x:a id='xa'/><y:a id='ya'/><a id='pa'/></r>");
+  auto doc = LoadDoc(u"<r xmlns:x='urn:1' xmlns:y='urn:1'><x:a id='xa'/><y:a id='ya'/><a id='pa'/></r>");
   TVnDOMElement* r = doc->GetRootNode();
-  EXPECT_EQ(Sel(r, u"x:a"), u"xa");
-  EXPECT_EQ(Sel(r, u"a"), u"pa");
+  ExpectSel(r, {{u"x:a", u"xa"}, {u"a", u"pa"}, {u"*:a", u"xa ya pa"},
+                {u"child::a", u""}});  // no axes: prefix "child", local name ":a"
   EXPECT_EQ(Sel(r, u"a", {soQualifiedName}), u"pa");
   EXPECT_EQ(Sel(r, u"a", {soLocalName}), u"xa ya pa");
   EXPECT_EQ(Sel(r, u"a", {soLocalName, soQualifiedName}), u"xa ya pa");  // soLocalName wins
-  EXPECT_EQ(Sel(r, u"*:a"), u"xa ya pa");
-  EXPECT_EQ(Sel(r, u"child::a"), u"");  // no axes: prefix "child", local name ":a"
 }
 
-TEST(PathSteps, StarNodeAndTextTellChildKindsApart) {
+TEST(PathSteps, KindsSlashDotParentAndAttributes) {
   auto doc = LoadDoc(cShop);
   TVnDOMElement* root = doc->GetRootNode();
-  EXPECT_EQ(Sel(root, u"c/*"), u"d1");
-  EXPECT_EQ(Sel(root, u"c/node()"), u"#text #comment #cdata-section pi d1");
-  EXPECT_EQ(Sel(root, u"c/text()"), u"#text #cdata-section");
-  EXPECT_EQ(Sel(root, u"c/Node()"), u"");     // the first letter must be lower-case
-  EXPECT_EQ(Sel(root, u"c/comment()"), u"");  // not part of the language: a name
+  ExpectSel(root, {{u"c/*", u"d1"}, {u"c/node()", u"#text #comment #cdata-section pi d1"},
+                   {u"c/text()", u"#text #cdata-section"},
+                   {u"c/Node()", u""},       // the first letter must be lower-case
+                   {u"c/comment()", u""}});  // not part of the language: a name
   EXPECT_EQ(Sel(doc.get(), u"*"), u"root");
-}
-
-TEST(PathSteps, SlashDotAndParent) {
-  auto doc = LoadDoc(cShop);
-  TVnDOMElement* a2 = doc->GetRootNode()->FindElement(u"a");  // the last "a"
-  EXPECT_EQ(Sel(a2, u"/"), u"a2");  // the context node, not the document
-  EXPECT_EQ(Sel(a2, u"/root/c"), u"c1");
-  EXPECT_EQ(Sel(a2, u"b"), u"b3");
-  EXPECT_EQ(Sel(a2, u"."), u"a2");
-  EXPECT_EQ(Sel(a2, u"./."), u"");  // a "." behind a "." selects nothing
-  EXPECT_EQ(Sel(a2, u"../c"), u"c1");
-  EXPECT_EQ(Sel(a2, u"b/../../a"), u"a1 a2");
   EXPECT_EQ(Sel(doc.get(), u".."), u"");  // no parent: nothing, and no failure later
+  ExpectSel(root->FindElement(u"a"),  // the last "a"
+            {{u"/", u"a2"},           // the context node, not the document
+             {u"/root/c", u"c1"}, {u"b", u"b3"}, {u".", u"a2"},
+             {u"./.", u""},  // a "." behind a "." selects nothing
+             {u"../c", u"c1"}, {u"b/../../a", u"a1 a2"}});
+
+  auto attrs = LoadDoc(u"<r xmlns='urn:d' xmlns:p='urn:p' a='1' p:b='2'/>");
+  ExpectSel(attrs->GetRootNode(), {{u"@*", u"@a @p:b"}, {u"@b", u""},  // needs an empty prefix
+                                   {u"@p:b", u"@p:b"}, {u"@p:*", u"@p:b"}});
+  EXPECT_EQ(Sel(attrs.get(), u"@a"), u"@a");  // a document answers with its root's attributes
+  EXPECT_EQ(Sel(attrs->GetRootNode(), u"@*", {soLocalName}), u"@xmlns @xmlns:p @a @p:b");
 }
 
 TEST(PathSteps, DeepSearchesWalkDepthFirstInDocumentOrder) {
   auto doc = LoadDoc(u"<r id='r'><b id='1'><b id='2'/></b><x><b id='3'/></x></r>");
-  TVnDOMElement* x = doc->GetRootNode()->FindElement(u"x");
-  EXPECT_EQ(Sel(x, u"//b"), u"1 2 3");  // from the document
-  EXPECT_EQ(Sel(x, u".//b"), u"3");     // from the context node
-  EXPECT_EQ(Sel(doc->GetRootNode(), u"b//"), u"2");
-  EXPECT_EQ(Sel(doc->GetRootNode(), u"//b//b"), u"2");
+  ExpectSel(doc->GetRootNode()->FindElement(u"x"), {{u"//b", u"1 2 3"},  // from the document
+                                                    {u".//b", u"3"}});    // from the context node
+  ExpectSel(doc->GetRootNode(), {{u"b//", u"2"}, {u"//b//b", u"2"}});
   EXPECT_EQ(Sel(doc.get(), u"//@id"), u"@id @id @id @id");
-}
-
-TEST(PathSteps, AttributesLeaveNamespaceDeclarationsOut) {
-  auto doc = LoadDoc(u"<r xmlns='urn:d' xmlns:p='urn:p' a='1' p:b='2'/>");
-  TVnDOMElement* r = doc->GetRootNode();
-  EXPECT_EQ(Sel(r, u"@*"), u"@a @p:b");
-  EXPECT_EQ(Sel(r, u"@b"), u"");  // needs an empty prefix
-  EXPECT_EQ(Sel(r, u"@p:b"), u"@p:b");
-  EXPECT_EQ(Sel(r, u"@p:*"), u"@p:b");
-  EXPECT_EQ(Sel(doc.get(), u"@a"), u"@a");  // a document answers with its root's attributes
-  EXPECT_EQ(Sel(r, u"@*", {soLocalName}), u"@xmlns @xmlns:p @a @p:b");
 }
 
 TEST(PathIndexes, FiltersCountFromZeroPerContextNode) {
   auto doc = LoadDoc(cShop);
-  TVnDOMElement* root = doc->GetRootNode();
-  EXPECT_EQ(Sel(root, u"a[0]"), u"a1");
-  EXPECT_EQ(Sel(root, u"a[1]"), u"a2");
-  EXPECT_EQ(Sel(root, u"a/b[0]"), u"b1 b3");
-  EXPECT_EQ(Sel(root, u"(a/b)[0]"), u"b1");
-  EXPECT_EQ(Sel(root, u"(a/b)[last()]"), u"b3");
-  EXPECT_EQ(Sel(root, u"a/b[position() = 1]"), u"b1 b3");
-  EXPECT_EQ(Sel(root, u"a[b][1]/b"), u"b3");  // each filter sees what the previous one left
-  EXPECT_EQ(Sel(root, u"a[@id = \"a2\"]/b"), u"b3");
-  EXPECT_EQ(Sel(root, u"a[b/c]"), u"");
-}
-
-TEST(PathIndexes, BareIndexesAndFiltersThatRunOncePerContext) {
-  auto doc = LoadDoc(cShop);
-  TVnDOMElement* root = doc->GetRootNode();
-  EXPECT_EQ(Sel(root, u"a/b[5]"), u"");
-  EXPECT_EQ(Sel(root, u"a/b[ 1 ]"), u"b2");
-  EXPECT_EQ(Sel(root, u"a/b[01]"), u"b2");
-  EXPECT_EQ(Sel(root, u"a/b[1][0]"), u"b2");
-  EXPECT_EQ(Sel(root, u"a/b[0][1]"), u"");
-  // The same filter on the candidates of each context node: last() per "a".
-  EXPECT_EQ(Sel(root, u"a/b[last()]"), u"b2 b3");
-  // last() is a test, not a number: compared with a position it is the Variant True (-1).
-  EXPECT_EQ(Sel(root, u"a/b[position() = last()]"), u"");
+  ExpectSel(doc->GetRootNode(),
+            {{u"a[0]", u"a1"}, {u"a[1]", u"a2"}, {u"a/b[0]", u"b1 b3"}, {u"(a/b)[0]", u"b1"},
+             {u"(a/b)[last()]", u"b3"}, {u"a/b[position() = 1]", u"b1 b3"},
+             {u"a[b][1]/b", u"b3"},  // each filter sees what the previous one left
+             {u"a[@id = \"a2\"]/b", u"b3"}, {u"a[b/c]", u""}, {u"a/b[5]", u""}, {u"a/b[ 1 ]", u"b2"},
+             {u"a/b[01]", u"b2"}, {u"a/b[1][0]", u"b2"}, {u"a/b[0][1]", u""},
+             {u"a/b[last()]", u"b2 b3"},  // the same filter on the candidates of each context node
+             // last() is a test, not a number: compared with a position it is the Variant True (-1).
+             {u"a/b[position() = last()]", u""}});
 }
 
 TEST(PathSteps, DeepSearchesListEachNodesMatchesBeforeItsSubtrees) {
@@ -139,8 +114,7 @@ TEST(PathAlternatives, LargeResultsStayUniqueInOrderOfDiscovery) {
 TEST(PathAlternatives, ListGivesEachNodeOnceSingleStopsAtFirstHit) {
   auto doc = LoadDoc(cShop);
   TVnDOMElement* root = doc->GetRootNode();
-  EXPECT_EQ(Sel(root, u"c|a"), u"c1 a1 a2");
-  EXPECT_EQ(Sel(root, u"a | a[1] | c"), u"a1 a2 c1");
+  ExpectSel(root, {{u"c|a", u"c1 a1 a2"}, {u"a | a[1] | c", u"a1 a2 c1"}});
   EXPECT_EQ(test::Signature(SelectSingleNode(root, u"x|a|c")), u"a1");
   EXPECT_EQ(test::Signature(SelectSingleNode(root, u"c/d|a")), u"d1");
   // Cut without regard to brackets: "[@id = 'x' | 'y']" breaks into two halves.
@@ -150,15 +124,12 @@ TEST(PathAlternatives, ListGivesEachNodeOnceSingleStopsAtFirstHit) {
 TEST(PathErrors, MalformedPathsRaiseTheirMessages) {
   auto doc = LoadDoc(cShop);
   TVnDOMElement* root = doc->GetRootNode();
-  auto sel = [&](std::u16string_view APath) { return [=] { Sel(root, APath); }; };
-  ExpectError<EVnDomSyntax>(sel(u""), cVnPathInvalid);
-  ExpectError<EVnDomSyntax>(sel(u"a/"), cVnPathNoDomNode);
-  ExpectError<EVnDomSyntax>(sel(u"a///b"), cVnPathStartsWithSlash);
-  ExpectError<EVnDomSyntax>(sel(u"///a"), cVnPathStartsWithSlash);
-  ExpectError<EVnDomSyntax>(sel(u"a/*x"), Format(cVnPathAfterStar, {u"*x"}));
-  ExpectError<EVnDomSyntax>(sel(u"a/.x"), Format(cVnPathAfterDots, {u".x"}));
-  ExpectError<EVnDomSyntax>(sel(u"//.."), Format(cVnPathDeepParent, {u".."}));
-  ExpectError<EVnDomSyntax>(sel(u"a||c"), cVnPathInvalid);  // the empty alternative
+  const std::pair<const char16_t*, UnicodeString> syntax[] = {
+      {u"", cVnPathInvalid}, {u"a/", cVnPathNoDomNode}, {u"a///b", cVnPathStartsWithSlash},
+      {u"///a", cVnPathStartsWithSlash}, {u"a/*x", Format(cVnPathAfterStar, {u"*x"})},
+      {u"a/.x", Format(cVnPathAfterDots, {u".x"})}, {u"//..", Format(cVnPathDeepParent, {u".."})},
+      {u"a||c", cVnPathInvalid}};  // the empty alternative
+  for (const auto& [path, message] : syntax) ExpectError<EVnDomSyntax>([&] { Sel(root, path); }, message);
   ExpectError<Exception>([&] { Sel(root, u"a", {soCaseSensitive, soCaseInsensitive}); }, cVnDomBothCaseOptions);
   ExpectError<Exception>([&] { Sel(root, u"a", {soRaise, soCreate}); }, cVnPathBothRaiseCreate);
   // A step that never runs never fails.
