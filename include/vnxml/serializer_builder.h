@@ -155,7 +155,8 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
 
   TObjectList* FCreatedObjs = nullptr;
   Integer FArrIdx = -1;
-  IPtr<IVnDeserializerHelper> FIHelper;
+  /// The instance's own helper, not counted: counting a host object would free it.
+  IVnDeserializerHelper* FIHelper = nullptr;
   std::unique_ptr<TVnDeserializerHelper> FCHelper;
   TRttiField* FMemberField = nullptr;
   TRttiProperty* FMemberProp = nullptr;
