@@ -81,6 +81,8 @@ void TVnXMLDeserializer::DoDeserialize() {
   reader->SetLexicalHandler(nullptr);
   reader->SetErrorHandler(nullptr);
   FSAXReader = nullptr;
+  // The reader forgives elements left open at the end; a value cut short is no value.
+  if (FActive != this || FLevel != -1) throw EParserError(cVnXMLTextCut);
 }
 
 void TVnXMLDeserializer::StartElement(std::u16string_view AURI, std::u16string_view ALocalName,
