@@ -207,8 +207,14 @@ void TVnXMLDeserializer::DoEndElement(std::u16string_view AURI, std::u16string_v
     FText += u"</";
     FText += AQName;
     FText += u'>';
-  } else if (FLevel == 1 && FCanDeserialize != desIgnore && !FNil) {
-    MemberText(FText, FHasText);
+  } else if (FLevel == 1 && FCanDeserialize != desIgnore) {
+    if (!FNil) {
+      MemberText(FText, FHasText);
+    } else if (FMemberTypeInfo && FMemberTypeInfo->Kind() == vtkVariant) {
+      // A nil Variant is Null: an optional value stays absent.
+      FMemberValue = TValue::From(Variant::Null());
+      StoreMemberValue();
+    }
   }
   (void)AURI;
   (void)ALocalName;
