@@ -16,6 +16,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "vnxml/common/vn_component.h"
 #include "vnxml/sax_contract.h"
@@ -177,9 +178,13 @@ class TVnXMLDeserializer : public TVnDeserializer,
   bool FBuildFailed = false;
 
  private:
-  const TRttiMember* NodeValueMember();
-  const TRttiMember* FNodeValueMember = nullptr;
-  bool FNodeValueSearched = false;
+  /// The qualified name of the type an xsi:type value names, empty when none; cached per read.
+  const UnicodeString& QualifiedTypeName(std::u16string_view ASchemaName);
+  struct NameHash {
+    using is_transparent = void;
+    size_t operator()(std::u16string_view AName) const noexcept { return std::hash<std::u16string_view>()(AName); }
+  };
+  std::unordered_map<UnicodeString, UnicodeString, NameHash, std::equal_to<>> FTypeNames;
 };
 
 /// A string list: each string an <item> element; its members are not written.

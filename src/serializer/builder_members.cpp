@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "serializer/kind_names.h"
+#include "serializer/member_plan.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -17,8 +18,9 @@ namespace {
 bool IsArrayKind(TVnTypeKind AKind) { return AKind == vtkStaticArray || AKind == vtkDynArray; }
 
 bool IsReserved(std::u16string_view AName) {
-  return SameText(AName, u"className") || SameText(AName, u"parent") || SameText(AName, u"owner") ||
-         SameText(AName, u"type");
+  using detail::SameName;
+  return SameName(AName, u"className") || SameName(AName, u"parent") || SameName(AName, u"owner") ||
+         SameName(AName, u"type");
 }
 
 /// AValue as a value of AType: the casts of TValue, then the registry's text conversions.
@@ -46,33 +48,31 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
     FMemberName = AName;
     const TVnTypeKind kind = FInstanceTypeInfo ? FInstanceTypeInfo->Kind() : vtkUnknown;
     if ((kind == vtkRecord || kind == vtkClass) && FInstancePtr) {
-      TRttiType* type = FInstanceTypeInfo->RttiType();
-      auto takeProperty = [&](TRttiProperty* AProperty) {
-        FMemberProp = AProperty;
-        if (AProperty->Visibility() < mvPublic) return;
-        FMemberTypeInfo = TVnTypes::GetTypeInfo(AProperty->PropertyTypeInfo());
-        FMemberValue = AProperty->IsReadable() ? AProperty->GetValue(FInstancePtr)
-                                               : TValue::Make(nullptr, AProperty->PropertyTypeInfo());
+      const detail::MemberPlan& plan = detail::PlanOf(FInstanceTypeInfo);
+      auto find = [&](const std::vector<detail::NamedMember>& AList) -> const detail::NamedMember* {
+        for (const detail::NamedMember& m : AList)
+          if (detail::SameName(m.Name, AName)) return &m;
+        return nullptr;
       };
-      if (TRttiField* field = type->GetField(AName)) {
-        FMemberField = field;
-        FMemberTypeInfo = TVnTypes::GetTypeInfo(field->FieldTypeInfo());
-        FMemberValue = field->GetValue(FInstancePtr);
-      } else if (kind == vtkClass) {
-        if (TRttiProperty* property = type->GetProperty(AName)) {
-          takeProperty(property);
-        } else {
-          SerializerHint* hint = nullptr;
-          for (TRttiProperty* candidate : type->GetProperties()) {
-            if (candidate->Visibility() >= mvPublic && GetSerializerHint(candidate, shoName, hint) &&
-                SameText(hint->GetValue(), AName)) {
-              takeProperty(candidate);
-              break;
-            }
-          }
+      const detail::NamedMember* found = find(plan.Fields);
+      if (!found && kind == vtkClass) found = find(plan.Properties);
+      if (!found && kind == vtkClass) found = find(plan.HintNamed);
+      if (found && found->Field) {
+        FMemberField = found->Field;
+        FMemberTypeInfo = TVnTypes::GetTypeInfo(found->Field->FieldTypeInfo());
+        // A simple member's value is replaced whole: only nested values need the current one.
+        if (!FMemberTypeInfo->GetIsSimpleType()) FMemberValue = found->Field->GetValue(FInstancePtr);
+      } else if (found) {
+        TRttiProperty* property = found->Prop;
+        FMemberProp = property;
+        if (property->Visibility() >= mvPublic) {
+          FMemberTypeInfo = TVnTypes::GetTypeInfo(property->PropertyTypeInfo());
+          if (!FMemberTypeInfo->GetIsSimpleType())
+            FMemberValue = property->IsReadable() ? property->GetValue(FInstancePtr)
+                                                  : TValue::Make(nullptr, property->PropertyTypeInfo());
         }
       }
-      if (FMemberField || FMemberProp) {
+      if (found) {
         if (ADataType.empty() && FMemberTypeInfo) ADataType = FMemberTypeInfo->QualifiedName();
         result = desYes;
       }
@@ -192,17 +192,17 @@ void TVnDeserializer::DeserializeStartType() {
   if (FCHelper) FCHelper->DeserializeStartType(this);
   if (FIHelper) FIHelper->BeforeDeserialize(this);
   FStarted = true;
-  if (FInstanceTypeInfo && IsArrayKind(FInstanceTypeInfo->Kind())) {
-    VnAssert(FParentDeserializer != nullptr, cVnParentIsArray);
-    VnAssert(FParentDeserializer->FMemberTypeInfo != nullptr, cVnParentMemberTypeUnset);
+  if (FIsArray) {
+    if (!FParentDeserializer) VnAssert(false, cVnParentIsArray);
+    if (!FParentDeserializer->FMemberTypeInfo) VnAssert(false, cVnParentMemberTypeUnset);
     FArrIdx = -1;
     FMemberTypeInfo = FInstanceTypeInfo->ElementType();
   }
 }
 
 bool TVnDeserializer::IsArraySerializer(TVnTypeKind* AKind) const {
-  if (!FParentDeserializer || !FInstanceTypeInfo || !IsArrayKind(FInstanceTypeInfo->Kind())) return false;
-  VnAssert(FMemberTypeInfo != nullptr, cVnArrayMemberTypeUnset);
+  if (!FParentDeserializer || !FIsArray) return false;
+  if (!FMemberTypeInfo) VnAssert(false, cVnArrayMemberTypeUnset);
   if (AKind) *AKind = FMemberTypeInfo->Kind();
   return true;
 }

@@ -2,6 +2,7 @@
 // conversions of XML.
 #include <memory>
 
+#include "serializer/member_plan.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/text_parser.h"
@@ -16,7 +17,7 @@ namespace vn {
 
 namespace {
 
-bool IsXsiNamespace(std::u16string_view AURI) { return SameText(AURI, cVnXSINamespace); }
+bool IsXsiNamespace(std::u16string_view AURI) { return detail::SameName(AURI, cVnXSINamespace); }
 
 bool IsWhitespace(std::u16string_view AText) {
   for (char16_t c : AText)
@@ -133,10 +134,9 @@ void TVnXMLDeserializer::DoStartElement(std::u16string_view AURI, std::u16string
     if (AAttributes) {
       for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
         if (!IsXsiNamespace(a->URI)) continue;
-        if (SameText(a->LocalName, u"type") && FDataType.empty()) {
-          if (const TVnTypeInfo* t = TVnTypes::GetTypeInfo(a->Value, tntSchemaName, false, mtkUnknown))
-            FDataType = t->QualifiedName();
-        } else if (SameText(a->LocalName, u"nil")) {
+        if (detail::SameName(a->LocalName, u"type") && FDataType.empty()) {
+          FDataType = FRootXml->QualifiedTypeName(a->Value);
+        } else if (detail::SameName(a->LocalName, u"nil")) {
           FNil = VnXMLToBool(a->Value);
         }
       }
@@ -183,9 +183,12 @@ void TVnXMLDeserializer::DoCharacters(std::u16string_view AText) {
     DeserializeValue(FURI, FLocalName, AText, FDataType);
     return;
   }
-  const TRttiMember* member = NodeValueMember();
-  if (member) {
-    UnicodeString name = member->Name();
+  const detail::NamedMember* member =
+      FInstanceTypeInfo && (FInstanceTypeInfo->Kind() == vtkClass || FInstanceTypeInfo->Kind() == vtkRecord)
+          ? &detail::PlanOf(FInstanceTypeInfo).NodeValue
+          : nullptr;
+  if (member && (member->Field || member->Prop)) {
+    UnicodeString name(member->Name);
     UnicodeString uri = FURI;
     UnicodeString dataType = FDataType;
     if (CanDeserialize(uri, name, dataType, false) == desYes) {
@@ -258,17 +261,14 @@ void TVnXMLDeserializer::ReadAttributesAsMembers(IVnSAXAttributes* AAttributes) 
   }
 }
 
-const TRttiMember* TVnXMLDeserializer::NodeValueMember() {
-  if (FNodeValueSearched) return FNodeValueMember;
-  FNodeValueSearched = true;
-  if (!FInstanceTypeInfo || (FInstanceTypeInfo->Kind() != vtkClass && FInstanceTypeInfo->Kind() != vtkRecord)) return nullptr;
-  TRttiType* type = FInstanceTypeInfo->RttiType();
-  SerializerHint* hint = nullptr;
-  for (TRttiProperty* p : type->GetProperties())
-    if (GetSerializerHint(p, shoNodeType, hint) && SameText(hint->GetValue(), u"NodeValue")) return FNodeValueMember = p;
-  for (TRttiField* f : type->GetFields())
-    if (GetSerializerHint(f, shoNodeType, hint) && SameText(hint->GetValue(), u"NodeValue")) return FNodeValueMember = f;
-  return nullptr;
+const UnicodeString& TVnXMLDeserializer::QualifiedTypeName(std::u16string_view ASchemaName) {
+  // Documents name few types many times: each is looked up in the registry once per read.
+  auto it = FTypeNames.find(ASchemaName);
+  if (it == FTypeNames.end()) {
+    const TVnTypeInfo* type = TVnTypes::GetTypeInfo(ASchemaName, tntSchemaName, false, mtkUnknown);
+    it = FTypeNames.emplace(UnicodeString(ASchemaName), type ? type->QualifiedName() : UnicodeString()).first;
+  }
+  return it->second;
 }
 
 // ---- the builder's operations ----
@@ -302,10 +302,10 @@ bool TVnXMLDeserializer::ReadClassName(UnicodeString& AClassName) {
   if (!FAttribs) return false;
   bool found = false;
   for (PVnSAXXMAttribute a = FAttribs->FirstAttribute(); a; a = a->Next) {
-    if (SameText(a->LocalName, u"type")) {
+    if (detail::SameName(a->LocalName, u"type")) {
       AClassName = a->Value;
       found = true;
-    } else if (SameText(a->LocalName, u"nil") && VnXMLToBool(a->Value)) {
+    } else if (detail::SameName(a->LocalName, u"nil") && VnXMLToBool(a->Value)) {
       AClassName.clear();
       return true;
     }
