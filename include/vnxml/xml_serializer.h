@@ -185,6 +185,7 @@ class TVnXMLDeserializer : public TVnDeserializer,
     size_t operator()(std::u16string_view AName) const noexcept { return std::hash<std::u16string_view>()(AName); }
   };
   std::unordered_map<UnicodeString, UnicodeString, NameHash, std::equal_to<>> FTypeNames;
+  const std::pair<const UnicodeString, UnicodeString>* FLastTypeName = nullptr;
 };
 
 /// A string list: each string an <item> element; its members are not written.

@@ -24,9 +24,9 @@ bool IsReserved(std::u16string_view AName) {
 }
 
 /// AValue as a value of AType: the casts of TValue, then the registry's text conversions.
-TValue ConvertTo(const TValue& AValue, const TTypeInfo* AType) {
+TValue ConvertTo(TValue&& AValue, const TTypeInfo* AType) {
   TValue result;
-  if (AValue.TypeInfo() == AType) return AValue;
+  if (AValue.TypeInfo() == AType) return std::move(AValue);
   if (AValue.TryCast(AType, result) || ToType(AValue, AType, result)) return result;
   throw EInvalidCast(u"Invalid class typecast");
 }
@@ -247,9 +247,13 @@ UnicodeString TVnDeserializer::GetPath() const {
 void TVnDeserializer::StoreMemberValue() {
   if (IsArraySerializer()) {
     const TTypeInfo* element = FMemberTypeInfo->Handle();
-    const TValue value = ConvertTo(FMemberValue, element);
     void* item = FInstanceTypeInfo->Handle()->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx));
-    element->Ops->Assign(item, value.GetReferenceToRawData());
+    if (FMemberValue.TypeInfo() == element) {
+      element->Ops->Assign(item, FMemberValue.GetReferenceToRawData());
+    } else {
+      const TValue value = ConvertTo(TValue(FMemberValue), element);
+      element->Ops->Assign(item, value.GetReferenceToRawData());
+    }
   } else if (FMemberField) {
     FMemberField->SetValue(FInstancePtr, FMemberValue);
   } else if (FMemberProp) {

@@ -1,6 +1,7 @@
 // The member plans of the walker and the builder, made once per type.
 #include "serializer/member_plan.h"
 
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -9,6 +10,7 @@ namespace vn::detail {
 
 bool SameName(std::u16string_view A, std::u16string_view B) noexcept {
   if (A.size() != B.size()) return false;
+  if (std::memcmp(A.data(), B.data(), A.size() * sizeof(char16_t)) == 0) return true;
   for (size_t i = 0; i < A.size(); ++i) {
     char16_t a = A[i], b = B[i];
     if (a == b) continue;

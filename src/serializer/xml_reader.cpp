@@ -17,7 +17,9 @@ namespace vn {
 
 namespace {
 
-bool IsXsiNamespace(std::u16string_view AURI) { return detail::SameName(AURI, cVnXSINamespace); }
+constexpr std::u16string_view kXsiNamespace = cVnXSINamespace;
+
+bool IsXsiNamespace(std::u16string_view AURI) { return detail::SameName(AURI, kXsiNamespace); }
 
 bool IsWhitespace(std::u16string_view AText) {
   for (char16_t c : AText)
@@ -133,6 +135,7 @@ void TVnXMLDeserializer::DoStartElement(std::u16string_view AURI, std::u16string
     } clear{FAttribs};
     if (AAttributes) {
       for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
+        if (a->LocalName.size() != 4 && a->LocalName.size() != 3) continue;
         if (!IsXsiNamespace(a->URI)) continue;
         if (detail::SameName(a->LocalName, u"type") && FDataType.empty()) {
           FDataType = FRootXml->QualifiedTypeName(a->Value);
@@ -263,11 +266,13 @@ void TVnXMLDeserializer::ReadAttributesAsMembers(IVnSAXAttributes* AAttributes) 
 
 const UnicodeString& TVnXMLDeserializer::QualifiedTypeName(std::u16string_view ASchemaName) {
   // Documents name few types many times: each is looked up in the registry once per read.
+  if (FLastTypeName && FLastTypeName->first == ASchemaName) return FLastTypeName->second;
   auto it = FTypeNames.find(ASchemaName);
   if (it == FTypeNames.end()) {
     const TVnTypeInfo* type = TVnTypes::GetTypeInfo(ASchemaName, tntSchemaName, false, mtkUnknown);
     it = FTypeNames.emplace(UnicodeString(ASchemaName), type ? type->QualifiedName() : UnicodeString()).first;
   }
+  FLastTypeName = &*it;
   return it->second;
 }
 
