@@ -81,7 +81,12 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
       throw EVnSerializeException(cVnUnknownMember,
                                   {FInstanceTypeInfo ? FInstanceTypeInfo->QualifiedName() : UnicodeString(), AName});
   }
-  if (result == desYes) CreateChildDeserializerIfNeeded(AName);
+  if (result == desYes) {
+    CreateChildDeserializerIfNeeded(AName);
+    // A read-only property takes no text (a component's Owner): only a nested value it holds
+    // is filled in place.
+    if (FMemberProp && !FMemberProp->IsWritable() && !FChild) result = desIgnore;
+  }
   return result;
 }
 
