@@ -159,6 +159,8 @@ class TVnXMLDeserializer : public TVnDeserializer,
   UnicodeString FLocalName;
   UnicodeString FURI;
   UnicodeString FDataType;
+  /// The type its xsi:type names, when it names one.
+  const TVnTypeInfo* FDataTypeInfo = nullptr;
   TVnCanDeserialize FCanDeserialize = desNo;
   Integer FLevel = 0;
   IVnSAXAttributes* FAttribs = nullptr;
@@ -178,14 +180,14 @@ class TVnXMLDeserializer : public TVnDeserializer,
   bool FBuildFailed = false;
 
  private:
-  /// The qualified name of the type an xsi:type value names, empty when none; cached per read.
-  const UnicodeString& QualifiedTypeName(std::u16string_view ASchemaName);
+  /// The qualified name and the type an xsi:type value names (empty and nil when none); cached per read.
+  const std::pair<UnicodeString, const TVnTypeInfo*>& NamedType(std::u16string_view ASchemaName);
   struct NameHash {
     using is_transparent = void;
     size_t operator()(std::u16string_view AName) const noexcept { return std::hash<std::u16string_view>()(AName); }
   };
-  std::unordered_map<UnicodeString, UnicodeString, NameHash, std::equal_to<>> FTypeNames;
-  const std::pair<const UnicodeString, UnicodeString>* FLastTypeName = nullptr;
+  std::unordered_map<UnicodeString, std::pair<UnicodeString, const TVnTypeInfo*>, NameHash, std::equal_to<>> FTypeNames;
+  const std::pair<const UnicodeString, std::pair<UnicodeString, const TVnTypeInfo*>>* FLastTypeName = nullptr;
 };
 
 /// A string list: each string an <item> element; its members are not written.

@@ -125,6 +125,7 @@ void TVnXMLDeserializer::DoStartElement(std::u16string_view AURI, std::u16string
     FURI = AURI;
     FLocalName = ALocalName;
     FDataType.clear();
+    FDataTypeInfo = nullptr;
     FText.clear();
     FHasText = false;
     FNil = false;
@@ -138,7 +139,9 @@ void TVnXMLDeserializer::DoStartElement(std::u16string_view AURI, std::u16string
         if (a->LocalName.size() != 4 && a->LocalName.size() != 3) continue;
         if (!IsXsiNamespace(a->URI)) continue;
         if (detail::SameName(a->LocalName, u"type") && FDataType.empty()) {
-          FDataType = FRootXml->QualifiedTypeName(a->Value);
+          const auto& named = FRootXml->NamedType(a->Value);
+          FDataType = named.first;
+          FDataTypeInfo = named.second;
         } else if (detail::SameName(a->LocalName, u"nil")) {
           FNil = VnXMLToBool(a->Value);
         }
@@ -264,13 +267,14 @@ void TVnXMLDeserializer::ReadAttributesAsMembers(IVnSAXAttributes* AAttributes) 
   }
 }
 
-const UnicodeString& TVnXMLDeserializer::QualifiedTypeName(std::u16string_view ASchemaName) {
+const std::pair<UnicodeString, const TVnTypeInfo*>& TVnXMLDeserializer::NamedType(std::u16string_view ASchemaName) {
   // Documents name few types many times: each is looked up in the registry once per read.
   if (FLastTypeName && FLastTypeName->first == ASchemaName) return FLastTypeName->second;
   auto it = FTypeNames.find(ASchemaName);
   if (it == FTypeNames.end()) {
     const TVnTypeInfo* type = TVnTypes::GetTypeInfo(ASchemaName, tntSchemaName, false, mtkUnknown);
-    it = FTypeNames.emplace(UnicodeString(ASchemaName), type ? type->QualifiedName() : UnicodeString()).first;
+    it = FTypeNames.emplace(UnicodeString(ASchemaName),
+                            std::pair(type ? type->QualifiedName() : UnicodeString(), type)).first;
   }
   FLastTypeName = &*it;
   return it->second;
@@ -321,7 +325,9 @@ bool TVnXMLDeserializer::ReadClassName(UnicodeString& AClassName) {
 TVnDeserializer* TVnXMLDeserializer::CreateChildDeserializerIfNeeded(std::u16string_view AName) {
   TVnDeserializer* child = TVnDeserializer::CreateChildDeserializerIfNeeded(AName);
   if (auto* xmlChild = CastObject<TVnXMLDeserializer>(child); xmlChild && !FDataType.empty()) {
-    const TVnTypeInfo* type = TVnTypes::GetTypeInfo(FDataType, tntQualifiedName, false, mtkUnknown);
+    // The data type is the xsi:type's, or else the member's own, which has a child only when
+    // it is not simple.
+    const TVnTypeInfo* type = FDataTypeInfo ? FDataTypeInfo : FMemberTypeInfo;
     if (type && type->GetIsSimpleType()) {
       xmlChild->FProcessRootChars = true;
       xmlChild->FDataType = FDataType;
