@@ -25,6 +25,8 @@ int main(int argc, char** argv) {
     // schema-adapter
     tour::Schema();
     tour::PlatformDom();
+    // ---- serial-walk ----
+    tour::Objects();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

@@ -15,6 +15,8 @@ void Document();
 void Paths();
 void Json();
 void Form();
+// ---- serial-walk ----
+void Objects();
 
 // schema-adapter
 void Schema();

@@ -20,3 +20,8 @@
 // schema-adapter
 #include "vnxml/dom_adapter.h"
 #include "vnxml/schema_element.h"
+// ---- serial-walk ----
+#include "vnxml/serializer_builder.h"
+#include "vnxml/serializer_walker.h"
+#include "vnxml/xml_dom_serializer.h"
+#include "vnxml/xml_serializer.h"

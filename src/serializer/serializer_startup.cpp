@@ -17,6 +17,8 @@ void RegisterFrameTypes() { VnRegisterType(TVnSerializableComponent::StaticClass
 using StartupRegistration = void (*)();
 constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
+    // ---- serial-walk ----
+    &RegisterXMLSerializers,
 };
 
 thread_local bool tRunning = false;

@@ -8,4 +8,8 @@ namespace vn::detail {
 /// back here) goes straight through.
 void EnsureSerializerStartup();
 
+// ---- serial-walk: the XML notation ----
+/// The XML pair of every type, string lists, components and TValue.
+void RegisterXMLSerializers();
+
 }  // namespace vn::detail
