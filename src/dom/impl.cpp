@@ -1,6 +1,7 @@
 // The Impl halves: each interface operation turns interface arguments into objects, calls the
 // object's operation of the same name, and turns an object result into its interface. No logic
 // lives here beyond that.
+#include "vnxml/dom_json_writer.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/value.h"
 #include "vnxml/common/variant.h"
@@ -49,9 +50,11 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
     return AFormat == dsfXML || AFormat == dsfJSON;
   }
   TVnSerializedData Serialize(TVnDataSerializationFormatType AFormat, TObject*) override {
-    if (AFormat != dsfXML) throw EVnDomNotSupported(cVnDomNotYetSupported, {cVnDomJSONOutput});
     TVnStringStream s(65001);
-    Self()->SaveToStream(s, Word{65001}, false);
+    if (AFormat == dsfJSON)
+      SaveToJSONStream(static_cast<const TVnDOMNode&>(*Self()), s, Word{65001}, false);
+    else
+      Self()->SaveToStream(s, Word{65001}, false);
     return s.GetAString();
   }
 

@@ -106,6 +106,9 @@ TEST(DomJsonWriter, FormattedAndDocumentForms) {
   a->SetAttribute(u"k", u"v");
   EXPECT_EQ(test::U8(GetJSON(*a->FirstAttribute())), R"("a_k": "v")");
   EXPECT_EQ(test::U8(GetJSON(*a->ChildAt(0))), "");
+  // The serializable face of a node gives the element's JSON in UTF-8.
+  EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr),
+            R"({"r": {"a": "1", "a_k": "v"}})");
 }
 
 std::string Bytes(std::u16string_view AText) { return {reinterpret_cast<const char*>(AText.data()), AText.size() * 2}; }
