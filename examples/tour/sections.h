@@ -15,5 +15,6 @@ void Document();
 void Paths();
 void Json();
 void Form();
+void Bridges();
 
 }  // namespace tour
