@@ -3,6 +3,7 @@
 #include "vnxml/dom_json_writer.h"
 
 #include <cstring>
+#include <typeinfo>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "vnxml/common/vn_type_info_value.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/json_reflected_values.h"
+#include "vnxml/xml_escape.h"
 
 namespace vn {
 
@@ -24,12 +26,48 @@ constexpr std::string_view kLineBreak = "\r\n";
 
 const TVnDOMElement& AsElement(const TVnDOMNode* ANode) { return *static_cast<const TVnDOMElement*>(ANode); }
 
-/// An attribute takes part unless it declares a namespace or is in the xsi or xsd namespace.
-bool Counts(const TVnDOMNode* AAttribute) {
+constexpr std::u16string_view kXsiURI = cVnXSINamespaceURI;
+constexpr std::u16string_view kXsdURI = cVnXSDNamespaceURI;
+
+bool IsURI(std::u16string_view AURI, std::u16string_view AOf) {
+  return AURI.size() == AOf.size() && SameText(AURI, AOf);
+}
+
+/// An attribute takes part unless it declares a namespace or is in the xsi or xsd namespace;
+/// AXsi tells whether it is in the xsi namespace.
+bool Counts(const TVnDOMNode* AAttribute, bool& AXsi) {
   const auto* a = static_cast<const TVnDOMAttribute*>(AAttribute);
+  AXsi = false;
   if (a->IsNamespace()) return false;
   const UnicodeString uri = a->GetNamespaceURI();
-  return !SameText(uri, cVnXSINamespaceURI) && !SameText(uri, cVnXSDNamespaceURI);
+  if (uri.empty()) return true;
+  AXsi = IsURI(uri, kXsiURI);
+  return !AXsi && !IsURI(uri, kXsdURI);
+}
+bool Counts(const TVnDOMNode* AAttribute) {
+  bool xsi;
+  return Counts(AAttribute, xsi);
+}
+
+/// The decoded value of a text node or attribute of this library's classes: the stored text
+/// itself where it holds no reference, else decoded into AScratch.
+std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
+  std::u16string_view stored;
+  if (typeid(*ANode) == typeid(TVnDOMText))
+    stored = static_cast<const TVnDOMText*>(ANode)->GetStoredValue();
+  else if (typeid(*ANode) == typeid(TVnDOMAttribute))
+    stored = static_cast<const TVnDOMAttribute*>(ANode)->GetStoredValue();
+  else
+    return AScratch = ANode->GetNodeValue();
+  if (stored.find(u'&') == std::u16string_view::npos) return stored;
+  return AScratch = VnXMLToStr(stored);
+}
+
+/// An element's value text: its one text child without a copy, else GetNodeValue.
+std::u16string_view ElementText(const TVnDOMElement* AElement, std::u16string& AScratch) {
+  const auto& chars = AElement->CharNodesView();
+  if (chars.size() == 1 && typeid(*chars[0]) == typeid(TVnDOMText)) return DecodedValue(chars[0], AScratch);
+  return AScratch = AElement->GetNodeValue();
 }
 
 bool StartsLikeNumber(std::u16string_view AText) {
@@ -177,6 +215,7 @@ class JsonTreeWriter {
   /// where repeated names are not gathered.
   void Item(const TVnDOMElement* AElement) {
     Pad();
+    CollectAttributes(AElement);
     if (!AElement->HasChildElements()) {
       Value(AElement);
       return;
@@ -184,7 +223,6 @@ class JsonTreeWriter {
     O.Ascii("{");
     LineBreak();
     ++Level;
-    CollectAttributes(AElement);
     for (size_t i = 0; i < Attrs.size(); ++i) {
       if (i) Separator();
       Attribute(Attrs[i], Formatted);
@@ -207,18 +245,20 @@ class JsonTreeWriter {
     }
     if (APad) Pad();
     O.Framed("\"", Text, "\": ");
-    QuotedString(AAttribute->GetNodeValue());
+    QuotedString(DecodedValue(AAttribute, Value16));
   }
 
   // ---- values ----
   /// The value of an element without child elements, by the kind of its typed value.
+  /// The attributes of AElement are collected.
   void Value(const TVnDOMElement* AElement) {
-    // Without attributes there is neither xsi:nil nor xsi:type: the text, or null.
-    if (!AElement->HasAttributes()) {
+    // Without an attribute in the xsi namespace there is neither xsi:nil nor xsi:type: the
+    // text as a string, or null.
+    if (!XsiSeen) {
       if (AElement->CharNodesView().empty())
         O.Ascii("null");
       else
-        QuotedString(AElement->GetNodeValue());
+        QuotedString(ElementText(AElement, Value16));
       return;
     }
     const TValue value = AElement->GetAsValue();
@@ -240,7 +280,7 @@ class JsonTreeWriter {
         return;
       }
       case mtkString:
-      case mtkDateTime: return QuotedString(AElement->GetNodeValue());
+      case mtkDateTime: return QuotedString(ElementText(AElement, Value16));
       case mtkBoolean: return O.Ascii(ToBoolean(value) ? "true" : "false");
       default: return O.Ascii("null");
     }
@@ -276,8 +316,12 @@ class JsonTreeWriter {
 
   void CollectAttributes(const TVnDOMElement* AElement) {
     Attrs.clear();
-    for (const TVnDOMNode* a : AElement->AttributesView())
-      if (Counts(a)) Attrs.push_back(a);
+    XsiSeen = false;
+    for (const TVnDOMNode* a : AElement->AttributesView()) {
+      bool xsi;
+      if (Counts(a, xsi)) Attrs.push_back(a);
+      XsiSeen = XsiSeen || xsi;
+    }
   }
 
   static bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
@@ -332,6 +376,8 @@ class JsonTreeWriter {
   std::vector<Frame> Stack;
   std::vector<uint32_t> Plan;
   std::vector<const TVnDOMNode*> Attrs;
+  bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
+  std::u16string Value16;
   std::u16string Text;
   // Scratch of PushGroups.
   std::vector<uint32_t> Group, GroupSize, Fill;

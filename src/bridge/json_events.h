@@ -11,6 +11,7 @@
 // text, never call stack.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -90,7 +91,8 @@ class XmlEventSink {
 
   template <class U>
   void Value(TVnJSONSimpleDataType AKind, std::basic_string_view<U> AText) {
-    const std::u16string_view text = BridgeXmlText(Text(AText), Escaped);
+    // Numbers and literals are made of characters that need no reference.
+    const std::u16string_view text = AKind == jdtString ? BridgeXmlText(Text(AText), Escaped) : Plain(AText);
     if (Levels.back().IsArray) {
       const Level& l = Levels.back();
       O.StartElement(Name(l.Off, l.Len), Name(l.Off, l.Len), AKind);
@@ -165,6 +167,14 @@ class XmlEventSink {
   }
 
   std::u16string_view Text(std::u16string_view ASpan) { return ASpan; }
+  std::u16string_view Plain(std::u16string_view ASpan) { return ASpan; }
+  /// A number's or literal's text, ASCII by the reading loop's rules.
+  std::u16string_view Plain(std::basic_string_view<uint8_t> ASpan) {
+    if (Decoded.size() < ASpan.size()) Decoded.resize(std::max(ASpan.size(), 2 * Decoded.size()));
+    char16_t* d = Decoded.data();
+    for (uint8_t c : ASpan) *d++ = c;
+    return {Decoded.data(), ASpan.size()};
+  }
   std::u16string_view Text(std::basic_string_view<uint8_t> ASpan) {
     if (Utf8) return DecodeUtf8(ASpan.data(), ASpan.data() + ASpan.size(), Decoded);
     return SpanView(P, ASpan, Decoded);

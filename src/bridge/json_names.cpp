@@ -21,8 +21,10 @@ void AppendBridgeName(std::u16string& AOut, std::u16string_view AName) {
 }
 
 std::u16string_view BridgeXmlText(std::u16string_view AText, std::u16string& AScratch) {
-  size_t at = AText.find_first_of(u"&<>");
-  if (at == std::u16string_view::npos) return AText;
+  size_t at = 0;
+  // Markup characters are rare in values: one pass with a cheap test finds the first.
+  while (at < AText.size() && (AText[at] > u'>' || (AText[at] != u'&' && AText[at] != u'<' && AText[at] != u'>'))) ++at;
+  if (at == AText.size()) return AText;
   AScratch.assign(AText, 0, at);
   for (; at < AText.size(); ++at) {
     switch (AText[at]) {
