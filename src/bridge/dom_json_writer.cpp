@@ -6,6 +6,7 @@
 #include <typeinfo>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "dom/output_writer.h"
@@ -324,10 +325,21 @@ class JsonTreeWriter {
     }
   }
 
-  static bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
-    for (const TVnDOMNode* e : AElement.ElementsView())
-      if (e->LocalNameView() == AName) return true;
-    return false;
+  /// Whether AElement has a child element of local name AName; a wide element's names are
+  /// gathered once, so that its attributes cost no scan of its children each.
+  bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
+    const auto& elements = AElement.ElementsView();
+    if (elements.size() <= 8) {
+      for (const TVnDOMNode* e : elements)
+        if (e->LocalNameView() == AName) return true;
+      return false;
+    }
+    if (NamesOf != &AElement) {
+      ChildNames.clear();
+      for (const TVnDOMNode* e : elements) ChildNames.insert(e->LocalNameView());
+      NamesOf = &AElement;
+    }
+    return ChildNames.count(AName) != 0;
   }
 
   /// The plan of AElement's children: per local name, in the order of first appearance, the
@@ -382,6 +394,9 @@ class JsonTreeWriter {
   // Scratch of PushGroups.
   std::vector<uint32_t> Group, GroupSize, Fill;
   std::unordered_map<std::u16string_view, uint32_t> GroupOf;
+  // Scratch of HasChildNamed: the child names of NamesOf.
+  std::unordered_set<std::u16string_view> ChildNames;
+  const TVnDOMElement* NamesOf = nullptr;
 };
 
 // Runs AWrite(JsonTreeWriter&) with the output for ACodePage. What was written before a
