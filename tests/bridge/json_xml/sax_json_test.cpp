@@ -1,34 +1,66 @@
-// JSON read as XML events: the element and attribute mapping, names, text, the top level,
-// failures with their positions, encodings, and depth.
+// JSON read as XML events, through the SAX component that picks the reader by the first
+// character: the element and attribute mapping, names, text, the top level, failures with their
+// positions, encodings and the component's entry points. Depth: json_dom_load_test.cpp.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
 #include "support/raises.h"
-#include "support/sax_handlers.h"
-#include "vnxml/common/sysutils.h"
-#include "vnxml/sax_json_reader.h"
-#include "xml_echo.h"
+#include "vnxml/common/code_page.h"
+#include "vnxml/common/stream.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/sax.h"
 
 using namespace vn;
 
 namespace {
+
+// A component whose events write the XML they stand for: "|" for the document's start and
+// end, <q:local> where the local name differs, no namespace declarations, {+p} for a prefix
+// mapping, [ and ] for OnStart and OnFinished, and !line:col for a fatal error.
+struct Traced {
+  TVnSAXParser Parser;
+  std::string Trace;
+  explicit Traced(bool AStartAndFinish = false) {
+    auto u8 = [](std::u16string_view s) { return UnicodeToUtf8(s); };
+    if (AStartAndFinish) {
+      Parser.OnStart = [this](TObject*) { Trace += "["; };
+      Parser.OnFinished = [this](TObject*) { Trace += "]"; };
+    }
+    Parser.OnStartDocument = Parser.OnEndDocument = [this](TObject*) { Trace += "|"; };
+    Parser.OnStartElement = [=, this](TObject*, auto, std::u16string_view l, std::u16string_view q,
+                                      IVnSAXAttributes* a) {
+      Trace += "<" + u8(q) + (l != q ? ":" + u8(l) : "");
+      for (auto* at = a->FirstAttribute(); at; at = at->Next)
+        if (at->QName.rfind(u"xmlns:", 0) != 0) Trace += " " + u8(at->QName) + "=\"" + u8(at->Value) + "\"";
+      Trace += ">";
+    };
+    Parser.OnEndElement = [=, this](TObject*, auto, auto, std::u16string_view q) { Trace += "</" + u8(q) + ">"; };
+    Parser.OnCharacters = [=, this](TObject*, std::u16string_view t) { Trace += u8(t); };
+    Parser.OnComment = [=, this](TObject*, std::u16string_view t) { Trace += "<!--" + u8(t) + "-->"; };
+    Parser.OnStartPrefixMapping = [=, this](TObject*, std::u16string_view p, auto) { Trace += "{+" + u8(p) + "}"; };
+    Parser.OnFatalError = [this](IVnSAXLocator* l, std::u16string_view) {
+      Trace += "!" + std::to_string(l->GetLineNr()) + ":" + std::to_string(l->GetColNr());
+    };
+  }
+};
 
 struct Outcome {
   std::string Trace;
   std::string Error;  // class and code of what the parse raised, empty when nothing
 };
 
-Outcome Parse(std::string_view AText, Word ACodePage = 65001) {
-  TVnSAXJSONReader reader;
-  IPtr<test::XmlEcho> echo(new test::XmlEcho);
-  reader.SetContentHandler(IPtr<IVnSAXContentHandler>(echo.Get()));
-  reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(echo.Get()));
+Outcome Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
+  Traced t;
   Outcome run;
   try {
-    reader.Parse(AText, ACodePage);
+    t.Parser.Parse(AText, ACodePage);
   } catch (const EVnException& e) {
     run.Error = test::U8(e.ClassName()) + " " + std::to_string(e.GetCode());
   }
-  run.Trace = echo->Text;
+  run.Trace = t.Trace;
   return run;
 }
 
@@ -37,7 +69,6 @@ struct Case {
   const char* Xml;
 };
 
-// Each trace starts and ends a document with "|"; values carry their type marks.
 const Case kMapping[] = {
     {R"({"a":1,"b":[true,null],"c":{"d":"x"}})",
      R"(|<object><a xsd:type="decimal">1</a><bArray:bArr><b xsd:type="boolean">true</b><b xsi:nil="true">null</b>)"
@@ -77,26 +108,6 @@ TEST(SaxJsonReader, MapsJsonOntoElements) {
   }
 }
 
-// The root declares both namespaces as plain attributes; the type marks carry their URIs.
-TEST(SaxJsonReader, RootDeclaresNamespacesAndMarksCarryURIs) {
-  TVnSAXJSONReader reader;
-  IPtr<test::SaxRecorder> rec(new test::SaxRecorder);
-  reader.SetContentHandler(IPtr<IVnSAXContentHandler>(rec.Get()));
-  reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(rec.Get()));
-  reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(rec.Get()));
-  reader.Parse(std::u16string_view(u"[null]"));
-  const std::vector<std::string> expected = {
-      "startDocument",
-      "start(array xmlns:xsi=http://www.w3.org/2001/XMLSchema-instance xmlns:xsd=http://www.w3.org/2001/XMLSchema)",
-      "start(array {http://www.w3.org/2001/XMLSchema-instance}xsi:nil=true)",
-      "chars(null)",
-      "end(array)",
-      "end(array)",
-      "endDocument"};
-  EXPECT_EQ(rec->Events, expected);
-  EXPECT_EQ(rec->LocalNames, (std::vector<std::string>{"array", "@xsi", "@xsd", "array", "@nil"}));
-}
-
 // Failures reach FatalError with the position, then the caller; "!line:col" ends the trace.
 TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
   const struct {
@@ -118,16 +129,14 @@ TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
     EXPECT_EQ(run.Trace, f.Trace) << f.Json;
     EXPECT_EQ(run.Error, f.Error) << f.Json;
   }
-}
-
-TEST(SaxJsonReader, MissingHandlersRaiseBeforeTheParse) {
+  // The handler checks come before the parse, unheard.
+  Traced t;  // outlives the reader, which holds it
   TVnSAXJSONReader reader;
   test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); },
                                        _cVnJSONNoContentHandler);
-  IPtr<test::XmlEcho> echo(new test::XmlEcho);
-  reader.SetContentHandler(IPtr<IVnSAXContentHandler>(echo.Get()));
+  reader.SetContentHandler(IPtr<IVnSAXContentHandler>(&t.Parser));
   test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); }, _cVnJSONNoErrorHandler);
-  EXPECT_EQ(echo->Text, "");
+  EXPECT_EQ(t.Trace, "");
 }
 
 // The same events from UTF-8, UTF-16 with and without a code page, and a file with a mark.
@@ -136,32 +145,38 @@ TEST(SaxJsonReader, ReadsEveryEncodingAlike) {
   EXPECT_EQ(Parse("{\"a\":\"é€😀\"}").Trace, expected);
   const std::u16string wide = u"{\"a\":\"é€😀\"}";
   const std::string bytes(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
-  EXPECT_EQ(Parse(bytes, 1200).Trace, expected);
+  EXPECT_EQ(Parse(bytes, cVnCodePageUTF16LE).Trace, expected);
   EXPECT_EQ(Parse(bytes, 0).Trace, expected);  // the NUL pattern tells UTF-16
+  const auto path = std::filesystem::temp_directory_path() / "vnxml_sax_parser_utf16.json";
+  const std::u16string marked = u"\uFEFF  " + wide;
+  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(marked.data()), std::streamsize(marked.size() * 2));
+  Traced t(true);
+  t.Parser.ParseFile(Utf8ToUnicode(path.string()), fmOpenRead);
+  EXPECT_EQ(t.Trace, "[[" + expected + "]]");  // the wrapping entries fire around ParseStream too
+  std::filesystem::remove(path);
 }
 
-// Depth costs no call stack: a million levels end in order, and in the one failure at the end.
-TEST(SaxJsonReader, MillionDeepEndsInOrder) {
-  struct Counter : test::NullSaxHandler {
-    size_t Starts = 0, Ends = 0;
-    void StartElement(SV, SV, SV, IVnSAXAttributes*) override { ++Starts; }
-    void EndElement(SV, SV, SV) override { ++Ends; }
+// ParseStream stands on the first character above the blank: "<" is XML, anything else JSON;
+// a failed parse fires no OnFinished; without events the text is still read.
+TEST(SaxParser, FirstCharacterPicksTheReader) {
+  const Case kCases[] = {
+      {" \r\n<a xmlns:x=\"u\"><!--c-->t</a>", "[|{+x}<a><!--c-->t</a>|]"},
+      {"\t[1]", R"([|<array><array xsd:type="decimal">1</array></array>|])"},
+      {"<a><b c></b></a>", "[|<a>!1:8"},
   };
-  const size_t depth = 1000000;
-  for (const bool closed : {true, false}) {
-    TVnSAXJSONReader reader;
-    IPtr<Counter> counter(new Counter);
-    reader.SetContentHandler(IPtr<IVnSAXContentHandler>(counter.Get()));
-    reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(counter.Get()));
-    const std::string text = std::string(depth, '[') + std::string(closed ? depth : 0, ']');
-    if (closed) {
-      reader.Parse(text, 65001);
-    } else {  // no value at the end
-      EXPECT_THROW(reader.Parse(text, 65001), EVnJSONParseError);
+  for (const Case& c : kCases) {
+    Traced t(true);
+    TVnStringStream stream{std::string(c.Json), cVnCodePageUTF8};
+    try {
+      t.Parser.ParseStream(stream, cVnCodePageUTF8);
+    } catch (const EVnException&) {
     }
-    EXPECT_EQ(counter->Starts, depth);  // the root, and an element per nested level
-    EXPECT_EQ(counter->Ends, closed ? depth : 0);
+    EXPECT_EQ(t.Trace, c.Xml) << c.Json;
+    EXPECT_EQ(t.Parser.GetReader(), nullptr);
   }
+  TVnSAXParser bare;
+  bare.Parse(std::u16string_view(u"{\"a\":[1,{\"b\":null}]}"));
+  EXPECT_THROW(bare.Parse(std::u16string_view(u"{\"a\":x}")), EVnJSONParseError);
 }
 
 }  // namespace
