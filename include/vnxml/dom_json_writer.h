@@ -2,7 +2,7 @@
 // The shape of the tree drives the mapping: an element with child elements becomes an object,
 // one without them a value, siblings of one local name an array at the place of the first of
 // them, and attributes extra members named element_attribute (with "_" in front while a child
-// element has that name). Names are local names with "." as "_" (an array keeps its dots), and
+// element has that local name, compared exactly). Names are local names with "." as "_" (an array keeps its dots), and
 // are written unescaped; prefixes, namespace declarations, xsi/xsd attributes, comments,
 // processing instructions and the text of elements that have child elements are not written.
 // A leaf's value follows its typed value: xsi:nil gives null, xsi:type of an integer or float
@@ -14,7 +14,8 @@
 // given (1200 UTF-16LE, 65001 UTF-8, any other through its converter).
 // Failures: an empty xsi:type raises EVnDomException, text that doesn't fit its xsi:type the
 // conversion's exception; what was written up to there stays in the stream.
-// Depth costs no call stack.
+// The writer is a set of free functions over the node classes: the form is chosen by the
+// node's type, as a virtual member would choose it. Depth costs no call stack.
 #pragma once
 
 #include "vnxml/common/types.h"

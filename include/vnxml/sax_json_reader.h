@@ -19,6 +19,9 @@
 // first "{" or "[" is passed over, white space may follow the root, and a top-level string,
 // number, boolean or null is refused (EVnJSONParseError code 2 with an empty expected text,
 // as is a text without any bracket). Depth costs no call stack.
+// The DOM loader reads a text as JSON when it has a significant character and that isn't "<"
+// (an empty or blank text stays with the XML reader). A document that loads a stream without
+// byte-order mark reads JSON as UTF-8, or as UTF-16 little endian where its NUL bytes say so.
 // Failures: every one inside a parse goes to the error handler's FatalError with the reader as
 // locator, then on to the caller; after an early end of the text the locator tells where the
 // text ended. The handler checks (EVnJSONException codes 3 and 4) are raised before, unheard.

@@ -54,7 +54,7 @@ class TVnSAXParser : public TVnComponent,
 
   // ---- entry points ----
   /// Fires OnStart, stands AStream on its first character above the blank (in units of
-  /// ACodePage: two bytes for 1200), reads from there with the reader that character picks,
+  /// ACodePage: two bytes for UTF-16 of either order), reads from there with the reader that character picks,
   /// and fires OnFinished. The stream stays the caller's.
   void ParseStream(TStream& AStream, Word ACodePage, std::u16string_view APublicID = {});
   /// The file, in the code page its byte-order mark gives (0 without one: the text decides).

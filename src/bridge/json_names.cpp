@@ -1,23 +1,41 @@
 // The two text rules of JSON read as XML events: member names made XML names, and value text
 // put in XML form.
+#include <array>
+
 #include "bridge/json_events.h"
 #include "vnxml/sax_xml_parser.h"
 
 namespace vn::detail {
 
 namespace {
+
+// ASCII by table (1: may follow, 2: may also start a name); the rest by the ranges.
+constexpr auto kAsciiName = [] {
+  std::array<uint8_t, 128> t{};
+  for (char16_t c = u'a'; c <= u'z'; ++c) t[c] = 2;
+  for (char16_t c = u'A'; c <= u'Z'; ++c) t[c] = 2;
+  t[u'_'] = 2;
+  for (char16_t c = u'0'; c <= u'9'; ++c) t[c] = 1;
+  t[u'-'] = t[u'.'] = 1;
+  return t;
+}();
+
 bool IsBridgeNameChar(char16_t c) {
-  return TVnXMLParser::IsNameStartChar(c) || c == u'-' || c == u'.' || (c >= u'0' && c <= u'9') || c == 0xB7 ||
-         (c >= 0x300 && c <= 0x36F) || (c >= 0x203F && c <= 0x2040);
+  if (c < 128) return kAsciiName[c] != 0;
+  return TVnXMLParser::IsNameStartChar(c) || c == 0xB7 || (c >= 0x300 && c <= 0x36F) || (c >= 0x203F && c <= 0x2040);
 }
+bool IsBridgeNameStart(char16_t c) { return c < 128 ? kAsciiName[c] == 2 : TVnXMLParser::IsNameStartChar(c); }
+
 }  // namespace
 
 void AppendBridgeName(std::u16string& AOut, std::u16string_view AName) {
   // Characters are replaced first; then a name that is empty, or starts with a character that
   // may only follow (a digit, "-", "."), gets "_" in front. No JSON name yields a prefix.
-  if (AName.empty() || (IsBridgeNameChar(AName.front()) && !TVnXMLParser::IsNameStartChar(AName.front())))
-    AOut += u'_';
-  for (char16_t c : AName) AOut += IsBridgeNameChar(c) ? c : u'_';
+  if (AName.empty() || (IsBridgeNameChar(AName.front()) && !IsBridgeNameStart(AName.front()))) AOut += u'_';
+  const size_t at = AOut.size();
+  AOut.append(AName);
+  for (size_t i = at; i < AOut.size(); ++i)
+    if (!IsBridgeNameChar(AOut[i])) AOut[i] = u'_';
 }
 
 std::u16string_view BridgeXmlText(std::u16string_view AText, std::u16string& AScratch) {
