@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
     tour::Paths();
     tour::Json();
     tour::Form();
+    // bridges
     tour::Bridges();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());

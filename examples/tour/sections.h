@@ -15,6 +15,8 @@ void Document();
 void Paths();
 void Json();
 void Form();
+
+// bridges
 void Bridges();
 
 }  // namespace tour

@@ -16,7 +16,7 @@
 #include "vnxml/serializer.h"
 #include "vnxml/xml_utils.h"
 #include "vnxml/xpath.h"
-// The bridges between XML and JSON.
+// bridges
 #include "vnxml/dom_json_writer.h"
 #include "vnxml/sax_json_reader.h"
 #include "vnxml/sax_parser.h"

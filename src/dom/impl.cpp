@@ -1,12 +1,12 @@
 // The Impl halves: each interface operation turns interface arguments into objects, calls the
 // object's operation of the same name, and turns an object result into its interface. No logic
 // lives here beyond that.
-#include "vnxml/dom_json_writer.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/value.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
+#include "vnxml/dom_json_writer.h"
 #include "vnxml/dom_messages.h"
 #include "vnxml/dom_path.h"
 
