@@ -27,6 +27,8 @@ int main(int argc, char** argv) {
     tour::PlatformDom();
     // ---- serial-walk ----
     tour::Objects();
+    // bridges
+    tour::Bridges();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

@@ -22,4 +22,7 @@ void Objects();
 void Schema();
 void PlatformDom();
 
+// bridges
+void Bridges();
+
 }  // namespace tour

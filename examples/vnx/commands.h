@@ -34,6 +34,11 @@ int JsonCheck(vn::TStream& AStream, const std::string& APath);
 /// vnx select [--value] [--create] [--case-sensitive] [--local-name] FILE|- PATH
 int Select(const std::vector<std::string>& AArgs);
 
+/// vnx to-json [--plain] FILE|-
+int ToJson(const std::vector<std::string>& AArgs);
+/// vnx to-xml [--plain] FILE|-
+int ToXml(const std::vector<std::string>& AArgs);
+
 /// FILE, or standard input for "-", as a stream that loads read once and in place.
 class Input {
  public:

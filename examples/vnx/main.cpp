@@ -15,7 +15,9 @@ int Usage() {
                "  events [--json|--xml|--form] [--multi-root] FILE|-   print the reader's events, one per line\n"
                "  format [--json|--xml] [--plain] [--encoding NAME] [--bom] FILE|-   write the document formatted\n"
                "  check [--json|--xml] FILE|-     load the document; report the first error\n"
-               "  select [--value] [--create] FILE|- PATH   print the nodes a path selects\n");
+               "  select [--value] [--create] FILE|- PATH   print the nodes a path selects\n"
+               "  to-json [--plain] FILE|-        write the document's root element as JSON\n"
+               "  to-xml [--plain] FILE|-         load JSON (or XML) into a document, write it as XML\n");
   return vnx::kExitUsage;
 }
 
@@ -28,5 +30,7 @@ int main(int argc, char** argv) {
   if (std::strcmp(argv[1], "format") == 0) return vnx::Format(args);
   if (std::strcmp(argv[1], "check") == 0) return vnx::Check(args);
   if (std::strcmp(argv[1], "select") == 0) return vnx::Select(args);
+  if (std::strcmp(argv[1], "to-json") == 0) return vnx::ToJson(args);
+  if (std::strcmp(argv[1], "to-xml") == 0) return vnx::ToXml(args);
   return Usage();
 }

@@ -10,3 +10,6 @@
 #include "vnxml/sax_contract.h"
 #include "vnxml/sax_reader.h"
 #include "vnxml/sax_xml_parser.h"
+// JSON read as XML events, and the component that picks the reader by the first character.
+#include "vnxml/sax_json_reader.h"
+#include "vnxml/sax_parser.h"

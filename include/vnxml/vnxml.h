@@ -25,3 +25,7 @@
 #include "vnxml/serializer_walker.h"
 #include "vnxml/xml_dom_serializer.h"
 #include "vnxml/xml_serializer.h"
+// bridges
+#include "vnxml/dom_json_writer.h"
+#include "vnxml/sax_json_reader.h"
+#include "vnxml/sax_parser.h"

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <typeinfo>
 
+#include "bridge/json_dom_load.h"
 #include "dom/load_source.h"
 #include "dom/tree_builder.h"
 #include "xml/xml_read_loop.h"
@@ -94,20 +95,26 @@ void TVnDOMParser::Parse(const void* AText, Int64 ASize, Word ACodePage) {
   source.SkipBlanks(ACodePage);
   FBuilder = std::make_unique<detail::TreeBuilder>(FTarget);
   // This class builds straight from the scan; a subclass hears every event as a handler.
-  std::unique_ptr<TVnSAXXMLReader> owned;
-  if (typeid(*this) == typeid(TVnDOMParser))
-    owned = std::make_unique<BuildingReader>(*FBuilder);
-  else
-    owned = std::make_unique<TVnSAXXMLReader>();
-  TVnSAXXMLReader& reader = *owned;
-  // Only the XML reader exists; text that does not start with "<" fails there with its message.
-  reader.SetCheckSingleRootElm(FTarget->GetNodeType() == ntDocument);
+  const bool plain = typeid(*this) == typeid(TVnDOMParser);
+  std::unique_ptr<TVnSAXReader> owned;
+  if (detail::IsJSONLoadText(source.Data(), source.Size(), ACodePage)) {
+    owned = detail::MakeJSONLoadReader(plain ? FBuilder.get() : nullptr);
+  } else {
+    std::unique_ptr<TVnSAXXMLReader> xml;
+    if (plain)
+      xml = std::make_unique<BuildingReader>(*FBuilder);
+    else
+      xml = std::make_unique<TVnSAXXMLReader>();
+    xml->SetCheckSingleRootElm(FTarget->GetNodeType() == ntDocument);
+    owned = std::move(xml);
+  }
+  TVnSAXReader& reader = *owned;
   reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(this));
   reader.SetLexicalHandler(IPtr<IVnSAXLexicalHandler>(this));
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(this));
   struct Detach {
     TVnDOMParser& Parser;
-    TVnSAXXMLReader& Reader;
+    TVnSAXReader& Reader;
     ~Detach() {
       Parser.FLocator = nullptr;
       Parser.FBuilder.reset();

@@ -7,6 +7,7 @@
 #include "vnxml/common/variant.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
+#include "vnxml/dom_json_writer.h"
 #include "vnxml/dom_messages.h"
 #include "vnxml/dom_path.h"
 
@@ -50,9 +51,11 @@ class NodeImplT : public TVnDOMObjectImpl, public Intf {
     return AFormat == dsfXML || AFormat == dsfJSON;
   }
   TVnSerializedData Serialize(TVnDataSerializationFormatType AFormat, TObject*) override {
-    if (AFormat != dsfXML) throw EVnDomNotSupported(cVnDomNotYetSupported, {cVnDomJSONOutput});
     TVnStringStream s(65001);
-    Self()->SaveToStream(s, Word{65001}, false);
+    if (AFormat == dsfJSON)
+      SaveToJSONStream(static_cast<const TVnDOMNode&>(*Self()), s, Word{65001}, false);
+    else
+      Self()->SaveToStream(s, Word{65001}, false);
     return s.GetAString();
   }
 

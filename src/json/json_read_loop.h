@@ -45,6 +45,7 @@ inline constexpr ByteClass kArrayStops{"],", false, false};
 inline constexpr ByteClass kObjectStops{"},", false, false};
 inline constexpr ByteClass kValueStops{"]},", false, false};
 inline constexpr ByteClass kObjectStart{"}\"", false, false};
+inline constexpr ByteClass kContainerStart{"{[", false, false};
 
 // The end of a string body: the first quote or backslash. String bodies are the bulk of most
 // texts, so this runs sixteen bytes (eight units) at a time.
@@ -110,6 +111,31 @@ class JSONReadLoop {
       }
     }
     Sync();
+    S.EndDocument();
+  }
+
+  /// The top level of JSON read as XML events: text before the first bracket is passed over,
+  /// then containers follow one another with white space, or one stray character, between
+  /// them; a text without a bracket, and a string, number or literal between containers, are
+  /// refused. The sink also hears StartRoot(AIsObject) after StartDocument and EndRoot before
+  /// EndDocument.
+  void RunContainerSequence() {
+    p = FindInClass(p, end, json_loop::kContainerStart);
+    Sync();
+    S.StartDocument();
+    if (p >= end) Fail(u"");
+    S.StartRoot(*p == U('{'));
+    while (p < end) {
+      if (*p == U('[') || *p == U('{')) {
+        Containers();
+        continue;
+      }
+      Next();
+      p = SkipAtMost(p, end, 0x20);
+      if (p < end && *p != U('[') && *p != U('{')) Fail(u"");
+    }
+    Sync();
+    S.EndRoot();
     S.EndDocument();
   }
 

@@ -1,0 +1,1 @@
+to-json --plain to-json.xml

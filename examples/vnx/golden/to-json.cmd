@@ -1,0 +1,1 @@
+to-json to-json.xml

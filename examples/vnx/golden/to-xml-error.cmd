@@ -1,0 +1,1 @@
+to-xml to-xml-error.json

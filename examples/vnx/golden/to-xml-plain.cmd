@@ -1,0 +1,1 @@
+to-xml --plain to-xml.json

@@ -1,0 +1,461 @@
+// Writing an XML tree as JSON: one walk with an explicit stack, through the XML writer's block
+// outputs, so the stream sees large writes and depth costs no call stack.
+#include "vnxml/dom_json_writer.h"
+
+#include <cstring>
+#include <typeinfo>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "dom/output_writer.h"
+#include "json/json_escape.h"
+#include "vnxml/common/code_page.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/common/vn_type_info_value.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/json_reflected_values.h"
+#include "vnxml/xml_escape.h"
+
+namespace vn {
+
+namespace {
+
+constexpr std::string_view kLineBreak = "\r\n";
+
+const TVnDOMElement& AsElement(const TVnDOMNode* ANode) { return *static_cast<const TVnDOMElement*>(ANode); }
+
+constexpr std::u16string_view kXsiURI = cVnXSINamespaceURI;
+constexpr std::u16string_view kXsdURI = cVnXSDNamespaceURI;
+
+bool IsURI(std::u16string_view AURI, std::u16string_view AOf) {
+  return AURI.size() == AOf.size() && SameText(AURI, AOf);
+}
+
+/// An attribute takes part unless it declares a namespace or is in the xsi or xsd namespace;
+/// AXsi tells whether it is in the xsi namespace.
+bool Counts(const TVnDOMNode* AAttribute, bool& AXsi) {
+  const auto* a = static_cast<const TVnDOMAttribute*>(AAttribute);
+  AXsi = false;
+  if (a->IsNamespace()) return false;
+  const UnicodeString uri = a->GetNamespaceURI();
+  if (uri.empty()) return true;
+  AXsi = IsURI(uri, kXsiURI);
+  return !AXsi && !IsURI(uri, kXsdURI);
+}
+bool Counts(const TVnDOMNode* AAttribute) {
+  bool xsi;
+  return Counts(AAttribute, xsi);
+}
+
+/// The decoded value of a text node or attribute of this library's classes: the stored text
+/// itself where it holds no reference, else decoded into AScratch.
+std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
+  std::u16string_view stored;
+  if (typeid(*ANode) == typeid(TVnDOMText))
+    stored = static_cast<const TVnDOMText*>(ANode)->GetStoredValue();
+  else if (typeid(*ANode) == typeid(TVnDOMAttribute))
+    stored = static_cast<const TVnDOMAttribute*>(ANode)->GetStoredValue();
+  else
+    return AScratch = ANode->GetNodeValue();
+  if (stored.find(u'&') == std::u16string_view::npos) return stored;
+  return AScratch = VnXMLToStr(stored);
+}
+
+/// An element's value text: its one text child without a copy, else GetNodeValue.
+std::u16string_view ElementText(const TVnDOMElement* AElement, std::u16string& AScratch) {
+  const auto& chars = AElement->CharNodesView();
+  if (chars.size() == 1 && typeid(*chars[0]) == typeid(TVnDOMText)) return DecodedValue(chars[0], AScratch);
+  return AScratch = AElement->GetNodeValue();
+}
+
+bool StartsLikeNumber(std::u16string_view AText) {
+  if (AText.empty()) return false;
+  const char16_t c = AText.front();
+  return c == u'+' || c == u'-' || c == u'.' || (c >= u'0' && c <= u'9');
+}
+
+template <class Out>
+class JsonTreeWriter {
+ public:
+  JsonTreeWriter(Out& AOut, bool AFormatted, Integer& ALevel) : O(AOut), Formatted(AFormatted), Level(ALevel) {}
+
+  /// The node's own form: an element's member, an attribute's pair, a document's children.
+  void Node(const TVnDOMNode* ANode) {
+    switch (ANode->GetNodeType()) {
+      case ntElement: Run(&AsElement(ANode)); break;
+      case ntAttribute: Attribute(ANode, Formatted); break;
+      case ntDocument:
+        for (const TVnDOMNode* child : ANode->ChildrenView())
+          if (child->GetNodeType() == ntElement) Run(&AsElement(child));
+        break;
+      default: break;
+    }
+  }
+
+  /// The element form: the member inside braces of its own.
+  void Object(const TVnDOMElement* AElement) {
+    O.Ascii("{");
+    LineBreak();
+    Run(AElement);
+    LineBreak();
+    O.Ascii("}");
+  }
+
+ private:
+  // What an open level writes next: the groups of an element's children (arrays gathered at
+  // their first place), the items of one such array, or an array item's child elements as
+  // they come.
+  enum Kind : uint8_t { Groups, Items, Members };
+  struct Frame {
+    Kind K;
+    const TVnDOMElement* E;
+    uint32_t Next;     // Groups, Items: position in FPlan; Members: index among the elements
+    uint32_t End;      // the end of the same
+    uint32_t PlanAt;   // Groups: where the element's plan starts, dropped with the frame
+    bool First;        // nothing written at this level yet
+  };
+
+  // ---- the walk ----
+  void Run(const TVnDOMElement* ARoot) {
+    Member(ARoot);
+    while (!Stack.empty()) {
+      Frame& f = Stack.back();
+      if (f.Next == f.End) {
+        Close();
+        continue;
+      }
+      if (!f.First) Separator();
+      f.First = false;
+      switch (f.K) {
+        case Groups: {
+          const uint32_t at = f.Next;
+          const uint32_t count = Plan[at];
+          f.Next = at + 1 + count;
+          const TVnDOMElement* parent = f.E;
+          if (count == 1)
+            Member(Child(parent, Plan[at + 1]));
+          else
+            Array(parent, at);
+          break;
+        }
+        case Items: {
+          const TVnDOMElement* item = Child(f.E, Plan[f.Next++]);
+          Item(item);
+          break;
+        }
+        case Members: {
+          const TVnDOMElement* child = &AsElement(f.E->ElementsView()[f.Next++]);
+          Member(child);
+          break;
+        }
+      }
+    }
+  }
+
+  void Close() {
+    const Frame f = Stack.back();
+    Stack.pop_back();
+    --Level;
+    if (Formatted) {
+      LineBreak();
+      O.Indent(static_cast<size_t>(Level));
+    }
+    O.Ascii(f.K == Items ? "]" : "}");
+    if (f.K == Groups) Plan.resize(f.PlanAt);
+  }
+
+  static const TVnDOMElement* Child(const TVnDOMElement* AParent, uint32_t AIndex) {
+    return &AsElement(AParent->ElementsView()[AIndex]);
+  }
+
+  // ---- the three forms ----
+  /// "name": and the value, or the opening of the object that the children fill.
+  void Member(const TVnDOMElement* AElement) {
+    Pad();
+    Name(AElement->LocalNameView(), true);
+    CollectAttributes(AElement);
+    if (!AElement->HasChildElements()) {
+      Value(AElement);
+      // The attributes of a leaf follow its value as members of the enclosing object.
+      for (size_t i = 0; i < Attrs.size(); ++i) {
+        O.Ascii(", ");
+        if (Formatted) {
+          LineBreak();
+          Pad();
+        }
+        Attribute(Attrs[i], false);
+      }
+      return;
+    }
+    if (!Attrs.empty()) O.Ascii("{");
+    ++Level;
+    for (const TVnDOMNode* a : Attrs) {
+      LineBreak();
+      Attribute(a, Formatted);
+      O.Ascii(",");
+    }
+    if (Attrs.empty()) O.Ascii("{");
+    LineBreak();
+    PushGroups(AElement);
+  }
+
+  /// The siblings of one local name as an array, at the place of the first of them.
+  void Array(const TVnDOMElement* AParent, uint32_t AGroup) {
+    Pad();
+    Name(Child(AParent, Plan[AGroup + 1])->LocalNameView(), false);
+    O.Ascii("[");
+    LineBreak();
+    ++Level;
+    Stack.push_back({Items, AParent, AGroup + 1, AGroup + 1 + Plan[AGroup], 0, true});
+  }
+
+  /// One element of an array: its value, or an object of its attributes and child elements,
+  /// where repeated names are not gathered.
+  void Item(const TVnDOMElement* AElement) {
+    Pad();
+    CollectAttributes(AElement);
+    if (!AElement->HasChildElements()) {
+      Value(AElement);
+      return;
+    }
+    O.Ascii("{");
+    LineBreak();
+    ++Level;
+    for (size_t i = 0; i < Attrs.size(); ++i) {
+      if (i) Separator();
+      Attribute(Attrs[i], Formatted);
+    }
+    Stack.push_back({Members, AElement, 0, static_cast<uint32_t>(AElement->ElementCount()), 0, Attrs.empty()});
+  }
+
+  /// "element_attribute": "value", with "_" in front while a child element has that name.
+  void Attribute(const TVnDOMNode* AAttribute, bool APad) {
+    if (!Counts(AAttribute)) return;
+    const TVnDOMNode* owner = AAttribute->ParentNode();
+    Text.clear();
+    if (owner) Text.append(owner->LocalNameView());
+    Text += u'_';
+    Text.append(AAttribute->LocalNameView());
+    for (char16_t& c : Text)
+      if (c == u'.') c = u'_';
+    if (owner && owner->GetNodeType() == ntElement) {
+      while (HasChildNamed(AsElement(owner), Text)) Text.insert(Text.begin(), u'_');
+    }
+    if (APad) Pad();
+    O.Framed("\"", Text, "\": ");
+    QuotedString(DecodedValue(AAttribute, Value16));
+  }
+
+  // ---- values ----
+  /// The value of an element without child elements, by the kind of its typed value.
+  /// The attributes of AElement are collected.
+  void Value(const TVnDOMElement* AElement) {
+    // Without an attribute in the xsi namespace there is neither xsi:nil nor xsi:type: the
+    // text as a string, or null.
+    if (!XsiSeen) {
+      if (AElement->CharNodesView().empty())
+        O.Ascii("null");
+      else
+        QuotedString(ElementText(AElement, Value16));
+      return;
+    }
+    const TValue value = AElement->GetAsValue();
+    if (value.IsEmpty()) return O.Ascii("null");
+    const TVnTypeKind kind = TypeKind(value);
+    if (kind == vtkEnumeration || kind == vtkSet) return O.Text(VnValToJSON(value));
+    switch (MainTypeKind(value)) {
+      case mtkInteger:
+      case mtkFloat: {
+        // A number as its text; text that doesn't start like one stays a string, so the
+        // output stays JSON.
+        const UnicodeString text = AElement->GetNodeValue();
+        if (text.empty())
+          O.Ascii("null");
+        else if (StartsLikeNumber(text))
+          O.Text(text);
+        else
+          QuotedString(text);
+        return;
+      }
+      case mtkString:
+      case mtkDateTime: return QuotedString(ElementText(AElement, Value16));
+      case mtkBoolean: return O.Ascii(ToBoolean(value) ? "true" : "false");
+      default: return O.Ascii("null");
+    }
+  }
+
+  void QuotedString(std::u16string_view AText) {
+    Text.assign(u"\"");
+    detail::AppendStrToJSON(AText, Text);
+    Text += u'"';
+    O.Text(Text);
+  }
+
+  // ---- pieces ----
+  void Name(std::u16string_view ALocalName, bool AUnderscoreDots) {
+    if (AUnderscoreDots && ALocalName.find(u'.') != std::u16string_view::npos) {
+      Text.assign(ALocalName);
+      for (char16_t& c : Text)
+        if (c == u'.') c = u'_';
+      ALocalName = Text;
+    }
+    O.Framed("\"", ALocalName, "\": ");
+  }
+  void Pad() {
+    if (Formatted) O.Indent(static_cast<size_t>(Level));
+  }
+  void LineBreak() {
+    if (Formatted) O.Ascii(kLineBreak);
+  }
+  void Separator() {
+    O.Ascii(",");
+    LineBreak();
+  }
+
+  void CollectAttributes(const TVnDOMElement* AElement) {
+    Attrs.clear();
+    XsiSeen = false;
+    for (const TVnDOMNode* a : AElement->AttributesView()) {
+      bool xsi;
+      if (Counts(a, xsi)) Attrs.push_back(a);
+      XsiSeen = XsiSeen || xsi;
+    }
+  }
+
+  /// Whether AElement has a child element of local name AName; a wide element's names are
+  /// gathered once, so that its attributes cost no scan of its children each.
+  bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
+    const auto& elements = AElement.ElementsView();
+    if (elements.size() <= 8) {
+      for (const TVnDOMNode* e : elements)
+        if (e->LocalNameView() == AName) return true;
+      return false;
+    }
+    if (NamesOf != &AElement) {
+      ChildNames.clear();
+      for (const TVnDOMNode* e : elements) ChildNames.insert(e->LocalNameView());
+      NamesOf = &AElement;
+    }
+    return ChildNames.count(AName) != 0;
+  }
+
+  /// The plan of AElement's children: per local name, in the order of first appearance, the
+  /// count and the indexes of the elements that bear it.
+  void PushGroups(const TVnDOMElement* AElement) {
+    const auto& elements = AElement->ElementsView();
+    const auto at = static_cast<uint32_t>(Plan.size());
+    const auto n = static_cast<uint32_t>(elements.size());
+    Group.assign(n, 0);
+    GroupSize.clear();
+    GroupOf.clear();
+    // Group[i]: the group of element i; groups are numbered by first appearance.
+    for (uint32_t i = 0; i < n; ++i) {
+      const std::u16string_view name = elements[i]->LocalNameView();
+      uint32_t g;
+      if (n <= 8) {
+        g = static_cast<uint32_t>(GroupSize.size());
+        for (uint32_t j = 0; j < i; ++j)
+          if (elements[j]->LocalNameView() == name) {
+            g = Group[j];
+            break;
+          }
+      } else {
+        g = GroupOf.try_emplace(name, static_cast<uint32_t>(GroupSize.size())).first->second;
+      }
+      if (g == GroupSize.size()) GroupSize.push_back(0);
+      ++GroupSize[g];
+      Group[i] = g;
+    }
+    // Lay the groups out: count, then the indexes; Fill[g] is where group g's next index goes.
+    Fill.resize(GroupSize.size());
+    uint32_t cursor = at;
+    for (size_t g = 0; g < GroupSize.size(); ++g) {
+      Fill[g] = cursor + 1;
+      cursor += 1 + GroupSize[g];
+    }
+    Plan.resize(cursor);
+    for (size_t g = 0; g < GroupSize.size(); ++g) Plan[Fill[g] - 1] = GroupSize[g];
+    for (uint32_t i = 0; i < n; ++i) Plan[Fill[Group[i]]++] = i;
+    Stack.push_back({Groups, AElement, at, cursor, at, true});
+  }
+
+  Out& O;
+  bool Formatted;
+  Integer& Level;
+  std::vector<Frame> Stack;
+  std::vector<uint32_t> Plan;
+  std::vector<const TVnDOMNode*> Attrs;
+  bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
+  std::u16string Value16;
+  std::u16string Text;
+  // Scratch of PushGroups.
+  std::vector<uint32_t> Group, GroupSize, Fill;
+  std::unordered_map<std::u16string_view, uint32_t> GroupOf;
+  // Scratch of HasChildNamed: the child names of NamesOf.
+  std::unordered_set<std::u16string_view> ChildNames;
+  const TVnDOMElement* NamesOf = nullptr;
+};
+
+// Runs AWrite(JsonTreeWriter&) with the output for ACodePage. What was written before a
+// failure reaches the stream too.
+template <class Fn>
+void WriteJSON(TStream& AStream, Word ACodePage, bool AFormatted, Fn&& AWrite) {
+  auto run = [&](auto& AOut) {
+    Integer level = 1;
+    JsonTreeWriter<std::remove_reference_t<decltype(AOut)>> writer(AOut, AFormatted, level);
+    try {
+      AWrite(writer);
+    } catch (...) {
+      AOut.Flush();
+      throw;
+    }
+    AOut.Flush();
+  };
+  switch (ACodePage) {
+    case cVnCodePageDefault:
+    case cVnCodePageUTF8: {
+      detail::Utf8Output out(AStream);
+      run(out);
+      break;
+    }
+    case cVnCodePageUTF16LE: {
+      detail::Utf16Output out(AStream);
+      run(out);
+      break;
+    }
+    default: {
+      detail::ConvertingOutput out(AStream, ACodePage);
+      run(out);
+    }
+  }
+}
+
+}  // namespace
+
+void SaveToJSONStream(const TVnDOMNode& ANode, TStream& AStream, Word ACodePage, bool AFormatted) {
+  WriteJSON(AStream, ACodePage, AFormatted, [&](auto& AWriter) {
+    if (ANode.GetNodeType() == ntElement)
+      AWriter.Object(&AsElement(&ANode));
+    else
+      AWriter.Node(&ANode);
+  });
+}
+
+void SaveToJSONStream(const TVnDOMDocument& ADocument, TStream& AStream, bool AFormatted, bool AWriteBOM) {
+  if (AWriteBOM) AStream.WriteBuffer(cVnUTF8.data(), static_cast<Int64>(cVnUTF8.size()));
+  WriteJSON(AStream, cVnCodePageUTF8, AFormatted, [&](auto& AWriter) { AWriter.Node(&ADocument); });
+}
+
+UnicodeString GetJSON(const TVnDOMNode& ANode, bool AFormatted) {
+  TVnStringStream stream(cVnCodePageUTF16LE);
+  SaveToJSONStream(ANode, stream, cVnCodePageUTF16LE, AFormatted);
+  std::string_view bytes = stream.GetBytesView();
+  UnicodeString text(bytes.size() / 2, u'\0');
+  if (!bytes.empty()) std::memcpy(text.data(), bytes.data(), text.size() * 2);
+  return text;
+}
+
+}  // namespace vn

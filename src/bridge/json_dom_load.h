@@ -1,0 +1,25 @@
+// The DOM loader's way into JSON: a text whose first significant character is not "<" is read
+// as JSON, through the JSON reader of the SAX frame.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "vnxml/common/types.h"
+
+namespace vn {
+class TVnSAXReader;
+}
+
+namespace vn::detail {
+
+class TreeBuilder;
+
+/// Whether the text at AData, standing on its first significant character in units of
+/// ACodePage, is JSON for the loader: it has such a character, and it isn't "<".
+bool IsJSONLoadText(const void* AData, size_t ASize, Word ACodePage);
+/// A JSON reader that builds its elements with ABuilder, straight from the scan; with a null
+/// ABuilder, a plain TVnSAXJSONReader whose handlers hear every event.
+std::unique_ptr<TVnSAXReader> MakeJSONLoadReader(TreeBuilder* ABuilder);
+
+}  // namespace vn::detail

@@ -1,0 +1,137 @@
+// The XML tree written as JSON: shapes, typed values, names, attributes, forms, code pages,
+// failures and depth.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "support/raises.h"
+#include "vnxml/common/code_page.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/dom.h"
+#include "vnxml/dom_json_writer.h"
+#include "vnxml/dom_messages.h"
+
+using namespace vn;
+
+namespace {
+
+constexpr char16_t kNs[] =
+    u" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\"";
+
+std::u16string WithNs(std::u16string AXml) {
+  // The namespaces go on the root: after its name.
+  return AXml.insert(AXml.find_first_of(u" >/"), kNs);
+}
+
+std::string ElementJSON(std::u16string_view AXml, bool AFormatted = false) {
+  auto doc = TVnDOMDocument::FromXML(AXml);
+  return test::U8(GetJSON(*doc->GetRootNode(), AFormatted));
+}
+
+struct Case {
+  const char16_t* Xml;
+  const char* Json;
+};
+
+const Case kShapes[] = {
+    {u"<root a=\"1\"><x>1</x><y>2</y><y>3</y></root>", R"({"root": {"root_a": "1","x": "1","y": ["2","3"]}})"},
+    // Siblings gather at the place of the first of their name.
+    {u"<r><a>1</a><b/><a>2</a><c>3</c><a>4</a></r>", R"({"r": {"a": ["1","2","4"],"b": null,"c": "3"}})"},
+    // Text between child elements, comments and instructions write nothing.
+    {u"<r>x<a>1</a>y<!--c--><?p d?></r>", R"({"r": {"a": "1"}})"},
+    {u"<r><a/><b></b><c>  </c><d xml:space=\"preserve\">  </d></r>", R"({"r": {"a": null,"b": null,"c": null,"d": "  ", "d_space": "preserve"}})"},
+    // The attributes of a leaf follow its value; in an array they are dropped.
+    {u"<r><a id=\"5\" n=\"&quot;\">x</a></r>", R"({"r": {"a": "x", "a_id": "5", "a_n": "\""}})"},
+    {u"<r><a id=\"5\">x</a><a id=\"6\">y</a></r>", R"({"r": {"a": ["x","y"]}})"},
+    // An array item with children is an object in which repeated names are not gathered.
+    {u"<r><p k=\"1\"><q>1</q><q>2</q></p><p/></r>", R"({"r": {"p": [{"p_k": "1","q": "1","q": "2"},null]}})"},
+    {u"<r><p><q><s>1</s><s>2</s></q></p><p>3</p></r>", R"({"r": {"p": [{"q": {"s": ["1","2"]}},"3"]}})"},
+    // Names: dots become "_" except in an array's name; prefixes go; a clash gets "_" in front.
+    {u"<r><a.b>1</a.b><c.d>1</c.d><c.d>2</c.d></r>", R"({"r": {"a_b": "1","c.d": ["1","2"]}})"},
+    {u"<p:r xmlns:p=\"u\" p:a=\"1\"><p:x>1</p:x></p:r>", R"({"r": {"r_a": "1","x": "1"}})"},
+    {u"<x id=\"1\"><x_id>2</x_id><_x_id>3</_x_id></x>", R"({"x": {"__x_id": "1","x_id": "2","_x_id": "3"}})"},
+    // Strings are escaped for JSON; the stored references are decoded first.
+    {u"<r><a>\"\\&lt;&#233;\t</a></r>", "{\"r\": {\"a\": \"\\\"\\\\<\xC3\xA9\\t\"}}"},
+};
+
+TEST(DomJsonWriter, ShapesNamesAndAttributes) {
+  for (const Case& c : kShapes) EXPECT_EQ(ElementJSON(c.Xml), c.Json) << test::U8(c.Xml);
+}
+
+const Case kTypedValues[] = {
+    {u"<r><a>12</a></r>", R"({"r": {"a": "12"}})"},  // no xsi:type: a string
+    {u"<r><a xsi:type=\"xsd:int\">12</a><b xsi:type=\"xsd:int\">12</b><b xsi:type=\"xsd:long\">-3</b></r>",
+     R"({"r": {"a": 12,"b": [12,-3]}})"},
+    {u"<r><a xsi:type=\"xsd:double\">1.5E3</a><b xsi:type=\"xsd:double\">INF</b></r>", R"({"r": {"a": 1.5E3,"b": "INF"}})"},
+    {u"<r><a xsi:type=\"xsd:boolean\">1</a><b xsi:type=\"xsd:boolean\">false</b></r>", R"({"r": {"a": true,"b": false}})"},
+    {u"<r><a xsi:type=\"xsd:string\"></a><b xsi:type=\"xsd:string\">x</b></r>", R"({"r": {"a": "","b": "x"}})"},
+    {u"<r><a xsi:type=\"xsd:dateTime\">2024-01-02T03:04:05</a></r>", R"({"r": {"a": "2024-01-02T03:04:05"}})"},
+    // xsi:nil gives null whatever the text, but isn't looked at on an element with children.
+    {u"<r><a xsi:nil=\"false\">x</a><b xsi:nil=\"true\"><c>1</c></b></r>", R"({"r": {"a": null,"b": {"c": "1"}}})"},
+    // Type marks and namespace declarations are no members.
+    {u"<r><a xsi:type=\"xsd:int\" k=\"v\">1</a></r>", R"({"r": {"a": 1, "a_k": "v"}})"},
+};
+
+TEST(DomJsonWriter, TypedValuesFollowXsiTypeAndNil) {
+  for (const Case& c : kTypedValues) EXPECT_EQ(ElementJSON(WithNs(c.Xml)), c.Json) << test::U8(c.Xml);
+}
+
+TEST(DomJsonWriter, EmptyTypeRaisesAndKeepsWhatWasWritten) {
+  auto doc = TVnDOMDocument::FromXML(WithNs(u"<r><a>1</a><b xsi:type=\"\">2</b></r>"));
+  TVnStringStream stream(cVnCodePageUTF8);
+  test::ExpectRaises<EVnDomException>([&] { SaveToJSONStream(*doc->GetRootNode(), stream, cVnCodePageUTF8, false); },
+                                      cVnDomInvalidTypeInfo);
+  EXPECT_EQ(stream.GetAString(), R"({"r": {"a": "1","b": )");
+}
+
+TEST(DomJsonWriter, FormattedAndDocumentForms) {
+  const char16_t* xml = u"<root a=\"1\"><x>1</x><y>2</y><y>3</y></root>";
+  EXPECT_EQ(ElementJSON(xml, true),
+            "{\r\n  \"root\": {\r\n    \"root_a\": \"1\",\r\n    \"x\": \"1\",\r\n    \"y\": [\r\n      \"2\",\r\n"
+            "      \"3\"\r\n    ]\r\n  }\r\n}");
+  EXPECT_EQ(ElementJSON(u"<r><p k=\"1\"><q>1</q></p><p/><a v=\"2\">x</a></r>", true),
+            "{\r\n  \"r\": {\r\n    \"p\": [\r\n      {\r\n        \"p_k\": \"1\",\r\n        \"q\": \"1\"\r\n"
+            "      },\r\n      null\r\n    ],\r\n    \"a\": \"x\", \r\n    \"a_v\": \"2\"\r\n  }\r\n}");
+  auto doc = TVnDOMDocument::FromXML(u"<?xml version=\"1.0\"?><!--c--><r><a>1</a></r>");
+  for (const bool formatted : {false, true}) {
+    for (const bool bom : {false, true}) {
+      TVnStringStream stream(cVnCodePageUTF8);
+      SaveToJSONStream(*doc, stream, formatted, bom);
+      const std::string body = formatted ? "  \"r\": {\r\n    \"a\": \"1\"\r\n  }" : R"("r": {"a": "1"})";
+      EXPECT_EQ(stream.GetAString(), (bom ? std::string(cVnUTF8) : "") + body);
+    }
+  }
+  // A node form: an attribute alone, and a text node, which writes nothing.
+  TVnDOMElement* a = doc->GetRootNode()->FirstElement();
+  a->SetAttribute(u"k", u"v");
+  EXPECT_EQ(test::U8(GetJSON(*a->FirstAttribute())), R"("a_k": "v")");
+  EXPECT_EQ(test::U8(GetJSON(*a->ChildAt(0))), "");
+  // The serializable face of a node gives the element's JSON in UTF-8.
+  EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr),
+            R"({"r": {"a": "1", "a_k": "v"}})");
+}
+
+// Code pages other than UTF-8: JSON escapes what Latin-1 lacks.
+TEST(DomJsonWriter, OtherCodePages) {
+  auto doc = TVnDOMDocument::FromXML(u"<r><a>\u00e9\u20ac</a></r>");
+  const std::u16string wide = u"{\"r\": {\"a\": \"\u00e9\\u20AC\"}}";
+  for (const Word page : {Word(1252), cVnCodePageUTF16LE}) {
+    TVnStringStream stream(page);
+    SaveToJSONStream(*doc->GetRootNode(), stream, page, false);
+    EXPECT_EQ(stream.GetBytesView(), page == 1252 ? std::string("{\"r\": {\"a\": \"\xE9\\u20AC\"}}")
+                                                  : std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
+  }
+}
+
+// Width costs no quadratic work: a hundred thousand siblings of distinct names beside as many
+// of one name (depth is tested through the JSON loader).
+TEST(DomJsonWriter, WideTrees) {
+  std::u16string wide = u"<r>";
+  for (int i = 0; i < 100000; ++i) wide += u"<n" + Utf8ToUnicode(std::to_string(i)) + u"/><s/>";
+  auto doc = TVnDOMDocument::FromXML(wide + u"</r>");
+  const UnicodeString flat = GetJSON(*doc->GetRootNode());
+  EXPECT_EQ(flat.substr(0, 23), u"{\"r\": {\"n0\": null,\"s\": ");
+  EXPECT_EQ(std::count(flat.begin(), flat.end(), u','), 2 * 100000 - 1);
+}
+
+}  // namespace
