@@ -300,6 +300,23 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   TVnJSONDataType GetJSONType() override { return FJSONType; }
   void SetAsValue(const TValue& AValue) override;
 
+  // ---- selection by path (the language: json_path.h) ----
+  /// The nodes APath selects, in a new array that lists them without owning them; the caller
+  /// owns the array. Empty with jsoRaise: EVnJSONException 11.
+  std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, TVnJDOCSelectOptions AOptions = {});
+  /// As above, ARaise meaning [jsoRaise].
+  std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, bool ARaise);
+  /// The first node APath selects, or nil; nothing with jsoRaise: EVnJSONException 11.
+  TVnJSONBase* SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions = {});
+  TVnJSONBase* SelectSingleNode(std::u16string_view APath, bool ARaise);
+  /// The worker: with AFirstOnly, alternatives after the first that selects a node are not run.
+  std::unique_ptr<TVnJSONArray> _CreateNodeList(std::u16string_view APath, bool AFirstOnly,
+                                                TVnJDOCSelectOptions AOptions);
+  /// Runs the steps APath (no "$" or "@" in front) from this node into AResult; ARecursive runs
+  /// the first step on every descendant as well.
+  void _SelectNodes(TVnJSONArray& AResult, std::u16string_view APath, bool ARecursive,
+                    TVnJDOCSelectOptions AOptions);
+
   // ---- interface forms ----
   IPtr<IVnJSONBase> GetValue() override;
   IPtr<IVnJSONMember> GetMemberEx(std::u16string_view AName) override;
@@ -555,12 +572,5 @@ class TVnJSONDocument : public TVnJSONBase, public IVnJSONDocument {
 UnicodeString VnFormatJSON(std::u16string_view AText);
 /// Loads 8-bit text (UTF-8) and returns its formatted text.
 UnicodeString VnFormatJSON(const RawByteString& AText);
-
-namespace detail {
-/// The path selection behind SelectIntf; set by the path unit. Nil: paths are not available.
-using JSONSelectFunc = IPtr<IVnJSONArray> (*)(TVnJSONBase& ANode, std::u16string_view APath,
-                                              TVnJDOCSelectOptions AOptions);
-void SetJSONSelect(JSONSelectFunc AFunc) noexcept;
-}  // namespace detail
 
 }  // namespace vn

@@ -1,0 +1,193 @@
+// Reading a path: alternatives, their start, steps cut at "." and "[", and the items of a step.
+#include "json/path/path_program.h"
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/vn_utils.h"
+
+namespace vn::detail {
+
+namespace {
+
+constexpr std::u16string_view kAlternativeBar = u" | ";
+constexpr std::u16string_view kLength = u"@.length";
+
+bool IsIndexText(std::u16string_view AText) {
+  if (AText.empty()) return false;
+  for (char16_t c : AText)
+    if ((c < u'0' || c > u'9') && c != u'-') return false;
+  return true;
+}
+
+// The platform's Copy(s, 2, Length(s) - 2): the text without its first and last character.
+std::u16string_view Inner(std::u16string_view AText) {
+  return AText.size() < 2 ? std::u16string_view() : AText.substr(1, AText.size() - 2);
+}
+
+// The inside of "[...]" cut at commas outside single quotes, each item trimmed; an empty last
+// item is dropped, so "[]" has none.
+std::vector<UnicodeString> SplitItems(std::u16string_view AInside) {
+  std::vector<UnicodeString> items;
+  bool quoted = false;
+  size_t start = 0;
+  for (size_t i = 0; i < AInside.size(); ++i) {
+    if (AInside[i] == u'\'')
+      quoted = !quoted;
+    else if (AInside[i] == u',' && !quoted) {
+      items.push_back(Trim(AInside.substr(start, i - start)));
+      start = i + 1;
+    }
+  }
+  items.push_back(Trim(AInside.substr(start)));
+  if (items.back().empty()) items.pop_back();
+  return items;
+}
+
+void CompileSlice(std::u16string_view AItem, PathItem& AOut) {
+  UnicodeString text = AItem.front() == u':' ? u"0" + UnicodeString(AItem) : UnicodeString(AItem);
+  std::vector<UnicodeString> parts = VnTokenize(text, u":");
+  auto part = [&](size_t i) { return i < parts.size() ? StrToIntDef(parts[i], 0) : 0; };
+  AOut.FKind = PathItem::Slice;
+  AOut.FStart = part(0);
+  AOut.FEnd = part(1);
+  AOut.FStep = part(2);
+}
+
+void CompileItem(std::u16string_view AText, bool ACaseInsensitive, int ANesting, PathItem& AOut, bool& APure) {
+  UnicodeString item = Trim(AText);
+  if (!item.empty() && item.front() == u'?') {
+    AOut.FKind = PathItem::Filter;
+    AOut.FFilter = CompileFilter(item, ACaseInsensitive, ANesting, AOut.FFault);
+    if (AOut.FFault) AOut.FKind = PathItem::Failure;
+    APure = false;
+    return;
+  }
+  if (!item.empty() && item.front() == u'(') {
+    UnicodeString inside(Inner(item));
+    size_t at = inside.find(kLength);
+    Integer value = 0;
+    if (at != UnicodeString::npos) inside.erase(at, kLength.size());
+    if (!TryStrToInt(inside, value)) {
+      AOut.FFault = PathFault::Make(cVnJSONErrScriptExprTooComplex, _cVnJSONScriptExprTooComplex);
+      APure = false;
+      return;
+    }
+    AOut.FKind = at != UnicodeString::npos ? PathItem::LengthIndex : PathItem::Index;
+    AOut.FStart = value;
+    return;
+  }
+  if (item.find(u':') != UnicodeString::npos) return CompileSlice(item, AOut);
+  if (IsIndexText(item)) {
+    if (TryStrToInt(item, AOut.FStart)) {
+      AOut.FKind = PathItem::Index;
+    } else {
+      AOut.FFault.FKind = PathFault::Convert;
+      AOut.FFault.FMessage = item;
+      APure = false;
+    }
+    return;
+  }
+  std::u16string_view name = item;
+  if (!name.empty() && name.front() == u'\'') name = Inner(name);
+  if (name.empty() || name == u"*") {
+    AOut.FKind = PathItem::Wildcard;
+  } else {
+    AOut.FKind = PathItem::Name;
+    AOut.FName = UnicodeString(name);
+  }
+}
+
+// The end of a "[" step at APos: one past the "]" that closes it; an inner "[" is passed over
+// up to its next "]". npos without a closing "]".
+size_t BracketEnd(std::u16string_view AText, size_t APos) {
+  for (size_t i = APos + 1; i < AText.size(); ++i) {
+    if (AText[i] == u']') return i + 1;
+    if (AText[i] == u'[') {
+      i = AText.find(u']', i + 1);
+      if (i == std::u16string_view::npos) return i;
+    }
+  }
+  return std::u16string_view::npos;
+}
+
+}  // namespace
+
+[[noreturn]] void PathFault::Raise() const {
+  if (FKind == Convert) StrToInt(FMessage);  // raises the platform's own failure
+  throw EVnJSONException(FCode, FMessage);
+}
+
+PathFault PathFault::Make(Integer ACode, std::u16string_view AFormat, std::initializer_list<TVarRec> AArgs) {
+  PathFault fault;
+  fault.FKind = Json;
+  fault.FCode = ACode;
+  fault.FMessage = AArgs.size() ? Format(AFormat, AArgs) : UnicodeString(AFormat);
+  return fault;
+}
+
+void CompileSteps(std::u16string_view AText, PathSteps& ASteps, int ANesting, bool ACaseInsensitive) {
+  size_t pos = 0;
+  while (pos < AText.size()) {
+    PathStep& step = ASteps.FSteps.emplace_back();
+    const char16_t c = AText[pos];
+    std::u16string_view text;
+    if (c == u'$' || c == u'@') {
+      const char16_t found[2] = {c, 0};
+      step.FFault = PathFault::Make(cVnJSONErrInvalidCharInPath2, _cVnJSONInvalidCharInPath2, {found});
+    } else if (c == u'.') {
+      size_t start = pos + 1;
+      if (start < AText.size() && AText[start] == u'.') {
+        step.FRecursive = true;
+        ++start;
+      }
+      pos = start < AText.size() ? start + 1 : start;  // at least one character
+      while (pos < AText.size() && AText[pos] != u'.' && AText[pos] != u'[') ++pos;
+      text = AText.substr(start, pos - start);
+    } else if (c == u'[') {
+      size_t end = BracketEnd(AText, pos);
+      if (end == std::u16string_view::npos)
+        step.FFault = PathFault::Make(cVnJSONErrInvalidCharInPath1, _cVnJSONInvalidCharInPath1, {u"]", u""});
+      else
+        text = AText.substr(pos, end - pos);
+      pos = end;
+    } else {
+      const char16_t found[2] = {c, 0};
+      step.FFault = PathFault::Make(cVnJSONErrInvalidCharInPath1, _cVnJSONInvalidCharInPath1,
+                                    {cVnJSONPathStepExpected, found});
+    }
+    if (step.FFault) {
+      ASteps.FPure = false;
+      return;  // nothing after a step that can't be read is ever run
+    }
+    if (!text.empty() && text.front() == u'[') {
+      for (const UnicodeString& item : SplitItems(Inner(text)))
+        CompileItem(item, ACaseInsensitive, ANesting, step.FItems.emplace_back(), ASteps.FPure);
+    } else {
+      CompileItem(text, ACaseInsensitive, ANesting, step.FItems.emplace_back(), ASteps.FPure);
+    }
+  }
+}
+
+std::unique_ptr<PathProgram> CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting) {
+  auto program = std::make_unique<PathProgram>();
+  std::vector<UnicodeString> parts;
+  if (APath.find(kAlternativeBar) != std::u16string_view::npos)
+    parts = VnTokenize(APath, kAlternativeBar);
+  else
+    parts.emplace_back(APath);
+  for (const UnicodeString& part : parts) {
+    PathAlternative& alt = program->FAlternatives.emplace_back();
+    UnicodeString text = Trim(part);
+    if (text.empty() || (text.front() != u'$' && text.front() != u'@')) {
+      alt.FFault = PathFault::Make(cVnJSONErrInvalidPath, _cVnJSONInvalidPath);
+      program->FPure = false;
+      continue;
+    }
+    alt.FFromRoot = text.front() == u'$';
+    program->FRootOnly = program->FRootOnly && alt.FFromRoot;
+    CompileSteps(std::u16string_view(text).substr(1), alt.FSteps, ANesting, ACaseInsensitive);
+    program->FPure = program->FPure && alt.FSteps.FPure;
+  }
+  return program;
+}
+
+}  // namespace vn::detail

@@ -1,0 +1,64 @@
+// The selection operations of TVnJSONBase: each call reads its path once and runs it.
+#include "json/path/path_program.h"
+
+namespace vn {
+
+namespace {
+TVnJDOCSelectOptions RaiseIf(bool ARaise) { return ARaise ? TVnJDOCSelectOptions{jsoRaise} : TVnJDOCSelectOptions{}; }
+
+[[noreturn]] void RaiseNoNodes() {
+  throw EVnJSONException(cVnJSONErrInvalidPathNoNodes, UnicodeString(_cVnJSONInvalidPathNoNodes));
+}
+
+std::unique_ptr<TVnJSONArray> ListOf(const std::vector<TVnJSONBase*>& ANodes) {
+  auto list = std::make_unique<TVnJSONArray>();
+  for (TVnJSONBase* node : ANodes) list->AddReference(node);
+  return list;
+}
+}  // namespace
+
+std::unique_ptr<TVnJSONArray> TVnJSONBase::_CreateNodeList(std::u16string_view APath, bool AFirstOnly,
+                                                           TVnJDOCSelectOptions AOptions) {
+  auto program = detail::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
+  std::vector<TVnJSONBase*> nodes;
+  detail::RunPath(*program, this, nodes, AFirstOnly, AOptions);
+  return ListOf(nodes);
+}
+
+void TVnJSONBase::_SelectNodes(TVnJSONArray& AResult, std::u16string_view APath, bool ARecursive,
+                               TVnJDOCSelectOptions AOptions) {
+  detail::PathSteps steps;
+  detail::CompileSteps(APath, steps, 0, AOptions.Contains(jsoCaseInsensitive));
+  std::vector<TVnJSONBase*> nodes;
+  detail::RunSteps(steps, this, nodes, ARecursive, AOptions, false);
+  for (TVnJSONBase* node : nodes) AResult.AddReference(node);
+}
+
+std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
+  std::unique_ptr<TVnJSONArray> list = _CreateNodeList(APath, false, AOptions);
+  if (list->ChildCount() == 0 && AOptions.Contains(jsoRaise)) RaiseNoNodes();
+  return list;
+}
+
+std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view APath, bool ARaise) {
+  return CreateNodeList(APath, RaiseIf(ARaise));
+}
+
+TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
+  // The whole list is made, as CreateNodeList makes it, unless nothing after the first node
+  // could fail or create.
+  auto program = detail::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
+  TVnJSONBase* node = detail::FirstNode(*program, this, AOptions);
+  if (!node && AOptions.Contains(jsoRaise)) RaiseNoNodes();
+  return node;
+}
+
+TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, bool ARaise) {
+  return SelectSingleNode(APath, RaiseIf(ARaise));
+}
+
+IPtr<IVnJSONArray> TVnJSONBase::SelectIntf(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
+  return IPtr<IVnJSONArray>(static_cast<IVnJSONArray*>(CreateNodeList(APath, AOptions).release()));
+}
+
+}  // namespace vn
