@@ -18,8 +18,11 @@
 // - A top-level value loaded into an object with no member yet raises EVnJSONException 0
 //   "oeps?", as a load into a value that cannot hold it does.
 // - Deep trees are freed, copied and saved without recursion.
+// - CreateNodeList and SelectSingleNode take their raise flag as a bool only, so that an option
+//   set such as {jsoRaise} (whose first value is 0) is never read as the flag false.
 #pragma once
 
+#include <concepts>
 #include <memory>
 
 #include "vnxml/common/set.h"
@@ -304,11 +307,17 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   /// The nodes APath selects, in a new array that lists them without owning them; the caller
   /// owns the array. Empty with jsoRaise: EVnJSONException 11.
   std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, TVnJDOCSelectOptions AOptions = {});
-  /// As above, ARaise meaning [jsoRaise].
-  std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, bool ARaise);
+  /// As above, ARaise meaning [jsoRaise]. Only a bool picks this form: {jsoRaise} is a set.
+  template <std::same_as<bool> B>
+  std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, B ARaise) {
+    return CreateNodeList(APath, ARaise ? TVnJDOCSelectOptions{jsoRaise} : TVnJDOCSelectOptions{});
+  }
   /// The first node APath selects, or nil; nothing with jsoRaise: EVnJSONException 11.
   TVnJSONBase* SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions = {});
-  TVnJSONBase* SelectSingleNode(std::u16string_view APath, bool ARaise);
+  template <std::same_as<bool> B>
+  TVnJSONBase* SelectSingleNode(std::u16string_view APath, B ARaise) {
+    return SelectSingleNode(APath, ARaise ? TVnJDOCSelectOptions{jsoRaise} : TVnJDOCSelectOptions{});
+  }
   /// The worker: with AFirstOnly, alternatives after the first that selects a node are not run.
   std::unique_ptr<TVnJSONArray> _CreateNodeList(std::u16string_view APath, bool AFirstOnly,
                                                 TVnJDOCSelectOptions AOptions);

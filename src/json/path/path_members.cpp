@@ -4,8 +4,6 @@
 namespace vn {
 
 namespace {
-TVnJDOCSelectOptions RaiseIf(bool ARaise) { return ARaise ? TVnJDOCSelectOptions{jsoRaise} : TVnJDOCSelectOptions{}; }
-
 [[noreturn]] void RaiseNoNodes() {
   throw EVnJSONException(cVnJSONErrInvalidPathNoNodes, UnicodeString(_cVnJSONInvalidPathNoNodes));
 }
@@ -40,10 +38,6 @@ std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view AP
   return list;
 }
 
-std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view APath, bool ARaise) {
-  return CreateNodeList(APath, RaiseIf(ARaise));
-}
-
 TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
   // The whole list is made, as CreateNodeList makes it, unless nothing after the first node
   // could fail or create.
@@ -51,10 +45,6 @@ TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, TVnJDOCSel
   TVnJSONBase* node = detail::FirstNode(*program, this, AOptions);
   if (!node && AOptions.Contains(jsoRaise)) RaiseNoNodes();
   return node;
-}
-
-TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, bool ARaise) {
-  return SelectSingleNode(APath, RaiseIf(ARaise));
 }
 
 IPtr<IVnJSONArray> TVnJSONBase::SelectIntf(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
