@@ -15,7 +15,7 @@ int Usage() {
                "  events [--json|--xml|--form] [--multi-root] FILE|-   print the reader's events, one per line\n"
                "  format [--json|--xml] [--plain] [--encoding NAME] [--bom] FILE|-   write the document formatted\n"
                "  check [--json|--xml] FILE|-     load the document; report the first error\n"
-               "  select [--value] [--create] FILE|- PATH   print the nodes a path selects\n");
+               "  select [--json|--xml] [--value] [--create] FILE|- PATH   print the nodes a path selects\n");
   return vnx::kExitUsage;
 }
 

@@ -39,10 +39,10 @@ namespace vn {
 
 class TVnBoolExpression;
 
-namespace detail {
+namespace detail::jsonpath {
 struct FilterOperand;
 struct FilterScope;
-}  // namespace detail
+}  // namespace detail::jsonpath
 
 // ---- messages of the filter evaluation (plain Exception) ----
 inline constexpr char16_t cVnJSONFilterInvalidOperation[] = u"An invalid operation has been detected!";
@@ -114,10 +114,10 @@ class TVnExpressionValueExists : public TVnExpressionValue {
   bool GetCaseInsensitive() const noexcept { return FCaseInsensitive; }
 
  private:
-  friend struct detail::FilterScope;
+  friend struct detail::jsonpath::FilterScope;
   VnJSONString FPath;
   bool FCaseInsensitive;
-  std::unique_ptr<detail::FilterOperand> FOperand;  // FPath, read once
+  std::unique_ptr<detail::jsonpath::FilterOperand> FOperand;  // FPath, read once
 };
 
 /// Compares two operands: paths from the candidate ("@..." or "$...") or literal texts.
@@ -135,11 +135,11 @@ class TVnExpValueHasNodeWithValue : public TVnExpressionValue {
   bool GetCaseInsensitive() const noexcept { return FCaseInsensitive; }
 
  private:
-  friend struct detail::FilterScope;
+  friend struct detail::jsonpath::FilterScope;
   VnJSONString FValue1, FValue2;
   TVnExpValueHasNodeWithValueOp FOperator;
   bool FCaseInsensitive;
-  std::unique_ptr<detail::FilterOperand> FOperand1, FOperand2;  // read once
+  std::unique_ptr<detail::jsonpath::FilterOperand> FOperand1, FOperand2;  // read once
 };
 
 /// One term of a filter: a value, and how it joins the next term of its chain.
@@ -170,7 +170,7 @@ class TVnBoolExpression : public TObject {
   TVnExpressionValue* GetValue() const noexcept { return FValue; }
 
  private:
-  friend struct detail::FilterScope;
+  friend struct detail::jsonpath::FilterScope;
   TVnBoolExpressionOperator FOperation = opNA;
   TVnBoolExpression* FParent;
   TVnBoolExpression* FSibling = nullptr;  // owned

@@ -3,7 +3,7 @@
 
 #include "vnxml/common/sysutils.h"
 
-namespace vn::detail {
+namespace vn::detail::jsonpath {
 
 namespace {
 
@@ -135,4 +135,4 @@ std::unique_ptr<TVnBoolExpression> CompileFilter(std::u16string_view AItem, bool
   return top;
 }
 
-}  // namespace vn::detail
+}  // namespace vn::detail::jsonpath

@@ -7,9 +7,9 @@
 
 namespace vn {
 
-namespace detail {
+namespace detail::jsonpath {
 
-void CompareText::Classify() {
+void Comparand::Classify() {
   FQuoted = !FText.empty() && (FText.front() == u'\'' || FText.front() == u'"');
   FIsInt = TryStrToInt(FText, FInt);
   FIsFloat = FIsInt || TryStrToFloat(FText, FFloat);
@@ -64,13 +64,15 @@ TVnExpValueHasNodeWithValue* FilterScope::MakeCompare(TVnBoolExpression* ATerm, 
   return value;
 }
 
-}  // namespace detail
+}  // namespace detail::jsonpath
 
 namespace {
 
 // The text of an operand for ACandidate; nil when it has none (empty, or a path to no node).
-const detail::CompareText* OperandText(detail::FilterOperand& AOperand, TVnJSONBase* ACandidate,
-                                       detail::CompareText& AScratch) {
+using detail::jsonpath::Comparand;
+
+const Comparand* OperandText(detail::jsonpath::FilterOperand& AOperand, TVnJSONBase* ACandidate,
+                               Comparand& AScratch) {
   if (AOperand.FText.empty()) return nullptr;
   if (!AOperand.FProgram) return &AOperand.FLiteral;
   TVnJSONBase* node = AOperand.Select(ACandidate, {});
@@ -111,7 +113,7 @@ TVnExpressionValueExists::TVnExpressionValueExists(TVnBoolExpression* AExpressio
     : TVnExpressionValue(AExpression),
       FPath(UnicodeString(APath)),
       FCaseInsensitive(ACaseInsensitive),
-      FOperand(detail::MakeOperand(APath, ACaseInsensitive, 0, true)) {}
+      FOperand(detail::jsonpath::MakeOperand(APath, ACaseInsensitive, 0, true)) {}
 
 TVnExpressionValueExists::~TVnExpressionValueExists() = default;
 
@@ -131,16 +133,16 @@ TVnExpValueHasNodeWithValue::TVnExpValueHasNodeWithValue(TVnBoolExpression* AExp
       FValue2(UnicodeString(AValue2)),
       FOperator(AOperator),
       FCaseInsensitive(ACaseInsensitive),
-      FOperand1(detail::MakeOperand(AValue1, false, 0)),
-      FOperand2(detail::MakeOperand(AValue2, false, 0)) {}
+      FOperand1(detail::jsonpath::MakeOperand(AValue1, false, 0)),
+      FOperand2(detail::jsonpath::MakeOperand(AValue2, false, 0)) {}
 
 TVnExpValueHasNodeWithValue::~TVnExpValueHasNodeWithValue() = default;
 
 bool TVnExpValueHasNodeWithValue::Value(TVnJSONNodeList& AList, Integer AIndex, bool& AError) {
   TVnJSONBase* candidate = AList[AIndex];
-  detail::CompareText scratch1, scratch2;
-  const detail::CompareText* a = OperandText(*FOperand1, candidate, scratch1);
-  const detail::CompareText* b = OperandText(*FOperand2, candidate, scratch2);
+  Comparand scratch1, scratch2;
+  const Comparand* a = OperandText(*FOperand1, candidate, scratch1);
+  const Comparand* b = OperandText(*FOperand2, candidate, scratch2);
   if (!a || !b) {
     AError = true;
     return false;

@@ -4,7 +4,7 @@
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_utils.h"
 
-namespace vn::detail {
+namespace vn::detail::jsonpath {
 
 namespace {
 
@@ -190,4 +190,4 @@ std::unique_ptr<PathProgram> CompilePath(std::u16string_view APath, bool ACaseIn
   return program;
 }
 
-}  // namespace vn::detail
+}  // namespace vn::detail::jsonpath

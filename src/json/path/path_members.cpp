@@ -17,18 +17,18 @@ std::unique_ptr<TVnJSONArray> ListOf(const std::vector<TVnJSONBase*>& ANodes) {
 
 std::unique_ptr<TVnJSONArray> TVnJSONBase::_CreateNodeList(std::u16string_view APath, bool AFirstOnly,
                                                            TVnJDOCSelectOptions AOptions) {
-  auto program = detail::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
+  auto program = detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
   std::vector<TVnJSONBase*> nodes;
-  detail::RunPath(*program, this, nodes, AFirstOnly, AOptions);
+  detail::jsonpath::RunPath(*program, this, nodes, AFirstOnly, AOptions);
   return ListOf(nodes);
 }
 
 void TVnJSONBase::_SelectNodes(TVnJSONArray& AResult, std::u16string_view APath, bool ARecursive,
                                TVnJDOCSelectOptions AOptions) {
-  detail::PathSteps steps;
-  detail::CompileSteps(APath, steps, 0, AOptions.Contains(jsoCaseInsensitive));
+  detail::jsonpath::PathSteps steps;
+  detail::jsonpath::CompileSteps(APath, steps, 0, AOptions.Contains(jsoCaseInsensitive));
   std::vector<TVnJSONBase*> nodes;
-  detail::RunSteps(steps, this, nodes, ARecursive, AOptions, false);
+  detail::jsonpath::RunSteps(steps, this, nodes, ARecursive, AOptions, false);
   for (TVnJSONBase* node : nodes) AResult.AddReference(node);
 }
 
@@ -41,8 +41,8 @@ std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view AP
 TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
   // The whole list is made, as CreateNodeList makes it, unless nothing after the first node
   // could fail or create.
-  auto program = detail::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
-  TVnJSONBase* node = detail::FirstNode(*program, this, AOptions);
+  auto program = detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
+  TVnJSONBase* node = detail::jsonpath::FirstNode(*program, this, AOptions);
   if (!node && AOptions.Contains(jsoRaise)) RaiseNoNodes();
   return node;
 }

@@ -9,7 +9,7 @@
 
 #include "vnxml/json_path.h"
 
-namespace vn::detail {
+namespace vn::detail::jsonpath {
 
 /// A fault kept for later: nothing, an EVnJSONException with its code, or the platform's
 /// failure of StrToInt on the kept text.
@@ -83,12 +83,12 @@ void FilterNodes(TVnBoolExpression& AFilter, TVnJSONNodeList& ACandidates);
 /// Entries a selection has run (node and step pairs), for tests that compare two sizes.
 uint64_t JSONPathWork() noexcept;
 
-}  // namespace vn::detail
+}  // namespace vn::detail::jsonpath
 
-namespace vn::detail {
+namespace vn::detail::jsonpath {
 
 /// How a text compares: the classes of a comparison, found once for a literal.
-struct CompareText {
+struct Comparand {
   UnicodeString FText;
   bool FQuoted = false;  // begins with ' or "
   bool FIsInt = false, FIsFloat = false, FIsBool = false;
@@ -102,7 +102,7 @@ struct CompareText {
 struct FilterOperand {
   UnicodeString FText;
   std::unique_ptr<PathProgram> FProgram;  // "$" or "@" in front
-  CompareText FLiteral;                   // otherwise, classified once
+  Comparand FLiteral;                   // otherwise, classified once
   // A path from "$" gives the same node for every candidate of one filter run: kept for it.
   uint64_t FRun = 0;
   TVnJSONBase* FNode = nullptr;
@@ -129,4 +129,4 @@ std::unique_ptr<FilterOperand> MakeOperand(std::u16string_view AText, bool ACase
 /// A number for each run of a filter over a candidate list, for FilterOperand's keeping.
 uint64_t CurrentFilterRun() noexcept;
 
-}  // namespace vn::detail
+}  // namespace vn::detail::jsonpath

@@ -4,7 +4,7 @@
 
 #include "json/path/path_program.h"
 
-namespace vn::detail {
+namespace vn::detail::jsonpath {
 
 namespace {
 
@@ -227,4 +227,4 @@ void FilterNodes(TVnBoolExpression& AFilter, TVnJSONNodeList& ACandidates) {
   tFilterRun = outer;
 }
 
-}  // namespace vn::detail
+}  // namespace vn::detail::jsonpath

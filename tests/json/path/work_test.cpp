@@ -26,9 +26,9 @@ TEST(JsonPathWork, RecursiveSearchGrowsLinearly) {
   for (int i = 0; i < 2; ++i) {
     TVnJSONDocument doc(Wide(55556 << i), 65001);  // 500,000 and 1,000,000 nodes
     for (size_t p = 0; p < kPaths; ++p) {
-      const uint64_t before = detail::JSONPathWork();
+      const uint64_t before = detail::jsonpath::JSONPathWork();
       found[i][p] = doc.CreateNodeList(paths[p])->Count();
-      work[i][p] = detail::JSONPathWork() - before;
+      work[i][p] = detail::jsonpath::JSONPathWork() - before;
     }
   }
   for (size_t p = 0; p < kPaths; ++p) {
