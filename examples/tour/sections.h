@@ -15,5 +15,7 @@ void Document();
 void Paths();
 void Json();
 void Form();
+// ---- json-path ----
+void JsonPaths();
 
 }  // namespace tour
