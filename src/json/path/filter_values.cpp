@@ -22,7 +22,7 @@ std::unique_ptr<FilterOperand> MakeOperand(std::u16string_view AText, bool ACase
   auto operand = std::make_unique<FilterOperand>();
   operand->FText = UnicodeString(AText);
   if (AAlwaysPath || (!AText.empty() && (AText.front() == u'$' || AText.front() == u'@'))) {
-    operand->FProgram = CompilePath(AText, ACaseInsensitive, ANesting);
+    operand->FProgram = CompilePath(operand->FText, ACaseInsensitive, ANesting);  // views of FText
   } else {
     operand->FLiteral.FText = operand->FText;
     operand->FLiteral.Classify();

@@ -11,6 +11,13 @@ namespace {
 constexpr std::u16string_view kAlternativeBar = u" | ";
 constexpr std::u16string_view kLength = u"@.length";
 
+// Trim without a copy: characters at or below the space go at both ends.
+std::u16string_view TrimView(std::u16string_view AText) {
+  while (!AText.empty() && AText.front() <= u' ') AText.remove_prefix(1);
+  while (!AText.empty() && AText.back() <= u' ') AText.remove_suffix(1);
+  return AText;
+}
+
 bool IsIndexText(std::u16string_view AText) {
   if (AText.empty()) return false;
   for (char16_t c : AText)
@@ -21,25 +28,6 @@ bool IsIndexText(std::u16string_view AText) {
 // The platform's Copy(s, 2, Length(s) - 2): the text without its first and last character.
 std::u16string_view Inner(std::u16string_view AText) {
   return AText.size() < 2 ? std::u16string_view() : AText.substr(1, AText.size() - 2);
-}
-
-// The inside of "[...]" cut at commas outside single quotes, each item trimmed; an empty last
-// item is dropped, so "[]" has none.
-std::vector<UnicodeString> SplitItems(std::u16string_view AInside) {
-  std::vector<UnicodeString> items;
-  bool quoted = false;
-  size_t start = 0;
-  for (size_t i = 0; i < AInside.size(); ++i) {
-    if (AInside[i] == u'\'')
-      quoted = !quoted;
-    else if (AInside[i] == u',' && !quoted) {
-      items.push_back(Trim(AInside.substr(start, i - start)));
-      start = i + 1;
-    }
-  }
-  items.push_back(Trim(AInside.substr(start)));
-  if (items.back().empty()) items.pop_back();
-  return items;
 }
 
 void CompileSlice(std::u16string_view AItem, PathItem& AOut) {
@@ -53,7 +41,7 @@ void CompileSlice(std::u16string_view AItem, PathItem& AOut) {
 }
 
 void CompileItem(std::u16string_view AText, bool ACaseInsensitive, int ANesting, PathItem& AOut, bool& APure) {
-  UnicodeString item = Trim(AText);
+  const std::u16string_view item = TrimView(AText);
   if (!item.empty() && item.front() == u'?') {
     AOut.FKind = PathItem::Filter;
     AOut.FFilter = CompileFilter(item, ACaseInsensitive, ANesting, AOut.FFault);
@@ -75,13 +63,13 @@ void CompileItem(std::u16string_view AText, bool ACaseInsensitive, int ANesting,
     AOut.FStart = value;
     return;
   }
-  if (item.find(u':') != UnicodeString::npos) return CompileSlice(item, AOut);
+  if (item.find(u':') != std::u16string_view::npos) return CompileSlice(item, AOut);
   if (IsIndexText(item)) {
     if (TryStrToInt(item, AOut.FStart)) {
       AOut.FKind = PathItem::Index;
     } else {
       AOut.FFault.FKind = PathFault::Convert;
-      AOut.FFault.FMessage = item;
+      AOut.FFault.FMessage = UnicodeString(item);
       APure = false;
     }
     return;
@@ -92,8 +80,26 @@ void CompileItem(std::u16string_view AText, bool ACaseInsensitive, int ANesting,
     AOut.FKind = PathItem::Wildcard;
   } else {
     AOut.FKind = PathItem::Name;
-    AOut.FName = UnicodeString(name);
+    AOut.FName = name;
   }
+}
+
+// The inside of "[...]" cut at commas outside single quotes, each item trimmed; an empty last
+// item is dropped, so "[]" has none.
+void CompileItems(std::u16string_view AInside, bool ACaseInsensitive, int ANesting, PathSteps& ASteps) {
+  PathStep& step = ASteps.FSteps.back();
+  step.FFirst = static_cast<uint32_t>(ASteps.FItems.size());
+  bool quoted = false;
+  size_t start = 0;
+  for (size_t i = 0; i <= AInside.size(); ++i) {
+    if (i < AInside.size() && AInside[i] == u'\'') quoted = !quoted;
+    if (i < AInside.size() && (AInside[i] != u',' || quoted)) continue;
+    const std::u16string_view item = TrimView(AInside.substr(start, i - start));
+    start = i + 1;
+    if (i == AInside.size() && item.empty()) break;
+    CompileItem(item, ACaseInsensitive, ANesting, ASteps.FItems.emplace_back(), ASteps.FPure);
+  }
+  step.FCount = static_cast<uint32_t>(ASteps.FItems.size()) - step.FFirst;
 }
 
 // The end of a "[" step at APos: one past the "]" that closes it; an inner "[" is passed over
@@ -125,7 +131,10 @@ PathFault PathFault::Make(Integer ACode, std::u16string_view AFormat, std::initi
 }
 
 void CompileSteps(std::u16string_view AText, PathSteps& ASteps, int ANesting, bool ACaseInsensitive) {
-  size_t pos = 0;
+  size_t pos = 0, marks = 0;
+  for (char16_t c : AText) marks += c == u'.' || c == u'[';
+  ASteps.FSteps.reserve(marks);
+  ASteps.FItems.reserve(marks);
   while (pos < AText.size()) {
     PathStep& step = ASteps.FSteps.emplace_back();
     const char16_t c = AText[pos];
@@ -159,34 +168,38 @@ void CompileSteps(std::u16string_view AText, PathSteps& ASteps, int ANesting, bo
       return;  // nothing after a step that can't be read is ever run
     }
     if (!text.empty() && text.front() == u'[') {
-      for (const UnicodeString& item : SplitItems(Inner(text)))
-        CompileItem(item, ACaseInsensitive, ANesting, step.FItems.emplace_back(), ASteps.FPure);
+      CompileItems(Inner(text), ACaseInsensitive, ANesting, ASteps);
     } else {
-      CompileItem(text, ACaseInsensitive, ANesting, step.FItems.emplace_back(), ASteps.FPure);
+      step.FFirst = static_cast<uint32_t>(ASteps.FItems.size());
+      step.FCount = 1;
+      CompileItem(text, ACaseInsensitive, ANesting, ASteps.FItems.emplace_back(), ASteps.FPure);
     }
+  }
+}
+
+void CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting, PathProgram& AProgram) {
+  // Alternatives are cut at " | " without regard to brackets or quotes.
+  for (size_t start = 0;;) {
+    const size_t bar = APath.find(kAlternativeBar, start);
+    const std::u16string_view text = TrimView(APath.substr(start, bar == std::u16string_view::npos ? bar : bar - start));
+    PathAlternative& alt = AProgram.FAlternatives.emplace_back();
+    if (text.empty() || (text.front() != u'$' && text.front() != u'@')) {
+      alt.FFault = PathFault::Make(cVnJSONErrInvalidPath, _cVnJSONInvalidPath);
+      AProgram.FPure = false;
+    } else {
+      alt.FFromRoot = text.front() == u'$';
+      AProgram.FRootOnly = AProgram.FRootOnly && alt.FFromRoot;
+      CompileSteps(text.substr(1), alt.FSteps, ANesting, ACaseInsensitive);
+      AProgram.FPure = AProgram.FPure && alt.FSteps.FPure;
+    }
+    if (bar == std::u16string_view::npos) break;
+    start = bar + kAlternativeBar.size();
   }
 }
 
 std::unique_ptr<PathProgram> CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting) {
   auto program = std::make_unique<PathProgram>();
-  std::vector<UnicodeString> parts;
-  if (APath.find(kAlternativeBar) != std::u16string_view::npos)
-    parts = VnTokenize(APath, kAlternativeBar);
-  else
-    parts.emplace_back(APath);
-  for (const UnicodeString& part : parts) {
-    PathAlternative& alt = program->FAlternatives.emplace_back();
-    UnicodeString text = Trim(part);
-    if (text.empty() || (text.front() != u'$' && text.front() != u'@')) {
-      alt.FFault = PathFault::Make(cVnJSONErrInvalidPath, _cVnJSONInvalidPath);
-      program->FPure = false;
-      continue;
-    }
-    alt.FFromRoot = text.front() == u'$';
-    program->FRootOnly = program->FRootOnly && alt.FFromRoot;
-    CompileSteps(std::u16string_view(text).substr(1), alt.FSteps, ANesting, ACaseInsensitive);
-    program->FPure = program->FPure && alt.FSteps.FPure;
-  }
+  CompilePath(APath, ACaseInsensitive, ANesting, *program);
   return program;
 }
 

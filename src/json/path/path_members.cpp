@@ -17,9 +17,10 @@ std::unique_ptr<TVnJSONArray> ListOf(const std::vector<TVnJSONBase*>& ANodes) {
 
 std::unique_ptr<TVnJSONArray> TVnJSONBase::_CreateNodeList(std::u16string_view APath, bool AFirstOnly,
                                                            TVnJDOCSelectOptions AOptions) {
-  auto program = detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
+  detail::jsonpath::PathProgram program;
+  detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive), 0, program);
   std::vector<TVnJSONBase*> nodes;
-  detail::jsonpath::RunPath(*program, this, nodes, AFirstOnly, AOptions);
+  detail::jsonpath::RunPath(program, this, nodes, AFirstOnly, AOptions);
   return ListOf(nodes);
 }
 
@@ -41,8 +42,9 @@ std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view AP
 TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
   // The whole list is made, as CreateNodeList makes it, unless nothing after the first node
   // could fail or create.
-  auto program = detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive));
-  TVnJSONBase* node = detail::jsonpath::FirstNode(*program, this, AOptions);
+  detail::jsonpath::PathProgram program;
+  detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive), 0, program);
+  TVnJSONBase* node = detail::jsonpath::FirstNode(program, this, AOptions);
   if (!node && AOptions.Contains(jsoRaise)) RaiseNoNodes();
   return node;
 }

@@ -23,24 +23,27 @@ struct PathFault {
   static PathFault Make(Integer ACode, std::u16string_view AFormat, std::initializer_list<TVarRec> AArgs = {});
 };
 
+// Texts in a program (names) are views of the path text, which outlives the program: a program
+// lives for one call, or beside the text it was read from.
 struct PathItem {
   enum Kind : uint8_t { Filter, Slice, Index, LengthIndex, Name, Wildcard, Failure };
   Kind FKind = Failure;
   Integer FStart = 0, FEnd = 0, FStep = 1;  // Slice; Index in FStart; LengthIndex adds FStart to the count
-  UnicodeString FName;                      // Name
+  std::u16string_view FName;                // Name
   std::unique_ptr<TVnBoolExpression> FFilter;
   PathFault FFault;  // Failure
 };
 
 struct PathStep {
   bool FRecursive = false;
-  std::vector<PathItem> FItems;
-  PathFault FFault;  // the step itself can't be read: raised before any item runs
+  uint32_t FFirst = 0, FCount = 0;  // its items in PathSteps::FItems
+  PathFault FFault;                 // the step itself can't be read: raised before any item runs
 };
 
 /// The steps after "$" or "@" (or the text of _SelectNodes).
 struct PathSteps {
   std::vector<PathStep> FSteps;
+  std::vector<PathItem> FItems;
   /// No step can fail or create, and none holds a filter: a search for the first node may stop
   /// at it without changing what the caller sees.
   bool FPure = true;
@@ -61,6 +64,7 @@ struct PathProgram {
 /// Reads a whole path (alternatives). ACaseInsensitive: the option its filters compare with;
 /// ANesting: filters and groups already open around it.
 std::unique_ptr<PathProgram> CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting = 0);
+void CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting, PathProgram& AProgram);
 /// Reads the steps of a path without its start.
 void CompileSteps(std::u16string_view AText, PathSteps& ASteps, int ANesting, bool ACaseInsensitive);
 /// Reads the item of a filter ("?(...)") into a tree of terms; a fault ends in AFault.

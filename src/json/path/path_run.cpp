@@ -65,6 +65,26 @@ TVnJSONBase* ValueOf(TVnJSONBase* AChild) {
   return AChild->NodeClass() == JSONNodeClass::Member ? AChild->GetValueObj() : AChild;
 }
 
+// A stored name against a name of the path. Raw UTF-8 has at least as many bytes as its
+// UTF-16 form has units, so a shorter one can't match, and ASCII compares byte by byte.
+bool NameIs(const JSONText& AName, std::u16string_view APathName, bool ACaseInsensitive) {
+  if (ACaseInsensitive || AName.Width != 1) return AName.Equals(APathName, ACaseInsensitive);
+  if (AName.Length < APathName.size()) return false;
+  if (AName.Length == APathName.size()) {
+    const auto* p = static_cast<const uint8_t*>(AName.Data);
+    size_t i = 0;
+    while (i < APathName.size() && p[i] == APathName[i]) ++i;
+    if (i == APathName.size()) return true;
+    if (p[i] < 0x80 && APathName[i] < 0x80) {
+      // a difference in ASCII: equal only if a multibyte character before it could change that
+      bool ascii = true;
+      for (size_t j = 0; j < i && ascii; ++j) ascii = p[j] < 0x80;
+      if (ascii) return false;
+    }
+  }
+  return AName.Equals(APathName, false);
+}
+
 void AddValues(TVnJSONBase* ANode, std::vector<TVnJSONBase*>& AWork) {
   TVnJSONBase* const* children = ANode->ChildArray();
   for (Integer i = 0, n = ANode->ChildCount(); i < n; ++i)
@@ -108,12 +128,14 @@ void FilterInto(TVnJSONBase* ANode, TVnBoolExpression& AFilter, RunLists& ALists
 }
 
 // The working list of one step on a container (the items in order).
-void RunItems(TVnJSONBase* ANode, const PathStep& AStep, TVnJDOCSelectOptions AOptions, RunLists& ALists) {
+void RunItems(TVnJSONBase* ANode, const PathSteps& ASteps, const PathStep& AStep, TVnJDOCSelectOptions AOptions,
+              RunLists& ALists) {
   std::vector<TVnJSONBase*>& work = ALists.FWork;
   work.clear();
   const bool isArray = ANode->NodeClass() == JSONNodeClass::Array;
   const bool caseInsensitive = AOptions.Contains(jsoCaseInsensitive);
-  for (const PathItem& item : AStep.FItems) {
+  for (uint32_t i = AStep.FFirst; i < AStep.FFirst + AStep.FCount; ++i) {
+    const PathItem& item = ASteps.FItems[i];
     switch (item.FKind) {
       case PathItem::Failure: item.FFault.Raise();
       case PathItem::Filter: FilterInto(ANode, *item.FFilter, ALists); break;
@@ -132,9 +154,9 @@ void RunItems(TVnJSONBase* ANode, const PathStep& AStep, TVnJDOCSelectOptions AO
       case PathItem::Name:
         if (!isArray) {
           TVnJSONBase* const* children = ANode->ChildArray();
-          for (Integer i = 0, n = ANode->ChildCount(); i < n; ++i) {
-            auto* member = static_cast<TVnJSONMember*>(children[i]);  // an object holds members only
-            if (member->RawName().Equals(item.FName, caseInsensitive))
+          for (Integer c = 0, n = ANode->ChildCount(); c < n; ++c) {
+            auto* member = static_cast<TVnJSONMember*>(children[c]);  // an object holds members only
+            if (NameIs(member->RawName(), item.FName, caseInsensitive))
               if (TVnJSONBase* value = member->GetValueObj()) work.push_back(value);
           }
         }
@@ -179,7 +201,7 @@ void RunSteps(const PathSteps& ASteps, TVnJSONBase* ANode, std::vector<TVnJSONBa
     if (!IsContainer(e.FNode)) continue;
     const PathStep& step = ASteps.FSteps[e.FStep];
     if (step.FFault) step.FFault.Raise();
-    RunItems(e.FNode, step, AOptions, *lists.operator->());
+    RunItems(e.FNode, ASteps, step, AOptions, *lists.operator->());
     // This node's matches come before those of its children: the children go below.
     if (e.FRecursive || step.FRecursive) {
       TVnJSONBase* const* children = e.FNode->ChildArray();
