@@ -1,6 +1,8 @@
 // Reading a path: alternatives, their start, steps cut at "." and "[", and the items of a step.
 #include "json/path/path_program.h"
 
+#include <algorithm>
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_utils.h"
 
@@ -81,6 +83,7 @@ void CompileItem(std::u16string_view AText, bool ACaseInsensitive, int ANesting,
   } else {
     AOut.FKind = PathItem::Name;
     AOut.FName = name;
+    AOut.FAsciiName = std::all_of(name.begin(), name.end(), [](char16_t c) { return c < 0x80; });
   }
 }
 
@@ -195,6 +198,33 @@ void CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting,
     if (bar == std::u16string_view::npos) break;
     start = bar + kAlternativeBar.size();
   }
+  const auto plain = [&](const PathStep& AStep) {
+    if (AStep.FRecursive || AStep.FCount != 1) return false;
+    const PathItem::Kind kind = AProgram.FAlternatives[0].FSteps.FItems[AStep.FFirst].FKind;
+    return kind == PathItem::Name || kind == PathItem::Index;
+  };
+  AProgram.FChain = AProgram.FAlternatives.size() == 1 && AProgram.FPure &&
+                    std::all_of(AProgram.FAlternatives[0].FSteps.FSteps.begin(),
+                                AProgram.FAlternatives[0].FSteps.FSteps.end(), plain);
+}
+
+std::shared_ptr<const HeldProgram> ProgramOf(std::u16string_view APath, bool ACaseInsensitive) {
+  constexpr size_t kKept = 16, kLongest = 256;
+  thread_local std::vector<std::shared_ptr<const HeldProgram>> tKept;
+  thread_local size_t tNext = 0;
+  for (const auto& held : tKept)
+    if (held->FCaseInsensitive == ACaseInsensitive && held->FText == APath) return held;
+  auto held = std::make_shared<HeldProgram>();
+  held->FText = UnicodeString(APath);
+  held->FCaseInsensitive = ACaseInsensitive;
+  CompilePath(held->FText, ACaseInsensitive, 0, held->FProgram);  // views of FText
+  if (APath.size() <= kLongest) {
+    if (tKept.size() < kKept)
+      tKept.push_back(held);
+    else
+      tKept[tNext++ % kKept] = held;
+  }
+  return held;
 }
 
 std::unique_ptr<PathProgram> CompilePath(std::u16string_view APath, bool ACaseInsensitive, int ANesting) {

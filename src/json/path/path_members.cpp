@@ -1,4 +1,5 @@
-// The selection operations of TVnJSONBase: each call reads its path once and runs it.
+// The selection operations of TVnJSONBase: each call reads its path once (or takes it as a
+// recent call read it) and runs it.
 #include "json/path/path_program.h"
 
 namespace vn {
@@ -17,10 +18,9 @@ std::unique_ptr<TVnJSONArray> ListOf(const std::vector<TVnJSONBase*>& ANodes) {
 
 std::unique_ptr<TVnJSONArray> TVnJSONBase::_CreateNodeList(std::u16string_view APath, bool AFirstOnly,
                                                            TVnJDOCSelectOptions AOptions) {
-  detail::jsonpath::PathProgram program;
-  detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive), 0, program);
+  const auto held = detail::jsonpath::ProgramOf(APath, AOptions.Contains(jsoCaseInsensitive));
   std::vector<TVnJSONBase*> nodes;
-  detail::jsonpath::RunPath(program, this, nodes, AFirstOnly, AOptions);
+  detail::jsonpath::RunPath(held->FProgram, this, nodes, AFirstOnly, AOptions);
   return ListOf(nodes);
 }
 
@@ -42,9 +42,8 @@ std::unique_ptr<TVnJSONArray> TVnJSONBase::CreateNodeList(std::u16string_view AP
 TVnJSONBase* TVnJSONBase::SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
   // The whole list is made, as CreateNodeList makes it, unless nothing after the first node
   // could fail or create.
-  detail::jsonpath::PathProgram program;
-  detail::jsonpath::CompilePath(APath, AOptions.Contains(jsoCaseInsensitive), 0, program);
-  TVnJSONBase* node = detail::jsonpath::FirstNode(program, this, AOptions);
+  const auto held = detail::jsonpath::ProgramOf(APath, AOptions.Contains(jsoCaseInsensitive));
+  TVnJSONBase* node = detail::jsonpath::FirstNode(held->FProgram, this, AOptions);
   if (!node && AOptions.Contains(jsoRaise)) RaiseNoNodes();
   return node;
 }

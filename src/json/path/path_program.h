@@ -30,6 +30,7 @@ struct PathItem {
   Kind FKind = Failure;
   Integer FStart = 0, FEnd = 0, FStep = 1;  // Slice; Index in FStart; LengthIndex adds FStart to the count
   std::u16string_view FName;                // Name
+  bool FAsciiName = false;                  // FName is ASCII only
   std::unique_ptr<TVnBoolExpression> FFilter;
   PathFault FFault;  // Failure
 };
@@ -59,7 +60,19 @@ struct PathProgram {
   std::vector<PathAlternative> FAlternatives;
   bool FPure = true;      // every alternative is
   bool FRootOnly = true;  // every alternative starts at "$": the same nodes from any candidate
+  bool FChain = false;    // one alternative of plain names and indexes, one a step, none recursive
 };
+
+/// A program with the text it was read from, as a call keeps it.
+struct HeldProgram {
+  UnicodeString FText;
+  bool FCaseInsensitive = false;
+  PathProgram FProgram;
+};
+
+/// The program of APath: read now, or kept from a recent call of this thread with the same
+/// text (short paths only). Hosts call with the same few paths again and again.
+std::shared_ptr<const HeldProgram> ProgramOf(std::u16string_view APath, bool ACaseInsensitive);
 
 /// Reads a whole path (alternatives). ACaseInsensitive: the option its filters compare with;
 /// ANesting: filters and groups already open around it.

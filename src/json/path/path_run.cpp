@@ -65,24 +65,16 @@ TVnJSONBase* ValueOf(TVnJSONBase* AChild) {
   return AChild->NodeClass() == JSONNodeClass::Member ? AChild->GetValueObj() : AChild;
 }
 
-// A stored name against a name of the path. Raw UTF-8 has at least as many bytes as its
-// UTF-16 form has units, so a shorter one can't match, and ASCII compares byte by byte.
-bool NameIs(const JSONText& AName, std::u16string_view APathName, bool ACaseInsensitive) {
-  if (ACaseInsensitive || AName.Width != 1) return AName.Equals(APathName, ACaseInsensitive);
-  if (AName.Length < APathName.size()) return false;
-  if (AName.Length == APathName.size()) {
-    const auto* p = static_cast<const uint8_t*>(AName.Data);
-    size_t i = 0;
-    while (i < APathName.size() && p[i] == APathName[i]) ++i;
-    if (i == APathName.size()) return true;
-    if (p[i] < 0x80 && APathName[i] < 0x80) {
-      // a difference in ASCII: equal only if a multibyte character before it could change that
-      bool ascii = true;
-      for (size_t j = 0; j < i && ascii; ++j) ascii = p[j] < 0x80;
-      if (ascii) return false;
-    }
-  }
-  return AName.Equals(APathName, false);
+// A stored name against a name of the path. Raw UTF-8 of anything but ASCII has more bytes
+// than its UTF-16 form has units, so an ASCII name of the path matches only a stored name of
+// its length, byte by byte.
+bool NameIs(const JSONText& AName, const PathItem& AItem, bool ACaseInsensitive) {
+  if (ACaseInsensitive || AName.Width != 1 || !AItem.FAsciiName) return AName.Equals(AItem.FName, ACaseInsensitive);
+  if (AName.Length != AItem.FName.size()) return false;
+  const auto* p = static_cast<const uint8_t*>(AName.Data);
+  for (size_t i = 0; i < AItem.FName.size(); ++i)
+    if (p[i] != AItem.FName[i]) return false;
+  return true;
 }
 
 void AddValues(TVnJSONBase* ANode, std::vector<TVnJSONBase*>& AWork) {
@@ -156,7 +148,7 @@ void RunItems(TVnJSONBase* ANode, const PathSteps& ASteps, const PathStep& AStep
           TVnJSONBase* const* children = ANode->ChildArray();
           for (Integer c = 0, n = ANode->ChildCount(); c < n; ++c) {
             auto* member = static_cast<TVnJSONMember*>(children[c]);  // an object holds members only
-            if (NameIs(member->RawName(), item.FName, caseInsensitive))
+            if (NameIs(member->RawName(), item, caseInsensitive))
               if (TVnJSONBase* value = member->GetValueObj()) work.push_back(value);
           }
         }
@@ -228,7 +220,44 @@ void RunPath(const PathProgram& AProgram, TVnJSONBase* ANode, std::vector<TVnJSO
   }
 }
 
+namespace {
+// The first node of a chain by the first member of each name. When that reaches the end it is
+// the first node of the whole search too, which tries the first member first; a dead end
+// (behind a repeated name a later member may go on) leaves the answer to the whole search.
+bool FirstOfChain(const PathProgram& AProgram, TVnJSONBase* ANode, bool ACaseInsensitive, TVnJSONBase*& AFound) {
+  const PathAlternative& alt = AProgram.FAlternatives[0];
+  TVnJSONBase* node = StartNode(alt, ANode);
+  for (const PathStep& step : alt.FSteps.FSteps) {
+    if (node && node->NodeClass() == JSONNodeClass::Member) node = node->GetValueObj();
+    if (!node || !IsContainer(node)) return false;
+    const PathItem& item = alt.FSteps.FItems[step.FFirst];
+    TVnJSONBase* next = nullptr;
+    if (node->NodeClass() == JSONNodeClass::Array) {
+      if (item.FKind != PathItem::Index) return false;
+      const int64_t count = node->ChildCount();
+      const int64_t index = item.FStart < 0 ? item.FStart + count : item.FStart;
+      if (index >= 0 && index < count) next = node->Child(static_cast<Integer>(index));
+    } else if (item.FKind == PathItem::Name) {
+      TVnJSONBase* const* children = node->ChildArray();
+      for (Integer c = 0, n = node->ChildCount(); c < n && !next; ++c) {
+        auto* member = static_cast<TVnJSONMember*>(children[c]);
+        if (NameIs(member->RawName(), item, ACaseInsensitive)) next = member->GetValueObj();
+      }
+    }
+    if (!next) return false;
+    node = next;
+  }
+  if (node && node->NodeClass() == JSONNodeClass::Member) node = node->GetValueObj();
+  AFound = node;
+  return node != nullptr;
+}
+}  // namespace
+
 TVnJSONBase* FirstNode(const PathProgram& AProgram, TVnJSONBase* ANode, TVnJDOCSelectOptions AOptions) {
+  TVnJSONBase* found = nullptr;
+  if (AProgram.FChain && !AOptions.Contains(jsoCreate) &&
+      FirstOfChain(AProgram, ANode, AOptions.Contains(jsoCaseInsensitive), found))
+    return found;
   BorrowLists lists;
   RunPath(AProgram, ANode, lists->FFound, false, AOptions, true);
   return lists->FFound.empty() ? nullptr : lists->FFound.front();
