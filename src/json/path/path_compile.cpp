@@ -133,6 +133,14 @@ PathFault PathFault::Make(Integer ACode, std::u16string_view AFormat, std::initi
   return fault;
 }
 
+namespace {
+void MarkNames(PathSteps& ASteps) {
+  PathStep& step = ASteps.FSteps.back();
+  for (uint32_t i = step.FFirst; i < step.FFirst + step.FCount; ++i)
+    step.FNamesOnly = step.FNamesOnly && ASteps.FItems[i].FKind == PathItem::Name;
+}
+}  // namespace
+
 void CompileSteps(std::u16string_view AText, PathSteps& ASteps, int ANesting, bool ACaseInsensitive) {
   size_t pos = 0, marks = 0;
   for (char16_t c : AText) marks += c == u'.' || c == u'[';
@@ -177,6 +185,7 @@ void CompileSteps(std::u16string_view AText, PathSteps& ASteps, int ANesting, bo
       step.FCount = 1;
       CompileItem(text, ACaseInsensitive, ANesting, ASteps.FItems.emplace_back(), ASteps.FPure);
     }
+    MarkNames(ASteps);
   }
 }
 

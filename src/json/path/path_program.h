@@ -38,6 +38,7 @@ struct PathItem {
 struct PathStep {
   bool FRecursive = false;
   uint32_t FFirst = 0, FCount = 0;  // its items in PathSteps::FItems
+  bool FNamesOnly = true;           // every item is a name: an array gives nothing (unless created)
   PathFault FFault;                 // the step itself can't be read: raised before any item runs
 };
 

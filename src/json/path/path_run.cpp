@@ -193,11 +193,17 @@ void RunSteps(const PathSteps& ASteps, TVnJSONBase* ANode, std::vector<TVnJSONBa
     if (!IsContainer(e.FNode)) continue;
     const PathStep& step = ASteps.FSteps[e.FStep];
     if (step.FFault) step.FFault.Raise();
-    RunItems(e.FNode, ASteps, step, AOptions, *lists.operator->());
+    if (step.FNamesOnly && e.FNode->NodeClass() == JSONNodeClass::Array && !AOptions.Contains(jsoCreate))
+      lists->FWork.clear();  // names select nothing in an array
+    else
+      RunItems(e.FNode, ASteps, step, AOptions, *lists.operator->());
     // This node's matches come before those of its children: the children go below.
+    // A child that is no container ends there (the step has nothing to work on): not stacked.
     if (e.FRecursive || step.FRecursive) {
       TVnJSONBase* const* children = e.FNode->ChildArray();
-      for (Integer i = e.FNode->ChildCount(); i-- > 0;) stack.push_back({children[i], e.FStep, true});
+      for (Integer i = e.FNode->ChildCount(); i-- > 0;)
+        if (TVnJSONBase* value = ValueOf(children[i]); value && IsContainer(value))
+          stack.push_back({value, e.FStep, true});
     }
     std::vector<TVnJSONBase*>& work = lists->FWork;
     if (e.FStep + 1 == last) {

@@ -120,6 +120,13 @@ TEST(JsonPathSelect, StartsOptionsAndForms) {
   doc.GetRootValue()->_SelectNodes(result, u".price", true, {});
   EXPECT_EQ(result.Count(), 4);
   EXPECT_EQ(doc._CreateNodeList(u"$.nope | $.list[0] | $.list[1]", true, {})->Count(), 1);
+
+  // Repeated names: every member counts, and the first node may lie behind a later one.
+  TVnJSONDocument twice(u"{\"a\":{\"x\":1},\"a\":{\"b\":2},\"a\":{\"b\":3}}");
+  EXPECT_EQ(twice.SelectSingleNode(u"$.a.b")->GetAsInteger(), 2);
+  EXPECT_EQ(Sel(twice, u"$.a.b"), "2 3");
+  EXPECT_EQ(twice.SelectSingleNode(u"$.A.B"), nullptr);  // the same text read again, other options
+  EXPECT_EQ(twice.SelectSingleNode(u"$.A.B", {jsoCaseInsensitive})->GetAsInteger(), 2);
 }
 
 }  // namespace
