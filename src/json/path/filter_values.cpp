@@ -31,9 +31,10 @@ std::unique_ptr<FilterOperand> MakeOperand(std::u16string_view AText, bool ACase
 }
 
 TVnJSONBase* FilterOperand::Select(TVnJSONBase* ACandidate, TVnJDOCSelectOptions AOptions) {
-  if (!FProgram->FRootOnly) return FirstNode(*FProgram, ACandidate, AOptions);
-  // Nothing changes the tree while a filter runs, so a path from "$" is run once per run.
+  // Nothing changes the tree while a filter runs, so a path from "$" is run once per run (a
+  // term evaluated outside a run, by a caller of Evaluate, runs it each time).
   const uint64_t run = CurrentFilterRun();
+  if (!FProgram->FRootOnly || run == 0) return FirstNode(*FProgram, ACandidate, AOptions);
   if (FRun != run) {
     FNode = FirstNode(*FProgram, ACandidate, AOptions);
     FRun = run;

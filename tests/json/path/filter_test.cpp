@@ -79,6 +79,26 @@ TEST(JsonPathFilter, ComparesAsIntegersFloatsBooleansOrTexts) {
   EXPECT_EQ(Sel(nested, u"$.b.*[?(@.v>=1)]"), "{\"v\": 3}");
 }
 
+TEST(JsonPathFilter, TermsBuiltByHand) {
+  TVnJSONDocument doc(u"[{\"a\":1},{\"a\":2},{\"b\":1}]");
+  TVnJSONNodeList list;
+  for (Integer i = 0; i < 3; ++i) list.Add(doc.GetRootValue()->Item(i));
+  TVnBoolExpression top;
+  top.SetValue(new TVnExpValueHasNodeWithValue(&top, u"@.a", u"$[0].a", opGreater));
+  TVnBoolExpression* other = top.AddSibling(opOr);
+  other->SetValue(new TVnExpressionValueExists(other, u"@.b"));
+  EXPECT_FALSE(top.Evaluate(list, 0));
+  EXPECT_TRUE(top.Evaluate(list, 1));
+  EXPECT_FALSE(top.Evaluate(list, 2));  // "a" is missing: false, though "b" exists
+  TVnBoolExpression negation;
+  negation.SetValue(new TVnExpressionValueNot(&negation));
+  test::ExpectFailure([&] { negation.Evaluate(list, 0); }, -1, UnicodeString(cVnJSONFilterNotNeedsChild),
+                      u"Exception");
+  negation.AddFirstChild()->SetValue(new TVnExpressionValueExists(nullptr, u"@.b"));
+  EXPECT_TRUE(negation.Evaluate(list, 0));
+  EXPECT_FALSE(negation.Evaluate(list, 2));
+}
+
 // The chain rule as written, term by term, for comparison with the library's evaluation.
 bool Reference(const std::vector<int>& ATerms, const std::u16string& AOps, size_t AStart, bool& AError) {
   const auto value = [&](size_t k) {
