@@ -34,6 +34,7 @@
 
 #include "vnxml/common/generics.h"
 #include "vnxml/json_document.h"
+#include "vnxml/xpath_terms.h"
 
 namespace vn {
 
@@ -63,15 +64,10 @@ class TVnJSONNodeList : public generics::TList<TVnJSONBase*> {
   void Assign(const TVnJSONNodeList& ASource);
 };
 
-enum TVnBoolExpressionOperator : uint8_t { opNA, opAnd, opOr };
-enum TVnExpValueHasNodeWithValueOp : uint8_t {
-  opUnequal,
-  opEqual,
-  opSmaller,
-  opSmallerEqual,
-  opGreater,
-  opGreaterEqual
-};
+// The operators have the names and numbers of those of the XML filter language, whose
+// enumerations they are: one namespace can hold each name once.
+using TVnBoolExpressionOperator = TVnXPathBoolOperator;               // opNA, opAnd, opOr
+using TVnExpValueHasNodeWithValueOp = TVnXPathValueComparisonOperator;  // opUnequal ... opGreaterEqual
 
 /// The value of one term of a filter, for the candidate AList[AIndex]. AError is set when a
 /// comparison can't be made; the filter is then false for that candidate.
