@@ -4,7 +4,8 @@
 //               that collects the same values (the floor)
 //   filter/...  a filter over a large array, beside a hand-written loop doing the same test
 //   index/...   a path of names and indexes to one value, beside RapidJSON's Pointer and
-//               nlohmann's json_pointer (each parsed per call too, and once ahead: "/ready")
+//               nlohmann's json_pointer (each parsed per call too, and once ahead: "/ready");
+//               "/unkept": a text the thread's recent paths don't hold, read at every call
 // Counter "nodes": what one run selects, the same for every library of a query.
 #include <benchmark/benchmark.h>
 
@@ -107,6 +108,17 @@ void BM_vnxml_select(benchmark::State& AState, const char* AFile, const char16_t
 void BM_vnxml_single(benchmark::State& AState, const Index* AQuery) {
   vn::TVnJSONDocument& doc = Doc(AQuery->FFile);
   for (auto _ : AState) benchmark::DoNotOptimize(doc.SelectSingleNode(AQuery->FPath));
+  AState.counters["nodes"] = doc.SelectSingleNode(AQuery->FPath) ? 1 : 0;
+}
+
+// As above, but each call with a text the thread has not kept (trailing blanks differ), so the
+// path is read every time.
+void BM_vnxml_single_unkept(benchmark::State& AState, const Index* AQuery) {
+  vn::TVnJSONDocument& doc = Doc(AQuery->FFile);
+  std::vector<vn::UnicodeString> texts;
+  for (int i = 0; i < 32; ++i) texts.push_back(vn::UnicodeString(AQuery->FPath) + vn::UnicodeString(i, u' '));
+  size_t next = 0;
+  for (auto _ : AState) benchmark::DoNotOptimize(doc.SelectSingleNode(texts[next++ % texts.size()]));
   AState.counters["nodes"] = doc.SelectSingleNode(AQuery->FPath) ? 1 : 0;
 }
 
@@ -225,6 +237,7 @@ int RegisterAll() {
   for (const Index& q : kIndexes) {
     const std::string f = std::string("/") + q.FFile;
     add("index/vnxml" + f, BM_vnxml_single, &q);
+    add("index/vnxml/unkept" + f, BM_vnxml_single_unkept, &q);
 #ifdef VNXML_HAVE_RAPIDJSON
     add("index/rapidjson" + f, BM_rapidjson_pointer, &q, false);
     add("index/rapidjson/ready" + f, BM_rapidjson_pointer, &q, true);
