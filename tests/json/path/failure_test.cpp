@@ -67,14 +67,12 @@ TEST(JsonPathFailure, AStepFailsOnlyWhereItRuns) {
       u"$.nope[0]$",         // nothing to run the rest on
       u"$.s[0]x",            // a text is no container
       u"$.nope[?(@.a & 1)]", // the filter never runs
-      u"$.list | $.list",    // fine
       u"$.list[?(@.a==1 || @.b==)]",  // the term that can't compare is never reached
   };
   for (const char16_t* path : quiet) EXPECT_NO_THROW(doc.CreateNodeList(path)) << UnicodeToUtf8(path);
   EXPECT_EQ(doc.CreateNodeList(u"$.list[?(@.a==1 || @.b==)]")->Count(), 1);
   // With the first-only flag the alternatives after a selecting one are not run.
   EXPECT_EQ(doc._CreateNodeList(u"$.list | x", true, {})->Count(), 1);
-  ExpectFailure([&] { doc._CreateNodeList(u"$.nope | x", true, {}); }, 13, UnicodeString(_cVnJSONInvalidPath));
 }
 
 }  // namespace
