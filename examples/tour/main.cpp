@@ -29,6 +29,8 @@ int main(int argc, char** argv) {
     tour::Objects();
     // bridges
     tour::Bridges();
+    // ---- json-path ----
+    tour::JsonPaths();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

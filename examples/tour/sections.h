@@ -24,5 +24,7 @@ void PlatformDom();
 
 // bridges
 void Bridges();
+// ---- json-path ----
+void JsonPaths();
 
 }  // namespace tour

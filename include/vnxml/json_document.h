@@ -18,8 +18,11 @@
 // - A top-level value loaded into an object with no member yet raises EVnJSONException 0
 //   "oeps?", as a load into a value that cannot hold it does.
 // - Deep trees are freed, copied and saved without recursion.
+// - CreateNodeList and SelectSingleNode take their raise flag as a bool only, so that an option
+//   set such as {jsoRaise} (whose first value is 0) is never read as the flag false.
 #pragma once
 
+#include <concepts>
 #include <memory>
 
 #include "vnxml/common/set.h"
@@ -300,6 +303,29 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   TVnJSONDataType GetJSONType() override { return FJSONType; }
   void SetAsValue(const TValue& AValue) override;
 
+  // ---- selection by path (the language: json_path.h) ----
+  /// The nodes APath selects, in a new array that lists them without owning them; the caller
+  /// owns the array. Empty with jsoRaise: EVnJSONException 11.
+  std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, TVnJDOCSelectOptions AOptions = {});
+  /// As above, ARaise meaning [jsoRaise]. Only a bool picks this form: {jsoRaise} is a set.
+  template <std::same_as<bool> B>
+  std::unique_ptr<TVnJSONArray> CreateNodeList(std::u16string_view APath, B ARaise) {
+    return CreateNodeList(APath, ARaise ? TVnJDOCSelectOptions{jsoRaise} : TVnJDOCSelectOptions{});
+  }
+  /// The first node APath selects, or nil; nothing with jsoRaise: EVnJSONException 11.
+  TVnJSONBase* SelectSingleNode(std::u16string_view APath, TVnJDOCSelectOptions AOptions = {});
+  template <std::same_as<bool> B>
+  TVnJSONBase* SelectSingleNode(std::u16string_view APath, B ARaise) {
+    return SelectSingleNode(APath, ARaise ? TVnJDOCSelectOptions{jsoRaise} : TVnJDOCSelectOptions{});
+  }
+  /// The worker: with AFirstOnly, alternatives after the first that selects a node are not run.
+  std::unique_ptr<TVnJSONArray> _CreateNodeList(std::u16string_view APath, bool AFirstOnly,
+                                                TVnJDOCSelectOptions AOptions);
+  /// Runs the steps APath (no "$" or "@" in front) from this node into AResult; ARecursive runs
+  /// the first step on every descendant as well.
+  void _SelectNodes(TVnJSONArray& AResult, std::u16string_view APath, bool ARecursive,
+                    TVnJDOCSelectOptions AOptions);
+
   // ---- interface forms ----
   IPtr<IVnJSONBase> GetValue() override;
   IPtr<IVnJSONMember> GetMemberEx(std::u16string_view AName) override;
@@ -555,12 +581,5 @@ class TVnJSONDocument : public TVnJSONBase, public IVnJSONDocument {
 UnicodeString VnFormatJSON(std::u16string_view AText);
 /// Loads 8-bit text (UTF-8) and returns its formatted text.
 UnicodeString VnFormatJSON(const RawByteString& AText);
-
-namespace detail {
-/// The path selection behind SelectIntf; set by the path unit. Nil: paths are not available.
-using JSONSelectFunc = IPtr<IVnJSONArray> (*)(TVnJSONBase& ANode, std::u16string_view APath,
-                                              TVnJDOCSelectOptions AOptions);
-void SetJSONSelect(JSONSelectFunc AFunc) noexcept;
-}  // namespace detail
 
 }  // namespace vn

@@ -9,6 +9,7 @@
 #include "vnxml/json_form_reader.h"
 #include "vnxml/json_handler.h"
 #include "vnxml/json_parser.h"
+#include "vnxml/json_path.h"
 #include "vnxml/json_reader.h"
 #include "vnxml/json_reflected_values.h"
 #include "vnxml/json_values.h"

@@ -8,12 +8,6 @@
 
 namespace vn {
 
-namespace {
-detail::JSONSelectFunc gSelect = nullptr;
-}
-
-void detail::SetJSONSelect(JSONSelectFunc AFunc) noexcept { gSelect = AFunc; }
-
 // ---- memory ----
 
 void* TVnJSONBase::operator new(size_t ASize) { return detail::NewSlottedNode(ASize); }
@@ -221,10 +215,6 @@ IPtr<IVnJSONMember> TVnJSONBase::FindMemberIntf(std::u16string_view AName, bool 
 }
 IPtr<IVnJSONMember> TVnJSONBase::GetMemberIntf(std::u16string_view AName, TVnJDOCSelectOptions AOptions) {
   return AsIntf<IVnJSONMember>(GetMember(AName, AOptions));
-}
-IPtr<IVnJSONArray> TVnJSONBase::SelectIntf(std::u16string_view APath, TVnJDOCSelectOptions AOptions) {
-  if (!gSelect) throw EVnJSONException(cVnJSONErrInvalidPath, UnicodeString(_cVnJSONInvalidPath));
-  return gSelect(*this, APath, AOptions);
 }
 
 }  // namespace vn

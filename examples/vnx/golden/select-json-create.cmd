@@ -1,0 +1,1 @@
+select --create select-json.json '$.store.bicycle.bell'

@@ -1,0 +1,1 @@
+select --value select-json.json '$.store.book[?(@.price < 10 && @.isbn)].title'

@@ -1,0 +1,1 @@
+select select-json.json '$.store.book[-1:] | $.store.bicycle[color]'

@@ -1,0 +1,1 @@
+select select-json.json '$..price'
