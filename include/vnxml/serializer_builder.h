@@ -1,0 +1,184 @@
+// serializer_builder.h: TVnDeserializer, the building of an object, record or array from reader
+// events (unit uVnSerializer).
+// A notation translates its reader's events into four calls: CanDeserialize (a member starts),
+// DeserializeStartType (a nested value starts), DeserializeValue (a member's text) and
+// DeserializeEndType (a nested value ends). Each member is stored into the host the moment its
+// text arrives; a nested object, record or array gets a child deserializer that takes the
+// events until its value ends. No tree is built in between.
+// Objects are created only for nil members and only of registered classes: the class the text
+// names (which must be the member's class or a descendant) or the member's own class.
+// Ownership of created objects (the library's rule): each is stored in its member and recorded
+// in the created-objects list. When the read succeeds they belong to the host's members (or to
+// a list the caller passed). When it fails, every member that received one is reset to nil and
+// the objects are freed: a failed read never leaves the host linked to freed or half-read objects.
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "vnxml/common/classes.h"
+#include "vnxml/common/variant.h"
+#include "vnxml/serializer.h"
+
+namespace vn {
+
+class TVnTextParser;
+class TVnDeserializer;
+
+inline constexpr char16_t cVnDeserializeNotOnRoot[] = u"The \"Deserialize\" method may only be called on the root!";
+inline constexpr char16_t cVnNoTypeInfo[] = u"No TypeInfo available!";
+inline constexpr char16_t cVnMemberValueTypeNil[] = u"The MemberValueType is NIL!";
+inline constexpr char16_t cVnInstanceTypeInfoNil[] = u"The InstanceTypeInfo is NIL!";
+inline constexpr char16_t cVnMemberValueTypeDiffers[] = u"The MemberValueType (%s) is different than the InstanceTypeInfo (%s)!";
+inline constexpr char16_t cVnNoClassNameInStream[] = u"Failed to read the ClassName from the stream!";
+inline constexpr char16_t cVnFailedToCreateRoot[] = u"Failed to create an instance of the requested object!";
+inline constexpr char16_t cVnNoClassOfType[] = u"Failed to retrieve the Class of type \"%s\"!";
+inline constexpr char16_t cVnUnknownMember[] = u"Failed to find a property or field with the name %s.%s!";
+inline constexpr char16_t cVnUnknownSerializerName[] = u"Unknown Serializer Name";
+inline constexpr char16_t cVnFailedToCreateMember[] = u"Failed to create an instance of %s!";
+inline constexpr char16_t cVnEnumValueUnknown[] = u"Failed to get the EnumValue for ";
+inline constexpr char16_t cVnValueNotSupported[] = u"The value \"%s\" of type \"%s\" is not supported!";
+inline constexpr char16_t cVnFailedToSetValue[] = u"Failed to set propertyvalue %s!\r\n";
+inline constexpr char16_t cVnParentIsArray[] = u"The parent is the array field";
+inline constexpr char16_t cVnParentMemberTypeUnset[] = u"The FMemberTypeInfo of the parent is not set!!";
+inline constexpr char16_t cVnArrayMemberTypeUnset[] =
+    u"The FMemberTypeInfo should have been calculated in the \"DeserializeStartType\"!";
+/// A class the text names that is registered but is not the member's class or a descendant.
+inline constexpr char16_t cVnClassNotADescendant[] = u"The class %s is not a descendant of %s!";
+inline constexpr char16_t cVnOwnerNotAComponent[] = u"The object parameter \"Owner\" is not a TComponent!";
+
+/// A created-objects list that a deserializer made for itself.
+class TVnDeserializerObjectList : public TObjectList {
+  VN_DECLARE_CLASS(TVnDeserializerObjectList, TObjectList)
+ public:
+  TVnDeserializerObjectList(TVnDeserializer* AOwner, bool AOwnsObjects) : TObjectList(AOwnsObjects), FOwner(AOwner) {}
+  TVnDeserializer* FOwner;
+};
+
+class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
+  VN_DECLARE_CLASS(TVnDeserializer, TVnCustomSerializer)
+  VN_VNOBJECT_INTERFACES(TVnCustomSerializer, IVnDeserializer)
+  VN_CUSTOM_SERIALIZER_SLOTS
+ public:
+  TVnDeserializer();
+  ~TVnDeserializer() override;
+
+  /// Also keeps the value as the current member value (a root array read through a value).
+  void Create(const TValue& AValue) override;
+  /// Also takes the instance's IVnDeserializerHelper when it is an object that offers one.
+  void Create(void* AInstance, const TTypeInfo* AType) override;
+  /// A parent lends its stream and its created-objects list.
+  void SetParent(TVnCustomSerializer* AParent) override;
+
+  TObjectList* GetCreatedObjects() override { return FCreatedObjs; }
+  /// AList receives the objects created from now on (nil: a list that owns nothing).
+  void SetCreatedObjects(TObjectList* AList) override;
+
+  // ---- entry points (the root only) ----
+  void Deserialize(const TVnSerializedData& AData) override;
+  void Deserialize(TStream& AStream) override;
+
+  // ---- what the notation fills ----
+  /// The class name at the start of the raw text, or empty.
+  virtual void ReadClassName(TVnTextParser& AParser, UnicodeString& AClassName) = 0;
+  /// The class the current element names: true with the name (empty for a nil mark), false
+  /// when it names none. The base names none.
+  virtual bool ReadClassName(UnicodeString& AClassName);
+  /// Runs the reader over FStream.
+  virtual void DoDeserialize() = 0;
+  virtual Integer ValueToInt(std::u16string_view AValue) = 0;
+  virtual Int64 ValueToInt64(std::u16string_view AValue) = 0;
+  virtual Extended ValueToFloat(std::u16string_view AValue) = 0;
+  virtual UnicodeString ValueToStr(std::u16string_view AValue) = 0;
+  virtual TDateTime ValueToDate(std::u16string_view AValue) = 0;
+  virtual TDateTime ValueToTime(std::u16string_view AValue) = 0;
+  virtual TDateTime ValueToDateTime(std::u16string_view AValue) = 0;
+  virtual bool ValueToBool(std::u16string_view AValue) = 0;
+  virtual Variant ValueToVar(std::u16string_view AValue, std::u16string_view ADataType) = 0;
+  virtual TValue ValueToVal(std::u16string_view AValue, std::u16string_view ADataType) = 0;
+
+  // ---- the building ----
+  /// A new object of AType's class (the created-objects list records it).
+  virtual TObject* CreateInstance(const TVnTypeInfo*& AType);
+  /// What receives the events: this deserializer, or a sub-root for a root array or for a
+  /// class named by the text.
+  virtual TVnDeserializer* CheckInstance();
+  /// The child for the current member when it is an object, record or array; nil otherwise.
+  virtual TVnDeserializer* CreateChildDeserializerIfNeeded(std::u16string_view AName);
+  /// Whether the member AName can be read; finds it and makes its child. Unknown names raise
+  /// cVnUnknownMember when ARaiseOnUnknown, except the reserved className, parent, owner, type.
+  virtual TVnCanDeserialize CanDeserialize(UnicodeString& AURI, UnicodeString& AName, UnicodeString& ADataType,
+                                           bool ARaiseOnUnknown);
+  virtual void DeserializeStartType();
+  /// Converts AValue to the current member's type and stores it; failures come out as
+  /// cVnFailedToSetValue followed by the cause.
+  virtual void DeserializeValue(std::u16string_view AURI, std::u16string_view AName, std::u16string_view AValue,
+                                std::u16string_view ADataType);
+  virtual void DeserializeEndType();
+
+  /// True for an array deserializer below a parent; AKind receives the element's kind.
+  bool IsArraySerializer(TVnTypeKind* AKind = nullptr) const;
+  /// Makes the next element current in an array deserializer; the address of its value, or nil.
+  void* InitializeArrayElement(std::u16string_view AURI, std::u16string_view AName);
+  /// A child of the class the registry gives for AType, with its helper (from AHint, or the
+  /// registered one of a class), this deserializer as parent, and its start run. The child lives
+  /// as long as this deserializer or until the next child.
+  TVnDeserializer* CreateChildDeserializer(std::u16string_view AName, void* AInstance, const TVnTypeInfo* AType,
+                                           const SerializerHint* AHint);
+  /// The same for a copy of AValue, kept as the child's member value.
+  TVnDeserializer* CreateChildDeserializer(std::u16string_view AName, const TValue& AValue,
+                                           const SerializerHint* AHint);
+  /// The same with a given deserializer class.
+  TVnDeserializer* CreateChildDeserializer(TClass AClass, std::u16string_view AName, void* AInstance,
+                                           const TVnTypeInfo* AType, const SerializerHint* AHint);
+
+  TVnDeserializer* GetParentDeserializer() const noexcept { return FParentDeserializer; }
+  TVnDeserializer* GetChild() const noexcept { return FChild; }
+  /// Drops the current child (it has ended).
+  void ReleaseChild();
+  Integer GetArrIdx() const noexcept { return FArrIdx; }
+  const TVnTypeInfo* GetMemberTypeInfo() const noexcept { return FMemberTypeInfo; }
+  const TValue& GetMemberValue() const noexcept { return FMemberValue; }
+  TRttiField* GetMemberField() const noexcept { return FMemberField; }
+  TRttiProperty* GetMemberProp() const noexcept { return FMemberProp; }
+  /// The dotted path from the root to the current member, for messages.
+  UnicodeString GetPath() const;
+
+ protected:
+  /// Stores FMemberValue through the member field or property, or into the parent's array.
+  void StoreMemberValue();
+  /// Records that the member just stored holds the created AObject (undone on failure).
+  void RecordLink(TObject* AObject);
+  /// Frees what a failed read created and unlinks it from the members that got it.
+  void RollBack() noexcept;
+
+  TObjectList* FCreatedObjs = nullptr;
+  Integer FArrIdx = -1;
+  IPtr<IVnDeserializerHelper> FIHelper;
+  std::unique_ptr<TVnDeserializerHelper> FCHelper;
+  TRttiField* FMemberField = nullptr;
+  TRttiProperty* FMemberProp = nullptr;
+  const TVnTypeInfo* FMemberTypeInfo = nullptr;
+  TValue FMemberValue;
+  /// The name of the current member, for paths.
+  UnicodeString FMemberName;
+  TVnDeserializer* FParentDeserializer = nullptr;
+  /// The child of the current member; this deserializer holds its only count.
+  TVnDeserializer* FChild = nullptr;
+  IPtr<IVnDeserializer> FChildRef;
+
+ private:
+  struct Link {
+    TObject* Object;
+    void* Instance;
+    TRttiField* Field;
+    TRttiProperty* Prop;
+  };
+  /// The root's record of where created objects went; children add to the root's.
+  std::vector<Link> FLinks;
+  TVnDeserializer* Root();
+  bool FOwnList = false;
+};
+
+}  // namespace vn
