@@ -1,0 +1,206 @@
+// The JSON writer of the object serializer: structure, names and the value forms.
+#include <cmath>
+
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/vn_type_info_value.h"
+#include "vnxml/json_serializer.h"
+#include "vnxml/json_values.h"
+#include "vnxml/serializer_enums.h"
+#include "vnxml/xml_values.h"
+
+namespace vn {
+
+namespace {
+
+bool IsComplexKind(TVnTypeKind AKind) {
+  return AKind == vtkRecord || AKind == vtkClass || AKind == vtkInterface || AKind == vtkPointer;
+}
+bool IsArrayKind(TVnTypeKind AKind) { return AKind == vtkStaticArray || AKind == vtkDynArray; }
+bool IsTextKind(TVnTypeKind AKind) { return AKind >= vtkText1 && AKind <= vtkText6; }
+bool IsRawJSON(const TVnTypeInfo* AType) { return AType && SameText(AType->Name(), u"VnJSONString"); }
+
+/// The zone format a shoTimezoneFormat hint names ("tzfUTC", or its ordinal); none without one.
+TVnTimeZoneFormat HintedZone(TVnAttributes AAttributes) {
+  SerializerHint* hint = nullptr;
+  if (!GetSerializerHint(AAttributes, shoTimezoneFormat, hint)) return tzfNone;
+  const UnicodeString& v = hint->GetValue();
+  if (SameText(v, u"tzfOffset") || v == u"1") return tzfOffset;
+  if (SameText(v, u"tzfUTC") || v == u"2") return tzfUTC;
+  return tzfNone;
+}
+
+}  // namespace
+
+void TVnJSONSerializer::WriteObjectStart(const TVnTypeInfo* AType) {
+  Write('{');
+  if (AType && !AType->GetIsSimpleType()) {
+    Write(std::string_view("\"className\":\""));
+    Write(AType->SchemaName());
+    Write('"');
+    FPrefix = ",";
+  }
+}
+
+void TVnJSONSerializer::SerializeStartType(std::u16string_view AName, const TVnTypeInfo* AType, Integer AIndex) {
+  const TVnTypeKind kind = AType ? AType->Kind() : vtkUnknown;
+  const TVnCustomSerializer* parent = GetParent();
+  if (kind == vtkInterface && parent && parent->GetInstanceTypeInfo() &&
+      parent->GetInstanceTypeInfo()->Kind() == vtkRecord)
+    return;
+  if (!IsArrayKind(kind) && !IsComplexKind(kind)) {
+    VnAssert(parent == nullptr, cVnJSONBasicTypeNotAtRoot);
+    return;
+  }
+  if (IsArrayKind(kind)) {
+    Write('[');
+    FPrefix.clear();
+    return;
+  }
+  if (!AName.empty() && AIndex >= 1) Write(',');
+  else if (!AName.empty()) Write(FPrefix);
+  WriteObjectStart(AType);
+}
+
+void TVnJSONSerializer::SerializeEndType(std::u16string_view, const TVnTypeInfo* AType, Integer) {
+  const TVnTypeKind kind = AType ? AType->Kind() : vtkUnknown;
+  const TVnCustomSerializer* parent = GetParent();
+  if (kind == vtkInterface && parent && parent->GetInstanceTypeInfo() &&
+      parent->GetInstanceTypeInfo()->Kind() == vtkRecord)
+    return;
+  if (!IsArrayKind(kind) && !IsComplexKind(kind)) {
+    VnAssert(parent == nullptr, cVnJSONBasicTypeNotAtRoot);
+    return;
+  }
+  Write(IsArrayKind(kind) ? ']' : '}');
+  FPrefix = ",";
+}
+
+void TVnJSONSerializer::SerializeName(std::u16string_view AName, TVnSerializerMemberType, TVnTypeKind, TVnTypeKind) {
+  Write(FPrefix);
+  Write('"');
+  if (!AName.empty()) {
+    // A lower-case first letter; the readers look members up ignoring case.
+    const char16_t first = AName[0] >= u'A' && AName[0] <= u'Z' ? static_cast<char16_t>(AName[0] + 32) : AName[0];
+    Write(std::u16string_view(&first, 1));
+    Write(AName.substr(1));
+  }
+  Write(std::string_view("\":"));
+  FPrefix = ",";
+}
+
+void TVnJSONSerializer::SerializeValue(std::u16string_view, const TVnTypeInfo* AType, const TValue& AValue,
+                                       Integer AIndex, TVnAttributes AAttributes) {
+  if (AIndex > 0) Write(',');
+  WriteValue(AType, AValue, AAttributes);
+  FPrefix = ",";
+}
+
+void TVnJSONSerializer::WriteValue(const TVnTypeInfo* AType, const TValue& AValue, TVnAttributes AAttributes) {
+  const TVnTypeKind kind = AType ? AType->Kind() : vtkUnknown;
+  const bool null = IsNull(AValue);
+  if (null && ((kind >= vtkByte && kind <= vtkBoolean) || (kind >= vtkDate && kind <= vtkVariant))) {
+    Write(std::string_view("null"));
+    return;
+  }
+  switch (kind) {
+    case vtkByte: return Write(VnByteToXML(ToByte(AValue)));
+    case vtkWord: return Write(VnWordToXML(ToWord(AValue)));
+    case vtkLongWord: return Write(VnLongWordToXML(ToLongWord(AValue)));
+    case vtkUInt64: return Write(VnUInt64ToXML(ToUInt64(AValue)));
+    case vtkShortInt: return Write(VnShortIntToXML(ToShortInt(AValue)));
+    case vtkSmallInt: return Write(VnSmallIntToXML(ToSmallInt(AValue)));
+    case vtkInteger: return Write(VnLongIntToXML(ToInteger(AValue)));
+    case vtkInt64: return Write(VnInt64ToXML(ToInt64(AValue)));
+    case vtkSingle:
+    case vtkDouble:
+    case vtkExtended: {
+      const Extended e = ToExtended(AValue);
+      if (!std::isfinite(e)) return Write(std::string_view("null"));
+      return Write(kind == vtkExtended ? VnExtToXML(e) : VnDoubleToXML(ToDouble(AValue)));
+    }
+    case vtkBoolean: return Write(std::string_view(ToBoolean(AValue) ? "true" : "false"));
+    case vtkEnumeration:
+    case vtkSet: return WriteOrdinal(AType, AValue);
+    case vtkDate:
+    case vtkTime:
+    case vtkDateTime: return WriteDate(AType, AValue, AAttributes);
+    case vtkVariant: {
+      const Variant v = AValue.AsVariant();
+      const TValue inner = TValue::FromVariant(v);
+      const TVnTypeInfo* innerType = VnTypeInfo(inner);
+      if (!innerType || innerType->Kind() == vtkVariant) innerType = TVnTypes::VarTypeInfo(v);
+      if (!innerType || innerType->Kind() == vtkVariant) return Write(std::string_view("null"));
+      return WriteValue(innerType, inner, AAttributes);
+    }
+    case vtkStaticArray:
+    case vtkDynArray:
+      if (null || AValue.GetArrayLength() == 0) return Write(std::string_view("[]"));
+      throw Exception(cVnJSONArrayNeedsChild);
+    case vtkRecord:
+    case vtkClass:
+    case vtkInterface:
+    case vtkPointer:
+    case vtkClassRef: {
+      const TVnMainTypeKind main = MainTypeKind(AValue);
+      if (main == mtkInteger) return null ? Write(std::string_view("null")) : Write(ToWideString(AValue));
+      if (main == mtkString) {
+        if (null) return Write(std::string_view("null"));
+        if (IsRawJSON(VnTypeInfo(AValue)) || IsRawJSON(AType)) return Write(ToWideString(AValue));
+        Write('"');
+        Write(VnStrToJSON(ToWideString(AValue)));
+        return Write('"');
+      }
+      if (null) return Write(std::string_view("{}"));
+      throw Exception(cVnJSONObjectNeedsChild);
+    }
+    default:
+      if (IsTextKind(kind)) {
+        Write('"');
+        Write(IsRawJSON(AType) ? ToWideString(AValue) : VnStrToJSON(ToWideString(AValue)));
+        return Write('"');
+      }
+      if (IsRawJSON(AType) || IsRawJSON(VnTypeInfo(AValue))) return Write(ToWideString(AValue));
+      throw Exception(cVnJSONUnsupportedTypeKind);
+  }
+}
+
+void TVnJSONSerializer::WriteOrdinal(const TVnTypeInfo* AType, const TValue& AValue) {
+  // The type may come as the enumeration while the value is a number or a Variant of one.
+  const TTypeInfo* type = AType->Handle();
+  Int64 ordinal = 0;
+  if (!IsNull(AValue)) ordinal = AValue.Kind() == tkVariant ? ToInt64(AValue) : AValue.IsOrdinal() || AValue.Kind() == tkSet ? AValue.AsOrdinal() : ToInt64(AValue);
+  const UnicodeString prefix = VnEnumPrefix(type);
+  UnicodeString text;
+  if (AType->Kind() == vtkSet)
+    text = IsNull(AValue) ? UnicodeString() : VnSetNames(type, static_cast<UInt64>(ordinal), prefix);
+  else
+    text = VnEnumName(type, ordinal, prefix);
+  Write(std::string_view("{\"className\":\""));
+  Write(AType->SchemaName());
+  Write(std::string_view("\",\"asString\":\""));
+  Write(VnStrToJSON(text));
+  Write(std::string_view("\",\"asInt\":"));
+  Write(VnInt64ToXML(ordinal));
+  Write('}');
+}
+
+void TVnJSONSerializer::WriteDate(const TVnTypeInfo* AType, const TValue& AValue, TVnAttributes AAttributes) {
+  Write('"');
+  if (MainTypeKind(AValue) == mtkString) {
+    Write(VnStrToJSON(ToWideString(AValue)));
+    return Write('"');
+  }
+  const TDateTime d = ToDouble(AValue);
+  const UnicodeString& name = AType->Name();
+  const bool utc = SameText(name, u"TVnUTCDate") || SameText(name, u"TVnUTCTime") || SameText(name, u"TVnUTCDateTime");
+  const TVnTimeZoneFormat zone = utc ? tzfNone : HintedZone(AAttributes);
+  switch (AType->Kind()) {
+    case vtkDate: Write(VnDateToXML(d, zone)); break;
+    case vtkTime: Write(VnTimeToXML(d, zone)); break;
+    default: Write(VnDateTimeToXML(d, zone)); break;
+  }
+  if (utc) Write('Z');
+  Write('"');
+}
+
+}  // namespace vn
