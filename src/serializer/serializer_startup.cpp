@@ -17,6 +17,8 @@ void RegisterFrameTypes() { VnRegisterType(TVnSerializableComponent::StaticClass
 using StartupRegistration = void (*)();
 constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
+    // JSON notation
+    &RegisterJSONSerializers,
 };
 
 thread_local bool tRunning = false;

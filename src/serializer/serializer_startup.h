@@ -8,4 +8,8 @@ namespace vn::detail {
 /// back here) goes straight through.
 void EnsureSerializerStartup();
 
+// ---- the notations' registrations, listed in serializer_startup.cpp ----
+/// The JSON notation (json_registration.cpp).
+void RegisterJSONSerializers();
+
 }  // namespace vn::detail
