@@ -46,6 +46,8 @@ inline constexpr char16_t cVnArrayMemberTypeUnset[] =
     u"The FMemberTypeInfo should have been calculated in the \"DeserializeStartType\"!";
 /// A class the text names that is registered but is not the member's class or a descendant.
 inline constexpr char16_t cVnClassNotADescendant[] = u"The class %s is not a descendant of %s!";
+/// An element past the end of a fixed-size array.
+inline constexpr char16_t cVnArrayFull[] = u"The array at \"%s\" has no element %s!";
 inline constexpr char16_t cVnOwnerNotAComponent[] = u"The object parameter \"Owner\" is not a TComponent!";
 
 /// A created-objects list that a deserializer made for itself.
@@ -146,16 +148,25 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   UnicodeString GetPath() const;
 
  protected:
-  /// Stores FMemberValue through the member field or property, or into the parent's array.
+  /// Stores FMemberValue through the member field or property, or into the array being read.
   void StoreMemberValue();
-  /// Records that the member just stored holds the created AObject (undone on failure).
-  void RecordLink(TObject* AObject);
+  /// Records a new object in the root's lists.
+  void RecordCreated(TObject* AObject);
+  /// Records that the member of AInstance now holds what this read created (undone on failure).
+  void RecordLink(void* AInstance, TRttiField* AField, TRttiProperty* AProp);
+  /// How many objects the read has created so far.
+  size_t CreatedCount();
   /// Frees what a failed read created and unlinks it from the members that got it.
   void RollBack() noexcept;
+  TVnDeserializer* Root();
+  /// Makes AChild the current child: name, helper, parent, start.
+  TVnDeserializer* AdoptChild(IPtr<IVnDeserializer> AChild, std::u16string_view AName, const TVnTypeInfo* AType,
+                              const SerializerHint* AHint);
 
   TObjectList* FCreatedObjs = nullptr;
   Integer FArrIdx = -1;
-  IPtr<IVnDeserializerHelper> FIHelper;
+  /// The instance's own helper, not counted: counting a host object would free it.
+  IVnDeserializerHelper* FIHelper = nullptr;
   std::unique_ptr<TVnDeserializerHelper> FCHelper;
   TRttiField* FMemberField = nullptr;
   TRttiProperty* FMemberProp = nullptr;
@@ -170,14 +181,19 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
 
  private:
   struct Link {
-    TObject* Object;
     void* Instance;
     TRttiField* Field;
     TRttiProperty* Prop;
   };
-  /// The root's record of where created objects went; children add to the root's.
+  // Kept by the root: the objects created, and the members that received them.
+  std::vector<TObject*> FCreated;
   std::vector<Link> FLinks;
-  TVnDeserializer* Root();
+  /// Objects created before this child started: more at its end means its copy holds new ones.
+  size_t FCreatedAtStart = 0;
+  /// Levels below the root; bounded like the walker's.
+  int FDepth = 0;
+  /// Between DeserializeStartType and DeserializeEndType.
+  bool FStarted = false;
   bool FOwnList = false;
 };
 

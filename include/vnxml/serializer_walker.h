@@ -111,11 +111,20 @@ class TVnSerializer : public TVnCustomSerializer, public IVnSerializer {
 
   UnicodeString FMemberName;
   UnicodeString FPath;
-  IPtr<IVnSerializerHelper> FHelper;
+  /// The instance's own helper, not counted: counting a host object would free it.
+  IVnSerializerHelper* FHelper = nullptr;
+  /// "excludechildren", read once per serializer.
+  bool FExcludeChildren = false;
   /// Levels below the root; bounded by cVnMaxNesting.
   int FDepth = 0;
   /// UTF-8 of the text being written (kept to reuse its room).
   std::string FScratch;
+
+ private:
+  void WalkMembers();
+  void WalkArray();
+  /// Conditions shared by properties and fields: what may be written at all.
+  bool MemberPasses(const TVnTypeInfo* AType, const TValue& AValue) const;
 };
 
 }  // namespace vn

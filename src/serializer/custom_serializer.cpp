@@ -1,12 +1,13 @@
 // TVnCustomSerializer: the instance a serializer works on, and its parameters.
 #include <iterator>
 
+#include "serializer/kind_names.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/serializer.h"
 
 namespace vn {
 
-namespace {
+namespace detail {
 
 const char16_t* const kTypeKindNames[] = {
     u"tkUnknown", u"tkInteger",   u"tkChar",   u"tkEnumeration", u"tkFloat",   u"tkString",
@@ -18,7 +19,9 @@ const char16_t* TypeKindName(TTypeKind AKind) {
   return AKind < std::size(kTypeKindNames) ? kTypeKindNames[AKind] : u"tkUnknown";
 }
 
-}  // namespace
+}  // namespace detail
+
+using detail::TypeKindName;
 
 TVnCustomSerializer::TVnCustomSerializer() : FParams(std::make_unique<TStringList>()), FName(u"root") {}
 

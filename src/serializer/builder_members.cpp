@@ -1,0 +1,368 @@
+// TVnDeserializer: finding a member, making its child, converting and storing its value.
+#include <cstring>
+
+#include "serializer/kind_names.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_type_info_value.h"
+#include "vnxml/serializer_builder.h"
+#include "vnxml/serializer_enums.h"
+#include "vnxml/serializer_walker.h"
+
+namespace vn {
+
+namespace {
+
+bool IsArrayKind(TVnTypeKind AKind) { return AKind == vtkStaticArray || AKind == vtkDynArray; }
+
+bool IsReserved(std::u16string_view AName) {
+  return SameText(AName, u"className") || SameText(AName, u"parent") || SameText(AName, u"owner") ||
+         SameText(AName, u"type");
+}
+
+/// AValue as a value of AType: the casts of TValue, then the registry's text conversions.
+TValue ConvertTo(const TValue& AValue, const TTypeInfo* AType) {
+  TValue result;
+  if (AValue.TypeInfo() == AType) return AValue;
+  if (AValue.TryCast(AType, result) || ToType(AValue, AType, result)) return result;
+  throw EInvalidCast(u"Invalid class typecast");
+}
+
+}  // namespace
+
+// ---- finding the member ----
+
+TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeString& AName, UnicodeString& ADataType,
+                                                  bool ARaiseOnUnknown) {
+  ReleaseChild();
+  if (FCHelper) return FCHelper->CanDeserialize(this, AURI, AName, ADataType);
+  TVnCanDeserialize result = FIHelper ? FIHelper->CanDeserialize(this, AURI, AName, ADataType) : desNo;
+  if (result == desNo) {
+    FMemberField = nullptr;
+    FMemberProp = nullptr;
+    FMemberTypeInfo = nullptr;
+    FMemberValue = TValue();
+    FMemberName = AName;
+    const TVnTypeKind kind = FInstanceTypeInfo ? FInstanceTypeInfo->Kind() : vtkUnknown;
+    if ((kind == vtkRecord || kind == vtkClass) && FInstancePtr) {
+      TRttiType* type = FInstanceTypeInfo->RttiType();
+      auto takeProperty = [&](TRttiProperty* AProperty) {
+        FMemberProp = AProperty;
+        if (AProperty->Visibility() < mvPublic) return;
+        FMemberTypeInfo = TVnTypes::GetTypeInfo(AProperty->PropertyTypeInfo());
+        FMemberValue = AProperty->IsReadable() ? AProperty->GetValue(FInstancePtr)
+                                               : TValue::Make(nullptr, AProperty->PropertyTypeInfo());
+      };
+      if (TRttiField* field = type->GetField(AName)) {
+        FMemberField = field;
+        FMemberTypeInfo = TVnTypes::GetTypeInfo(field->FieldTypeInfo());
+        FMemberValue = field->GetValue(FInstancePtr);
+      } else if (kind == vtkClass) {
+        if (TRttiProperty* property = type->GetProperty(AName)) {
+          takeProperty(property);
+        } else {
+          SerializerHint* hint = nullptr;
+          for (TRttiProperty* candidate : type->GetProperties()) {
+            if (candidate->Visibility() >= mvPublic && GetSerializerHint(candidate, shoName, hint) &&
+                SameText(hint->GetValue(), AName)) {
+              takeProperty(candidate);
+              break;
+            }
+          }
+        }
+      }
+      if (FMemberField || FMemberProp) {
+        if (ADataType.empty() && FMemberTypeInfo) ADataType = FMemberTypeInfo->QualifiedName();
+        result = desYes;
+      }
+    }
+    if (result == desNo && !IsReserved(AName) && ARaiseOnUnknown)
+      throw EVnSerializeException(cVnUnknownMember,
+                                  {FInstanceTypeInfo ? FInstanceTypeInfo->QualifiedName() : UnicodeString(), AName});
+  }
+  if (result == desYes) CreateChildDeserializerIfNeeded(AName);
+  return result;
+}
+
+// ---- children ----
+
+TVnDeserializer* TVnDeserializer::CreateChildDeserializerIfNeeded(std::u16string_view AName) {
+  if (!FMemberTypeInfo) return nullptr;
+  const bool inArray = IsArraySerializer();
+  if (!inArray && !FMemberField && !FMemberProp) throw Exception(cVnUnknownSerializerName);
+  const std::u16string_view childName = inArray ? std::u16string_view(u"ArrayElm") : AName;
+  SerializerHint* hint = nullptr;
+  if (!inArray && FMemberProp) GetSerializerHint(FMemberProp, shoDeserializerHelper, hint);
+  switch (FMemberTypeInfo->GetKind()) {
+    case tkClass: {
+      TObject* object = FMemberValue.AsObject();
+      if (!object) {
+        UnicodeString named;
+        const bool hasName = ReadClassName(named);
+        const TVnTypeInfo* type = nullptr;
+        if (hasName && !named.empty()) {
+          type = TVnTypes::GetTypeInfo(named, tntSchemaName, false, mtkUnknown);
+          if (!type || type->GetKind() != tkClass) throw ENotSupportedException(cVnFailedToCreateMember, {named});
+          // Only the member's class or a descendant: a text never chooses an unrelated class.
+          if (!ClassInheritsFrom(type->Handle()->ClassType, FMemberTypeInfo->Handle()->ClassType))
+            throw EVnSerializeException(cVnClassNotADescendant, {type->Name(), FMemberTypeInfo->Name()});
+        } else if (!hasName) {
+          type = FMemberTypeInfo;
+        }
+        if (type) {
+          TRttiMethod* create = type->RttiType()->GetMethod(u"Create");
+          if (!create || create->GetParameters().empty()) {
+            object = CreateInstance(type);
+            FMemberValue = TValue::FromObject(object, FMemberTypeInfo->Handle());
+            StoreMemberValue();
+            if (!inArray && FInstanceTypeInfo->GetKind() == tkClass) RecordLink(FInstancePtr, FMemberField, FMemberProp);
+            else if (!inArray && !FParentDeserializer) RecordLink(FInstancePtr, FMemberField, FMemberProp);
+          } else if (hasName) {
+            throw ENotSupportedException(cVnFailedToCreateMember, {named});
+          }
+        }
+        if (!object) return nullptr;
+      } else if (auto* component = CastObject<TComponent>(object)) {
+        // A component is entered only when the object being read owns it.
+        const TObject* self = FInstanceTypeInfo->GetKind() == tkClass ? static_cast<TObject*>(FInstancePtr) : nullptr;
+        if (component->GetOwner() != self) return nullptr;
+      }
+      return CreateChildDeserializer(childName, object, TVnTypes::GetTypeInfo(object->ClassType()), hint);
+    }
+    case tkArray:
+    case tkRecord:
+    case tkDynArray:
+    case tkMRecord: {
+      // Inside an array the element is filled where it stands; a member is read into the copy
+      // in FMemberValue, which goes back at the child's end.
+      void* instance = inArray ? FInstanceTypeInfo->Handle()->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx))
+                               : FMemberValue.GetReferenceToRawData();
+      return CreateChildDeserializer(childName, instance, FMemberTypeInfo, hint);
+    }
+    default:
+      return nullptr;
+  }
+}
+
+TVnDeserializer* TVnDeserializer::AdoptChild(IPtr<IVnDeserializer> AChild, std::u16string_view AName,
+                                             const TVnTypeInfo* AType, const SerializerHint* AHint) {
+  auto* child = static_cast<TVnDeserializer*>(VnImplementor(AChild.Get()));
+  child->FName = AName;
+  if (AHint) {
+    child->FCHelper.reset(static_cast<TVnDeserializerHelper*>(vn::CreateInstance(AHint->GetDeserializerHelperClass())));
+  } else if (AType && AType->GetKind() == tkClass) {
+    child->FCHelper = VnCreateDeserializerHelper(AType->Handle()->ClassType);
+  }
+  child->SetParent(this);
+  child->FDepth = FDepth + 1;
+  if (child->FDepth >= cVnMaxNesting) throw EVnSerializeException(cVnNestingTooDeep, {GetPath()});
+  child->FCreatedAtStart = CreatedCount();
+  FChildRef = std::move(AChild);
+  FChild = child;
+  child->DeserializeStartType();
+  return child;
+}
+
+TVnDeserializer* TVnDeserializer::CreateChildDeserializer(std::u16string_view AName, void* AInstance,
+                                                          const TVnTypeInfo* AType, const SerializerHint* AHint) {
+  ReleaseChild();
+  return AdoptChild(VnCreateDeserializerEx(Format(), AInstance, AType), AName, AType, AHint);
+}
+
+TVnDeserializer* TVnDeserializer::CreateChildDeserializer(std::u16string_view AName, const TValue& AValue,
+                                                          const SerializerHint* AHint) {
+  ReleaseChild();
+  return AdoptChild(VnCreateDeserializer(Format(), AValue), AName, VnTypeInfo(AValue), AHint);
+}
+
+TVnDeserializer* TVnDeserializer::CreateChildDeserializer(TClass AClass, std::u16string_view AName, void* AInstance,
+                                                          const TVnTypeInfo* AType, const SerializerHint* AHint) {
+  ReleaseChild();
+  std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
+  auto* child = CastObject<TVnDeserializer>(object.get());
+  VnAssert(child != nullptr, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
+  object.release();
+  IPtr<IVnDeserializer> ref(static_cast<IVnDeserializer*>(child));
+  child->Create(AInstance, AType ? AType->Handle() : nullptr);
+  return AdoptChild(std::move(ref), AName, AType, AHint);
+}
+
+void TVnDeserializer::DeserializeStartType() {
+  if (FCHelper) FCHelper->DeserializeStartType(this);
+  if (FIHelper) FIHelper->BeforeDeserialize(this);
+  FStarted = true;
+  if (FInstanceTypeInfo && IsArrayKind(FInstanceTypeInfo->Kind())) {
+    VnAssert(FParentDeserializer != nullptr, cVnParentIsArray);
+    VnAssert(FParentDeserializer->FMemberTypeInfo != nullptr, cVnParentMemberTypeUnset);
+    FArrIdx = -1;
+    FMemberTypeInfo = FInstanceTypeInfo->ElementType();
+  }
+}
+
+bool TVnDeserializer::IsArraySerializer(TVnTypeKind* AKind) const {
+  if (!FParentDeserializer || !FInstanceTypeInfo || !IsArrayKind(FInstanceTypeInfo->Kind())) return false;
+  VnAssert(FMemberTypeInfo != nullptr, cVnArrayMemberTypeUnset);
+  if (AKind) *AKind = FMemberTypeInfo->Kind();
+  return true;
+}
+
+void* TVnDeserializer::InitializeArrayElement(std::u16string_view, std::u16string_view AName) {
+  if (!IsArraySerializer()) return nullptr;
+  ReleaseChild();
+  const TTypeInfo* arrayType = FInstanceTypeInfo->Handle();
+  const TVnTypeInfo* element = FInstanceTypeInfo->ElementType();
+  ++FArrIdx;
+  FMemberField = nullptr;
+  FMemberProp = nullptr;
+  FMemberTypeInfo = element;
+  if (arrayType->Kind == tkDynArray) {
+    DynArraySetLength(FInstancePtr, arrayType, FArrIdx + 1);
+  } else if (FArrIdx >= DynArraySize(FInstancePtr, arrayType)) {
+    throw EVnSerializeException(cVnArrayFull, {GetPath(), IntToStr(static_cast<Int64>(FArrIdx))});
+  }
+  void* item = arrayType->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx));
+  FMemberValue = TValue::Make(item, element->Handle());
+  CreateChildDeserializerIfNeeded(AName);
+  return FMemberValue.GetReferenceToRawData();
+}
+
+UnicodeString TVnDeserializer::GetPath() const {
+  UnicodeString path;
+  for (const TVnDeserializer* d = this; d; d = d->FParentDeserializer) {
+    UnicodeString step;
+    if (d->FInstanceTypeInfo && IsArrayKind(d->FInstanceTypeInfo->Kind()) && d->FParentDeserializer)
+      step = u"[" + IntToStr(static_cast<Int64>(d->FArrIdx)) + u"]";
+    else if (d->FMemberTypeInfo || d == this)
+      step = d->FMemberName;
+    if (step.empty()) continue;
+    if (!path.empty() && path.front() != u'[') step += u'.';
+    path = step + path;
+  }
+  return path;
+}
+
+// ---- values ----
+
+void TVnDeserializer::StoreMemberValue() {
+  if (IsArraySerializer()) {
+    const TTypeInfo* element = FMemberTypeInfo->Handle();
+    const TValue value = ConvertTo(FMemberValue, element);
+    void* item = FInstanceTypeInfo->Handle()->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx));
+    element->Ops->Assign(item, value.GetReferenceToRawData());
+  } else if (FMemberField) {
+    FMemberField->SetValue(FInstancePtr, FMemberValue);
+  } else if (FMemberProp) {
+    FMemberProp->SetValue(FInstancePtr, FMemberValue);
+  }
+}
+
+void TVnDeserializer::DeserializeValue(std::u16string_view AURI, std::u16string_view AName, std::u16string_view AValue,
+                                       std::u16string_view ADataType) {
+  if (FCHelper || FIHelper) {
+    bool handled = false;
+    const UnicodeString uri(AURI), name(AName), value(AValue), dataType(ADataType);
+    if (FCHelper) FCHelper->DeserializeValue(this, uri, name, value, dataType, handled);
+    if (FIHelper) FIHelper->DeserializeValue(this, uri, name, value, dataType, handled);
+    if (handled) return;
+  }
+  try {
+    if (!FMemberTypeInfo) {
+      const TVnTypeKind kind = FInstanceTypeInfo ? FInstanceTypeInfo->Kind() : vtkUnknown;
+      if (FInstancePtr && (IsArrayKind(kind) || kind == vtkRecord || kind == vtkClass) && AURI.empty() && AName.empty()) {
+        VnDeserializeEx(Format(), FInstancePtr, FInstanceTypeInfo, UnicodeToUtf8(AValue));
+      }
+      return;
+    }
+    const TTypeInfo* type = FMemberTypeInfo->Handle();
+    switch (type->Kind) {
+      case tkInteger:
+        FMemberValue = ConvertTo(TValue::From(ValueToInt64(AValue)), type);
+        break;
+      case tkInt64:
+        FMemberValue = type->IsUnsigned ? ConvertTo(TValue::From(ValueToStr(AValue)), type)
+                                        : TValue::From(ValueToInt64(AValue));
+        break;
+      case tkFloat: {
+        const TVnTypeKind kind = FMemberTypeInfo->Kind();
+        const Extended number = kind == vtkDate       ? ValueToDate(AValue)
+                                : kind == vtkTime     ? ValueToTime(AValue)
+                                : kind == vtkDateTime ? ValueToDateTime(AValue)
+                                                      : ValueToFloat(AValue);
+        FMemberValue = ConvertTo(TValue::From(number), type);
+        break;
+      }
+      case tkChar:
+      case tkWChar: {
+        const UnicodeString text = ValueToStr(AValue);
+        FMemberValue = ConvertTo(TValue::From(text.empty() ? char16_t(0) : text[0]), type);
+        break;
+      }
+      case tkString:
+      case tkLString:
+      case tkWString:
+      case tkUString:
+        FMemberValue = ConvertTo(TValue::From(ValueToStr(AValue)), type);
+        break;
+      case tkVariant:
+        FMemberValue = TValue::From(ValueToVar(AValue, ADataType));
+        break;
+      case tkEnumeration: {
+        if (FMemberTypeInfo->Kind() == vtkBoolean) {
+          FMemberValue = ConvertTo(TValue::From(ValueToBool(AValue)), type);
+          break;
+        }
+        const UnicodeString text = ValueToStr(AValue);
+        const Int64 ordinal = VnEnumOrdinal(type, text, VnEnumPrefix(type));
+        if (ordinal < 0) throw EVnSerializeException(cVnEnumValueUnknown + text);
+        FMemberValue = TValue::FromOrdinal(type, ordinal);
+        break;
+      }
+      case tkSet: {
+        const UnicodeString text = ValueToStr(AValue);
+        UInt64 bits = 0;
+        if (!VnSetBits(type, text, VnEnumPrefix(type), bits)) throw EVnSerializeException(cVnEnumValueUnknown + text);
+        TValue value = TValue::Make(nullptr, type);
+        std::memcpy(value.GetReferenceToRawData(), &bits, type->Ops->Size < sizeof bits ? type->Ops->Size : sizeof bits);
+        FMemberValue = std::move(value);
+        break;
+      }
+      case tkClass:
+        if (AValue.empty()) {
+          FMemberValue = TValue::FromObject(nullptr, type);
+          break;
+        }
+        [[fallthrough]];
+      default:
+        throw Exception(cVnValueNotSupported, {UnicodeString(AValue), detail::TypeKindName(type->Kind)});
+    }
+    StoreMemberValue();
+  } catch (const Exception& e) {
+    // The cause's text goes after the formatted part, so a % in it is never read as a format.
+    throw EVnSerializeException(vn::Format(cVnFailedToSetValue, {UnicodeString(AValue)}) + e.Message());
+  }
+}
+
+void TVnDeserializer::DeserializeEndType() {
+  if (FCHelper) FCHelper->DeserializeEndType(this);
+  if (FIHelper) FIHelper->AfterDeserialize(this);
+  FStarted = false;
+  TVnDeserializer* parent = FParentDeserializer;
+  if (!parent || parent->IsArraySerializer() || !parent->FMemberTypeInfo) return;
+  switch (parent->FMemberTypeInfo->GetKind()) {
+    case tkArray:
+    case tkRecord:
+    case tkDynArray:
+    case tkMRecord:
+      parent->StoreMemberValue();
+      // The copy went back into the parent; if it holds new objects, a failure must undo it.
+      if (CreatedCount() > FCreatedAtStart &&
+          ((parent->FInstanceTypeInfo && parent->FInstanceTypeInfo->GetKind() == tkClass) || !parent->FParentDeserializer))
+        RecordLink(parent->FInstancePtr, parent->FMemberField, parent->FMemberProp);
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace vn
