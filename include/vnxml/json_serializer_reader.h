@@ -14,7 +14,10 @@
 // number; a simple member takes a string, number, boolean or null. Any other shape raises
 // EVnSerializeException cVnJSONShapeMismatch with the path of the member. Unknown members raise
 // the builder's message unless their name is reserved (className, parent, owner, type); a null
-// for a Variant member reads as Null. Objects created for nil members are freed and unlinked again
+// for a Variant member reads as Null, for a string member as empty. Every failure of the builder
+// or a conversion during a read comes out as EVnSerializeException with the path in front of
+// its own message (cVnJSONFailureAtPrefix, the path in quotes, a line end, the message); the
+// reader's own failures (text that is not JSON, text cut short) pass through as they are. Objects created for nil members are freed and unlinked again
 // when the read fails (serializer_builder.h).
 // Parameter "UrlEncoded" at "True" or "1" (any case): the text is form-URL-encoded.
 #pragma once
@@ -34,6 +37,8 @@ inline constexpr char16_t cVnJSONEnumMemberExpected[] =
     u"\"The JSON Enum Deserializer expected \"asString\" or \"asInt\", but the member \"%s\" was deserialized instead!";
 /// Path, what the type needs, what the text holds.
 inline constexpr char16_t cVnJSONShapeMismatch[] = u"Deserialization failure at \"%s\"\r\n%s expected, but %s found!";
+/// What every failure during a read starts with: the path, then the cause's own message.
+inline constexpr char16_t cVnJSONFailureAtPrefix[] = u"Deserialization failure at ";
 inline constexpr char16_t cVnJSONNestingTooDeep[] = u"Deserialization failure at \"%s\"\r\nThe nesting is too deep!";
 
 class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler, public IVnJSONErrorHandler {
@@ -121,6 +126,11 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   bool ChildTookOver() const { return FDispatcher && FDispatcher->FActive != this; }
   /// Who has the floor: the events go there.
   TVnJSONDeserializer& Target();
+  /// Runs AEvent on the deserializer that has the floor; a failure comes out with its path.
+  template <class F>
+  void Dispatch(F AEvent);
+  /// The path a failure names.
+  UnicodeString PlaceForMessages() const;
   /// The child that reads the object form of the current enumeration or set member.
   void StartOrdinalChild();
   void ValueAsObject(TVnJSONSimpleDataType AType, std::u16string_view AText);

@@ -135,7 +135,7 @@ void TVnJSONDeserializer::Finish() {
 }
 
 void TVnJSONDeserializer::RaiseShape(std::u16string_view AExpected, std::u16string_view AFound) {
-  throw EVnSerializeException(cVnJSONShapeMismatch, {GetPath(), AExpected, AFound});
+  throw EVnSerializeException(cVnJSONShapeMismatch, {PlaceForMessages(), AExpected, AFound});
 }
 
 UnicodeString TVnJSONDeserializer::ExpectedName(const TVnTypeInfo* AType) {
@@ -148,14 +148,49 @@ UnicodeString TVnJSONDeserializer::ExpectedName(const TVnTypeInfo* AType) {
 
 // ---- the reader's events, passed to whoever has the floor ----
 
-TVnJSONDeserializer& TVnJSONDeserializer::Target() { return FDispatcher && FDispatcher->FActive ? *FDispatcher->FActive : *this; }
+TVnJSONDeserializer& TVnJSONDeserializer::Target() {
+  return FDispatcher && FDispatcher->FActive ? *FDispatcher->FActive : *this;
+}
 
-void TVnJSONDeserializer::StartObject() { Target().DoStartObject(); }
-void TVnJSONDeserializer::StartMember(std::u16string_view AName) { Target().DoStartMember(AName); }
-void TVnJSONDeserializer::StartArray() { Target().DoStartArray(); }
-void TVnJSONDeserializer::Value(TVnJSONSimpleDataType AType, std::u16string_view AText) { Target().DoValue(AType, AText); }
-void TVnJSONDeserializer::EndArray() { Target().DoEndArray(); }
-void TVnJSONDeserializer::EndObject() { Target().DoEndObject(); }
+template <class F>
+void TVnJSONDeserializer::Dispatch(F AEvent) {
+  TVnJSONDeserializer& target = Target();
+  try {
+    AEvent(target);
+  } catch (const EAssertionFailed&) {
+    throw;
+  } catch (const Exception& e) {
+    // Every failure names where in the object graph it happened, once.
+    if (e.Message().starts_with(cVnJSONFailureAtPrefix)) throw;
+    throw EVnSerializeException(UnicodeString(cVnJSONFailureAtPrefix) + u"\"" + target.PlaceForMessages() + u"\"\r\n" +
+                                e.Message());
+  }
+}
+
+UnicodeString TVnJSONDeserializer::PlaceForMessages() const {
+  // Before its own value starts, a child stands for its parent's member.
+  const TVnDeserializer* parent = GetParentDeserializer();
+  return !FOpened && parent ? parent->GetPath() : GetPath();
+}
+
+void TVnJSONDeserializer::StartObject() {
+  Dispatch([](TVnJSONDeserializer& t) { t.DoStartObject(); });
+}
+void TVnJSONDeserializer::StartMember(std::u16string_view AName) {
+  Dispatch([AName](TVnJSONDeserializer& t) { t.DoStartMember(AName); });
+}
+void TVnJSONDeserializer::StartArray() {
+  Dispatch([](TVnJSONDeserializer& t) { t.DoStartArray(); });
+}
+void TVnJSONDeserializer::Value(TVnJSONSimpleDataType AType, std::u16string_view AText) {
+  Dispatch([AType, AText](TVnJSONDeserializer& t) { t.DoValue(AType, AText); });
+}
+void TVnJSONDeserializer::EndArray() {
+  Dispatch([](TVnJSONDeserializer& t) { t.DoEndArray(); });
+}
+void TVnJSONDeserializer::EndObject() {
+  Dispatch([](TVnJSONDeserializer& t) { t.DoEndObject(); });
+}
 
 // ---- the events as this deserializer takes them ----
 
