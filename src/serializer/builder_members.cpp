@@ -339,7 +339,7 @@ void TVnDeserializer::DeserializeValue(std::u16string_view AURI, std::u16string_
     StoreMemberValue();
   } catch (const Exception& e) {
     // The cause's text goes after the formatted part, so a % in it is never read as a format.
-    throw EVnSerializeException(vn::Format(cVnFailedToSetValue, {UnicodeString(AValue)}) + e.Message());
+    throw Exception(vn::Format(cVnFailedToSetValue, {UnicodeString(AValue)}) + e.Message());
   }
 }
 

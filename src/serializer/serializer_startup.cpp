@@ -17,7 +17,9 @@ void RegisterFrameTypes() { VnRegisterType(TVnSerializableComponent::StaticClass
 using StartupRegistration = void (*)();
 constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
-    // JSON notation
+    // ---- serial-walk ----
+    &RegisterXMLSerializers,
+    // ---- serial-json ----
     &RegisterJSONSerializers,
 };
 

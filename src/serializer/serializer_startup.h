@@ -8,7 +8,10 @@ namespace vn::detail {
 /// back here) goes straight through.
 void EnsureSerializerStartup();
 
-// ---- the notations' registrations, listed in serializer_startup.cpp ----
+// ---- serial-walk: the XML notation ----
+/// The XML pair of every type, string lists, components and TValue.
+void RegisterXMLSerializers();
+// ---- serial-json: the JSON notation ----
 /// The JSON notation (json_registration.cpp).
 void RegisterJSONSerializers();
 

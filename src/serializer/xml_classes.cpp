@@ -1,0 +1,78 @@
+// The XML classes of string lists, components and TValue, and the start-up registration of
+// the XML pair.
+#include "serializer/serializer_startup.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/string_list.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/xml_escape.h"
+#include "vnxml/xml_serializer.h"
+
+namespace vn {
+
+void TVnXMLStringsSerializer::DoSerialize(TVnSerializer* AParent, std::u16string_view, std::u16string_view) {
+  auto* strings = CastObject<TStrings>(static_cast<TObject*>(FInstancePtr));
+  if (!strings) return;
+  const TVnTypeInfo* stringType = TVnTypes::GetTypeInfo<UnicodeString>();
+  for (Integer i = 0; i < strings->GetCount(); ++i)
+    AParent->SerializeValue(u"item", stringType, TValue::From(strings->GetStrings(i)), i, {});
+}
+
+void TVnXMLStringsDeserializer::DeserializeStartType() {
+  TVnXMLDeserializer::DeserializeStartType();
+  if (auto* strings = CastObject<TStrings>(static_cast<TObject*>(FInstancePtr))) strings->Clear();
+}
+
+TVnCanDeserialize TVnXMLStringsDeserializer::CanDeserialize(UnicodeString&, UnicodeString& AName, UnicodeString&,
+                                                            bool) {
+  ReleaseChild();
+  return SameText(AName, u"item") ? desYes : desNo;
+}
+
+void TVnXMLStringsDeserializer::MemberText(std::u16string_view AText, bool) {
+  if (!SameText(FLocalName, u"item")) return;
+  if (auto* strings = CastObject<TStrings>(static_cast<TObject*>(FInstancePtr))) strings->Add(VnXMLToStr(AText));
+}
+
+void TVnXMLComponentSerializer::DoSerialize(TVnSerializer* AParent, std::u16string_view AName,
+                                            std::u16string_view APath) {
+  auto* component = CastObject<TComponent>(static_cast<TObject*>(FInstancePtr));
+  if (TComponent* owner = component ? component->GetOwner() : nullptr; owner && !owner->GetName().empty())
+    AParent->SerializeValue(u"Owner", TVnTypes::GetTypeInfo(owner->ClassType()), TValue::From(owner->GetName()), -1, {});
+  TVnXMLSerializer::DoSerialize(AParent, AName, APath);
+}
+
+void TVnXMLValueDeserializer::DoCharacters(std::u16string_view AText) {
+  if (FLevel != 0) {
+    TVnXMLDeserializer::DoCharacters(AText);
+    return;
+  }
+  FText += AText;
+  FHasText = true;
+}
+
+void TVnXMLValueDeserializer::DeserializeEndType() {
+  if (FHasText && FInstancePtr) {
+    // The element's xsi:type gives the value its type; without one it is a string.
+    auto& target = *static_cast<TValue*>(FInstancePtr);
+    target = FDataType.empty() ? TValue::From(ValueToStr(FText)) : ValueToVal(FText, FDataType);
+    FHasText = false;
+  }
+  TVnXMLDeserializer::DeserializeEndType();
+}
+
+namespace detail {
+
+void RegisterXMLSerializers() {
+  const TClass serializer = TVnXMLSerializer::StaticClass();
+  const TClass deserializer = TVnXMLDeserializer::StaticClass();
+  VnRegisterSerializer(dsfXML, static_cast<const TTypeInfo*>(nullptr), serializer, deserializer);
+  VnRegisterSerializer(dsfXML, TStrings::StaticClass(), TVnXMLStringsSerializer::StaticClass(),
+                       TVnXMLStringsDeserializer::StaticClass());
+  VnRegisterSerializer(dsfXML, TComponent::StaticClass(), TVnXMLComponentSerializer::StaticClass(),
+                       TVnXMLComponentDeserializer::StaticClass());
+  VnRegisterSerializer(dsfXML, TypeInfoOf<TValue>(), serializer, TVnXMLValueDeserializer::StaticClass());
+}
+
+}  // namespace detail
+
+}  // namespace vn

@@ -1,0 +1,242 @@
+// A domain of host types for the walker and XML tests: one class with a member of every shape
+// the serializers tell apart, a record, a small class tree, and comparisons.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+#include "vnxml/common/currency.h"
+#include "vnxml/common/rtti_register.h"
+#include "vnxml/common/string_list.h"
+#include "vnxml/serializer.h"
+
+namespace serialdomain {
+
+using namespace vn;
+
+enum TKind : uint8_t { kNone, kBoss, kStaff };
+VN_REGISTER_TYPE(TKind, u"uSerial") { b.Values({u"kNone", u"kBoss", u"kStaff"}); }
+enum TColor : uint8_t { clRed, clGreen, clBlue };
+VN_REGISTER_TYPE(TColor, u"uSerial") {
+  b.Values({u"clRed", u"clGreen", u"clBlue"}).TypeAttr<SerializerHint>(shoEnumPrefix, u"cl");
+}
+using TColors = TSet<TColor>;
+VN_REGISTER_TYPE(TColors, u"uSerial") {}
+
+struct TPoint {
+  Integer X = 0;
+  Integer Y = 0;
+  UnicodeString Label;
+  bool operator==(const TPoint&) const = default;
+};
+VN_REGISTER_TYPE(TPoint, u"uSerial") { b.Public(u"X", &TPoint::X).Public(u"Y", &TPoint::Y).Public(u"Label", &TPoint::Label); }
+
+class TAddress : public TObject {
+  VN_DECLARE_CLASS(TAddress, TObject)
+ public:
+  UnicodeString City;
+  Integer Zip = 0;
+};
+VN_REGISTER_TYPE(TAddress, u"uSerial") { b.Public(u"City", &TAddress::City).Public(u"Zip", &TAddress::Zip); }
+
+class TPostBox : public TAddress {
+  VN_DECLARE_CLASS(TPostBox, TAddress)
+ public:
+  Integer Box = 0;
+};
+VN_REGISTER_TYPE(TPostBox, u"uSerial") { b.Public(u"Box", &TPostBox::Box); }
+
+/// Registered, but no address: a text naming it for an address member must fail.
+class TStranger : public TObject {
+  VN_DECLARE_CLASS(TStranger, TObject)
+};
+VN_REGISTER_TYPE(TStranger, u"uSerial") {}
+
+/// A member of every shape. Owns its object members.
+class TAll : public TObject {
+  VN_DECLARE_CLASS(TAll, TObject)
+ public:
+  TAll() : Notes(new TStringList()) {}
+  ~TAll() override {
+    delete Home;
+    delete Other;
+    delete Missing;
+    for (TAddress* place : Places) delete place;
+    delete Notes;
+  }
+  TAll(const TAll&) = delete;
+  TAll& operator=(const TAll&) = delete;
+
+  Integer I32 = 0;
+  Cardinal U32 = 0;
+  ShortInt I8 = 0;
+  SmallInt I16 = 0;
+  Byte U8 = 0;
+  Word U16 = 0;
+  Int64 I64 = 0;
+  UInt64 U64 = 0;
+  Single F32 = 0;
+  Double F64 = 0;
+  Extended F80 = 0;
+  Currency Money;
+  bool Flag = false;
+  char16_t Letter = u'a';
+  UnicodeString Text;
+  AnsiString Ansi;
+  VnXMLString Markup;
+  TKind Kind = kNone;
+  TColor Color = clRed;
+  TColors Colors;
+  TDateTime When = 0;
+  TDateTime Day = 0;
+  TDateTime Clock = 0;
+  Variant Any;
+  TValue Boxed;
+  TPoint Point;
+  TAddress* Home = nullptr;
+  TAddress* Other = nullptr;
+  TAddress* Missing = nullptr;
+  std::vector<Integer> Numbers;
+  std::vector<UnicodeString> Words;
+  std::array<Integer, 3> Triple{};
+  std::vector<TPoint> Points;
+  std::vector<TAddress*> Places;
+  std::vector<std::vector<Integer>> Grid;
+  TStringList* Notes;
+  UnicodeString Hidden;
+
+  const UnicodeString& GetTitle() const { return FTitle; }
+  void SetTitle(const UnicodeString& AValue) { FTitle = AValue; }
+
+ private:
+  UnicodeString FTitle;
+};
+VN_REGISTER_TYPE(TAll, u"uSerial") {
+  b.Published(u"Title", &TAll::GetTitle, &TAll::SetTitle)
+      .Public(u"I32", &TAll::I32).Public(u"U32", &TAll::U32).Public(u"I8", &TAll::I8).Public(u"I16", &TAll::I16)
+      .Public(u"U8", &TAll::U8).Public(u"U16", &TAll::U16).Public(u"I64", &TAll::I64).Public(u"U64", &TAll::U64)
+      .Public(u"F32", &TAll::F32).Public(u"F64", &TAll::F64).Public(u"F80", &TAll::F80)
+      .Public(u"Money", &TAll::Money).Public(u"Flag", &TAll::Flag).Public(u"Letter", &TAll::Letter)
+      .Public(u"Text", &TAll::Text).Public(u"Ansi", &TAll::Ansi).Public(u"Markup", &TAll::Markup)
+      .Public(u"Kind", &TAll::Kind).Public(u"Color", &TAll::Color).Public(u"Colors", &TAll::Colors)
+      .Public(u"When", &TAll::When).OfType(u"TDateTime")
+      .Public(u"Day", &TAll::Day).OfType(u"TDate")
+      .Public(u"Clock", &TAll::Clock).OfType(u"TTime")
+      .Public(u"Any", &TAll::Any).Public(u"Boxed", &TAll::Boxed).Public(u"Point", &TAll::Point)
+      .Public(u"Home", &TAll::Home).Public(u"Other", &TAll::Other).Public(u"Missing", &TAll::Missing)
+      .Public(u"Numbers", &TAll::Numbers).Public(u"Words", &TAll::Words).Public(u"Triple", &TAll::Triple)
+      .Public(u"Points", &TAll::Points).Public(u"Places", &TAll::Places).Public(u"Grid", &TAll::Grid)
+      .Public(u"Notes", &TAll::Notes)
+      .Public(u"Hidden", &TAll::Hidden).Attr<SerializerHint>(shoDoNotSerialize);
+}
+
+/// Fills every member; AVariant picks plain values (0), edge values (1) or texts that need
+/// escaping and extremes (2).
+inline void Fill(TAll& A, int AVariant) {
+  const bool edge = AVariant >= 1;
+  A.SetTitle(AVariant == 2 ? u"<a & \"b\" 'c'>" : u"Report");
+  A.I32 = edge ? INT32_MIN : 42;
+  A.U32 = edge ? UINT32_MAX : 7;
+  A.I8 = edge ? -128 : 5;
+  A.I16 = edge ? -32768 : 300;
+  A.U8 = edge ? 255 : 1;
+  A.U16 = edge ? 65535 : 2;
+  A.I64 = edge ? INT64_MIN : 1234567890123LL;
+  A.U64 = edge ? UINT64_MAX : 99;
+  A.F32 = edge ? 3.4e38f : 0.1f;
+  A.F64 = edge ? -1e-300 : 2.5;
+  A.F80 = edge ? 1.5e4000L : 3.25L;
+  A.Money = Currency::FromRaw(edge ? -123456789 : 10000);
+  A.Flag = !edge;
+  A.Letter = edge ? u'\u00e9' : u'x';
+  A.Text = AVariant == 2 ? u"x < y && z > \"q\" 'r' \u00e9\u4e2d" : u"plain";
+  A.Ansi = AVariant == 2 ? "a&b" : "ansi";
+  A.Markup = VnXMLString(AVariant == 2 ? u"<b>bold &amp; <i>it</i></b>" : u"<p>x</p>");
+  A.Kind = edge ? kStaff : kBoss;
+  A.Color = edge ? clBlue : clGreen;
+  A.Colors = edge ? TColors{clRed, clBlue} : TColors{clGreen};
+  A.When = 45000.5;
+  A.Day = 45001;
+  A.Clock = 0.75;
+  A.Any = edge ? Variant(UnicodeString(u"text")) : Variant(Integer(17));
+  A.Boxed = TValue::From<Integer>(edge ? -5 : 8);
+  A.Point = TPoint{edge ? -1 : 3, 4, AVariant == 2 ? u"<&>" : u"p"};
+  A.Home = new TAddress();
+  A.Home->City = AVariant == 2 ? u"S\u00e3o & Paulo" : u"Rome";
+  A.Home->Zip = 100;
+  auto* box = new TPostBox();
+  box->City = u"Oslo";
+  box->Box = 12;
+  A.Other = box;
+  A.Numbers = edge ? std::vector<Integer>{} : std::vector<Integer>{1, 2, 3};
+  A.Words = {u"alpha", AVariant == 2 ? u"<b>" : u"beta", u""};
+  A.Triple = {7, 8, 9};
+  A.Points = {TPoint{1, 2, u"a"}, TPoint{3, 4, u"b"}};
+  for (int i = 0; i < (edge ? 1 : 2); ++i) {
+    auto* place = new TAddress();
+    place->City = u"P" + UnicodeString(1, static_cast<char16_t>(u'0' + i));
+    A.Places.push_back(place);
+  }
+  A.Grid = {{1, 2}, {}, {3}};
+  A.Notes->Add(u"first");
+  A.Notes->Add(AVariant == 2 ? u"a&b<c>" : u"second");
+}
+
+inline void ExpectSameAddress(const TAddress* A, const TAddress* B) {
+  ASSERT_EQ(A == nullptr, B == nullptr);
+  if (!A) return;
+  EXPECT_EQ(A->ClassType(), B->ClassType());
+  EXPECT_EQ(A->City, B->City);
+  EXPECT_EQ(A->Zip, B->Zip);
+  if (auto* box = CastObject<TPostBox>(const_cast<TAddress*>(A))) {
+    EXPECT_EQ(box->Box, static_cast<const TPostBox*>(B)->Box);
+  }
+}
+
+/// Every member of A equals B's, each reported by name.
+inline void ExpectSame(const TAll& A, const TAll& B) {
+  EXPECT_EQ(A.GetTitle(), B.GetTitle());
+  EXPECT_EQ(A.I32, B.I32);
+  EXPECT_EQ(A.U32, B.U32);
+  EXPECT_EQ(A.I8, B.I8);
+  EXPECT_EQ(A.I16, B.I16);
+  EXPECT_EQ(A.U8, B.U8);
+  EXPECT_EQ(A.U16, B.U16);
+  EXPECT_EQ(A.I64, B.I64);
+  EXPECT_EQ(A.U64, B.U64);
+  EXPECT_EQ(A.F32, B.F32);
+  EXPECT_EQ(A.F64, B.F64);
+  EXPECT_EQ(A.F80, B.F80);
+  EXPECT_EQ(A.Money.Raw(), B.Money.Raw());
+  EXPECT_EQ(A.Flag, B.Flag);
+  EXPECT_EQ(A.Letter, B.Letter);
+  EXPECT_EQ(A.Text, B.Text);
+  EXPECT_EQ(A.Ansi, B.Ansi);
+  EXPECT_EQ(A.Markup, B.Markup);
+  EXPECT_EQ(A.Kind, B.Kind);
+  EXPECT_EQ(A.Color, B.Color);
+  EXPECT_TRUE(A.Colors == B.Colors);
+  EXPECT_EQ(A.When, B.When);
+  EXPECT_EQ(A.Day, B.Day);
+  EXPECT_EQ(A.Clock, B.Clock);
+  EXPECT_EQ(A.Any.VarType(), B.Any.VarType());
+  EXPECT_EQ(VarToStr(A.Any), VarToStr(B.Any));
+  EXPECT_EQ(A.Boxed.ToString(), B.Boxed.ToString());
+  EXPECT_EQ(A.Boxed.TypeInfo(), B.Boxed.TypeInfo());
+  EXPECT_EQ(A.Point, B.Point);
+  ExpectSameAddress(A.Home, B.Home);
+  ExpectSameAddress(A.Other, B.Other);
+  ExpectSameAddress(A.Missing, B.Missing);
+  EXPECT_EQ(A.Numbers, B.Numbers);
+  EXPECT_EQ(A.Words, B.Words);
+  EXPECT_EQ(A.Triple, B.Triple);
+  EXPECT_EQ(A.Points, B.Points);
+  ASSERT_EQ(A.Places.size(), B.Places.size());
+  for (size_t i = 0; i < A.Places.size(); ++i) ExpectSameAddress(A.Places[i], B.Places[i]);
+  EXPECT_EQ(A.Grid, B.Grid);
+  EXPECT_EQ(A.Notes->GetText(), B.Notes->GetText());
+}
+
+}  // namespace serialdomain
