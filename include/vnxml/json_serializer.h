@@ -50,6 +50,11 @@ class TVnJSONSerializer : public TVnSerializer {
   void WriteValue(const TVnTypeInfo* AType, const TValue& AValue, TVnAttributes AAttributes);
   void WriteOrdinal(const TVnTypeInfo* AType, const TValue& AValue);
   void WriteDate(const TVnTypeInfo* AType, const TValue& AValue, TVnAttributes AAttributes);
+  void WriteInteger(const TValue& AValue, bool AUnsigned);
+  /// AText in quotes, escaped unless AEscape is false, in one write.
+  void WriteQuoted(std::u16string_view AText, bool AEscape);
+  std::string FText;
+  UnicodeString FEscaped;
   /// "{" and the className member of a complex value.
   void WriteObjectStart(const TVnTypeInfo* AType);
 };

@@ -124,6 +124,11 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
  private:
   /// Whether the current member took a child (it has the floor now).
   bool ChildTookOver() const { return FDispatcher && FDispatcher->FActive != this; }
+  /// IsArraySerializer without its checks, for the per-event paths.
+  bool InArray() const noexcept {
+    return GetParentDeserializer() && FInstanceTypeInfo &&
+           (FInstanceTypeInfo->Kind() == vtkStaticArray || FInstanceTypeInfo->Kind() == vtkDynArray);
+  }
   /// Who has the floor: the events go there.
   TVnJSONDeserializer& Target();
   /// Runs AEvent on the deserializer that has the floor; a failure comes out with its path.

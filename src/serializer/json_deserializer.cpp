@@ -205,7 +205,7 @@ void TVnJSONDeserializer::DoStartObject() {
     if (!FInstanceTypeInfo || FInstanceTypeInfo->GetIsSimpleType()) return Skip();  // a simple root reads nothing
     RaiseShape(ExpectedName(FInstanceTypeInfo), u"an object");
   }
-  if (IsArraySerializer()) {
+  if (InArray()) {
     InitializeArrayElement(u"", u"");
     if (ChildTookOver()) {
       FDispatcher->FActive->FOpened = true;
@@ -234,7 +234,7 @@ void TVnJSONDeserializer::DoStartMember(std::u16string_view AName) {
   FCanDeserialize = desNo;
   FDataType.clear();
   FCurrentMember = AName.find(u'\\') == std::u16string_view::npos ? UnicodeString(AName) : VnJSONtoStr(AName, jdtNull);
-  if (IsArraySerializer()) return;
+  if (InArray()) return;
   UnicodeString uri = FNamespace;
   UnicodeString name = FCurrentMember;
   FCanDeserialize = CanDeserialize(uri, name, FDataType, true);
@@ -252,7 +252,7 @@ void TVnJSONDeserializer::DoStartArray() {
     if (!FInstanceTypeInfo || FInstanceTypeInfo->GetIsSimpleType()) return Skip();
     RaiseShape(ExpectedName(FInstanceTypeInfo), u"an array");
   }
-  if (IsArraySerializer()) RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
+  if (InArray()) RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
   if (FCanDeserialize != desYes || !FMemberTypeInfo) return Skip();
   RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
 }
@@ -269,7 +269,7 @@ void TVnJSONDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_vi
     }
     return;  // a simple root reads nothing
   }
-  if (IsArraySerializer()) {
+  if (InArray()) {
     if (AType == jdtString && AText.empty()) {
       // An excluded element: it takes its place and keeps its default.
       InitializeArrayElement(u"", u"");

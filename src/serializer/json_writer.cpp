@@ -1,5 +1,9 @@
 // The JSON writer of the object serializer: structure, names and the value forms.
+#include <charconv>
 #include <cmath>
+
+#include "json/json_escape.h"
+#include "serializer/walker_output.h"
 
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_type_info_value.h"
@@ -76,16 +80,41 @@ void TVnJSONSerializer::SerializeEndType(std::u16string_view, const TVnTypeInfo*
 }
 
 void TVnJSONSerializer::SerializeName(std::u16string_view AName, TVnSerializerMemberType, TVnTypeKind, TVnTypeKind) {
-  Write(FPrefix);
-  Write('"');
+  // One write for separator, name and colon; a lower-case first letter, since the readers look
+  // members up ignoring case.
+  FText.assign(FPrefix);
+  FText += '"';
   if (!AName.empty()) {
-    // A lower-case first letter; the readers look members up ignoring case.
     const char16_t first = AName[0] >= u'A' && AName[0] <= u'Z' ? static_cast<char16_t>(AName[0] + 32) : AName[0];
-    Write(std::u16string_view(&first, 1));
-    Write(AName.substr(1));
+    detail::AppendUtf8(FText, std::u16string_view(&first, 1));
+    detail::AppendUtf8(FText, AName.substr(1));
   }
-  Write(std::string_view("\":"));
+  FText += "\":";
+  Write(std::string_view(FText));
   FPrefix = ",";
+}
+
+void TVnJSONSerializer::WriteQuoted(std::u16string_view AText, bool AEscape) {
+  FText.assign(1, '"');
+  if (AEscape) {
+    FEscaped.clear();
+    detail::AppendStrToJSON(AText, FEscaped);
+    detail::AppendUtf8(FText, FEscaped);
+  } else {
+    detail::AppendUtf8(FText, AText);
+  }
+  FText += '"';
+  Write(std::string_view(FText));
+}
+
+void TVnJSONSerializer::WriteInteger(const TValue& AValue, bool AUnsigned) {
+  // Decimal digits are the XML form of every integer kind.
+  char digits[24];
+  const Int64 ordinal = AValue.IsOrdinal() ? AValue.AsOrdinal() : ToInt64(AValue);
+  const auto end = AUnsigned ? std::to_chars(digits, digits + sizeof digits,
+                                             AValue.IsOrdinal() ? static_cast<UInt64>(ordinal) : ToUInt64(AValue))
+                             : std::to_chars(digits, digits + sizeof digits, ordinal);
+  Write(std::string_view(digits, static_cast<size_t>(end.ptr - digits)));
 }
 
 void TVnJSONSerializer::SerializeValue(std::u16string_view, const TVnTypeInfo* AType, const TValue& AValue,
@@ -103,14 +132,14 @@ void TVnJSONSerializer::WriteValue(const TVnTypeInfo* AType, const TValue& AValu
     return;
   }
   switch (kind) {
-    case vtkByte: return Write(VnByteToXML(ToByte(AValue)));
-    case vtkWord: return Write(VnWordToXML(ToWord(AValue)));
-    case vtkLongWord: return Write(VnLongWordToXML(ToLongWord(AValue)));
-    case vtkUInt64: return Write(VnUInt64ToXML(ToUInt64(AValue)));
-    case vtkShortInt: return Write(VnShortIntToXML(ToShortInt(AValue)));
-    case vtkSmallInt: return Write(VnSmallIntToXML(ToSmallInt(AValue)));
-    case vtkInteger: return Write(VnLongIntToXML(ToInteger(AValue)));
-    case vtkInt64: return Write(VnInt64ToXML(ToInt64(AValue)));
+    case vtkByte:
+    case vtkWord:
+    case vtkLongWord:
+    case vtkUInt64: return WriteInteger(AValue, true);
+    case vtkShortInt:
+    case vtkSmallInt:
+    case vtkInteger:
+    case vtkInt64: return WriteInteger(AValue, false);
     case vtkSingle:
     case vtkDouble:
     case vtkExtended: {
@@ -146,18 +175,15 @@ void TVnJSONSerializer::WriteValue(const TVnTypeInfo* AType, const TValue& AValu
       if (main == mtkString) {
         if (null) return Write(std::string_view("null"));
         if (IsRawJSON(VnTypeInfo(AValue)) || IsRawJSON(AType)) return Write(ToWideString(AValue));
-        Write('"');
-        Write(VnStrToJSON(ToWideString(AValue)));
-        return Write('"');
+        return WriteQuoted(ToWideString(AValue), true);
       }
       if (null) return Write(std::string_view("{}"));
       throw Exception(cVnJSONObjectNeedsChild);
     }
     default:
       if (IsTextKind(kind)) {
-        Write('"');
-        Write(IsRawJSON(AType) ? ToWideString(AValue) : VnStrToJSON(ToWideString(AValue)));
-        return Write('"');
+        if (AValue.Kind() == tkUString) return WriteQuoted(*static_cast<const UnicodeString*>(AValue.GetReferenceToRawData()), !IsRawJSON(AType));
+        return WriteQuoted(ToWideString(AValue), !IsRawJSON(AType));
       }
       if (IsRawJSON(AType) || IsRawJSON(VnTypeInfo(AValue))) return Write(ToWideString(AValue));
       throw Exception(cVnJSONUnsupportedTypeKind);
