@@ -104,6 +104,15 @@ TEST(JSONBadInput, CutTextFailsAndLeavesNoCreatedObjectLinked) {
   }
 }
 
+TEST(JSONBadInput, DeepTextEndsInAFailureNotInTheStack) {
+  std::string deep;
+  for (int i = 0; i < 100000; ++i) deep += R"({"className":"TPet","friend":)";
+  TShapes o;
+  const UnicodeString message = MessageOf([&] { FromJSON(o, R"({"pets":[)" + deep); });
+  EXPECT_NE(message.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(message);
+  EXPECT_TRUE(o.Pets.empty());
+}
+
 TEST(JSONBadInput, FormTextThroughTheUrlEncodedParameter) {
   TShapes o;
   IPtr<IVnDeserializer> reader = VnCreateDeserializer(dsfJSON, &o, TypeInfoOf<TShapes>());

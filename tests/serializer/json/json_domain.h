@@ -37,10 +37,21 @@ VN_REGISTER_TYPE(TPoint, u"uJSONTest") { b.Public(u"X", &TPoint::X).Public(u"Y",
 class TPet : public TObject {
   VN_DECLARE_CLASS(TPet, TObject)
  public:
+  ~TPet() override {
+    // A long chain of friends goes without recursion.
+    while (TPet* f = Friend) {
+      Friend = f->Friend;
+      f->Friend = nullptr;
+      delete f;
+    }
+  }
   UnicodeString Name;
   Integer Legs = 4;
+  TPet* Friend = nullptr;
 };
-VN_REGISTER_TYPE(TPet, u"uJSONTest") { b.Public(u"Name", &TPet::Name).Public(u"Legs", &TPet::Legs); }
+VN_REGISTER_TYPE(TPet, u"uJSONTest") {
+  b.Public(u"Name", &TPet::Name).Public(u"Legs", &TPet::Legs).Public(u"Friend", &TPet::Friend);
+}
 class TCat : public TPet {
   VN_DECLARE_CLASS(TCat, TPet)
  public:
