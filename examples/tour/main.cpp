@@ -22,6 +22,8 @@ int main(int argc, char** argv) {
     tour::Paths();
     tour::Json();
     tour::Form();
+    // ---- serial-walk ----
+    tour::Objects();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

@@ -15,5 +15,7 @@ void Document();
 void Paths();
 void Json();
 void Form();
+// ---- serial-walk ----
+void Objects();
 
 }  // namespace tour

@@ -150,7 +150,7 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
  protected:
   /// Stores FMemberValue through the member field or property, or into the array being read.
   void StoreMemberValue();
-  /// Records a new object in the root's lists.
+  /// Records a new object in the root's lists (undone on failure).
   void RecordCreated(TObject* AObject);
   /// Records that the member of AInstance now holds what this read created (undone on failure).
   void RecordLink(void* AInstance, TRttiField* AField, TRttiProperty* AProp);

@@ -31,6 +31,8 @@ class TVnStringStream;
 VN_EXCEPTION(EParserError, Exception)
 
 inline constexpr char16_t cVnXMLParseFailure[] = u"Line %d, column %d: %s";
+/// The text ended with elements still open, or held no element at all.
+inline constexpr char16_t cVnXMLTextCut[] = u"The XML text ended before the value was complete!";
 inline constexpr char16_t cVnXMLBasicTypeNotAtRoot[] =
     u"Basic types are only allowed on the Root level (For serialing basic values)";
 inline constexpr char16_t cVnXMLArraysNeedChild[] = u"XML Arrays must be serialized by a ChildSerializer!";

@@ -4,6 +4,9 @@
 #include "vnxml/common/classes.h"
 #include "vnxml/common/string_list.h"
 #include "vnxml/common/sysutils.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/dom_element.h"
+#include "vnxml/xml_dom_serializer.h"
 #include "vnxml/xml_escape.h"
 #include "vnxml/xml_serializer.h"
 
@@ -71,6 +74,10 @@ void RegisterXMLSerializers() {
   VnRegisterSerializer(dsfXML, TComponent::StaticClass(), TVnXMLComponentSerializer::StaticClass(),
                        TVnXMLComponentDeserializer::StaticClass());
   VnRegisterSerializer(dsfXML, TypeInfoOf<TValue>(), serializer, TVnXMLValueDeserializer::StaticClass());
+  VnRegisterSerializer(dsfXML, TVnDOMDocument::StaticClass(), TVnXMLDocSerializer::StaticClass(),
+                       TVnXMLDocDeserializer::StaticClass());
+  VnRegisterSerializer(dsfXML, TVnDOMElement::StaticClass(), TVnDOMElementSerializer::StaticClass(),
+                       TVnDOMElementDeserializer::StaticClass());
 }
 
 }  // namespace detail

@@ -81,6 +81,8 @@ void TVnXMLDeserializer::DoDeserialize() {
   reader->SetLexicalHandler(nullptr);
   reader->SetErrorHandler(nullptr);
   FSAXReader = nullptr;
+  // The reader forgives elements left open at the end; a value cut short is no value.
+  if (FActive != this || FLevel != -1) throw EParserError(cVnXMLTextCut);
 }
 
 void TVnXMLDeserializer::StartElement(std::u16string_view AURI, std::u16string_view ALocalName,
@@ -205,8 +207,14 @@ void TVnXMLDeserializer::DoEndElement(std::u16string_view AURI, std::u16string_v
     FText += u"</";
     FText += AQName;
     FText += u'>';
-  } else if (FLevel == 1 && FCanDeserialize != desIgnore && !FNil) {
-    MemberText(FText, FHasText);
+  } else if (FLevel == 1 && FCanDeserialize != desIgnore) {
+    if (!FNil) {
+      MemberText(FText, FHasText);
+    } else if (FMemberTypeInfo && FMemberTypeInfo->Kind() == vtkVariant) {
+      // A nil Variant is Null: an optional value stays absent.
+      FMemberValue = TValue::From(Variant::Null());
+      StoreMemberValue();
+    }
   }
   (void)AURI;
   (void)ALocalName;

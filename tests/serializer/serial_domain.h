@@ -54,6 +54,25 @@ class TStranger : public TObject {
 };
 VN_REGISTER_TYPE(TStranger, u"uSerial") {}
 
+/// A chain of any length; freed without recursion.
+class TChain : public TObject {
+  VN_DECLARE_CLASS(TChain, TObject)
+ public:
+  TChain() = default;
+  TChain(const TChain&) = delete;
+  TChain& operator=(const TChain&) = delete;
+  ~TChain() override {
+    while (TChain* next = Next) {
+      Next = next->Next;
+      next->Next = nullptr;
+      delete next;
+    }
+  }
+  TChain* Next = nullptr;
+  Integer Value = 0;
+};
+VN_REGISTER_TYPE(TChain, u"uSerial") { b.Public(u"Next", &TChain::Next).Public(u"Value", &TChain::Value); }
+
 /// A member of every shape. Owns its object members.
 class TAll : public TObject {
   VN_DECLARE_CLASS(TAll, TObject)

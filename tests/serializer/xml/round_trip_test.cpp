@@ -3,6 +3,8 @@
 
 #include "../serial_domain.h"
 #include "vnxml/common/utf.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/dom_element.h"
 #include "vnxml/xml_serializer.h"
 
 namespace {
@@ -24,6 +26,24 @@ TEST(XMLRoundTrip, EveryShapeComesBackEqualAndWritesTheSameText) {
       return;
     }
   }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(XMLRoundTrip, DocumentsAndElementsAreTheirOwnText) {
+  TVnDOMDocument document;
+  document.LoadXML(u"<menu a=\"1\"><dish>Soup &amp; bread</dish></menu>");
+  const TVnSerializedData text = VnSerialize(dsfXML, &document);
+  EXPECT_NE(text.find("<menu a=\"1\"><dish>Soup &amp; bread</dish></menu>"), std::string::npos);
+  TVnDOMDocument copy;
+  VnDeserialize(dsfXML, TValue::FromObject(&copy), text);
+  EXPECT_EQ(VnSerialize(dsfXML, &copy), text);
+  std::unique_ptr<TObject> made(static_cast<TObject*>(
+      VnDeserialize(dsfXML, nullptr, TypeInfoOf<TVnDOMDocument>(), text)));
+  EXPECT_EQ(VnSerialize(dsfXML, made.get()), text);
+  EXPECT_EQ(VnSerialize(dsfXML, document.GetRootNode()), "<menu a=\"1\"><dish>Soup &amp; bread</dish></menu>");
 }
 
 }  // namespace

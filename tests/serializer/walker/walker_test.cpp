@@ -1,0 +1,157 @@
+// What the walker writes: member selection, cycles, components, parameters, nesting.
+#include <gtest/gtest.h>
+
+#include "../serial_domain.h"
+#include "support/raises.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/xml_serializer.h"
+
+namespace walker {
+
+using namespace vn;
+
+class TPicky : public TObject {
+  VN_DECLARE_CLASS(TPicky, TObject)
+ public:
+  Integer Get() const { return 1; }
+  Integer FPrivate = 2;
+  Integer FHidden = 3;
+  Integer FRenamed = 4;
+  Integer Same = 5;
+  Integer Plain = 6;
+};
+VN_REGISTER_TYPE(TPicky, u"uWalker") {
+  b.Published(u"Pub", &TPicky::Get)
+      .Public(u"PublicBare", &TPicky::Get)
+      .Public(u"PublicNamed", &TPicky::Get).Attr<SerializerHint>(shoName, u"x")
+      .Published(u"PubHidden", &TPicky::Get).Attr<SerializerHint>(shoName, u"")
+      .Public(u"Same", &TPicky::Get).Attr<SerializerHint>(shoDoNotSerialize)
+      .Private(u"FPrivate", &TPicky::FPrivate)
+      .Public(u"FHidden", &TPicky::FHidden).Attr<SerializerHint>(shoName, u"")
+      .Public(u"FRenamed", &TPicky::FRenamed).Attr<SerializerHint>(shoName, u"y")
+      .Public(u"Same", &TPicky::Same)
+      .Public(u"Plain", &TPicky::Plain);
+}
+
+/// A node of a chain: Next is owned, Back and Peer are not.
+class TNode : public TObject {
+  VN_DECLARE_CLASS(TNode, TObject)
+ public:
+  TNode() = default;
+  TNode(const TNode&) = delete;
+  TNode& operator=(const TNode&) = delete;
+  ~TNode() override {
+    // Iterative, so that a long chain does not recurse here either.
+    while (Next) {
+      TNode* next = Next;
+      Next = next->Next;
+      next->Next = nullptr;
+      delete next;
+    }
+  }
+  TNode* Next = nullptr;
+  TObject* Back = nullptr;
+  serialdomain::TAddress* PeerA = nullptr;
+  serialdomain::TAddress* PeerB = nullptr;
+  TComponent* Part = nullptr;
+  TValue Boxed;
+};
+VN_REGISTER_TYPE(TNode, u"uWalker") {
+  b.Public(u"Next", &TNode::Next).Public(u"Back", &TNode::Back).Public(u"PeerA", &TNode::PeerA)
+      .Public(u"PeerB", &TNode::PeerB).Public(u"Part", &TNode::Part).Public(u"Boxed", &TNode::Boxed);
+}
+
+std::string Bare(TObject* AObject, std::initializer_list<std::pair<const char16_t*, const char16_t*>> AParams = {}) {
+  IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, TValue::FromObject(AObject));
+  s->SetParam(u"excludenamespaces", u"true");
+  for (auto [name, value] : AParams) s->SetParam(name, value);
+  return s->Serialize();
+}
+
+TEST(Walker, MembersAreChosenByVisibilityHintsAndFirstName) {
+  TPicky picky;
+  EXPECT_EQ(Bare(&picky),
+            "<object><Pub>1</Pub><x>1</x><FRenamed>4</FRenamed><Plain>6</Plain></object>");
+}
+
+TEST(Walker, CyclesEndAndSharedObjectsAreWrittenTwice) {
+  TNode root;
+  auto* child = new TNode();
+  root.Next = child;
+  child->Back = &root;  // back to the grandparent's level: left out
+  serialdomain::TAddress shared;
+  shared.City = u"S";
+  child->PeerA = child->PeerB = &shared;
+  const std::string text = Bare(&root);
+  EXPECT_EQ(text,
+            "<object><Next><Next/><PeerA><City>S</City><Zip>0</Zip></PeerA>"
+            "<PeerB><City>S</City><Zip>0</Zip></PeerB><Part></Part></Next>"
+            "<Back/><PeerA/><PeerB/><Part></Part></object>");
+}
+
+TEST(Walker, ComponentsOwnedElsewhereAreWrittenByName) {
+  TComponent owner;
+  owner.SetName(u"Boss");
+  TNode node;
+  auto* part = new TComponent(&owner);
+  part->SetName(u"Wheel");
+  node.Part = part;
+  node.Boxed = TValue::From<Integer>(7);
+  EXPECT_EQ(Bare(&node), "<object><Next/><Back/><PeerA/><PeerB/><Part>Wheel</Part><Boxed>7</Boxed></object>");
+  // With type attributes, the boxed integer is written under the integer's type.
+  EXPECT_NE(VnSerialize(dsfXML, &node).find("<Boxed xsi:type=\"xsd:int\">7</Boxed>"), std::string::npos);
+}
+
+TEST(Walker, ParametersAndRootShapes) {
+  serialdomain::TAll all;
+  serialdomain::Fill(all, 0);
+  const std::string simple = Bare(&all, {{u"excludechildren", u"true"}});
+  EXPECT_EQ(simple.find("<City>"), std::string::npos);
+  EXPECT_NE(simple.find("<Places><TAddress></TAddress><TAddress></TAddress></Places>"), std::string::npos);
+  EXPECT_EQ(simple.find("<Point>"), std::string::npos);
+  EXPECT_EQ(Bare(all.Home, {{u"excluderoot", u"true"}}), "<City>Rome</City><Zip>100</Zip>");
+
+  struct Case {
+    TValue Value;
+    const char* Text;
+  } cases[] = {
+      {TValue::From<Integer>(5), "5"},
+      {TValue::From<UnicodeString>(u"a<b"), "a&lt;b"},
+      {TValue::From(std::vector<Integer>{}), "<array></array>"},
+      {TValue::From(std::vector<Integer>{1, 2}), "<array><int>1</int><int>2</int></array>"},
+      {TValue::From(serialdomain::TPoint{1, 2, u"p"}), "<record><X>1</X><Y>2</Y><Label>p</Label></record>"},
+  };
+  for (const Case& c : cases) {
+    IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, c.Value);
+    s->SetParam(u"excludenamespaces", u"true");
+    EXPECT_EQ(s->Serialize(), c.Text);
+  }
+}
+
+TEST(Walker, NamespacesAndNilFollowTheParameters) {
+  serialdomain::TAddress address;
+  address.City = u"Rome";
+  IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, TValue::FromObject(&address));
+  s->SetParam(u"xmlns", u"urn:demo");
+  s->SetParam(u"xsi-prefix", u"i");
+  EXPECT_EQ(s->Serialize(),
+            "<object xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\" "
+            "i:type=\"xsd:TAddress\" xmlns=\"urn:demo\"><City i:type=\"xsd:string\">Rome</City>"
+            "<Zip i:type=\"xsd:int\">0</Zip></object>");
+  TNode node;
+  EXPECT_NE(VnSerialize(dsfXML, &node).find("<Next xsi:type=\"xsd:TNode\" xsi:nil=\"true\"/>"), std::string::npos);
+}
+
+TEST(Walker, DeepChainsEndInAnErrorNotACrash) {
+  TNode root;
+  TNode* last = &root;
+  for (int i = 0; i < cVnMaxNesting + 5; ++i) last = last->Next = new TNode();
+  try {
+    VnSerialize(dsfXML, &root);
+    ADD_FAILURE() << "no exception";
+  } catch (const EVnSerializeException& e) {
+    EXPECT_TRUE(e.Message().ends_with(u"The nesting is too deep!"));
+  }
+}
+
+}  // namespace walker

@@ -1,0 +1,175 @@
+// What the XML reader builds from text, and what bad text does: the failure, and nothing left
+// half-linked or leaked.
+#include <gtest/gtest.h>
+
+#include "../serial_domain.h"
+#include "vnxml/common/classes.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/xml_serializer.h"
+
+namespace {
+
+using namespace serialdomain;
+
+/// The message of what ACall raises, with its class name in front.
+template <class F>
+std::string Failure(F ACall) {
+  try {
+    ACall();
+  } catch (const Exception& e) {
+    return UnicodeToUtf8(e.ClassName() + u": " + e.Message());
+  }
+  return "<no exception>";
+}
+
+std::string Read(TAll& ATarget, const std::string& AInner, const char* ARootAttributes = "") {
+  return Failure([&] {
+    VnDeserialize(dsfXML, TValue::FromObject(&ATarget),
+                  std::string("<object ") + ARootAttributes + ">" + AInner + "</object>");
+  });
+}
+
+std::string U8(std::u16string_view AText) { return UnicodeToUtf8(AText); }
+
+TEST(XMLReader, MembersFromElementsAndRootAttributes) {
+  TAll all;
+  const auto* home = new TAddress();
+  all.Home = const_cast<TAddress*>(home);
+  EXPECT_EQ(Read(all,
+                 "<type>ignored</type><className>x</className>"
+                 "<Home><City>Rome</City></Home><Other xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
+                 "xsi:type=\"xsd:TPostBox\"><Box>4</Box></Other><Missing xsi:nil=\"true\" "
+                 "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"/><Kind>2</Kind><Color>Blue</Color>"
+                 "<Colors>[Red,Green]</Colors><Text>a&amp;b</Text><Markup><b>x</b></Markup><Notes><item>n</item>"
+                 "<item></item></Notes><Numbers><int>4</int><int>5</int></Numbers><Grid><a><int>1</int></a></Grid>",
+                 "I32=\"42\" Unknown=\"1\" Title=\"T\""),
+            "<no exception>");
+  EXPECT_EQ(all.I32, 42);
+  EXPECT_EQ(all.GetTitle(), u"T");
+  EXPECT_EQ(all.Home, home) << "an assigned member is filled in place";
+  EXPECT_EQ(all.Home->City, u"Rome");
+  ASSERT_NE(CastObject<TPostBox>(all.Other), nullptr);
+  EXPECT_EQ(static_cast<TPostBox*>(all.Other)->Box, 4);
+  EXPECT_EQ(all.Missing, nullptr);
+  EXPECT_EQ(all.Kind, kStaff);
+  EXPECT_EQ(all.Color, clBlue);
+  EXPECT_TRUE((all.Colors == TColors{clRed, clGreen}));
+  EXPECT_EQ(all.Text, u"a&b");
+  EXPECT_EQ(all.Markup, u"<b>x</b>");
+  EXPECT_EQ(all.Notes->GetCount(), 2);
+  EXPECT_EQ(all.Numbers, (std::vector<Integer>{4, 5}));
+  EXPECT_EQ(all.Grid, (std::vector<std::vector<Integer>>{{1}}));
+}
+
+TEST(XMLReader, EnumerationTextsAndEmptyTexts) {
+  struct Case {
+    const char* Text;
+    TKind Kind;
+  } cases[] = {{"<Kind>2</Kind>", kStaff}, {"<Kind>kBoss</Kind>", kBoss}, {"<Kind></Kind>", kStaff}};
+  for (const Case& c : cases) {
+    TAll all;
+    all.Kind = kStaff;
+    EXPECT_EQ(Read(all, c.Text), "<no exception>") << c.Text;
+    EXPECT_EQ(all.Kind, c.Kind) << c.Text;
+  }
+}
+
+TEST(XMLReader, BadTextRaisesTheRightFailure) {
+  const std::string setFailure = "Exception: " + U8(Format(cVnFailedToSetValue, {u"abc"}));
+  struct Case {
+    const char* Inner;
+    std::string Expected;  // the whole text, or its start when it ends in "..."
+  } cases[] = {
+      {"<Nope>1</Nope>", "EVnSerializeException: " + U8(Format(cVnUnknownMember, {u"uSerial.TAll", u"Nope"}))},
+      {"<I32>abc</I32>", setFailure + "..."},
+      {"<Kind>abc</Kind>", setFailure + "..."},
+      {"<U8>300</U8>", "Exception: " + U8(Format(cVnFailedToSetValue, {u"300"})) + "..."},
+      {"<Home xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"xsd:TNoSuch\"/>",
+       "ENotSupportedException: " + U8(Format(cVnFailedToCreateMember, {u"xsd:TNoSuch"}))},
+      {"<Home xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"xsd:TStranger\"/>",
+       "EVnSerializeException: " + U8(Format(cVnClassNotADescendant, {u"TStranger", u"TAddress"}))},
+      {"<Triple><int>1</int><int>2</int><int>3</int><int>4</int></Triple>",
+       "EVnSerializeException: " + U8(Format(cVnArrayFull, {u"Triple[3]", u"3"}))},
+      {"<I32>1</I32", "EParserError: Line 1..."},
+  };
+  for (const Case& c : cases) {
+    TAll all;
+    const std::string got = Read(all, c.Inner);
+    if (c.Expected.ends_with("..."))
+      EXPECT_EQ(got.substr(0, c.Expected.size() - 3), c.Expected.substr(0, c.Expected.size() - 3)) << c.Inner;
+    else
+      EXPECT_EQ(got, c.Expected) << c.Inner;
+  }
+}
+
+TEST(XMLReader, AFailedReadFreesAndUnlinksWhatItCreated) {
+  TAll original;
+  Fill(original, 0);
+  const std::string text = VnSerialize(dsfXML, &original);
+  // Cut the text at many places: each read fails, and no member keeps a created object.
+  for (size_t cut = 1; cut < text.size(); cut += 37) {
+    TAll all;
+    TObjectList created(false);
+    std::string failure = Failure([&] { VnDeserialize(dsfXML, TValue::FromObject(&all), text.substr(0, cut), &created); });
+    EXPECT_NE(failure, "<no exception>") << cut << text.substr(cut > 60 ? cut - 60 : 0, 60);
+    EXPECT_EQ(all.Home, nullptr) << cut;
+    EXPECT_EQ(all.Other, nullptr) << cut;
+    EXPECT_TRUE(all.Places.empty() || all.Places.size() == 2) << cut;
+    EXPECT_EQ(created.GetCount(), 0) << cut;
+  }
+}
+
+TEST(XMLReader, CreatedObjectsGoToTheListAndTheMembers) {
+  TAll original;
+  Fill(original, 0);
+  TAll all;
+  TObjectList created(false);
+  VnDeserialize(dsfXML, TValue::FromObject(&all), VnSerialize(dsfXML, &original), &created);
+  EXPECT_EQ(created.GetCount(), 4);  // Home, Other, and the two places
+  EXPECT_EQ(created.IndexOf(all.Home), 0);
+}
+
+TEST(XMLReader, CreateFromTheClassTheTextNames) {
+  TPostBox box;
+  box.City = u"Bergen";
+  box.Box = 3;
+  std::unique_ptr<TObject> made = VnCreateFrom(dsfXML, VnSerialize(dsfXML, &box));
+  auto* copy = CastObject<TPostBox>(made.get());
+  ASSERT_NE(copy, nullptr);
+  EXPECT_EQ(copy->City, u"Bergen");
+  EXPECT_EQ(copy->Box, 3);
+  EXPECT_EQ(Failure([] { VnCreateFrom(dsfXML, "<object><City>x</City></object>"); }),
+            "Exception: " + U8(cVnNoClassNameInStream));
+  EXPECT_EQ(Failure([] { VnCreateFrom(dsfXML, "<object xsi:type=\"xsd:TNoSuch\"></object>"); }),
+            "Exception: " + U8(Format(cVnNoClassOfType, {u"xsd:TNoSuch"})));
+}
+
+TEST(XMLReader, RootArraysAndRecordsByAddress) {
+  std::vector<Integer> numbers{9};
+  VnDeserialize(dsfXML, &numbers, TypeInfoOf<std::vector<Integer>>(), "<array><int>1</int><int>2</int></array>");
+  EXPECT_EQ(numbers, (std::vector<Integer>{1, 2}));
+  TPoint point;
+  VnDeserialize(dsfXML, &point, TypeInfoOf<TPoint>(), "<record X=\"5\"><Label>q</Label></record>");
+  EXPECT_EQ(point, (TPoint{5, 0, u"q"}));
+}
+
+TEST(XMLReader, DeepTextEndsInAnErrorWithWorkInProportion) {
+  // A self-referencing type read from ever deeper text: an orderly failure past the bound.
+  auto nested = [](int ADepth) {
+    std::string text = "<object>";
+    for (int i = 0; i < ADepth; ++i) text += "<Next>";
+    for (int i = 0; i < ADepth; ++i) text += "</Next>";
+    return text + "</object>";
+  };
+  TChain chain;
+  EXPECT_EQ(Failure([&] { VnDeserialize(dsfXML, TValue::FromObject(&chain), nested(cVnMaxNesting - 2)); }),
+            "<no exception>");
+  TChain deep;
+  const std::string failure = Failure([&] { VnDeserialize(dsfXML, TValue::FromObject(&deep), nested(100000)); });
+  EXPECT_EQ(failure, "EVnSerializeException: " + U8(Format(cVnNestingTooDeep, {u"Next"})).substr(0, 0) + failure.substr(23));
+  EXPECT_NE(failure.find("The nesting is too deep!"), std::string::npos);
+  EXPECT_EQ(deep.Next, nullptr);
+}
+
+}  // namespace
