@@ -116,6 +116,8 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   bool FNullValue = false;
   /// The name of the current member, escapes decoded.
   UnicodeString FCurrentMember;
+  /// The var arguments of CanDeserialize.
+  UnicodeString FURIArg, FNameArg;
   /// The deserializer that runs the reader and passes the events on; and who has the floor.
   TVnJSONDeserializer* FDispatcher = nullptr;
   TVnJSONDeserializer* FActive = nullptr;

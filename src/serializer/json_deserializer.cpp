@@ -233,11 +233,15 @@ void TVnJSONDeserializer::DoStartMember(std::u16string_view AName) {
   if (FDisabledCnt > 0) return;
   FCanDeserialize = desNo;
   FDataType.clear();
-  FCurrentMember = AName.find(u'\\') == std::u16string_view::npos ? UnicodeString(AName) : VnJSONtoStr(AName, jdtNull);
+  // The buffers are kept from member to member: a record of short names allocates nothing.
+  if (AName.find(u'\\') == std::u16string_view::npos)
+    FCurrentMember.assign(AName);
+  else
+    FCurrentMember = VnJSONtoStr(AName, jdtNull);
   if (InArray()) return;
-  UnicodeString uri = FNamespace;
-  UnicodeString name = FCurrentMember;
-  FCanDeserialize = CanDeserialize(uri, name, FDataType, true);
+  FURIArg.assign(FNamespace);
+  FNameArg.assign(FCurrentMember);
+  FCanDeserialize = CanDeserialize(FURIArg, FNameArg, FDataType, true);
 }
 
 void TVnJSONDeserializer::DoStartArray() {
