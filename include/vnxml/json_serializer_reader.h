@@ -1,6 +1,9 @@
 // json_serializer_reader.h: the JSON readers of the object serializer (unit uVnJSONSerializer):
 // TVnJSONDeserializer, a JSON content handler that feeds a reader's events to the builder, and
-// its classes for enumerations, streams, string lists, components, JSON documents and TValue.
+// its classes for streams, string lists, components, JSON documents and TValue. The object form
+// of an enumeration or set ({"className":..,"asString":..,"asInt":..}) is read by the
+// deserializer of its member itself, with no child of its own: "asString", then "asInt",
+// whichever comes last decides; other names raise cVnJSONEnumMemberExpected.
 //
 // One reader serves a whole read. The deserializer that runs it stays the reader's handler and
 // passes each event on to the deserializer that has the floor: a child takes it when it is made
@@ -138,26 +141,15 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   void Dispatch(F AEvent);
   /// The path a failure names.
   UnicodeString PlaceForMessages() const;
-  /// The child that reads the object form of the current enumeration or set member.
-  void StartOrdinalChild();
+  /// Starts reading the object form of the current enumeration or set member.
+  void StartOrdinal();
+  /// The member of an enumeration's object form being read.
+  enum class OrdinalKey : uint8_t { None, ClassName, AsString, AsInt };
+  bool FInOrdinal = false;
+  OrdinalKey FOrdinalKey = OrdinalKey::None;
   void ValueAsObject(TVnJSONSimpleDataType AType, std::u16string_view AText);
+  void OrdinalValue(TVnJSONSimpleDataType AType, std::u16string_view AText);
   bool ValueInArray(TVnJSONSimpleDataType AType, std::u16string_view AText);
-};
-
-/// Reads the object form of an enumeration or set: "asString", then "asInt", whichever comes
-/// last decides.
-class TVnJSONEnumDeserializer : public TVnJSONDeserializer {
-  VN_DECLARE_CLASS(TVnJSONEnumDeserializer, TVnJSONDeserializer)
- public:
-  void DeserializeStartType() override;
-  void DoStartObject() override;
-  void DoStartMember(std::u16string_view AName) override;
-  void DoStartArray() override;
-  void DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) override;
-  void DoEndObject() override;
-
- private:
-  UnicodeString FName;
 };
 
 /// A stream member written as a Base64 string, or as the writer's object with "data".

@@ -196,6 +196,7 @@ void TVnJSONDeserializer::EndObject() {
 
 void TVnJSONDeserializer::DoStartObject() {
   if (FDisabledCnt > 0) return Skip();
+  if (FInOrdinal) RaiseShape(ExpectedName(FMemberTypeInfo), u"an object");
   if (FClosed) RaiseShape(u"the end of the text", u"a further value");
   if (!FOpened) {
     if (IsComplex(FInstanceTypeInfo)) {
@@ -211,26 +212,31 @@ void TVnJSONDeserializer::DoStartObject() {
       FDispatcher->FActive->FOpened = true;
       return;
     }
-    if (IsOrdinalSet(FMemberTypeInfo)) return StartOrdinalChild();
+    if (IsOrdinalSet(FMemberTypeInfo)) return StartOrdinal();
     if (FMemberTypeInfo && FMemberTypeInfo->Kind() == vtkClass) return Skip();  // a nil element that names no class
     RaiseShape(ExpectedName(FMemberTypeInfo), u"an object");
   }
   if (FCanDeserialize != desYes || !FMemberTypeInfo) return Skip();
-  if (IsOrdinalSet(FMemberTypeInfo)) return StartOrdinalChild();
+  if (IsOrdinalSet(FMemberTypeInfo)) return StartOrdinal();
   // A nil object member that got no child (the text names no class) passes its object over.
   if (FMemberTypeInfo->Kind() == vtkClass || FMemberTypeInfo->Kind() == vtkInterface) return Skip();
   RaiseShape(ExpectedName(FMemberTypeInfo), u"an object");
 }
 
-void TVnJSONDeserializer::StartOrdinalChild() {
-  TVnDeserializer* child = CreateChildDeserializer(TVnJSONEnumDeserializer::StaticClass(), u"enum",
-                                                   const_cast<void*>(FMemberValue.GetReferenceToRawData()),
-                                                   FMemberTypeInfo, nullptr);
-  static_cast<TVnJSONDeserializer*>(child)->FOpened = true;
+void TVnJSONDeserializer::StartOrdinal() {
+  FInOrdinal = true;
+  FOrdinalKey = OrdinalKey::None;
 }
 
 void TVnJSONDeserializer::DoStartMember(std::u16string_view AName) {
   if (FDisabledCnt > 0) return;
+  if (FInOrdinal) {
+    if (SameText(AName, u"className")) FOrdinalKey = OrdinalKey::ClassName;
+    else if (SameText(AName, u"asString")) FOrdinalKey = OrdinalKey::AsString;
+    else if (SameText(AName, u"asInt")) FOrdinalKey = OrdinalKey::AsInt;
+    else throw Exception(cVnJSONEnumMemberExpected, {AName});
+    return;
+  }
   FCanDeserialize = desNo;
   FDataType.clear();
   // The buffers are kept from member to member: a record of short names allocates nothing.
@@ -246,6 +252,7 @@ void TVnJSONDeserializer::DoStartMember(std::u16string_view AName) {
 
 void TVnJSONDeserializer::DoStartArray() {
   if (FDisabledCnt > 0) return Skip();
+  if (FInOrdinal) RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
   if (FClosed) RaiseShape(u"the end of the text", u"a further value");
   if (!FOpened) {
     if (IsArray(FInstanceTypeInfo)) {
@@ -263,6 +270,7 @@ void TVnJSONDeserializer::DoStartArray() {
 
 void TVnJSONDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
   if (FDisabledCnt > 0) return;
+  if (FInOrdinal) return OrdinalValue(AType, AText);
   if (FClosed) RaiseShape(u"the end of the text", u"a further value");
   if (!FOpened) {
     if (IsComplex(FInstanceTypeInfo)) return ValueAsObject(AType, AText);
@@ -335,7 +343,21 @@ void TVnJSONDeserializer::DoEndObject() {
     --FDisabledCnt;
     return;
   }
+  if (FInOrdinal) {
+    FInOrdinal = false;
+    return;
+  }
   Finish();
+}
+
+void TVnJSONDeserializer::OrdinalValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
+  // Both forms are stored in turn: the one that comes last decides.
+  if (FOrdinalKey == OrdinalKey::AsString && AType == jdtString)
+    DeserializeValue(u"", u"asString", AText, u"System.string");
+  else if (FOrdinalKey == OrdinalKey::AsInt && (AType == jdtString || AType == jdtNumber))
+    DeserializeValue(u"", u"asInt", AText, u"System.Integer");
+  else if (FOrdinalKey != OrdinalKey::ClassName)
+    RaiseShape(ExpectedName(FMemberTypeInfo), FoundName(AType));
 }
 
 // ---- the read ----

@@ -1,4 +1,4 @@
-// The JSON readers of enumerations and sets, streams, string lists, JSON documents and TValue.
+// The JSON readers of streams, string lists, JSON documents and TValue.
 #include "serializer/json_base64.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
@@ -15,38 +15,6 @@ namespace vn {
 namespace {
 bool IsFloatText(std::u16string_view AText) { return AText.find_first_of(u".eE") != std::u16string_view::npos; }
 }  // namespace
-
-// ---- enumerations and sets: {"className":...,"asString":...,"asInt":...} ----
-
-void TVnJSONEnumDeserializer::DeserializeStartType() {
-  // The parent reads the value: its member is the enumeration or set.
-  if (TVnDeserializer* parent = GetParentDeserializer()) FMemberTypeInfo = parent->GetMemberTypeInfo();
-}
-
-void TVnJSONEnumDeserializer::DoStartObject() { RaiseShape(ExpectedName(FMemberTypeInfo), u"an object"); }
-void TVnJSONEnumDeserializer::DoStartArray() { RaiseShape(ExpectedName(FMemberTypeInfo), u"an array"); }
-
-void TVnJSONEnumDeserializer::DoStartMember(std::u16string_view AName) {
-  FName = AName;
-  if (!SameText(AName, u"className") && !SameText(AName, u"asString") && !SameText(AName, u"asInt"))
-    throw Exception(cVnJSONEnumMemberExpected, {AName});
-}
-
-void TVnJSONEnumDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
-  TVnDeserializer* parent = GetParentDeserializer();
-  if (!parent) return;
-  if (AType == jdtString && SameText(FName, u"asString"))
-    parent->DeserializeValue(u"", u"asString", AText, u"System.string");
-  else if ((AType == jdtString || AType == jdtNumber) && SameText(FName, u"asInt"))
-    parent->DeserializeValue(u"", u"asInt", AText, u"System.Integer");
-  else if (!SameText(FName, u"className"))
-    RaiseShape(ExpectedName(FMemberTypeInfo), u"a value of another kind");
-}
-
-void TVnJSONEnumDeserializer::DoEndObject() {
-  // The parent stored the value already; only the floor goes back.
-  if (auto* parent = dynamic_cast<TVnJSONDeserializer*>(GetParentDeserializer())) HandOver(parent);
-}
 
 // ---- streams: a Base64 string, or the writer's object with "data" ----
 
