@@ -1,6 +1,8 @@
 // The JSON writer of the object serializer: structure, names and the value forms.
 #include <charconv>
 #include <cmath>
+#include <unordered_map>
+#include <vector>
 
 #include "json/json_escape.h"
 #include "serializer/walker_output.h"
@@ -35,13 +37,34 @@ TVnTimeZoneFormat HintedZone(TVnAttributes AAttributes) {
 
 }  // namespace
 
+namespace {
+
+/// Texts that depend on a type alone, made once per type and thread: type records live as long
+/// as the process.
+struct TypeTexts {
+  std::string ObjectStart;                ///< {"className":"<schema name>"
+  std::vector<std::string> Enumeration;  ///< the whole object form per ordinal, from 0
+};
+
+TypeTexts& TextsOf(const TVnTypeInfo* AType) {
+  thread_local std::unordered_map<const TVnTypeInfo*, TypeTexts> cache;
+  auto [it, added] = cache.try_emplace(AType);
+  if (added) {
+    it->second.ObjectStart = "{\"className\":\"";
+    detail::AppendUtf8(it->second.ObjectStart, AType->SchemaName());
+    it->second.ObjectStart += '"';
+  }
+  return it->second;
+}
+
+}  // namespace
+
 void TVnJSONSerializer::WriteObjectStart(const TVnTypeInfo* AType) {
-  Write('{');
   if (AType && !AType->GetIsSimpleType()) {
-    Write(std::string_view("\"className\":\""));
-    Write(AType->SchemaName());
-    Write('"');
+    Write(std::string_view(TextsOf(AType).ObjectStart));
     FPrefix = ",";
+  } else {
+    Write('{');
   }
 }
 
@@ -195,19 +218,29 @@ void TVnJSONSerializer::WriteOrdinal(const TVnTypeInfo* AType, const TValue& AVa
   const TTypeInfo* type = AType->Handle();
   Int64 ordinal = 0;
   if (!IsNull(AValue)) ordinal = AValue.Kind() == tkVariant ? ToInt64(AValue) : AValue.IsOrdinal() || AValue.Kind() == tkSet ? AValue.AsOrdinal() : ToInt64(AValue);
+  TypeTexts& texts = TextsOf(AType);
+  // An enumeration's forms are few: each is made once.
+  const bool cached = AType->Kind() == vtkEnumeration && ordinal >= 0 && ordinal < 256;
+  if (cached && static_cast<size_t>(ordinal) < texts.Enumeration.size() && !texts.Enumeration[ordinal].empty())
+    return Write(std::string_view(texts.Enumeration[ordinal]));
   const UnicodeString prefix = VnEnumPrefix(type);
   UnicodeString text;
   if (AType->Kind() == vtkSet)
     text = IsNull(AValue) ? UnicodeString() : VnSetNames(type, static_cast<UInt64>(ordinal), prefix);
   else
     text = VnEnumName(type, ordinal, prefix);
-  Write(std::string_view("{\"className\":\""));
-  Write(AType->SchemaName());
-  Write(std::string_view("\",\"asString\":\""));
-  Write(VnStrToJSON(text));
-  Write(std::string_view("\",\"asInt\":"));
-  Write(VnInt64ToXML(ordinal));
-  Write('}');
+  std::string out = texts.ObjectStart;
+  out += ",\"asString\":\"";
+  detail::AppendUtf8(out, VnStrToJSON(text));
+  out += "\",\"asInt\":";
+  char digits[24];
+  out.append(digits, std::to_chars(digits, digits + sizeof digits, ordinal).ptr);
+  out += '}';
+  Write(std::string_view(out));
+  if (cached) {
+    if (texts.Enumeration.size() <= static_cast<size_t>(ordinal)) texts.Enumeration.resize(ordinal + 1);
+    texts.Enumeration[ordinal] = std::move(out);
+  }
 }
 
 void TVnJSONSerializer::WriteDate(const TVnTypeInfo* AType, const TValue& AValue, TVnAttributes AAttributes) {
