@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "json_domain.h"
+#include "vnxml/json_document.h"
 
 namespace jsondomain {
 namespace {
@@ -107,6 +108,21 @@ TEST(JSONRoundTrip, TValueNumbersKeepTheirKind) {
   FromJSON(o, R"({"any":null,"v":null})");
   EXPECT_TRUE(VarIsNull(o.Any.AsVariant()));
   EXPECT_TRUE(VarIsNull(o.V));
+}
+
+TEST(JSONRoundTrip, DocumentsAndStreamsAsTheirOwnText) {
+  // A JSON document is the text its own writer gives; with "excluderoot" without the brackets.
+  TVnJSONDocument doc, back;
+  VnDeserialize(dsfJSON, TValue::FromObject(&doc), TVnSerializedData(R"({"a":[1,"x"],"b":null})"));
+  EXPECT_EQ(VnSerialize(dsfJSON, &doc), R"({"a": [1, "x"], "b": null})");
+  IPtr<IVnSerializer> inner = VnCreateSerializer(dsfJSON, TValue::FromObject(&doc));
+  inner->SetParam(u"excluderoot", u"true");
+  EXPECT_EQ(inner->Serialize(), R"("a": [1, "x"], "b": null)");
+  // A stream member also reads from a bare Base64 string.
+  TShapes o;
+  FromJSON(o, R"({"data":"AAH/"})");
+  EXPECT_EQ(o.Data->GetSize(), 3);
+  EXPECT_EQ(static_cast<const unsigned char*>(o.Data->GetMemory())[2], 0xFF);
 }
 
 }  // namespace
