@@ -194,6 +194,8 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   int FDepth = 0;
   /// Between DeserializeStartType and DeserializeEndType.
   bool FStarted = false;
+  /// The instance is a static or dynamic array.
+  bool FIsArray = false;
   bool FOwnList = false;
 };
 

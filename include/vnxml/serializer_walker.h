@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "vnxml/serializer.h"
 
@@ -119,6 +120,9 @@ class TVnSerializer : public TVnCustomSerializer, public IVnSerializer {
   int FDepth = 0;
   /// UTF-8 of the text being written (kept to reuse its room).
   std::string FScratch;
+  /// The root's texts of type attributes, made once per type and walk; shared by the children.
+  std::unordered_map<const TVnTypeInfo*, std::string>* FTypeAttributes = nullptr;
+  std::unordered_map<const TVnTypeInfo*, std::string> FOwnTypeAttributes;
 
  private:
   void WalkMembers();

@@ -16,3 +16,8 @@
 #include "vnxml/serializer.h"
 #include "vnxml/xml_utils.h"
 #include "vnxml/xpath.h"
+// ---- serial-walk ----
+#include "vnxml/serializer_builder.h"
+#include "vnxml/serializer_walker.h"
+#include "vnxml/xml_dom_serializer.h"
+#include "vnxml/xml_serializer.h"

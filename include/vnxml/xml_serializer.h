@@ -16,6 +16,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "vnxml/common/vn_component.h"
 #include "vnxml/sax_contract.h"
@@ -158,6 +159,8 @@ class TVnXMLDeserializer : public TVnDeserializer,
   UnicodeString FLocalName;
   UnicodeString FURI;
   UnicodeString FDataType;
+  /// The type its xsi:type names, when it names one.
+  const TVnTypeInfo* FDataTypeInfo = nullptr;
   TVnCanDeserialize FCanDeserialize = desNo;
   Integer FLevel = 0;
   IVnSAXAttributes* FAttribs = nullptr;
@@ -177,9 +180,14 @@ class TVnXMLDeserializer : public TVnDeserializer,
   bool FBuildFailed = false;
 
  private:
-  const TRttiMember* NodeValueMember();
-  const TRttiMember* FNodeValueMember = nullptr;
-  bool FNodeValueSearched = false;
+  /// The qualified name and the type an xsi:type value names (empty and nil when none); cached per read.
+  const std::pair<UnicodeString, const TVnTypeInfo*>& NamedType(std::u16string_view ASchemaName);
+  struct NameHash {
+    using is_transparent = void;
+    size_t operator()(std::u16string_view AName) const noexcept { return std::hash<std::u16string_view>()(AName); }
+  };
+  std::unordered_map<UnicodeString, std::pair<UnicodeString, const TVnTypeInfo*>, NameHash, std::equal_to<>> FTypeNames;
+  const std::pair<const UnicodeString, std::pair<UnicodeString, const TVnTypeInfo*>>* FLastTypeName = nullptr;
 };
 
 /// A string list: each string an <item> element; its members are not written.

@@ -33,6 +33,7 @@ void TVnDeserializer::Create(const TValue& AValue) {
 
 void TVnDeserializer::Create(void* AInstance, const TTypeInfo* AType) {
   TVnCustomSerializer::Create(AInstance, AType);
+  FIsArray = AType && (AType->Kind == tkArray || AType->Kind == tkDynArray);
   FIHelper = AType && AType->Kind == tkClass && AInstance
                  ? dynamic_cast<IVnDeserializerHelper*>(static_cast<TObject*>(AInstance))
                  : nullptr;

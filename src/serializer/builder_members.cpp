@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "serializer/kind_names.h"
+#include "serializer/member_plan.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -17,14 +18,15 @@ namespace {
 bool IsArrayKind(TVnTypeKind AKind) { return AKind == vtkStaticArray || AKind == vtkDynArray; }
 
 bool IsReserved(std::u16string_view AName) {
-  return SameText(AName, u"className") || SameText(AName, u"parent") || SameText(AName, u"owner") ||
-         SameText(AName, u"type");
+  using detail::SameName;
+  return SameName(AName, u"className") || SameName(AName, u"parent") || SameName(AName, u"owner") ||
+         SameName(AName, u"type");
 }
 
 /// AValue as a value of AType: the casts of TValue, then the registry's text conversions.
-TValue ConvertTo(const TValue& AValue, const TTypeInfo* AType) {
+TValue ConvertTo(TValue&& AValue, const TTypeInfo* AType) {
   TValue result;
-  if (AValue.TypeInfo() == AType) return AValue;
+  if (AValue.TypeInfo() == AType) return std::move(AValue);
   if (AValue.TryCast(AType, result) || ToType(AValue, AType, result)) return result;
   throw EInvalidCast(u"Invalid class typecast");
 }
@@ -46,33 +48,31 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
     FMemberName = AName;
     const TVnTypeKind kind = FInstanceTypeInfo ? FInstanceTypeInfo->Kind() : vtkUnknown;
     if ((kind == vtkRecord || kind == vtkClass) && FInstancePtr) {
-      TRttiType* type = FInstanceTypeInfo->RttiType();
-      auto takeProperty = [&](TRttiProperty* AProperty) {
-        FMemberProp = AProperty;
-        if (AProperty->Visibility() < mvPublic) return;
-        FMemberTypeInfo = TVnTypes::GetTypeInfo(AProperty->PropertyTypeInfo());
-        FMemberValue = AProperty->IsReadable() ? AProperty->GetValue(FInstancePtr)
-                                               : TValue::Make(nullptr, AProperty->PropertyTypeInfo());
+      const detail::MemberPlan& plan = detail::PlanOf(FInstanceTypeInfo);
+      auto find = [&](const std::vector<detail::NamedMember>& AList) -> const detail::NamedMember* {
+        for (const detail::NamedMember& m : AList)
+          if (detail::SameName(m.Name, AName)) return &m;
+        return nullptr;
       };
-      if (TRttiField* field = type->GetField(AName)) {
-        FMemberField = field;
-        FMemberTypeInfo = TVnTypes::GetTypeInfo(field->FieldTypeInfo());
-        FMemberValue = field->GetValue(FInstancePtr);
-      } else if (kind == vtkClass) {
-        if (TRttiProperty* property = type->GetProperty(AName)) {
-          takeProperty(property);
-        } else {
-          SerializerHint* hint = nullptr;
-          for (TRttiProperty* candidate : type->GetProperties()) {
-            if (candidate->Visibility() >= mvPublic && GetSerializerHint(candidate, shoName, hint) &&
-                SameText(hint->GetValue(), AName)) {
-              takeProperty(candidate);
-              break;
-            }
-          }
+      const detail::NamedMember* found = find(plan.Fields);
+      if (!found && kind == vtkClass) found = find(plan.Properties);
+      if (!found && kind == vtkClass) found = find(plan.HintNamed);
+      if (found && found->Field) {
+        FMemberField = found->Field;
+        FMemberTypeInfo = TVnTypes::GetTypeInfo(found->Field->FieldTypeInfo());
+        // A simple member's value is replaced whole: only nested values need the current one.
+        if (!FMemberTypeInfo->GetIsSimpleType()) FMemberValue = found->Field->GetValue(FInstancePtr);
+      } else if (found) {
+        TRttiProperty* property = found->Prop;
+        FMemberProp = property;
+        if (property->Visibility() >= mvPublic) {
+          FMemberTypeInfo = TVnTypes::GetTypeInfo(property->PropertyTypeInfo());
+          if (!FMemberTypeInfo->GetIsSimpleType())
+            FMemberValue = property->IsReadable() ? property->GetValue(FInstancePtr)
+                                                  : TValue::Make(nullptr, property->PropertyTypeInfo());
         }
       }
-      if (FMemberField || FMemberProp) {
+      if (found) {
         if (ADataType.empty() && FMemberTypeInfo) ADataType = FMemberTypeInfo->QualifiedName();
         result = desYes;
       }
@@ -81,7 +81,12 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
       throw EVnSerializeException(cVnUnknownMember,
                                   {FInstanceTypeInfo ? FInstanceTypeInfo->QualifiedName() : UnicodeString(), AName});
   }
-  if (result == desYes) CreateChildDeserializerIfNeeded(AName);
+  if (result == desYes) {
+    CreateChildDeserializerIfNeeded(AName);
+    // A read-only property takes no text (a component's Owner): only a nested value it holds
+    // is filled in place.
+    if (FMemberProp && !FMemberProp->IsWritable() && !FChild) result = desIgnore;
+  }
   return result;
 }
 
@@ -192,17 +197,17 @@ void TVnDeserializer::DeserializeStartType() {
   if (FCHelper) FCHelper->DeserializeStartType(this);
   if (FIHelper) FIHelper->BeforeDeserialize(this);
   FStarted = true;
-  if (FInstanceTypeInfo && IsArrayKind(FInstanceTypeInfo->Kind())) {
-    VnAssert(FParentDeserializer != nullptr, cVnParentIsArray);
-    VnAssert(FParentDeserializer->FMemberTypeInfo != nullptr, cVnParentMemberTypeUnset);
+  if (FIsArray) {
+    if (!FParentDeserializer) VnAssert(false, cVnParentIsArray);
+    if (!FParentDeserializer->FMemberTypeInfo) VnAssert(false, cVnParentMemberTypeUnset);
     FArrIdx = -1;
     FMemberTypeInfo = FInstanceTypeInfo->ElementType();
   }
 }
 
 bool TVnDeserializer::IsArraySerializer(TVnTypeKind* AKind) const {
-  if (!FParentDeserializer || !FInstanceTypeInfo || !IsArrayKind(FInstanceTypeInfo->Kind())) return false;
-  VnAssert(FMemberTypeInfo != nullptr, cVnArrayMemberTypeUnset);
+  if (!FParentDeserializer || !FIsArray) return false;
+  if (!FMemberTypeInfo) VnAssert(false, cVnArrayMemberTypeUnset);
   if (AKind) *AKind = FMemberTypeInfo->Kind();
   return true;
 }
@@ -247,9 +252,13 @@ UnicodeString TVnDeserializer::GetPath() const {
 void TVnDeserializer::StoreMemberValue() {
   if (IsArraySerializer()) {
     const TTypeInfo* element = FMemberTypeInfo->Handle();
-    const TValue value = ConvertTo(FMemberValue, element);
     void* item = FInstanceTypeInfo->Handle()->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx));
-    element->Ops->Assign(item, value.GetReferenceToRawData());
+    if (FMemberValue.TypeInfo() == element) {
+      element->Ops->Assign(item, FMemberValue.GetReferenceToRawData());
+    } else {
+      const TValue value = ConvertTo(TValue(FMemberValue), element);
+      element->Ops->Assign(item, value.GetReferenceToRawData());
+    }
   } else if (FMemberField) {
     FMemberField->SetValue(FInstancePtr, FMemberValue);
   } else if (FMemberProp) {

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "serializer/kind_names.h"
+#include "serializer/member_plan.h"
 #include "serializer/walker_output.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/sysutils.h"
@@ -16,21 +17,6 @@ namespace {
 bool IsTValueType(const TVnTypeInfo* AType) { return AType && AType->Handle() == TypeInfoOf<TValue>(); }
 
 const TValue& InnerValue(const TValue& AValue) { return *static_cast<const TValue*>(AValue.GetReferenceToRawData()); }
-
-/// Names already judged in one member walk; members are few, so a linear search wins.
-class SeenNames {
- public:
-  /// True when AName was not there yet (it is added).
-  bool Add(std::u16string_view AName) {
-    for (std::u16string_view name : FNames)
-      if (name.size() == AName.size() && SameText(name, AName)) return false;
-    FNames.push_back(AName);
-    return true;
-  }
-
- private:
-  std::vector<std::u16string_view> FNames;
-};
 
 /// Calls AfterSerialize also when the walk fails, so that a host's lock is left.
 class AfterSerializeGuard {
@@ -63,6 +49,16 @@ void TVnSerializer::SetParent(TVnCustomSerializer* AParent) {
   if (auto* parent = CastObject<TVnSerializer>(AParent)) {
     FStream = parent->FStream;
     FDepth = parent->FDepth + 1;
+    if (FParams->GetCount() == 0) {
+      // Nothing set here: the parent's reading of the parameters holds.
+      FTypeAttributes = parent->FTypeAttributes;
+      FExcludeChildren = parent->FExcludeChildren;
+      return;
+    }
+    FTypeAttributes = &FOwnTypeAttributes;
+  } else {
+    FTypeAttributes = &FOwnTypeAttributes;
+    FOwnTypeAttributes.clear();
   }
   FExcludeChildren = ParamIsTrue(u"excludechildren");
 }
@@ -170,57 +166,34 @@ bool TVnSerializer::MemberPasses(const TVnTypeInfo* AType, const TValue& AValue)
 
 void TVnSerializer::WalkMembers() {
   if (!FInstancePtr) return;
-  TRttiType* type = FInstanceTypeInfo->RttiType();
-  SeenNames seen;
-  SerializerHint* hint = nullptr;
-  for (TRttiProperty* property : type->GetProperties()) {
-    if (!seen.Add(property->Name())) continue;
-    if (GetSerializerHint(property, shoDoNotSerialize, hint) || !property->IsReadable()) continue;
-    SerializerHint* nameHint = nullptr;
-    GetSerializerHint(property, shoName, nameHint);
-    if (property->Visibility() == mvPublished) {
-      if (nameHint && nameHint->GetValue().empty()) continue;
-    } else if (property->Visibility() != mvPublic || !nameHint || nameHint->GetValue().empty()) {
-      continue;
-    }
-    TValue value = property->GetValue(FInstancePtr);
-    const TVnTypeInfo* memberType = TVnTypes::GetTypeInfo(property->PropertyTypeInfo());
-    if (IsTValueType(memberType)) {
-      TValue inner = InnerValue(value);
-      value = std::move(inner);
-      memberType = VnTypeInfo(value);
-    }
-    if (!memberType) continue;
-    const TVnTypeKind kind = memberType->Kind();
-    if (kind == vtkUnknown || kind == vtkPointer || kind == vtkOther32 || kind == vtkClassRef) continue;
-    if (!MemberPasses(memberType, value)) continue;
-
-    const std::u16string_view name = nameHint ? std::u16string_view(nameHint->GetValue()) : property->Name();
-    std::unique_ptr<TVnSerializerHelper> helper;
-    if (GetSerializerHint(property, shoSerializerHelper, hint)) {
-      helper.reset(static_cast<TVnSerializerHelper*>(CreateInstance(hint->GetSerializerHelperClass())));
-    } else if (kind == vtkClass) {
-      TObject* object = value.AsObject();
-      helper = VnCreateSerializerHelper(object ? object->ClassType() : memberType->Handle()->ClassType);
-    }
-    bool handled = false;
-    if (helper) helper->Serialize(this, UnicodeString(name), memberType, value, handled);
-    if (!handled) SerializeFieldOrProp(name, memberType, value, property->GetAttributes());
-  }
-  for (TRttiField* field : type->GetFields()) {
-    if (!seen.Add(field->Name())) continue;
-    if (GetSerializerHint(field, shoDoNotSerialize, hint) || field->Visibility() < mvPublic) continue;
-    if (GetSerializerHint(field, shoName, hint) && hint->GetValue().empty()) continue;
-    TValue value = field->GetValue(FInstancePtr);
-    const TVnTypeInfo* memberType = TVnTypes::GetTypeInfo(field->FieldTypeInfo());
-    if (IsTValueType(memberType)) {
+  for (const detail::PlannedMember& member : detail::PlanOf(FInstanceTypeInfo).Written) {
+    TValue value = member.Field ? member.Field->GetValue(FInstancePtr) : member.Prop->GetValue(FInstancePtr);
+    const TVnTypeInfo* memberType = member.Type;
+    if (member.IsTValue) {
       TValue inner = InnerValue(value);
       value = std::move(inner);
       memberType = VnTypeInfo(value);
       if (!memberType) continue;  // an empty TValue writes nothing
     }
+    if (member.Prop) {
+      const TVnTypeKind kind = memberType->Kind();
+      if (kind == vtkUnknown || kind == vtkPointer || kind == vtkOther32 || kind == vtkClassRef) continue;
+    }
     if (!MemberPasses(memberType, value)) continue;
-    SerializeFieldOrProp(field->Name(), memberType, value, field->GetAttributes());
+    if (member.Field) {
+      SerializeFieldOrProp(member.Name, memberType, value, member.Attributes);
+      continue;
+    }
+    std::unique_ptr<TVnSerializerHelper> helper;
+    if (member.HelperHint) {
+      helper.reset(static_cast<TVnSerializerHelper*>(CreateInstance(member.HelperHint->GetSerializerHelperClass())));
+    } else if (memberType->Kind() == vtkClass) {
+      TObject* object = value.AsObject();
+      helper = VnCreateSerializerHelper(object ? object->ClassType() : memberType->Handle()->ClassType);
+    }
+    bool handled = false;
+    if (helper) helper->Serialize(this, UnicodeString(member.Name), memberType, value, handled);
+    if (!handled) SerializeFieldOrProp(member.Name, memberType, value, member.Attributes);
   }
 }
 

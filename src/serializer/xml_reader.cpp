@@ -2,6 +2,7 @@
 // conversions of XML.
 #include <memory>
 
+#include "serializer/member_plan.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/text_parser.h"
@@ -16,7 +17,9 @@ namespace vn {
 
 namespace {
 
-bool IsXsiNamespace(std::u16string_view AURI) { return SameText(AURI, cVnXSINamespace); }
+constexpr std::u16string_view kXsiNamespace = cVnXSINamespace;
+
+bool IsXsiNamespace(std::u16string_view AURI) { return detail::SameName(AURI, kXsiNamespace); }
 
 bool IsWhitespace(std::u16string_view AText) {
   for (char16_t c : AText)
@@ -122,6 +125,7 @@ void TVnXMLDeserializer::DoStartElement(std::u16string_view AURI, std::u16string
     FURI = AURI;
     FLocalName = ALocalName;
     FDataType.clear();
+    FDataTypeInfo = nullptr;
     FText.clear();
     FHasText = false;
     FNil = false;
@@ -132,11 +136,13 @@ void TVnXMLDeserializer::DoStartElement(std::u16string_view AURI, std::u16string
     } clear{FAttribs};
     if (AAttributes) {
       for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
+        if (a->LocalName.size() != 4 && a->LocalName.size() != 3) continue;
         if (!IsXsiNamespace(a->URI)) continue;
-        if (SameText(a->LocalName, u"type") && FDataType.empty()) {
-          if (const TVnTypeInfo* t = TVnTypes::GetTypeInfo(a->Value, tntSchemaName, false, mtkUnknown))
-            FDataType = t->QualifiedName();
-        } else if (SameText(a->LocalName, u"nil")) {
+        if (detail::SameName(a->LocalName, u"type") && FDataType.empty()) {
+          const auto& named = FRootXml->NamedType(a->Value);
+          FDataType = named.first;
+          FDataTypeInfo = named.second;
+        } else if (detail::SameName(a->LocalName, u"nil")) {
           FNil = VnXMLToBool(a->Value);
         }
       }
@@ -183,9 +189,12 @@ void TVnXMLDeserializer::DoCharacters(std::u16string_view AText) {
     DeserializeValue(FURI, FLocalName, AText, FDataType);
     return;
   }
-  const TRttiMember* member = NodeValueMember();
-  if (member) {
-    UnicodeString name = member->Name();
+  const detail::NamedMember* member =
+      FInstanceTypeInfo && (FInstanceTypeInfo->Kind() == vtkClass || FInstanceTypeInfo->Kind() == vtkRecord)
+          ? &detail::PlanOf(FInstanceTypeInfo).NodeValue
+          : nullptr;
+  if (member && (member->Field || member->Prop)) {
+    UnicodeString name(member->Name);
     UnicodeString uri = FURI;
     UnicodeString dataType = FDataType;
     if (CanDeserialize(uri, name, dataType, false) == desYes) {
@@ -258,17 +267,17 @@ void TVnXMLDeserializer::ReadAttributesAsMembers(IVnSAXAttributes* AAttributes) 
   }
 }
 
-const TRttiMember* TVnXMLDeserializer::NodeValueMember() {
-  if (FNodeValueSearched) return FNodeValueMember;
-  FNodeValueSearched = true;
-  if (!FInstanceTypeInfo || (FInstanceTypeInfo->Kind() != vtkClass && FInstanceTypeInfo->Kind() != vtkRecord)) return nullptr;
-  TRttiType* type = FInstanceTypeInfo->RttiType();
-  SerializerHint* hint = nullptr;
-  for (TRttiProperty* p : type->GetProperties())
-    if (GetSerializerHint(p, shoNodeType, hint) && SameText(hint->GetValue(), u"NodeValue")) return FNodeValueMember = p;
-  for (TRttiField* f : type->GetFields())
-    if (GetSerializerHint(f, shoNodeType, hint) && SameText(hint->GetValue(), u"NodeValue")) return FNodeValueMember = f;
-  return nullptr;
+const std::pair<UnicodeString, const TVnTypeInfo*>& TVnXMLDeserializer::NamedType(std::u16string_view ASchemaName) {
+  // Documents name few types many times: each is looked up in the registry once per read.
+  if (FLastTypeName && FLastTypeName->first == ASchemaName) return FLastTypeName->second;
+  auto it = FTypeNames.find(ASchemaName);
+  if (it == FTypeNames.end()) {
+    const TVnTypeInfo* type = TVnTypes::GetTypeInfo(ASchemaName, tntSchemaName, false, mtkUnknown);
+    it = FTypeNames.emplace(UnicodeString(ASchemaName),
+                            std::pair(type ? type->QualifiedName() : UnicodeString(), type)).first;
+  }
+  FLastTypeName = &*it;
+  return it->second;
 }
 
 // ---- the builder's operations ----
@@ -302,10 +311,10 @@ bool TVnXMLDeserializer::ReadClassName(UnicodeString& AClassName) {
   if (!FAttribs) return false;
   bool found = false;
   for (PVnSAXXMAttribute a = FAttribs->FirstAttribute(); a; a = a->Next) {
-    if (SameText(a->LocalName, u"type")) {
+    if (detail::SameName(a->LocalName, u"type")) {
       AClassName = a->Value;
       found = true;
-    } else if (SameText(a->LocalName, u"nil") && VnXMLToBool(a->Value)) {
+    } else if (detail::SameName(a->LocalName, u"nil") && VnXMLToBool(a->Value)) {
       AClassName.clear();
       return true;
     }
@@ -316,7 +325,9 @@ bool TVnXMLDeserializer::ReadClassName(UnicodeString& AClassName) {
 TVnDeserializer* TVnXMLDeserializer::CreateChildDeserializerIfNeeded(std::u16string_view AName) {
   TVnDeserializer* child = TVnDeserializer::CreateChildDeserializerIfNeeded(AName);
   if (auto* xmlChild = CastObject<TVnXMLDeserializer>(child); xmlChild && !FDataType.empty()) {
-    const TVnTypeInfo* type = TVnTypes::GetTypeInfo(FDataType, tntQualifiedName, false, mtkUnknown);
+    // The data type is the xsi:type's, or else the member's own, which has a child only when
+    // it is not simple.
+    const TVnTypeInfo* type = FDataTypeInfo ? FDataTypeInfo : FMemberTypeInfo;
     if (type && type->GetIsSimpleType()) {
       xmlChild->FProcessRootChars = true;
       xmlChild->FDataType = FDataType;

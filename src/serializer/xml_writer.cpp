@@ -132,11 +132,19 @@ void TVnXMLSerializer::Flush() {
 }
 
 void TVnXMLSerializer::AppendTypeAttribute(const TVnTypeInfo* AType) {
+  // The prefixes are the root's for the whole walk, so each type's text is made once.
+  std::string* cached = FTypeAttributes ? &(*FTypeAttributes)[AType] : nullptr;
+  if (cached && !cached->empty()) {
+    FOut += *cached;
+    return;
+  }
+  const size_t start = FOut.size();
   FOut += ' ';
   detail::AppendUtf8(FOut, FXSIPrefix);
   AppendAscii(FOut, ":type=\"");
   if (AType) detail::AppendUtf8(FOut, AType->SchemaName(FXSDPrefix));
   FOut += '"';
+  if (cached) cached->assign(FOut, start, std::string::npos);
 }
 
 void TVnXMLSerializer::SerializeStartType(std::u16string_view AName, const TVnTypeInfo* AType, Integer) {

@@ -76,12 +76,12 @@ TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
   auto expectMessage = [](auto ACall, const UnicodeString& AMessage) {
     EXPECT_EQ(test::MessageOf<Exception>(ACall), AMessage);
   };
-  expectMessage([&] { VnSerialize(dsfXML, TValue::FromObject(&object)); },
-                u"There is no registered serializer for \"XML\"!");
+  expectMessage([&] { VnSerialize(kEmpty, TValue::FromObject(&object)); },
+                u"There is no registered serializer for \"Format2\"!");
   expectMessage([&] { VnSerialize(dsfJSON, &object, TypeInfoOf<TBase>()); },
                 Format(cVnNoSerializerForType, {u"JSON", u"TBase"}));
-  expectMessage([&] { VnCreateDeserializer(dsfXML, TValue::From<Integer>(1)); },
-                Format(cVnNoDeserializerForValue, {u"XML"}));
+  expectMessage([&] { VnCreateDeserializer(kEmpty, TValue::From<Integer>(1)); },
+                Format(cVnNoDeserializerForValue, {u"Format2"}));
   // The pair exists, but without a deserializer.
   expectMessage([&] { VnDeserialize(kFake, &object, TypeInfoOf<TBase>(), TVnSerializedData("x")); },
                 Format(cVnNoDeserializerForType, {u"Format3", u"TBase"}));

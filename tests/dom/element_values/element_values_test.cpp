@@ -213,8 +213,9 @@ TEST(ElementValues, ValuesComeBackWithTheirTypes) {
   e->SetAsValue(TValue());
   EXPECT_TRUE(HasNil(e));
   EXPECT_TRUE(e->GetAsValue().IsEmpty());
+  // An object is written by the XML serializer.
   TWidget widget;
-  EXPECT_THROW(d.Add()->SetAsValue(TValue::FromObject(&widget)), Exception);
+  EXPECT_NO_THROW(d.Add()->SetAsValue(TValue::FromObject(&widget)));
 }
 
 TEST(ElementValues, EnumerationWithoutTextTakesTheValueAttribute) {

@@ -61,6 +61,14 @@ VN_REGISTER_TYPE(TNode, u"uWalker") {
       .Public(u"PeerB", &TNode::PeerB).Public(u"Part", &TNode::Part).Public(u"Boxed", &TNode::Boxed);
 }
 
+/// Takes part in its own serialization: locked while it is written or read.
+class TGuarded : public TVnSerializableObject {
+  VN_DECLARE_CLASS(TGuarded, TVnSerializableObject)
+ public:
+  Integer N = 0;
+};
+VN_REGISTER_TYPE(TGuarded, u"uWalker") { b.Public(u"N", &TGuarded::N); }
+
 std::string Bare(TObject* AObject, std::initializer_list<std::pair<const char16_t*, const char16_t*>> AParams = {}) {
   IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, TValue::FromObject(AObject));
   s->SetParam(u"excludenamespaces", u"true");
@@ -152,6 +160,28 @@ TEST(Walker, DeepChainsEndInAnErrorNotACrash) {
   } catch (const EVnSerializeException& e) {
     EXPECT_TRUE(e.Message().ends_with(u"The nesting is too deep!"));
   }
+}
+
+TEST(Walker, HostHooksRunAndLocksAreLeftAlsoOnFailure) {
+  TGuarded guarded;
+  guarded.N = 3;
+  EXPECT_EQ(Bare(&guarded), "<object><N>3</N></object>");
+  EXPECT_FALSE(guarded.GetSerializing());
+  EXPECT_THROW(VnDeserialize(dsfXML, TValue::FromObject(&guarded), "<object><N>x</N></object>"), Exception);
+  EXPECT_FALSE(guarded.GetDeserializing());
+  VnDeserialize(dsfXML, TValue::FromObject(&guarded), "<object N=\"5\"/>");
+  EXPECT_EQ(guarded.N, 5);
+}
+
+TEST(Walker, ComponentsNameTheirOwner) {
+  TComponent owner;
+  owner.SetName(u"Shop");
+  auto* part = new TComponent(&owner);
+  part->SetName(u"Till");
+  EXPECT_EQ(Bare(part), "<object><Owner>Shop</Owner><Name>Till</Name><Tag>0</Tag></object>");
+  TComponent copy;
+  VnDeserialize(dsfXML, TValue::FromObject(&copy), Bare(part));
+  EXPECT_EQ(copy.GetName(), u"Till");
 }
 
 }  // namespace walker

@@ -6,7 +6,10 @@
 #include "vnxml/common/classes.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
+#include "support/work_counter.h"
 #include "vnxml/xml_serializer.h"
+
+VN_TEST_COUNT_ALLOCATIONS()
 
 namespace {
 
@@ -170,6 +173,19 @@ TEST(XMLReader, DeepTextEndsInAnErrorWithWorkInProportion) {
   EXPECT_EQ(failure, "EVnSerializeException: " + U8(Format(cVnNestingTooDeep, {u"Next"})).substr(0, 0) + failure.substr(23));
   EXPECT_NE(failure.find("The nesting is too deep!"), std::string::npos);
   EXPECT_EQ(deep.Next, nullptr);
+}
+
+TEST(XMLReader, WideAndLongValuesTakeWorkInProportionBothWays) {
+  auto roundTrip = [](size_t ACount) {
+    TAll all;
+    all.Words.assign(ACount, u"word");
+    all.Points.assign(ACount, TPoint{1, 2, u"p"});
+    for (size_t i = 0; i < ACount; ++i) all.Notes->Add(u"n");
+    TAll copy;
+    VnDeserialize(dsfXML, TValue::FromObject(&copy), VnSerialize(dsfXML, &all));
+    ASSERT_EQ(copy.Points.size(), ACount);
+  };
+  vn::test::ExpectLinearWork(roundTrip, 500);
 }
 
 }  // namespace

@@ -56,12 +56,11 @@ TEST(ValToXML, TextByKind) {
   EXPECT_EQ(VnValToXML(TValue::Make(&moment, Named(u"TTime"))), u"13:05:06.007");
 }
 
-TEST(ValToXML, ComplexKindsNeedTheXMLSerializer) {
+TEST(ValToXML, ComplexKindsGoThroughTheXMLSerializer) {
   TThing thing;
-  const UnicodeString noSerializer = u"There is no registered serializer for \"XML\"!";
-  EXPECT_EQ(MessageOf([&] { VnValToXML(TValue::FromObject(&thing)); }), noSerializer);
-  EXPECT_EQ(MessageOf([] { VnValToXML(TValue::From(TPair{})); }), noSerializer);
-  EXPECT_EQ(MessageOf([] { VnValToXML(TValue::From(std::vector<Integer>{1})); }), noSerializer);
+  EXPECT_NE(VnValToXML(TValue::FromObject(&thing)).find(u"<object"), UnicodeString::npos);
+  EXPECT_NE(VnValToXML(TValue::From(TPair{})).find(u"<record"), UnicodeString::npos);
+  EXPECT_NE(VnValToXML(TValue::From(std::vector<Integer>{1})).find(u"<array"), UnicodeString::npos);
 }
 
 /// Each value written and read back under its own type gives the same value.
