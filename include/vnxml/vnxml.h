@@ -21,3 +21,6 @@
 #include "vnxml/serializer_walker.h"
 #include "vnxml/xml_dom_serializer.h"
 #include "vnxml/xml_serializer.h"
+// ---- serial-json ----
+#include "vnxml/json_serializer.h"
+#include "vnxml/json_serializer_reader.h"
