@@ -29,7 +29,11 @@ bool IsArray(const TVnTypeInfo* AType) {
 bool IsOrdinalSet(const TVnTypeInfo* AType) {
   return AType && (AType->Kind() == vtkEnumeration || AType->Kind() == vtkSet);
 }
-bool IsFloatText(std::u16string_view AText) { return AText.find_first_of(u".eE") != std::u16string_view::npos; }
+bool IsFloatText(std::u16string_view AText) {
+  for (char16_t c : AText)
+    if (c == u'.' || c == u'e' || c == u'E') return true;
+  return false;
+}
 
 std::u16string_view FoundName(TVnJSONSimpleDataType AType) {
   switch (AType) {

@@ -13,7 +13,11 @@
 namespace vn {
 
 namespace {
-bool IsFloatText(std::u16string_view AText) { return AText.find_first_of(u".eE") != std::u16string_view::npos; }
+bool IsFloatText(std::u16string_view AText) {
+  for (char16_t c : AText)
+    if (c == u'.' || c == u'e' || c == u'E') return true;
+  return false;
+}
 }  // namespace
 
 // ---- streams: a Base64 string, or the writer's object with "data" ----
