@@ -1,4 +1,4 @@
-// orders: a small order model goes to XML and comes back equal.
+// orders: a small order model goes to XML and to JSON and comes back equal.
 // Usage: orders          (prints the text and checks the round trip; exit code 1 on a mismatch)
 #include <cstdio>
 #include <exception>
@@ -55,7 +55,17 @@ int main() {
 
     // Without namespaces the text is plain; reading it creates the declared class.
     std::printf("plain: %s\n", AsXML(order, {}, true).c_str());
-    return same ? 0 : 1;
+
+    // ---- serial-json: the same order as JSON ----
+    // Out: one line; objects and enumerations carry their "className", so the customer comes
+    // back as the subclass.
+    const TVnSerializedData json = AsJSON(order);
+    std::printf("JSON:\n%s\n", json.c_str());
+    TOrder fromJSON;
+    VnDeserialize(dsfJSON, TValue::FromObject(&fromJSON), json);
+    const bool sameJSON = Same(order, fromJSON) && AsJSON(fromJSON) == json;
+    std::printf("JSON round trip: %s\n", sameJSON ? "equal" : "DIFFERENT");
+    return same && sameJSON ? 0 : 1;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "orders failed: %s\n", e.what());
     return 1;

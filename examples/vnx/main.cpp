@@ -15,12 +15,9 @@ int Usage() {
                "  events [--json|--xml|--form] [--multi-root] FILE|-   print the reader's events, one per line\n"
                "  format [--json|--xml] [--plain] [--encoding NAME] [--bom] FILE|-   write the document formatted\n"
                "  check [--json|--xml] FILE|-     load the document; report the first error\n"
-               "  select [--json|--xml] [--value] [--create] FILE|- PATH   print the nodes a path selects
-"
-               "  to-json [--plain] FILE|-        write the document's root element as JSON
-"
-               "  to-xml [--plain] FILE|-         load JSON (or XML) into a document, write it as XML
-");
+               "  select [--json|--xml] [--value] [--create] FILE|- PATH   print the nodes a path selects\n"
+               "  to-json [--plain] FILE|-        write the document's root element as JSON\n"
+               "  to-xml [--plain] FILE|-         load JSON (or XML) into a document, write it as XML\n");
   return vnx::kExitUsage;
 }
 

@@ -30,3 +30,6 @@
 #include "vnxml/dom_json_writer.h"
 #include "vnxml/sax_json_reader.h"
 #include "vnxml/sax_parser.h"
+// ---- serial-json ----
+#include "vnxml/json_serializer.h"
+#include "vnxml/json_serializer_reader.h"

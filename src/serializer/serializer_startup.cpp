@@ -19,6 +19,8 @@ constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
     // ---- serial-walk ----
     &RegisterXMLSerializers,
+    // ---- serial-json ----
+    &RegisterJSONSerializers,
 };
 
 thread_local bool tRunning = false;

@@ -78,8 +78,8 @@ TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
   };
   expectMessage([&] { VnSerialize(kEmpty, TValue::FromObject(&object)); },
                 Format(cVnNoSerializerForValue, {u"Format2"}));
-  expectMessage([&] { VnSerialize(dsfJSON, &object, TypeInfoOf<TBase>()); },
-                Format(cVnNoSerializerForType, {u"JSON", u"TBase"}));
+  expectMessage([&] { VnSerialize(kEmpty, &object, TypeInfoOf<TBase>()); },
+                Format(cVnNoSerializerForType, {u"Format2", u"TBase"}));
   expectMessage([&] { VnCreateDeserializer(kEmpty, TValue::From<Integer>(1)); },
                 Format(cVnNoDeserializerForValue, {u"Format2"}));
   // The pair exists, but without a deserializer.

@@ -1,0 +1,139 @@
+// The JSON readers of streams, string lists, JSON documents and TValue.
+#include "serializer/json_base64.h"
+#include "vnxml/common/code_page.h"
+#include "vnxml/common/stream.h"
+#include "vnxml/common/string_list.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
+#include "vnxml/json_document.h"
+#include "vnxml/json_serializer_reader.h"
+#include "vnxml/json_values.h"
+#include "vnxml/xml_values.h"
+
+namespace vn {
+
+namespace {
+bool IsFloatText(std::u16string_view AText) {
+  for (char16_t c : AText)
+    if (c == u'.' || c == u'e' || c == u'E') return true;
+  return false;
+}
+}  // namespace
+
+// ---- streams: a Base64 string, or the writer's object with "data" ----
+
+void TVnJSONStreamDeserializer::Load(std::u16string_view AText) {
+  auto* stream = dynamic_cast<TStream*>(static_cast<TObject*>(FInstancePtr));
+  if (!stream) return;
+  const std::string bytes = detail::Base64Decode(UnicodeToUtf8(VnJSONtoStr(AText, jdtNull)));
+  stream->SetSize(0);
+  stream->SetPosition(0);
+  if (!bytes.empty()) stream->WriteBuffer(bytes.data(), static_cast<Int64>(bytes.size()));
+  stream->SetPosition(0);
+}
+
+TVnCanDeserialize TVnJSONStreamDeserializer::CanDeserialize(UnicodeString&, UnicodeString& AName, UnicodeString&,
+                                                            bool) {
+  return SameText(AName, u"data") ? desYes : desNo;
+}
+
+void TVnJSONStreamDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
+  if (FDisabledCnt > 0) return;
+  if (!FOpened && AType == jdtString) {
+    Load(AText);
+    return Finish();
+  }
+  if (FOpened && AType == jdtString && FCanDeserialize == desYes) return Load(AText);
+  if (FOpened && FCanDeserialize == desYes) RaiseShape(u"a Base64 string", u"a value of another kind");
+  TVnJSONDeserializer::DoValue(AType, AText);
+}
+
+// ---- string lists: "items" ----
+
+void TVnJSONStringsDeserializer::SetParent(TVnCustomSerializer* AParent) {
+  TVnJSONDeserializer::SetParent(AParent);
+  if (auto* strings = dynamic_cast<TStrings*>(static_cast<TObject*>(FInstancePtr))) strings->Clear();
+}
+
+TVnCanDeserialize TVnJSONStringsDeserializer::CanDeserialize(UnicodeString&, UnicodeString& AName, UnicodeString&,
+                                                             bool) {
+  return SameText(AName, u"items") ? desYes : desNo;
+}
+
+void TVnJSONStringsDeserializer::DoStartArray() {
+  if (FDisabledCnt == 0 && FOpened && !FInItems && FCanDeserialize == desYes) {
+    FInItems = true;
+    return;
+  }
+  if (FInItems && FDisabledCnt == 0) RaiseShape(u"a string", u"an array");
+  TVnJSONDeserializer::DoStartArray();
+}
+
+void TVnJSONStringsDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
+  if (FInItems && FDisabledCnt == 0) {
+    if (auto* strings = dynamic_cast<TStrings*>(static_cast<TObject*>(FInstancePtr)))
+      strings->Add(AType == jdtNull ? UnicodeString() : VnJSONtoStr(AText, jdtNull));
+    return;
+  }
+  if (FOpened && FCanDeserialize == desYes && FDisabledCnt == 0) RaiseShape(u"an array of strings", u"a value");
+  TVnJSONDeserializer::DoValue(AType, AText);
+}
+
+void TVnJSONStringsDeserializer::DoEndArray() {
+  if (FInItems && FDisabledCnt == 0) {
+    FInItems = false;
+    return;
+  }
+  TVnJSONDeserializer::DoEndArray();
+}
+
+// ---- JSON documents: the text as it stands ----
+
+TObject* TVnJSONDocDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
+  TObject* document = new TVnJSONDocument();
+  if (TObjectList* created = GetCreatedObjects()) created->Add(document);
+  AType = TVnTypes::GetTypeInfo(TVnJSONDocument::StaticClass());
+  return document;
+}
+
+void TVnJSONDocDeserializer::Deserialize(TStream& AStream) {
+  if (!FInstancePtr) FInstancePtr = CreateInstance(FInstanceTypeInfo);
+  auto* document = dynamic_cast<TVnJSONDocument*>(static_cast<TObject*>(FInstancePtr));
+  VnAssert(document != nullptr, u"The instance is not a TVnJSONDocument!");
+  document->LoadFromStream(AStream, cVnCodePageUTF8, false);
+}
+
+// ---- TValue: a simple value; objects and arrays are passed over ----
+
+void TVnJSONValueDeserializer::DoStartObject() {
+  FOpened = true;
+  Skip();
+}
+void TVnJSONValueDeserializer::DoStartArray() {
+  FOpened = true;
+  Skip();
+}
+
+void TVnJSONValueDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
+  if (FDisabledCnt > 0) return;
+  auto* target = static_cast<TValue*>(FInstancePtr);
+  if (target) {
+    switch (AType) {
+      case jdtNumber:
+        *target = IsFloatText(AText) ? TValue::From<Extended>(VnXMLToExtended(AText))
+                                     : TValue::From<Int64>(VnXMLToInt64(AText));
+        break;
+      case jdtBoolean: *target = TValue::From<bool>(VnXMLToBool(AText)); break;
+      case jdtNull: *target = TValue::From(Variant::Null()); break;
+      default: *target = TValue::From(VnJSONtoStr(AText, jdtNull)); break;
+    }
+  }
+  Finish();
+}
+
+void TVnJSONValueDeserializer::DoEndObject() {
+  if (FDisabledCnt > 0 && --FDisabledCnt == 0) Finish();
+}
+void TVnJSONValueDeserializer::DoEndArray() { DoEndObject(); }
+
+}  // namespace vn
