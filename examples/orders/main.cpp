@@ -56,7 +56,7 @@ int main() {
     // Without namespaces the text is plain; reading it creates the declared class.
     std::printf("plain: %s\n", AsXML(order, {}, true).c_str());
 
-    // ---- serial-json: the same order as JSON ----
+    // the same order as JSON
     // Out: one line; objects and enumerations carry their "className", so the customer comes
     // back as the subclass.
     const TVnSerializedData json = AsJSON(order);

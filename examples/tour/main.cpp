@@ -21,16 +21,12 @@ int main(int argc, char** argv) {
     tour::Document();
     tour::Paths();
     tour::Json();
+    tour::JsonPaths();
     tour::Form();
-    // schema-adapter
+    tour::Bridges();
+    tour::Objects();
     tour::Schema();
     tour::PlatformDom();
-    // ---- serial-walk ----
-    tour::Objects();
-    // bridges
-    tour::Bridges();
-    // ---- json-path ----
-    tour::JsonPaths();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "tour failed: %s\n", e.what());
     return 1;

@@ -14,17 +14,11 @@ void Sax();
 void Document();
 void Paths();
 void Json();
+void JsonPaths();
 void Form();
-// ---- serial-walk ----
+void Bridges();
 void Objects();
-
-// schema-adapter
 void Schema();
 void PlatformDom();
-
-// bridges
-void Bridges();
-// ---- json-path ----
-void JsonPaths();
 
 }  // namespace tour

@@ -17,9 +17,7 @@ void RegisterFrameTypes() { VnRegisterType(TVnSerializableComponent::StaticClass
 using StartupRegistration = void (*)();
 constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
-    // ---- serial-walk ----
     &RegisterXMLSerializers,
-    // ---- serial-json ----
     &RegisterJSONSerializers,
 };
 

@@ -8,10 +8,8 @@ namespace vn::detail {
 /// back here) goes straight through.
 void EnsureSerializerStartup();
 
-// ---- serial-walk: the XML notation ----
 /// The XML pair of every type, string lists, components and TValue.
 void RegisterXMLSerializers();
-// ---- serial-json: the JSON notation ----
 /// The JSON notation (json_registration.cpp).
 void RegisterJSONSerializers();
 
