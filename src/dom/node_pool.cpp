@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <mutex>
 
+#include <vector>
+
+#include "dom/ns_scope.h"
 #include "internal/huge_pages.h"
 #include "vnxml/dom_element.h"
 #include "vnxml/dom_storage.h"
@@ -40,6 +43,14 @@ void Poison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABytes) noexcep
 struct NodePool::Block {
   Block* Next;
   size_t Size;  // usable bytes behind the header
+};
+
+// What the pool holds for its nodes: one count per name record and scope they use uncounted,
+// and the nodes that got extras.
+struct NodePool::Held {
+  std::vector<NameRec*> Names;
+  std::vector<NsScope*> Scopes;
+  std::vector<TVnDOMNode*> WithExtras;
 };
 
 namespace {
@@ -93,6 +104,14 @@ class BlockCache {
 NodePool* NodePool::Create() { return new NodePool(); }
 
 NodePool::~NodePool() {
+  if (Held* held = FHeld) {
+    for (NameRec* rec : held->Names) {
+      if (rec->Holder == this) rec->Holder = nullptr;  // another pool may come at this address
+      NameRef::Release(rec);
+    }
+    for (NsScope* scope : held->Scopes) Release(scope);
+    delete held;
+  }
   while (Block* b = FBlocks) {
     FBlocks = b->Next;
     // A kept block stays marked as free space until a pool carves it again.
@@ -143,8 +162,51 @@ void NodePool::FreeNode(void* ANode, size_t ASize) noexcept {
 }
 
 void NodePool::Seal() noexcept {
+  FSealed = true;
   if (--FLive == 0) delete this;
 }
+
+void NodePool::HoldName(NameRec* ARec) {
+  if (ARec->Holder == this) {
+    --ARec->Refs;  // the pool has its count already; the table's keeps the record above 0
+    return;
+  }
+  try {
+    if (!FHeld) FHeld = new Held;
+    FHeld->Names.push_back(ARec);
+  } catch (...) {
+    NameRef::Release(ARec);
+    throw;
+  }
+  ARec->Holder = this;
+}
+
+void NodePool::HoldScope(NsScope* AScope) {
+  if (!AScope) return;
+  try {
+    if (!FHeld) FHeld = new Held;
+    FHeld->Scopes.push_back(AScope);
+  } catch (...) {
+    Release(AScope);
+    throw;
+  }
+}
+
+void NodePool::NoteExtras(TVnDOMNode* ANode) {
+  if (!FPristine) return;  // a touched pool frees node by node, and each node its extras
+  try {
+    if (!FHeld) FHeld = new Held;
+    FHeld->WithExtras.push_back(ANode);
+  } catch (...) {
+    Touch();
+  }
+}
+
+size_t NodePool::ExtrasCount() const noexcept { return FHeld ? FHeld->WithExtras.size() : 0; }
+
+TVnDOMNode* NodePool::ExtrasAt(size_t AIndex) const noexcept { return FHeld->WithExtras[AIndex]; }
+
+void NodePool::Drop() noexcept { delete this; }
 
 }  // namespace vn::detail
 

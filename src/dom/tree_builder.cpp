@@ -58,6 +58,10 @@ TreeBuilder::TreeBuilder(TVnDOMNode* ATarget)
       FDocument(ATarget->FDOMDocument),
       FNames(TVnDOMNode::NameTableOf(ATarget->FDOMDocument)),
       FPool(NodePool::Create()) {
+  // The target's arrays change: a pool it came from can't be dropped whole any more. Without a
+  // document the names are not shared, and each node counts its own: no drop either.
+  ATarget->TouchPool();
+  if (!FNames) FPool->Touch();
   if (ATarget->FNodeType == ntElement) FTargetScope = static_cast<TVnDOMElement*>(ATarget)->FScope;
   SetCurrent(ATarget);
 }
@@ -74,12 +78,20 @@ TreeBuilder::~TreeBuilder() {
 template <class T>
 T* TreeBuilder::Make() {
   T* node = new (*FPool) T();
+  node->FInPool = true;
   // Set now rather than by a walk when the node joins: the document its parent will have.
   node->FDOMDocument = FDocument;
   return node;
 }
 
 TVnDOMAttribute* TreeBuilder::MakeAttribute() { return Make<TVnDOMAttribute>(); }
+
+void TreeBuilder::SetName(TVnDOMNode* ANode, std::u16string_view AName) {
+  if (FNames)
+    ANode->FName.SetHeld(AName, *FNames, *FPool);
+  else
+    ANode->FName.Set(AName);
+}
 
 void TreeBuilder::SetCurrent(TVnDOMNode* ANode) {
   FCurrent = ANode;
@@ -101,7 +113,7 @@ void TreeBuilder::BeginElement(std::u16string_view AQName) {
   DropPending();
   FSchemaInstance = false;
   FPending = Make<TVnDOMElement>();
-  FPending->FName.Set(AQName, FNames);
+  SetName(FPending, AQName);
   FDeclaredURIs.clear();
 }
 
@@ -111,7 +123,7 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
   auto* a = Make<TVnDOMAttribute>();
   FAttributes.back() = a;
   a->FParent = FPending;
-  a->FName.Set(AQName, FNames);
+  SetName(a, AQName);
   if (AMayHoldQuote && HasQuote(AValue))
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
@@ -202,6 +214,7 @@ void TreeBuilder::CloseElement() {
 void TreeBuilder::DropPending() {
   TVnDOMElement* pending = std::exchange(FPending, nullptr);
   if (!pending) return;
+  FPool->Touch();  // one of its nodes goes by itself
   // It never joined: it goes with its attributes, which its child list must hold for that.
   SealAttributes(pending);
   pending->FChildren.reserve(pending->FAttrs.size(), FPool);
@@ -268,7 +281,7 @@ void TreeBuilder::AddComment(std::u16string_view AText) {
 void TreeBuilder::AddInstruction(std::u16string_view ATarget, std::u16string_view AData) {
   Current();
   auto* pi = Make<TVnDOMProcessingInstruction>();
-  pi->FName.Set(ATarget, FNames);
+  SetName(pi, ATarget);
   pi->FData.AssignIn(*FPool, AData);
   Place(pi);
 }

@@ -58,6 +58,8 @@ class TreeBuilder {
   template <class T>
   T* Make();
   TVnDOMAttribute* MakeAttribute();
+  /// Names a node of the load; the pool holds the name when the document shares names.
+  void SetName(TVnDOMNode* ANode, std::u16string_view AName);
   /// The node being filled; fails once a stray end tag has left none.
   TVnDOMNode* Current();
   void SetCurrent(TVnDOMNode* ANode);
