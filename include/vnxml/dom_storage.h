@@ -141,6 +141,17 @@ class PtrVector {
     FBlock->Size = size;
     FBlock->Cap = ACapacity | (APool ? kPooled : 0);
   }
+  /// Bytes of a pool block for ACount items (see Adopt).
+  static constexpr size_t BlockBytes(uint32_t ACount) noexcept { return sizeof(Header) + sizeof(T*) * ACount; }
+  /// Takes ABlock, BlockBytes(ACount) of a pool's memory, as its array of ACount items, which the
+  /// caller fills through the pointer returned; the array held before is given up.
+  T** Adopt(void* ABlock, uint32_t ACount) noexcept {
+    FreeBlock();
+    FBlock = static_cast<Header*>(ABlock);
+    FBlock->Size = ACount;
+    FBlock->Cap = ACount | kPooled;
+    return Items();
+  }
   /// Adds the ACount items at AItems at the end; room for them must be reserved.
   void append_reserved(T* const* AItems, uint32_t ACount) noexcept {
     if (!ACount) return;

@@ -1,6 +1,7 @@
 // TreeBuilder: nodes of a load, made from the load's pool and joined without re-checking.
 #include "dom/tree_builder.h"
 
+#include <algorithm>
 #include <iterator>
 
 #if defined(__SSE2__)
@@ -189,11 +190,7 @@ void TreeBuilder::CloseElement() {
   const auto kidCount = static_cast<uint32_t>(FWaiting.size() - first);
   const uint32_t attributeCount = element->FAttrs.size();
   if (attributeCount + kidCount) {
-    // Attributes lead the child list, as they do in every element.
-    element->FChildren.reserve(attributeCount + kidCount, FPool);
-    element->FChildren.append_reserved(element->FAttrs.begin(), attributeCount);
     uint32_t elements = 0, chars = 0;
-    element->FChildren.append_reserved(kids, kidCount);
     for (uint32_t i = 0; i < kidCount; ++i) {
       PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
       if (list == &element->FElems)
@@ -201,10 +198,25 @@ void TreeBuilder::CloseElement() {
       else if (list == &element->FChars)
         ++chars;
     }
-    element->FElems.reserve(elements, FPool);
-    element->FChars.reserve(chars, FPool);
-    for (uint32_t i = 0; i < kidCount; ++i)
-      if (PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i])) list->push_back(kids[i], FPool);
+    // One block of the pool for the child array and both typed views; attributes lead the
+    // child list, as they do in every element.
+    using Array = PtrVector<TVnDOMNode>;
+    const size_t childBytes = Array::BlockBytes(attributeCount + kidCount);
+    const size_t elementBytes = elements ? Array::BlockBytes(elements) : 0;
+    char* block = static_cast<char*>(
+        FPool->Allocate(childBytes + elementBytes + (chars ? Array::BlockBytes(chars) : 0)));
+    TVnDOMNode** all = element->FChildren.Adopt(block, attributeCount + kidCount);
+    std::copy_n(element->FAttrs.begin(), attributeCount, all);
+    std::copy_n(kids, kidCount, all + attributeCount);
+    TVnDOMNode** elems = elements ? element->FElems.Adopt(block + childBytes, elements) : nullptr;
+    TVnDOMNode** texts = chars ? element->FChars.Adopt(block + childBytes + elementBytes, chars) : nullptr;
+    for (uint32_t i = 0; i < kidCount; ++i) {
+      PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
+      if (list == &element->FElems)
+        *elems++ = kids[i];
+      else if (list == &element->FChars)
+        *texts++ = kids[i];
+    }
   }
   FWaiting.resize(first);
   FOpen.pop_back();

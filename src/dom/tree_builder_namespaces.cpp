@@ -177,12 +177,22 @@ void TreeBuilder::ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement
     AElement->FNamespace = nullptr;
     return;
   }
-  if (setAgain) ns = DeclarationInScope(DeclarationName(prefix));
+  if (setAgain) ns = DeclarationForPrefix(prefix);
   AElement->FNamespace = ns;
   for (TVnDOMNode* n : AElement->FAttrs) {
     auto* a = static_cast<TVnDOMAttribute*>(n);
-    a->FNamespace = DeclarationInScope(DeclarationName(a->PrefixView()));
+    a->FNamespace = DeclarationForPrefix(a->PrefixView());
   }
+}
+
+TVnDOMAttribute* TreeBuilder::DeclarationForPrefix(std::u16string_view APrefix) {
+  // Most names have no prefix: their answer holds until a declaration comes or goes.
+  if (!APrefix.empty()) return DeclarationInScope(DeclarationName(APrefix));
+  if (FDefaultGeneration != FGeneration) {
+    FDefault = DeclarationInScope(u"xmlns");
+    FDefaultGeneration = FGeneration;
+  }
+  return FDefault;
 }
 
 TVnDOMAttribute* TreeBuilder::DeclarationInScope(std::u16string_view AQName) {
