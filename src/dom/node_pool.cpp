@@ -1,5 +1,7 @@
 // Where nodes live: the pool a load carves its nodes from (blocks that double in size, freed
 // all at once), and the allocation functions that put every node in front of its pool.
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <mutex>
 
@@ -77,6 +79,8 @@ class BlockCache {
     if (b) {
       FFree[c] = *static_cast<void**>(b);
       FBytes -= ASize;
+    } else if (c == kClasses - 1 && FLentCount) {
+      b = FLent[--FLentCount];
     }
     return b;
   }
@@ -84,7 +88,7 @@ class BlockCache {
     int c = SizeClass(ASize);
     if (c < 0) return false;
     std::lock_guard<std::mutex> guard(FLock);
-    if (FBytes + ASize > kCacheBytes) return false;
+    if (FBytes + ASize > kCacheBytes) return Lend(ABlock, c);
     *static_cast<void**>(ABlock) = FFree[c];
     FFree[c] = ABlock;
     FBytes += ASize;
@@ -92,7 +96,24 @@ class BlockCache {
   }
 
  private:
+  // Huge blocks past the bound are lent to the system instead of unmapped: it takes their pages
+  // back when it needs memory, and until then a large load that follows reuses them without a
+  // fault. The block's own memory may be gone when it comes back, so the list is kept here.
+  bool Lend([[maybe_unused]] void* ABlock, [[maybe_unused]] int AClass) noexcept {
+#ifdef MADV_FREE
+    if (AClass != kClasses - 1 || FLentCount == kLentBlocks) return false;
+    if (madvise(ABlock, kHugePage, MADV_FREE) != 0) return false;
+    FLent[FLentCount++] = ABlock;
+    return true;
+#else
+    return false;
+#endif
+  }
+
   static constexpr size_t kCacheBytes = 32 * 1024 * 1024;
+  static constexpr size_t kLentBlocks = 128;  // 256 MB of huge pages
+  void* FLent[kLentBlocks] = {};
+  size_t FLentCount = 0;
   static constexpr int kClasses = 10;  // kFirstBlock .. kLargestBlock, then the huge blocks
   static_assert(kFirstBlock << (kClasses - 2) == kLargestBlock);
   std::mutex FLock;
