@@ -21,7 +21,10 @@ class TVnDOMCharacterData : public TVnDOMNode {
   /// The stored text, escaped for text nodes, plain for comments and CDATA sections.
   std::u16string_view GetStoredValue() const noexcept { return FNodeValue; }
   /// Stores ready-made text as it is.
-  void SetStoredValue(std::u16string_view AValue) { FNodeValue.assign(AValue); }
+  void SetStoredValue(std::u16string_view AValue) {
+    TouchPool();
+    FNodeValue.assign(AValue);
+  }
   std::unique_ptr<TVnDOMNode> CreateClone() const override;
   void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) override;
 
@@ -117,7 +120,10 @@ class TVnDOMProcessingInstruction : public TVnDOMNode {
  public:
   TVnDOMProcessingInstruction();
   std::u16string_view GetData() const noexcept { return FData; }
-  void SetData(std::u16string_view AValue) { FData.assign(AValue); }
+  void SetData(std::u16string_view AValue) {
+    TouchPool();
+    FData.assign(AValue);
+  }
   std::unique_ptr<TVnDOMNode> CreateClone() const override;
   void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) override;
 

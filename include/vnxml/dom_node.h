@@ -165,6 +165,7 @@ class TVnDOMNode : public TVnDOMObject {
 
   // ---- the object model ----
   bool CanAutoDestroy() const override;
+  void SetDOMImpl(TVnDOMObjectImpl* AImpl) override;
   void SetDOMDocument(TVnDOMDocument* ADocument) override;
   void SetParentNode(TVnDOMObject* AParent) override;
   void BeforeDestruction() override;
@@ -190,6 +191,10 @@ class TVnDOMNode : public TVnDOMObject {
   virtual void RefreshNamespacesSelf() {}
   /// Drops the typed bookkeeping of all children at destruction (elements override).
   virtual void ForgetAllChildren() {}
+  /// This node changes beyond reading: a load's pool that made it can no longer be dropped whole.
+  void TouchPool() const noexcept {
+    if (FInPool) detail::NodePool::Of(this)->Touch();
+  }
 
   /// Shared through the document's name table while the node is in a document.
   detail::NameRef FName;
@@ -201,6 +206,8 @@ class TVnDOMNode : public TVnDOMObject {
  private:
   detail::NodeExtras* LookupExtras() const noexcept;
   static void ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TVnDOMNode*>& ADoomed);
+  /// Frees a pristine pool with all its nodes, whose target is being freed.
+  static void DropPool(detail::NodePool* APool) noexcept;
 };
 using TVnDOMNodeClass = TClass;
 

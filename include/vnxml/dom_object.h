@@ -157,6 +157,10 @@ class TVnDOMObject : public TVnObject {
   bool FNamespaceSet : 1 = false;
   /// Elements: xml:space says preserve, here or inherited.
   bool FPreserveSpace : 1 = false;
+  /// Nodes: made by a load, in its pool (whose address is in front of the node).
+  bool FInPool : 1 = false;
+  /// Elements: the namespace scope is held by the pool, not counted by the element.
+  bool FScopeHeld : 1 = false;
   TVnDOMNodeType FNodeType = ntUnknown;
   TVnDOMLoadState FLoadState = lsUninitialized;
   TVnDOMDocument* FDOMDocument = nullptr;

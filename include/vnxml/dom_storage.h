@@ -14,7 +14,14 @@
 #include <string_view>
 #include <utility>
 
+namespace vn {
+class TVnDOMNode;
+}
+
 namespace vn::detail {
+
+struct NameRec;
+struct NsScope;
 
 /// Memory for the nodes of one load and everything they hold, carved front to back from large
 /// blocks. Each node made here counts on the pool; the values and arrays of those nodes ride
@@ -47,8 +54,34 @@ class NodePool {
   /// The loader is done: from now on the nodes alone keep the pool.
   void Seal() noexcept;
 
+  // ---- freeing a loaded tree in one step ----
+  // While pristine, every node of the pool is where its load put it (below one target) and owns
+  // nothing but pool memory and what the pool holds for it: its name, its namespace scope and
+  // its extras. Freeing the target may then drop the pool without visiting a node.
+  /// Something may have changed a node of this pool: from now on its nodes are freed one by one.
+  void Touch() noexcept { FPristine = false; }
+  /// Sealed and never touched.
+  bool Pristine() const noexcept { return FPristine && FLive != 0 && FSealed; }
+  /// ARec's name is given to nodes of this pool uncounted; the pool keeps one count on it.
+  /// ARec comes with a count for the pool: it is kept, or dropped when the pool holds one already.
+  void HoldName(NameRec* ARec);
+  /// AScope, with a count for the pool, is given to elements of this pool uncounted.
+  void HoldScope(NsScope* AScope);
+  /// ANode, of this pool, got extras; a drop must take them away.
+  void NoteExtras(TVnDOMNode* ANode);
+  /// The nodes that got extras; valid while pristine.
+  size_t ExtrasCount() const noexcept;
+  TVnDOMNode* ExtrasAt(size_t AIndex) const noexcept;
+  /// Frees the pool with every node in it; only when pristine, by the owner of its target.
+  void Drop() noexcept;
+  /// The pool of a node made in one (the slot in front of it).
+  static NodePool* Of(const void* ANode) noexcept {
+    return *reinterpret_cast<NodePool* const*>(static_cast<const char*>(ANode) - sizeof(NodePool*));
+  }
+
  private:
   struct Block;
+  struct Held;
   NodePool() = default;
   ~NodePool();
   void* AllocateSlow(size_t ABytes);
@@ -56,6 +89,9 @@ class NodePool {
 
   // Nodes made and not yet freed, plus one for the loader until Seal.
   size_t FLive = 1;
+  bool FPristine = true;
+  bool FSealed = false;
+  Held* FHeld = nullptr;
   Block* FBlocks = nullptr;
   char* FNext = nullptr;
   char* FEnd = nullptr;
@@ -104,6 +140,17 @@ class PtrVector {
     FBlock = block;
     FBlock->Size = size;
     FBlock->Cap = ACapacity | (APool ? kPooled : 0);
+  }
+  /// Bytes of a pool block for ACount items (see Adopt).
+  static constexpr size_t BlockBytes(uint32_t ACount) noexcept { return sizeof(Header) + sizeof(T*) * ACount; }
+  /// Takes ABlock, BlockBytes(ACount) of a pool's memory, as its array of ACount items, which the
+  /// caller fills through the pointer returned; the array held before is given up.
+  T** Adopt(void* ABlock, uint32_t ACount) noexcept {
+    FreeBlock();
+    FBlock = static_cast<Header*>(ABlock);
+    FBlock->Size = ACount;
+    FBlock->Cap = ACount | kPooled;
+    return Items();
   }
   /// Adds the ACount items at AItems at the end; room for them must be reserved.
   void append_reserved(T* const* AItems, uint32_t ACount) noexcept {
@@ -189,33 +236,41 @@ struct NameRec {
   /// The table that interned the record, or nil for a record of its own.
   const void* Owner;
   const char16_t* Chars;
+  /// The last pool that took a count on the record for its nodes (see NodePool::HoldName).
+  const void* Holder;
 };
 
 class NameTable;
 
-/// A node's name: one pointer to a shared NameRec; "" until set.
+/// A node's name: one pointer to a shared NameRec; "" until set. A name given by a load is held
+/// by the load's pool (the low bit of the pointer says so) and counts nothing itself.
 class NameRef {
  public:
   NameRef() noexcept = default;
   NameRef(const NameRef&) = delete;
   NameRef& operator=(const NameRef&) = delete;
-  ~NameRef() { Release(FRec); }
+  ~NameRef() { Drop(); }
 
   std::u16string_view Qualified() const noexcept {
-    return FRec ? std::u16string_view(FRec->Chars, FRec->Length) : std::u16string_view();
+    const NameRec* r = Rec();
+    return r ? std::u16string_view(r->Chars, r->Length) : std::u16string_view();
   }
   std::u16string_view Local() const noexcept {
-    if (!FRec) return {};
-    if (FRec->Colon == NameRec::kNoColon) return {FRec->Chars, FRec->Length};
-    return {FRec->Chars + FRec->Colon + 1, FRec->Length - FRec->Colon - 1};
+    const NameRec* r = Rec();
+    if (!r) return {};
+    if (r->Colon == NameRec::kNoColon) return {r->Chars, r->Length};
+    return {r->Chars + r->Colon + 1, r->Length - r->Colon - 1};
   }
   std::u16string_view Prefix() const noexcept {
-    if (!FRec || FRec->Colon == NameRec::kNoColon) return {};
-    return {FRec->Chars, FRec->Colon};
+    const NameRec* r = Rec();
+    if (!r || r->Colon == NameRec::kNoColon) return {};
+    return {r->Chars, r->Colon};
   }
   /// Splits at the first colon; an empty prefix leaves the local name alone. With a table the
   /// record is shared through it.
   void Set(std::u16string_view AName, NameTable* ATable = nullptr);
+  /// As Set through ATable, the record held by APool instead of counted here.
+  void SetHeld(std::u16string_view AName, NameTable& ATable, NodePool& APool);
   void SetParts(std::u16string_view APrefix, std::u16string_view ALocal, NameTable* ATable = nullptr);
   void SetPrefix(std::u16string_view APrefix, NameTable* ATable = nullptr);
   /// A record that lives for the whole program (the fixed names "#text", "#comment", ...).
@@ -223,11 +278,26 @@ class NameRef {
   /// Moves the name into ATable's record of the same text, unless it is there already.
   void Rehome(NameTable* ATable);
   /// The table the record belongs to, or nil.
-  const void* OwnerTable() const noexcept { return FRec && FRec->Refs != NameRec::kStatic ? FRec->Owner : nullptr; }
+  const void* OwnerTable() const noexcept {
+    const NameRec* r = Rec();
+    return r && r->Refs != NameRec::kStatic ? r->Owner : nullptr;
+  }
+  /// Drops one count of a record, freeing it at 0; static records stay.
+  static void Release(NameRec* ARec) noexcept;
 
  private:
-  static void Release(NameRec* ARec) noexcept;
-  NameRec* FRec = nullptr;
+  static constexpr uintptr_t kHeld = 1;
+  NameRec* Rec() const noexcept { return reinterpret_cast<NameRec*>(FBits & ~kHeld); }
+  /// Gives up the record: released when counted here, left to the pool when held.
+  void Drop() noexcept {
+    if (!(FBits & kHeld)) Release(Rec());
+    FBits = 0;
+  }
+  void Take(NameRec* ARec) noexcept {
+    Drop();
+    FBits = reinterpret_cast<uintptr_t>(ARec);
+  }
+  uintptr_t FBits = 0;
 };
 
 /// A stored text in one block: its length, then its characters; one null pointer while empty.

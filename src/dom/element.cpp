@@ -38,7 +38,7 @@ TVnDOMElement::TVnDOMElement() {
 
 TVnDOMElement::~TVnDOMElement() {
   EnsureBeforeDestruction();
-  detail::Release(FScope);
+  if (!FScopeHeld) detail::Release(FScope);
 }
 
 void TVnDOMElement::ForgetAllChildren() {

@@ -89,9 +89,12 @@ void TVnDOMElement::SetNamespaceURI(std::u16string_view AURI) {
 void TVnDOMElement::RefreshNamespacesSelf() {
   detail::NsScope* previous = FScope;
   FScope = nullptr;
+  // a scope the pool holds is not ours to release; the one made here is
+  const bool previousHeld = FScopeHeld;
+  FScopeHeld = false;
   TVnDOMNode* parent = ParentNode();
   if (!parent) {
-    detail::Release(previous);
+    if (!previousHeld) detail::Release(previous);
     if (FNamespace && FAttrs.IndexOf(FNamespace) < 0) FNamespace = nullptr;
     return;
   }
@@ -130,7 +133,7 @@ void TVnDOMElement::RefreshNamespacesSelf() {
       }
     }
   }
-  detail::Release(previous);
+  if (!previousHeld) detail::Release(previous);
 
   // Own declarations: each replaces an entry of the same name, whether inherited or own.
   if (declares) {

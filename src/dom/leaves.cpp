@@ -36,7 +36,10 @@ TVnDOMCharacterData::TVnDOMCharacterData() {
 
 UnicodeString TVnDOMCharacterData::GetNodeValue() const { return VnXMLToStr(FNodeValue); }
 
-void TVnDOMCharacterData::SetNodeValue(std::u16string_view AValue) { FNodeValue = VnStrToXML(AValue, true, true); }
+void TVnDOMCharacterData::SetNodeValue(std::u16string_view AValue) {
+  TouchPool();
+  FNodeValue = VnStrToXML(AValue, true, true);
+}
 
 std::unique_ptr<TVnDOMNode> TVnDOMCharacterData::CreateClone() const {
   auto clone = TVnDOMNode::CreateClone();
@@ -101,7 +104,10 @@ TVnDOMComment::TVnDOMComment() {
 }
 
 UnicodeString TVnDOMComment::GetNodeValue() const { return FNodeValue.str(); }
-void TVnDOMComment::SetNodeValue(std::u16string_view AValue) { FNodeValue.assign(AValue); }
+void TVnDOMComment::SetNodeValue(std::u16string_view AValue) {
+  TouchPool();
+  FNodeValue.assign(AValue);
+}
 
 TVnDOMCDATA::TVnDOMCDATA() {
   FNodeType = ntCDATA;
@@ -110,7 +116,10 @@ TVnDOMCDATA::TVnDOMCDATA() {
 }
 
 UnicodeString TVnDOMCDATA::GetNodeValue() const { return FNodeValue.str(); }
-void TVnDOMCDATA::SetNodeValue(std::u16string_view AValue) { FNodeValue.assign(AValue); }
+void TVnDOMCDATA::SetNodeValue(std::u16string_view AValue) {
+  TouchPool();
+  FNodeValue.assign(AValue);
+}
 
 // ---- attributes ----
 
@@ -119,11 +128,13 @@ TVnDOMAttribute::TVnDOMAttribute() { FNodeType = ntAttribute; }
 UnicodeString TVnDOMAttribute::GetNodeValue() const { return VnXMLToStr(FNodeValue); }
 
 void TVnDOMAttribute::SetNodeValue(std::u16string_view AValue) {
+  TouchPool();
   FNodeValue = VnStrToXML(AValue, false, true);
   if (IsNamespace()) detail::NamespacesChanged(FDOMDocument);
 }
 
 void TVnDOMAttribute::SetStoredValue(std::u16string_view AValue) {
+  TouchPool();
   FNodeValue.assign(AValue);
   if (IsNamespace()) detail::NamespacesChanged(FDOMDocument);
 }

@@ -61,6 +61,7 @@ NameRec* NewNameRec(std::u16string_view AName, uint32_t AHash) {
   rec->Hash = AHash;
   rec->Owner = nullptr;
   rec->Chars = chars;
+  rec->Holder = nullptr;
   return rec;
 }
 
@@ -129,10 +130,17 @@ void NameRef::Release(NameRec* ARec) noexcept {
 
 void NameRef::Set(std::u16string_view AName, NameTable* ATable) {
   if (!AName.empty() && AName[0] == u':') AName.remove_prefix(1);  // an empty prefix is no prefix
-  if (FRec && Qualified() == AName && (!ATable || FRec->Owner == ATable)) return;
+  if (const NameRec* r = Rec(); r && Qualified() == AName && (!ATable || r->Owner == ATable)) return;
   NameRec* rec = ATable ? ATable->Acquire(AName) : NewNameRec(AName, HashName(AName));
-  Release(FRec);
-  FRec = rec;
+  Take(rec);
+}
+
+void NameRef::SetHeld(std::u16string_view AName, NameTable& ATable, NodePool& APool) {
+  if (!AName.empty() && AName[0] == u':') AName.remove_prefix(1);
+  NameRec* rec = ATable.Acquire(AName);
+  APool.HoldName(rec);
+  Take(rec);
+  FBits |= kHeld;
 }
 
 void NameRef::SetParts(std::u16string_view APrefix, std::u16string_view ALocal, NameTable* ATable) {
@@ -148,17 +156,16 @@ void NameRef::SetPrefix(std::u16string_view APrefix, NameTable* ATable) {
   SetParts(APrefix, local, ATable);
 }
 
-void NameRef::SetStatic(const NameRec& ARec) noexcept {
-  Release(FRec);
-  FRec = const_cast<NameRec*>(&ARec);
-}
+void NameRef::SetStatic(const NameRec& ARec) noexcept { Take(const_cast<NameRec*>(&ARec)); }
 
 void NameRef::Rehome(NameTable* ATable) {
-  if (!FRec || FRec->Refs == NameRec::kStatic || FRec->Owner == ATable) return;
-  if (!ATable) return;  // leaving a document: the record stays valid on its own count
+  const NameRec* r = Rec();
+  if (!r || r->Refs == NameRec::kStatic || r->Owner == ATable) return;
+  // leaving a document: the record stays valid on its own count, or on its pool's, which
+  // lasts as long as the node
+  if (!ATable) return;
   NameRec* rec = ATable->Acquire(Qualified());
-  Release(FRec);
-  FRec = rec;
+  Take(rec);
 }
 
 }  // namespace vn::detail

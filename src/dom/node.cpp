@@ -54,23 +54,45 @@ ExtrasTable& AllExtras() {
   static ExtrasTable& table = *new ExtrasTable;
   return table;
 }
+
+// Frees the extras of ANode, which is going.
+void DropExtras(TVnDOMNode* ANode, bool& AHasExtras) {
+  if (!AHasExtras) return;
+  std::unique_ptr<detail::NodeExtras> extras;
+  {
+    ExtrasTable& t = AllExtras();
+    std::lock_guard<std::mutex> guard(t.Lock);
+    auto it = t.Map.find(ANode);
+    extras = std::move(it->second);
+    t.Map.erase(it);
+  }
+  AHasExtras = false;
+  // freed outside the lock: a name table or list may release more than memory
+  extras.reset();
+}
+
+thread_local uint64_t tFreeWork = 0;
 }  // namespace
+
+uint64_t detail::FreeWork() noexcept { return tFreeWork; }
 
 TVnDOMNode::~TVnDOMNode() {
   EnsureBeforeDestruction();
-  if (FHasExtras) {
-    std::unique_ptr<detail::NodeExtras> extras;
-    {
-      ExtrasTable& t = AllExtras();
-      std::lock_guard<std::mutex> guard(t.Lock);
-      auto it = t.Map.find(this);
-      extras = std::move(it->second);
-      t.Map.erase(it);
-    }
-    FHasExtras = false;
-    // freed outside the lock: a name table or list may release more than memory
-    extras.reset();
+  bool hasExtras = FHasExtras;
+  DropExtras(this, hasExtras);
+  FHasExtras = false;
+}
+
+void TVnDOMNode::DropPool(detail::NodePool* APool) noexcept {
+  // Pristine: every node of the pool is below the target being freed, and what they own beyond
+  // pool memory is their extras and what the pool holds.
+  for (size_t i = 0, n = APool->ExtrasCount(); i < n; ++i) {
+    TVnDOMNode* node = APool->ExtrasAt(i);
+    bool hasExtras = node->FHasExtras;
+    DropExtras(node, hasExtras);
+    node->FHasExtras = false;
   }
+  APool->Drop();
 }
 
 detail::NodeExtras* TVnDOMNode::LookupExtras() const noexcept {
@@ -95,6 +117,7 @@ detail::NodeExtras& TVnDOMNode::Extras() {
   if (FHasExtras) return *LookupExtras();
   auto extras = std::make_unique<detail::NodeExtras>();
   detail::NodeExtras* result = extras.get();
+  if (FInPool) detail::NodePool::Of(this)->NoteExtras(this);
   ExtrasTable& t = AllExtras();
   std::lock_guard<std::mutex> guard(t.Lock);
   t.Map.emplace(this, std::move(extras));
@@ -108,9 +131,25 @@ detail::NodeExtras& TVnDOMNode::Extras() {
 // interface are detached and live on; the others go to ADoomed, to be freed by the caller's loop.
 void TVnDOMNode::ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TVnDOMNode*>& ADoomed) {
   auto& children = ANode->FChildren;
+  // The pools whose loads ANode was the target of, and that nothing touched since: their nodes
+  // go all at once, below.
+  detail::NodePool* whole[4];
+  size_t wholeCount = 0;
   for (uint32_t i = children.size(); i-- > 0;) {
     if (i >= children.size()) continue;
     TVnDOMNode* c = children[i];
+    if (c->FInPool) {
+      detail::NodePool* pool = detail::NodePool::Of(c);
+      if (pool->Pristine()) {
+        if (std::find(whole, whole + wholeCount, pool) != whole + wholeCount) continue;
+        if (wholeCount < std::size(whole)) {
+          whole[wholeCount++] = pool;
+          continue;
+        }
+        pool->Touch();  // more loads below one node than tracked: the rest go node by node
+      }
+    }
+    ++tFreeWork;
     if (!c->CanAutoDestroy()) {
       ANode->RemoveChild(c);
     } else {
@@ -122,6 +161,7 @@ void TVnDOMNode::ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TV
   }
   ANode->ForgetAllChildren();
   children.reset();
+  for (size_t i = 0; i < wholeCount; ++i) DropPool(whole[i]);
 }
 
 void TVnDOMNode::BeforeDestruction() {
@@ -165,16 +205,20 @@ void TVnDOMNode::SetNodeValue(std::u16string_view) { throw EVnDomNotSupported(cV
 void TVnDOMNode::SetInnerXML(std::u16string_view) { throw EVnDomNotSupported(cVnDomSetInnerXMLNotSupported); }
 
 void TVnDOMNode::SetPrefix(std::u16string_view AValue) {
-  if (AValue != FName.Prefix()) FName.SetPrefix(AValue, NameTableOf(FDOMDocument));
+  if (AValue == FName.Prefix()) return;
+  TouchPool();
+  FName.SetPrefix(AValue, NameTableOf(FDOMDocument));
 }
 
 void TVnDOMNode::SetQualifiedName(std::u16string_view AName) {
+  TouchPool();
   FName.Set(AName, NameTableOf(FDOMDocument));
   std::u16string prefix(FName.Prefix());
   SetPrefix(prefix);
 }
 
 void TVnDOMNode::SetQualifiedNameIn(TVnDOMDocument* ADocument, std::u16string_view AName) {
+  TouchPool();
   if (!FDOMDocument) FName.Set(AName, NameTableOf(ADocument));
   SetQualifiedName(AName);
 }
@@ -401,14 +445,24 @@ void TVnDOMNode::SetDOMDocument(TVnDOMDocument* ADocument) {
   while (!stack.empty()) {
     TVnDOMNode* n = stack.back();
     stack.pop_back();
+    n->TouchPool();
     n->FDOMDocument = ADocument;
     n->FName.Rehome(names);
     for (TVnDOMNode* c : n->FChildren) stack.push_back(c);
   }
 }
 
+void TVnDOMNode::SetDOMImpl(TVnDOMObjectImpl* AImpl) {
+  TouchPool();
+  TVnDOMObject::SetDOMImpl(AImpl);
+}
+
 void TVnDOMNode::SetParentNode(TVnDOMObject* AParent) {
   TVnDOMObject* old = FParent;
+  // Parents of nodes are nodes.
+  TouchPool();
+  if (old) static_cast<TVnDOMNode*>(old)->TouchPool();
+  if (AParent) static_cast<TVnDOMNode*>(AParent)->TouchPool();
   TVnDOMObject::SetParentNode(AParent);
   if (FDestroying) return;
   if (AParent) {

@@ -29,9 +29,13 @@ struct NodeExtras {
   std::unique_ptr<ParseEvents> Events;
 };
 
+/// Nodes this thread has freed one by one (a loaded tree dropped whole counts none); for tests
+/// that compare the work of two frees.
+uint64_t FreeWork() noexcept;
+
 /// A static name record over a string literal.
 constexpr NameRec FixedName(const char16_t* AText, uint32_t ALength) {
-  return NameRec{NameRec::kStatic, ALength, NameRec::kNoColon, 0, nullptr, AText};
+  return NameRec{NameRec::kStatic, ALength, NameRec::kNoColon, 0, nullptr, AText, nullptr};
 }
 
 /// Puts ANode into AItems by position and reference: a reference not in AItems counts as none.

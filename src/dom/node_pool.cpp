@@ -1,8 +1,13 @@
 // Where nodes live: the pool a load carves its nodes from (blocks that double in size, freed
 // all at once), and the allocation functions that put every node in front of its pool.
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <mutex>
 
+#include <vector>
+
+#include "dom/ns_scope.h"
 #include "internal/huge_pages.h"
 #include "vnxml/dom_element.h"
 #include "vnxml/dom_storage.h"
@@ -42,6 +47,14 @@ struct NodePool::Block {
   size_t Size;  // usable bytes behind the header
 };
 
+// What the pool holds for its nodes: one count per name record and scope they use uncounted,
+// and the nodes that got extras.
+struct NodePool::Held {
+  std::vector<NameRec*> Names;
+  std::vector<NsScope*> Scopes;
+  std::vector<TVnDOMNode*> WithExtras;
+};
+
 namespace {
 // Blocks of freed pools, kept for the next load: fresh memory from the system costs a page
 // fault per page, more than the rest of a load. Only the standard sizes are kept, up to a bound.
@@ -66,6 +79,8 @@ class BlockCache {
     if (b) {
       FFree[c] = *static_cast<void**>(b);
       FBytes -= ASize;
+    } else if (c == kClasses - 1 && FLentCount) {
+      b = FLent[--FLentCount];
     }
     return b;
   }
@@ -73,7 +88,7 @@ class BlockCache {
     int c = SizeClass(ASize);
     if (c < 0) return false;
     std::lock_guard<std::mutex> guard(FLock);
-    if (FBytes + ASize > kCacheBytes) return false;
+    if (FBytes + ASize > kCacheBytes) return Lend(ABlock, c);
     *static_cast<void**>(ABlock) = FFree[c];
     FFree[c] = ABlock;
     FBytes += ASize;
@@ -81,7 +96,24 @@ class BlockCache {
   }
 
  private:
+  // Huge blocks past the bound are lent to the system instead of unmapped: it takes their pages
+  // back when it needs memory, and until then a large load that follows reuses them without a
+  // fault. The block's own memory may be gone when it comes back, so the list is kept here.
+  bool Lend([[maybe_unused]] void* ABlock, [[maybe_unused]] int AClass) noexcept {
+#ifdef MADV_FREE
+    if (AClass != kClasses - 1 || FLentCount == kLentBlocks) return false;
+    if (madvise(ABlock, kHugePage, MADV_FREE) != 0) return false;
+    FLent[FLentCount++] = ABlock;
+    return true;
+#else
+    return false;
+#endif
+  }
+
   static constexpr size_t kCacheBytes = 32 * 1024 * 1024;
+  static constexpr size_t kLentBlocks = 128;  // 256 MB of huge pages
+  void* FLent[kLentBlocks] = {};
+  size_t FLentCount = 0;
   static constexpr int kClasses = 10;  // kFirstBlock .. kLargestBlock, then the huge blocks
   static_assert(kFirstBlock << (kClasses - 2) == kLargestBlock);
   std::mutex FLock;
@@ -93,6 +125,14 @@ class BlockCache {
 NodePool* NodePool::Create() { return new NodePool(); }
 
 NodePool::~NodePool() {
+  if (Held* held = FHeld) {
+    for (NameRec* rec : held->Names) {
+      if (rec->Holder == this) rec->Holder = nullptr;  // another pool may come at this address
+      NameRef::Release(rec);
+    }
+    for (NsScope* scope : held->Scopes) Release(scope);
+    delete held;
+  }
   while (Block* b = FBlocks) {
     FBlocks = b->Next;
     // A kept block stays marked as free space until a pool carves it again.
@@ -143,8 +183,51 @@ void NodePool::FreeNode(void* ANode, size_t ASize) noexcept {
 }
 
 void NodePool::Seal() noexcept {
+  FSealed = true;
   if (--FLive == 0) delete this;
 }
+
+void NodePool::HoldName(NameRec* ARec) {
+  if (ARec->Holder == this) {
+    --ARec->Refs;  // the pool has its count already; the table's keeps the record above 0
+    return;
+  }
+  try {
+    if (!FHeld) FHeld = new Held;
+    FHeld->Names.push_back(ARec);
+  } catch (...) {
+    NameRef::Release(ARec);
+    throw;
+  }
+  ARec->Holder = this;
+}
+
+void NodePool::HoldScope(NsScope* AScope) {
+  if (!AScope) return;
+  try {
+    if (!FHeld) FHeld = new Held;
+    FHeld->Scopes.push_back(AScope);
+  } catch (...) {
+    Release(AScope);
+    throw;
+  }
+}
+
+void NodePool::NoteExtras(TVnDOMNode* ANode) {
+  if (!FPristine) return;  // a touched pool frees node by node, and each node its extras
+  try {
+    if (!FHeld) FHeld = new Held;
+    FHeld->WithExtras.push_back(ANode);
+  } catch (...) {
+    Touch();
+  }
+}
+
+size_t NodePool::ExtrasCount() const noexcept { return FHeld ? FHeld->WithExtras.size() : 0; }
+
+TVnDOMNode* NodePool::ExtrasAt(size_t AIndex) const noexcept { return FHeld->WithExtras[AIndex]; }
+
+void NodePool::Drop() noexcept { delete this; }
 
 }  // namespace vn::detail
 

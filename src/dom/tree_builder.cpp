@@ -1,6 +1,7 @@
 // TreeBuilder: nodes of a load, made from the load's pool and joined without re-checking.
 #include "dom/tree_builder.h"
 
+#include <algorithm>
 #include <iterator>
 
 #if defined(__SSE2__)
@@ -58,6 +59,10 @@ TreeBuilder::TreeBuilder(TVnDOMNode* ATarget)
       FDocument(ATarget->FDOMDocument),
       FNames(TVnDOMNode::NameTableOf(ATarget->FDOMDocument)),
       FPool(NodePool::Create()) {
+  // The target's arrays change: a pool it came from can't be dropped whole any more. Without a
+  // document the names are not shared, and each node counts its own: no drop either.
+  ATarget->TouchPool();
+  if (!FNames) FPool->Touch();
   if (ATarget->FNodeType == ntElement) FTargetScope = static_cast<TVnDOMElement*>(ATarget)->FScope;
   SetCurrent(ATarget);
 }
@@ -74,12 +79,20 @@ TreeBuilder::~TreeBuilder() {
 template <class T>
 T* TreeBuilder::Make() {
   T* node = new (*FPool) T();
+  node->FInPool = true;
   // Set now rather than by a walk when the node joins: the document its parent will have.
   node->FDOMDocument = FDocument;
   return node;
 }
 
 TVnDOMAttribute* TreeBuilder::MakeAttribute() { return Make<TVnDOMAttribute>(); }
+
+void TreeBuilder::SetName(TVnDOMNode* ANode, std::u16string_view AName) {
+  if (FNames)
+    ANode->FName.SetHeld(AName, *FNames, *FPool);
+  else
+    ANode->FName.Set(AName);
+}
 
 void TreeBuilder::SetCurrent(TVnDOMNode* ANode) {
   FCurrent = ANode;
@@ -101,7 +114,7 @@ void TreeBuilder::BeginElement(std::u16string_view AQName) {
   DropPending();
   FSchemaInstance = false;
   FPending = Make<TVnDOMElement>();
-  FPending->FName.Set(AQName, FNames);
+  SetName(FPending, AQName);
   FDeclaredURIs.clear();
 }
 
@@ -111,7 +124,7 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
   auto* a = Make<TVnDOMAttribute>();
   FAttributes.back() = a;
   a->FParent = FPending;
-  a->FName.Set(AQName, FNames);
+  SetName(a, AQName);
   if (AMayHoldQuote && HasQuote(AValue))
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
@@ -177,11 +190,7 @@ void TreeBuilder::CloseElement() {
   const auto kidCount = static_cast<uint32_t>(FWaiting.size() - first);
   const uint32_t attributeCount = element->FAttrs.size();
   if (attributeCount + kidCount) {
-    // Attributes lead the child list, as they do in every element.
-    element->FChildren.reserve(attributeCount + kidCount, FPool);
-    element->FChildren.append_reserved(element->FAttrs.begin(), attributeCount);
     uint32_t elements = 0, chars = 0;
-    element->FChildren.append_reserved(kids, kidCount);
     for (uint32_t i = 0; i < kidCount; ++i) {
       PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
       if (list == &element->FElems)
@@ -189,10 +198,25 @@ void TreeBuilder::CloseElement() {
       else if (list == &element->FChars)
         ++chars;
     }
-    element->FElems.reserve(elements, FPool);
-    element->FChars.reserve(chars, FPool);
-    for (uint32_t i = 0; i < kidCount; ++i)
-      if (PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i])) list->push_back(kids[i], FPool);
+    // One block of the pool for the child array and both typed views; attributes lead the
+    // child list, as they do in every element.
+    using Array = PtrVector<TVnDOMNode>;
+    const size_t childBytes = Array::BlockBytes(attributeCount + kidCount);
+    const size_t elementBytes = elements ? Array::BlockBytes(elements) : 0;
+    char* block = static_cast<char*>(
+        FPool->Allocate(childBytes + elementBytes + (chars ? Array::BlockBytes(chars) : 0)));
+    TVnDOMNode** all = element->FChildren.Adopt(block, attributeCount + kidCount);
+    std::copy_n(element->FAttrs.begin(), attributeCount, all);
+    std::copy_n(kids, kidCount, all + attributeCount);
+    TVnDOMNode** elems = elements ? element->FElems.Adopt(block + childBytes, elements) : nullptr;
+    TVnDOMNode** texts = chars ? element->FChars.Adopt(block + childBytes + elementBytes, chars) : nullptr;
+    for (uint32_t i = 0; i < kidCount; ++i) {
+      PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
+      if (list == &element->FElems)
+        *elems++ = kids[i];
+      else if (list == &element->FChars)
+        *texts++ = kids[i];
+    }
   }
   FWaiting.resize(first);
   FOpen.pop_back();
@@ -202,6 +226,7 @@ void TreeBuilder::CloseElement() {
 void TreeBuilder::DropPending() {
   TVnDOMElement* pending = std::exchange(FPending, nullptr);
   if (!pending) return;
+  FPool->Touch();  // one of its nodes goes by itself
   // It never joined: it goes with its attributes, which its child list must hold for that.
   SealAttributes(pending);
   pending->FChildren.reserve(pending->FAttrs.size(), FPool);
@@ -268,7 +293,7 @@ void TreeBuilder::AddComment(std::u16string_view AText) {
 void TreeBuilder::AddInstruction(std::u16string_view ATarget, std::u16string_view AData) {
   Current();
   auto* pi = Make<TVnDOMProcessingInstruction>();
-  pi->FName.Set(ATarget, FNames);
+  SetName(pi, ATarget);
   pi->FData.AssignIn(*FPool, AData);
   Place(pi);
 }

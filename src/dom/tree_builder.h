@@ -58,6 +58,8 @@ class TreeBuilder {
   template <class T>
   T* Make();
   TVnDOMAttribute* MakeAttribute();
+  /// Names a node of the load; the pool holds the name when the document shares names.
+  void SetName(TVnDOMNode* ANode, std::u16string_view AName);
   /// The node being filled; fails once a stray end tag has left none.
   TVnDOMNode* Current();
   void SetCurrent(TVnDOMNode* ANode);
@@ -92,6 +94,8 @@ class TreeBuilder {
   void ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement);
   /// The declaration named AQName in force at the innermost open element (the last one wins).
   TVnDOMAttribute* DeclarationInScope(std::u16string_view AQName);
+  /// The same for the declaration of APrefix ("xmlns" for none).
+  TVnDOMAttribute* DeclarationForPrefix(std::u16string_view APrefix);
   /// The first declaration in force whose URI is empty, in the order of the scope.
   TVnDOMAttribute* FirstEmptyDeclaration();
   /// The element's "xmlns" attribute, made if missing, with the empty URI.
@@ -111,6 +115,8 @@ class TreeBuilder {
     TVnDOMAttribute* Found = nullptr;
   };
   Hit FHits[4];
+  uint64_t FDefaultGeneration = UINT64_MAX;  // the age of FDefault
+  TVnDOMAttribute* FDefault = nullptr;       // the declaration "xmlns" in force
   uint8_t FNextHit = 0;
   std::vector<UnicodeString> FDeclaredURIs;  // the start tag's declarations as read
   const NsScope* FTargetScope = nullptr;     // what is in force at the target

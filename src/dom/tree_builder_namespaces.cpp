@@ -154,27 +154,45 @@ void TreeBuilder::ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement
     }
     std::erase(own, nullptr);
   }
+  // Every element of the load leaves its scope to the pool, which keeps one count on each
+  // scope made here and on the target's; the elements count nothing.
   if (!own.empty() || !hidden.empty()) {
     auto* scope = new NsScope();
     scope->Parent = Retain(base);
     scope->Count = (base ? base->Count : 0) - hidden.size() + own.size();
+    FPool->HoldScope(scope);
     AElement->FScope = scope;
+    AElement->FScopeHeld = true;
     for (TVnDOMAttribute* a : own) PushDeclaration(a);
     scope->Own = std::move(own);
     scope->Hidden = std::move(hidden);
+  } else if (base) {
+    if (AParent == FTarget) FPool->HoldScope(Retain(base));
+    AElement->FScope = base;
+    AElement->FScopeHeld = true;
   } else {
-    AElement->FScope = Retain(base);
+    AElement->FScope = nullptr;
   }
   if (!AElement->FScope) {
     AElement->FNamespace = nullptr;
     return;
   }
-  if (setAgain) ns = DeclarationInScope(DeclarationName(prefix));
+  if (setAgain) ns = DeclarationForPrefix(prefix);
   AElement->FNamespace = ns;
   for (TVnDOMNode* n : AElement->FAttrs) {
     auto* a = static_cast<TVnDOMAttribute*>(n);
-    a->FNamespace = DeclarationInScope(DeclarationName(a->PrefixView()));
+    a->FNamespace = DeclarationForPrefix(a->PrefixView());
   }
+}
+
+TVnDOMAttribute* TreeBuilder::DeclarationForPrefix(std::u16string_view APrefix) {
+  // Most names have no prefix: their answer holds until a declaration comes or goes.
+  if (!APrefix.empty()) return DeclarationInScope(DeclarationName(APrefix));
+  if (FDefaultGeneration != FGeneration) {
+    FDefault = DeclarationInScope(u"xmlns");
+    FDefaultGeneration = FGeneration;
+  }
+  return FDefault;
 }
 
 TVnDOMAttribute* TreeBuilder::DeclarationInScope(std::u16string_view AQName) {
@@ -218,7 +236,7 @@ TVnDOMAttribute* TreeBuilder::EmptyDefaultDeclaration(TVnDOMElement* AElement) {
   if (!decl) {
     decl = MakeAttribute();
     decl->FParent = AElement;
-    decl->FName.Set(u"xmlns", FNames);
+    SetName(decl, u"xmlns");
     AElement->FAttrs.reserve(AElement->FAttrs.size() + 1, FPool);
     AElement->FAttrs.append_reserved(reinterpret_cast<TVnDOMNode* const*>(&decl), 1);
   }
