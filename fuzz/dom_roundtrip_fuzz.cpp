@@ -1,7 +1,7 @@
 // Fuzz target of the document: any bytes load or fail with the library's own exception. What
 // loads must survive its own outputs: the plain text, the UTF-8 and the UTF-16 bytes each load
 // again (no exception is allowed there) and give the same plain text. The forgiving reader takes
-// nearly anything for a name; the writer refuses a name it couldn't read back, and then every
+// nearly anything for a name; the writer refuses a name or text it couldn't read back, and then every
 // output must refuse it alike. The formatted text loads
 // too and gives the plain text but for white space (indentation beside mixed content becomes
 // text); it is checked on trees of bounded depth only, its indentation being quadratic in depth.
@@ -95,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* AData, size_t ASize) {
   try {
     plain = doc.GetXML();
   } catch (const vn::EVnDomInvalidCharacter&) {
-    // A name the writer can't give back: the byte outputs must refuse it too.
+    // A name or text the writer can't give back: the byte outputs must refuse it too.
     for (vn::Word cp : {vn::cVnCodePageUTF8, vn::cVnCodePageUTF16LE}) {
       try {
         ReloadBytes(doc, cp);

@@ -47,5 +47,11 @@ inline constexpr char16_t cVnDomAttributeNameNotWritable[] =
     u"The attribute name \"%s\" cannot be written as XML that loads back with the same name!";
 inline constexpr char16_t cVnDomElementNameNotWritable[] =
     u"The element name \"%s\" cannot be written as XML that loads back with the same name!";
+inline constexpr char16_t cVnDomCDATANotWritable[] =
+    u"The CDATA section \"%s\" holds \"]]>\" and cannot be written as XML that loads back with the same text!";
+inline constexpr char16_t cVnDomCommentNotWritable[] =
+    u"The comment \"%s\" holds \"-->\" and cannot be written as XML that loads back with the same text!";
+inline constexpr char16_t cVnDomInstructionNotWritable[] =
+    u"The processing instruction data \"%s\" holds \"?>\" and cannot be written as XML that loads back with the same text!";
 
 }  // namespace vn

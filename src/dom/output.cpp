@@ -38,8 +38,9 @@ const BuiltInTypes& Types() {
   return types;
 }
 
-// Out of line, so that the hot writers stay small enough to inline.
-[[noreturn, gnu::noinline]] void RefuseName(const char16_t* AMessage, std::u16string_view AName) {
+// Out of line, so that the hot writers stay small enough to inline. Names, and the texts of
+// sections, comments and instructions, that would not load back as they are, are refused.
+[[noreturn, gnu::noinline]] void Refuse(const char16_t* AMessage, std::u16string_view AName) {
   throw EVnDomInvalidCharacter(AMessage, {AName});
 }
 
@@ -104,14 +105,18 @@ class TreeWriter {
 
   [[gnu::always_inline]] void Attribute(const TVnDOMAttribute* AAttribute) {
     const std::u16string_view name = AAttribute->QualifiedNameView();
-    if (!FNames.Attribute(name)) RefuseName(cVnDomAttributeNameNotWritable, name);
+    if (!FNames.Attribute(name)) Refuse(cVnDomAttributeNameNotWritable, name);
     FOut.Framed(" ", name, "=\"");
     FOut.Framed("", AAttribute->GetStoredValue(), "\"");
   }
 
   void CharacterData(const TVnDOMCharacterData* ANode) { FOut.Text(ANode->GetStoredValue()); }
 
-  void CData(const TVnDOMCDATA* ANode) { FOut.Framed("<![CDATA[", ANode->GetStoredValue(), "]]>"); }
+  void CData(const TVnDOMCDATA* ANode) {
+    const std::u16string_view value = ANode->GetStoredValue();
+    if (value.find(u"]]>") != value.npos) Refuse(cVnDomCDATANotWritable, value);
+    FOut.Framed("<![CDATA[", value, "]]>");
+  }
 
   void Comment(const TVnDOMComment* ANode) {
     if (FFormatted) {
@@ -119,7 +124,9 @@ class TreeWriter {
       if (!ANode->GetPreserveSpace()) FOut.Ascii("\r\n");
       if (ParentIsPlainElement(ANode)) Indent();
     }
-    FOut.Framed("<!--", ANode->GetStoredValue(), "-->");
+    const std::u16string_view value = ANode->GetStoredValue();
+    if (value.find(u"-->") != value.npos) Refuse(cVnDomCommentNotWritable, value);
+    FOut.Framed("<!--", value, "-->");
   }
 
   void Instruction(const TVnDOMProcessingInstruction* ANode) {
@@ -131,6 +138,7 @@ class TreeWriter {
     }
     FOut.Framed("<?", ANode->QualifiedNameView(), "");
     const std::u16string_view data = ANode->GetData();
+    if (data.find(u"?>") != data.npos) Refuse(cVnDomInstructionNotWritable, data);
     if (!data.empty()) FOut.Framed(" ", data, "");
     FOut.Ascii("?>");
   }
@@ -159,7 +167,7 @@ class TreeWriter {
   // Writes the start tag; true when the element has content, which raises the level.
   bool OpenTag(TVnDOMElement* AElement) {
     const std::u16string_view name = AElement->QualifiedNameView();
-    if (!FNames.Element(name)) RefuseName(cVnDomElementNameNotWritable, name);
+    if (!FNames.Element(name)) Refuse(cVnDomElementNameNotWritable, name);
     if (FFormatted && !AElement->GetPreserveSpace()) StartLine();
     FOut.Framed("<", name, "");
     const auto& attributes = AElement->AttributesView();

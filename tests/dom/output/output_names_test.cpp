@@ -92,5 +92,28 @@ TEST(OutputNames, NamesGivenByProgramAreCheckedLikeLoadedOnes) {
   }
 }
 
+TEST(OutputNames, TextsThatWouldEndTheirNodeEarlyAreRefused) {
+  struct Case {
+    const char16_t* FValue;
+    const char16_t* FMessage;  // nullptr: written
+    void (*FAdd)(TVnDOMDocument&, const char16_t*);
+  };
+  auto cdata = [](TVnDOMDocument& d, const char16_t* v) { d.GetRootNode()->AddCDATA(v); };
+  auto comment = [](TVnDOMDocument& d, const char16_t* v) { d.GetRootNode()->AddComment(v); };
+  auto instruction = [](TVnDOMDocument& d, const char16_t* v) { d.SetProcessingInstruction(u"pi", v); };
+  const Case cases[] = {
+      {u"a]]b>", nullptr, cdata},      {u"a]]>b", cVnDomCDATANotWritable, cdata},
+      {u"a--b-", nullptr, comment},    {u"a-->b", cVnDomCommentNotWritable, comment},
+      {u"a?b>", nullptr, instruction}, {u"a?>b", cVnDomInstructionNotWritable, instruction},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FValue));
+    TVnDOMDocument doc;
+    doc.CreateRootNode(u"r");
+    c.FAdd(doc, c.FValue);
+    ExpectOutputs(doc, c.FMessage ? Format(c.FMessage, {c.FValue}) : UnicodeString());
+  }
+}
+
 }  // namespace
 }  // namespace vn
