@@ -2,6 +2,7 @@
 // outputs, so the stream sees large writes and depth costs no call stack.
 #include "vnxml/dom_json_writer.h"
 
+#include <algorithm>
 #include <cstring>
 #include <typeinfo>
 #include <string>
@@ -302,6 +303,14 @@ class JsonTreeWriter {
         if (c == u'.') c = u'_';
       ALocalName = Text;
     }
+    // A name goes as it is, unless it holds what would end or break the JSON string: then it is
+    // escaped as values are, so that the output stays JSON.
+    if (std::any_of(ALocalName.begin(), ALocalName.end(),
+                    [](char16_t c) { return c == u'"' || c == u'\\' || c < 0x20; })) {
+      Escaped.clear();
+      detail::AppendStrToJSON(ALocalName, Escaped);
+      ALocalName = Escaped;
+    }
     O.Framed("\"", ALocalName, "\": ");
   }
   void Pad() {
@@ -391,6 +400,7 @@ class JsonTreeWriter {
   bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
   std::u16string Value16;
   std::u16string Text;
+  std::u16string Escaped;  // a name escaped; apart from Text, which a dotted name may be in
   // Scratch of PushGroups.
   std::vector<uint32_t> Group, GroupSize, Fill;
   std::unordered_map<std::u16string_view, uint32_t> GroupOf;

@@ -50,6 +50,8 @@ const Case kShapes[] = {
     {u"<r><a.b>1</a.b><c.d>1</c.d><c.d>2</c.d></r>", R"({"r": {"a_b": "1","c.d": ["1","2"]}})"},
     {u"<p:r xmlns:p=\"u\" p:a=\"1\"><p:x>1</p:x></p:r>", R"({"r": {"r_a": "1","x": "1"}})"},
     {u"<x id=\"1\"><x_id>2</x_id><_x_id>3</_x_id></x>", R"({"x": {"__x_id": "1","x_id": "2","_x_id": "3"}})"},
+    // A name that would break the JSON string is escaped as values are.
+    {u"<r><a\\b>1</a\\b></r>", R"({"r": {"a\\b": "1"}})"},
     // Strings are escaped for JSON; the stored references are decoded first.
     {u"<r><a>\"\\&lt;&#233;\t</a></r>", "{\"r\": {\"a\": \"\\\"\\\\<\xC3\xA9\\t\"}}"},
 };
