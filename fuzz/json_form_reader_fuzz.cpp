@@ -2,7 +2,7 @@
 // Oracle: the buffer, 8-bit text and the parser component with its form flag give the same
 // events and the same ending; valid UTF-8 read as UTF-16 text gives them too; the events follow
 // the grammar of the contract, the root is one object and every value a string. Any exception
-// but the reader's own failures is a finding.
+// but the reader's own failures is a finding. The document's form load ends as the reader did.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -10,6 +10,8 @@
 #include <string>
 
 #include "json_event_recorder.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/json_document.h"
 #include "vnxml/json_form_reader.h"
 #include "vnxml/json_parser.h"
 
@@ -84,6 +86,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
          parser.ParseBuffer(text.data(), static_cast<vn::Cardinal>(text.size()), cp, true);
        }),
        "parser component differs");
+  if (cp == vn::cVnCodePageUTF8 && !text.empty()) {
+    // The document's form load ends as the reader did: whole, or with the reader's own failure;
+    // what it loads saves as JSON that loads again. (An empty stream loads nothing at all.)
+    const bool readerEnded = !whole.empty() && whole.back() == u'>';
+    vn::TVnJSONDocument doc;
+    vn::TVnStringStream in(std::string_view(text), vn::cVnCodePageUTF8);
+    try {
+      doc.LoadFromStream(in, cp, true);
+      if (!readerEnded) Finding("the document loaded a form the reader refused");
+      vn::TVnJSONDocument again;
+      again.SetAsJSON(doc.GetAsJSON());
+    } catch (const vn::Exception& e) {
+      if (readerEnded) Finding("the document refused a form the reader read");
+      if (!IsOwnFailure(e)) Finding("foreign exception from the document's form load");
+    }
+  }
   const vn::UnicodeString wide = fuzzjson::Utf16Twin(text, cp, whole == u"(encoding)");
   if (!wide.empty()) same(RunReader([&](vn::TVnJSONReader& r) { r.Parse(wide, u""); }), "UTF-16 text differs");
   return 0;

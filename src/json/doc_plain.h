@@ -17,7 +17,7 @@ template <class U>
 inline bool IsPlainString(const U* p, uint32_t n) noexcept {
   for (uint32_t i = 0; i < n; ++i) {
     const auto c = static_cast<uint32_t>(p[i]);
-    if (c < 0x20 || c > 0x7F || c == '/') return false;
+    if (c < 0x20 || c > 0x7F || c == '/' || c == '"') return false;  // a bare quote comes from form text
     if (c == '\\') {
       if (++i == n) return false;
       switch (static_cast<uint32_t>(p[i])) {

@@ -149,6 +149,12 @@ TEST(FormReader, HandlersAndEntryPoints) {
   TVnMemoryStream form(text.data(), Int64(text.size()));
   doc.LoadFromStream(form, 65001, true);
   EXPECT_EQ(UnicodeToUtf8(doc.GetAsJSON()), "{\"a\": {\"\xC3\xA9\": [\"\xC3\xA9 1\", \"2\"]}}");
+  // Form values are no JSON text: their quotes are escaped when the tree is saved.
+  const std::string quoted = "q=%22x%22&r=%7B%22d%22%3A1%2C%22e%22%3A%22a+long+value%22%7D";
+  TVnMemoryStream quotedForm(quoted.data(), Int64(quoted.size()));
+  TVnJSONDocument quotedDoc;
+  quotedDoc.LoadFromStream(quotedForm, 65001, true);
+  EXPECT_EQ(UnicodeToUtf8(quotedDoc.GetAsJSON()), R"({"q": "\"x\"", "r": "{\"d\":1,\"e\":\"a long value\"}"})");
 }
 
 TEST(FormReader, DeepAndWideKeysReadWithoutRecursion) {
