@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "common/message_of.h"
 #include "json_recorder.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
@@ -175,20 +176,10 @@ TEST(JsonReader, LocatorAndHandlerChecks) {
   } thrower;
   vntest::JsonRecorder rec;
   TVnJSONReader reader;
-  try {
-    reader.Parse(u"[]");
-    ADD_FAILURE();
-  } catch (const EVnJSONException& e) {
-    EXPECT_EQ(e.GetCode(), cVnJSONErrNoContentHandler);
-    EXPECT_EQ(e.Message(), _cVnJSONNoContentHandler);
-  }
+  EXPECT_EQ(test::CodeOf<EVnJSONException>([&] { reader.Parse(u"[]"); }), cVnJSONErrNoContentHandler);
+  EXPECT_EQ(test::MessageOf<EVnJSONException>([&] { reader.Parse(u"[]"); }), _cVnJSONNoContentHandler);
   reader.SetContentHandler(IPtr<IVnJSONContentHandler>(&rec));
-  try {
-    reader.Parse(u"[]");
-    ADD_FAILURE();
-  } catch (const EVnJSONException& e) {
-    EXPECT_EQ(e.GetCode(), cVnJSONErrNoErrorHandler);
-  }
+  EXPECT_EQ(test::CodeOf<EVnJSONException>([&] { reader.Parse(u"[]"); }), cVnJSONErrNoErrorHandler);
   EXPECT_EQ(rec.Trace, "");
 
   // A handler's own exception goes to FatalError with the position, then on.
