@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "common/message_of.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/vn_exception.h"
 #include "vnxml/common/vn_streams.h"
@@ -75,13 +76,9 @@ TEST(VnCodePage, EmptyAndUnknown) {
   EXPECT_EQ(VnCodePage(u""), 0);
   EXPECT_EQ(VnCodePage(Word{0}), u"");
   EXPECT_EQ(VnCodePage(Word{4}), u"");
-  try {
-    VnCodePage(u"no-such-charset");
-    FAIL() << "no exception";
-  } catch (const EVnException& e) {
-    EXPECT_EQ(e.Message(), u"Unsupported encoding \"no-such-charset\"");
-    EXPECT_EQ(e.GetCode(), cVnErrUnknownEncoding);
-  }
+  EXPECT_EQ(test::MessageOf<EVnException>([] { VnCodePage(u"no-such-charset"); }),
+            u"Unsupported encoding \"no-such-charset\"");
+  EXPECT_EQ(test::CodeOf<EVnException>([] { VnCodePage(u"no-such-charset"); }), cVnErrUnknownEncoding);
   // A name is matched whole, not by its prefix.
   EXPECT_THROW(VnCodePage(u"UTF-8x"), EVnException);
   EXPECT_THROW(VnCodePage(u"cp"), EVnException);

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "common/message_of.h"
 #include "vnxml/common/encoding.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_exception.h"
@@ -55,14 +56,9 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
 }
 
 TEST(VnEncoding, UnknownCodePageRaises) {
-  try {
-    TVnEncoding::GetEncoding(4);
-    FAIL();
-  } catch (const EVnException& e) {
-    EXPECT_EQ(e.Message(), u"Unsupported code page 4");
-    EXPECT_EQ(e.GetCode(), cVnErrUnknownEncoding);
-  }
-  EXPECT_THROW(TVnEncoding::ConvertA("x", 4), EVnException);  // and again: failures aren't cached
+  EXPECT_EQ(test::MessageOf<EVnException>([] { TVnEncoding::GetEncoding(4); }), u"Unsupported code page 4");
+  // and again: failures aren't cached
+  EXPECT_EQ(test::CodeOf<EVnException>([] { TVnEncoding::ConvertA("x", 4); }), cVnErrUnknownEncoding);
 }
 
 TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {
