@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "common/message_of.h"
 #include "support/sax_handlers.h"
 #include "support/raises.h"
 #include "vnxml/common/sysutils.h"
@@ -18,14 +19,8 @@ namespace {
 
 std::u16string UTF16(const std::string& AText) { return std::u16string(AText.begin(), AText.end()); }
 
-int CodeOf(const std::function<void()>& AAction) {
-  try {
-    AAction();
-  } catch (const EVnXMLParseError& e) {
-    return e.GetCode();
-  }
-  return 0;
-}
+template <class F>
+int CodeOf(F&& AAction) { return test::CodeOf<EVnXMLParseError>(AAction); }
 
 }  // namespace
 
@@ -228,13 +223,9 @@ TEST(XmlParser, DispatchAndChecks) {
     EXPECT_EQ(p->GetCurPos(), 0);
     p->SkipWhile(soNotEqual, p->FColon);
     EXPECT_EQ(p->GetCurPos(), 2);
-    try {
-      p->CheckCurrChar(p->FGt, true);
-      ADD_FAILURE();
-    } catch (const EVnXMLParseError& e) {
-      EXPECT_EQ(e.GetCode(), cVnXMLErrNotWellFormed);
-      EXPECT_EQ(e.Message(), u"The document is not wellformed!\r\n\">\" expected, but \":\" found!");
-    }
+    EXPECT_EQ(test::MessageOf<EVnXMLParseError>([&] { p->CheckCurrChar(p->FGt, true); }),
+              u"The document is not wellformed!\r\n\">\" expected, but \":\" found!");
+    EXPECT_EQ(CodeOf([&] { p->CheckCurrChar(p->FGt, true); }), cVnXMLErrNotWellFormed);
     EXPECT_EQ(CodeOf([&] { p->CheckValidNameStartChar(); }), cVnXMLErrInvalidNameStartChar);
     p->NextChar();
     EXPECT_NO_THROW(p->CheckValidNameStartChar());
