@@ -107,6 +107,7 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
   EXPECT_EQ(owner.FindComponent(u""), nullptr);
   EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"alpha"); }), Format(cRtlDuplicateName, {u"alpha"}));
   EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"1abc"); }), Format(cRtlInvalidName, {u"1abc"}));
+  EXPECT_THROW(b->SetName(u"a b"), EComponentError);
   a->SetName(u"ALPHA");  // a new case of its own name is no clash
   b->SetName(u"_beta2");
   EXPECT_EQ(b->GetNamePath(), u"_beta2");
@@ -159,6 +160,7 @@ TEST(TComponent, FreeNotificationTellsTheSurvivor) {
 
 TEST(ClassRegistry, PlatformClassesAreFoundByName) {
   EXPECT_EQ(GetClass(u"tstringlist"), TStringList::StaticClass());
+  EXPECT_EQ(FindClass(u"TComponent"), TComponent::StaticClass());
   TObject* created = CreateInstance(GetClass(u"TStringList"));
   ASSERT_NE(created, nullptr);
   EXPECT_EQ(created->ClassName(), u"TStringList");

@@ -25,8 +25,8 @@ TEST(StrToInt, AcceptedForms) {
   };
   const Case cases[] = {
       {u"0", 0},           {u"42", 42},       {u"+42", 42},         {u"-42", -42},
-      {u"$1F", 31},        {u"0x1f", 31},     {u"x10", 16},         {u"-$10", -16},
-      {u"  12", 12},       {u"2147483647", 2147483647},
+      {u"007", 7},         {u"$1F", 31},      {u"0x1f", 31},        {u"0X1F", 31},
+      {u"x10", 16},        {u"-$10", -16},    {u"  12", 12},        {u"2147483647", 2147483647},
       {u"-2147483648", INT32_MIN},            {u"$FFFFFFFF", -1},   {u"$80000000", INT32_MIN},
   };
   for (const auto& c : cases) EXPECT_EQ(StrToInt(c.Text), c.Expected) << UnicodeToUtf8(c.Text);
@@ -81,7 +81,7 @@ TEST(FloatToStr, PlatformTable) {
   };
   const Case cases[] = {
       {0.0, u"0"}, {-0.0, u"0"}, {0.1, u"0.1"}, {1.0 / 3.0, u"0.333333333333333"},
-      {2.0 / 3.0, u"0.666666666666667"}, {100.0, u"100"}, {1e15, u"1E15"},
+      {2.0 / 3.0, u"0.666666666666667"}, {100.0, u"100"}, {-2.5, u"-2.5"}, {1e15, u"1E15"},
       {1e14, u"100000000000000"}, {999999999999999.0, u"999999999999999"}, {9999999999999999.0, u"1E16"},
       {1e-5, u"1E-5"}, {0.0001, u"0.0001"}, {1.5e-7, u"1.5E-7"},
       {1.7976931348623157e308, u"1.79769313486232E308"},
@@ -125,7 +125,7 @@ TEST(StrToFloat, RefusedForms) {
 }
 
 TEST(FloatToStr, RoundTripsThroughStrToFloat) {
-  for (double v : {0.1, 1.0 / 7.0, 6.02214076e23, 1e-300})
+  for (double v : {0.1, 1.0 / 7.0, 123.456, 6.02214076e23, 1e-300})
     EXPECT_EQ(FloatToStr(StrToFloat(FloatToStr(v))), FloatToStr(v));
 }
 
