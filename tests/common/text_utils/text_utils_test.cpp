@@ -37,6 +37,8 @@ TEST(VnNormalizeString, FormNamesAreExact) {
   TVnNormalizationForm form = nfC;
   EXPECT_TRUE(VnNormalizationFormFromName(u"NFKD", form));
   EXPECT_EQ(form, nfKD);
+  EXPECT_TRUE(VnNormalizationFormFromName(u"NFD", form));
+  EXPECT_EQ(form, nfD);
   for (std::u16string_view bad : {u"nfc", u"NFC ", u"", u"NFKX", u"FULLY-NORMALIZED"})
     EXPECT_FALSE(VnNormalizationFormFromName(bad, form)) << Narrow(bad);
 }

@@ -25,6 +25,7 @@ TEST(DomInterfaces, TreeBuiltAndReadThroughInterfaces) {
 
   EXPECT_EQ(root->ElementCount(), 2);
   EXPECT_EQ(root->FirstElement()->GetQualifiedName(), u"first");
+  EXPECT_EQ(item->PreviousElement()->GetQualifiedName(), u"first");
   EXPECT_EQ(item->GetAttrib(u"id"), u"7");
   EXPECT_EQ(item->GetNodeValue(), u"a<b]]");
   EXPECT_EQ(item->GetXML(), u"<item id=\"7\">a&lt;b<!--c--><![CDATA[]]]]></item>");
@@ -36,7 +37,9 @@ TEST(DomInterfaces, TreeBuiltAndReadThroughInterfaces) {
   ASSERT_EQ(children->Count(), 4);
   EXPECT_EQ(children->First()->GetNodeType(), ntAttribute);
   EXPECT_EQ(children->Last()->GetNodeType(), ntCDATA);
+  EXPECT_EQ(children->Next(children->First())->GetNodeType(), ntText);
   EXPECT_TRUE(children->ContainsNode(cdata.As<IVnDOMNode>()));
+  EXPECT_EQ(item->GetAttributes()->GetAttribute(0)->GetNodeValue(), u"7");
 
   // Casts between the interfaces of one node, and the serializable base.
   IPtr<IVnDOMNode> asNode = children->GetItem(1);
@@ -44,8 +47,10 @@ TEST(DomInterfaces, TreeBuiltAndReadThroughInterfaces) {
   ASSERT_TRUE(text);
   EXPECT_TRUE(asNode.As<IVnDOMCharacterData>());
   EXPECT_FALSE(asNode.As<IVnDOMElement>());
+  EXPECT_FALSE(item->FirstAttribute()->NextAttribute());
   IPtr<IVnSerializable> ser = item.As<IVnSerializable>();
   ASSERT_TRUE(ser);
+  EXPECT_TRUE(ser->CanSerialize(dsfXML));
   EXPECT_EQ(ser->Serialize(dsfXML, nullptr), "<item id=\"7\">a&lt;b<!--c--><![CDATA[]]]]></item>");
 
   // A clone made through the interface is the interface's; removing through it frees nothing held.
@@ -98,6 +103,7 @@ TEST(DomInterfaces, NamedListsThroughInterfaces) {
 
   IPtr<IVnDOMAttrList> attrs = root->GetAttributes();
   EXPECT_EQ(attrs->FindNamespace(u"urn:r")->GetQualifiedName(), u"xmlns:r");
+  EXPECT_FALSE(attrs->FindNamespace(u"urn:other"));
 }
 
 constexpr char16_t kSheet[] =

@@ -47,6 +47,7 @@ TEST(DomList, TypedListsTakeForeignReferencesAtTheirEnds) {
 TEST(DomList, NeighboursAndEmptyLists) {
   TVnDOMElement e;
   TVnDOMNodeList* list = e.GetChildNodes();
+  EXPECT_THROW(list->First(), EVnDomNotFound);
   test::ExpectRaises<EVnDomNotFound>([&] { list->Last(); }, cVnDomListEmpty);
   TVnDOMElement* a = e.AddElement(u"a");
   TVnDOMElement* b = e.AddElement(u"b");
