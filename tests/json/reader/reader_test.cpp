@@ -176,6 +176,7 @@ TEST(JsonReader, LocatorAndHandlerChecks) {
   } thrower;
   vntest::JsonRecorder rec;
   TVnJSONReader reader;
+  EXPECT_EQ(reader.GetLineNr(), -1);  // no parse yet
   EXPECT_EQ(test::CodeOf<EVnJSONException>([&] { reader.Parse(u"[]"); }), cVnJSONErrNoContentHandler);
   EXPECT_EQ(test::MessageOf<EVnJSONException>([&] { reader.Parse(u"[]"); }), _cVnJSONNoContentHandler);
   reader.SetContentHandler(IPtr<IVnJSONContentHandler>(&rec));
