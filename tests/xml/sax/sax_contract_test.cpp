@@ -112,8 +112,10 @@ TEST(SaxNamespaceList, ManyDeclarationsKeepTheirScopes) {
 TEST(SaxReaderFrame, LocatorAndInterfaces) {
   RecordingReader r;
   EXPECT_EQ(r.Reader.GetLineNr(), -1);  // before any parse
+  EXPECT_EQ(r.Reader.GetPosition(), -1);
   r.Reader.Parse(u"<a/>", u"doc-1");
   EXPECT_EQ(r.Reader.GetLineNr(), -1);  // after one that ended normally
+  EXPECT_EQ(r.Reader.GetColNr(), -1);
   EXPECT_EQ(r.Reader.GetPublicID(), u"doc-1");
 
   IPtr<IVnSAXXMLReader> intf(&r.Reader);

@@ -13,7 +13,7 @@ TEST_F(FunctionTest, NumericFunctionValues) {
       {u"round(2.5)", "int 2"}, {u"round(3.5)", "int 4"}, {u"round(2.4)", "int 2"}, {u"round(7)", "int 7"},
       {u"half-to-even(3.5)", "int 4"}, {u"half-to-even(0.5)", "int 0"}, {u"ceiling(1.1)", "int 2"},
       {u"ceiling(3)", "int 3"}, {u"floor(1.9)", "int 1"}, {u"abs(7)", "int 7"}, {u"abs(2.5)", "float 2.5"},
-      {u"abs(true())", "int 1"}, {u"ceiling(true())", "int 1"},
+      {u"abs(true())", "int 1"}, {u"abs(false())", "int 0"}, {u"ceiling(true())", "int 1"},
       {uR"(abs("x"))", "null"}, {uR"(round("2.5"))", "null"},
       // A node value is text: it needs number() before it rounds.
       {u"round(@n)", "null"}, {u"round(number(@n))", "int 2"}, {u"floor(number(@n))", "int 2"},

@@ -89,6 +89,7 @@ TEST_F(FunctionsInFilters, SelectThroughFunctions) {
   EXPECT_EQ(Names(uR"(i[round(number(@p)) = 2])"), "Apple");
   EXPECT_EQ(Names(uR"(i[string-length(@n) > 5])"), "banana,Cherry");
   EXPECT_EQ(Names(uR"(i[months-from-duration(@d) < 0])"), "Cherry");
+  EXPECT_EQ(Names(uR"(i[matches(@n, "^[A-Z]")])"), "Apple,Cherry");  // a bracket inside the filter
   EXPECT_EQ(Names(uR"(i[position() = 2 or upper-case(@n) = "APPLE"])"), "Apple,banana");
   EXPECT_EQ(Names(uR"(i[contains(@n, "an")][0])"), "banana");
   // Functions without a result leave the candidate out.
