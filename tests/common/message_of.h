@@ -1,4 +1,4 @@
-// The message of the exception an action must raise, so that a test compares it in one line.
+// The message or code of the exception an action must raise, so that a test compares it in one line.
 #pragma once
 
 #include "vnxml/common/sysutils.h"
@@ -15,6 +15,17 @@ UnicodeString MessageOf(F&& AAction) {
     return e.Message();
   }
   return u"(nothing raised)";
+}
+
+/// AAction's E code; -1 when it raises nothing (any other exception escapes).
+template <class E, class F>
+Integer CodeOf(F&& AAction) {
+  try {
+    AAction();
+  } catch (const E& e) {
+    return e.GetCode();
+  }
+  return -1;
 }
 
 }  // namespace vn::test

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "common/message_of.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/vn_exception.h"
 #include "vnxml/common/vn_streams.h"
@@ -40,14 +41,10 @@ TEST(VnCodePage, NamesAndNumbersRoundTrip) {
     Word CodePage;
   };
   const Case cases[] = {
-      {u"UTF-8", 65001},          {u"UTF-16", 1200},         {u"UTF-16BE", 1201},     {u"US-ASCII", 20127},
-      {u"ISO-8859-1", 28591},     {u"ISO-8859-2", 28592},    {u"ISO-8859-3", 28593},  {u"ISO-8859-4", 28594},
-      {u"ISO-8859-5", 28595},     {u"ISO-8859-6", 28596},    {u"ISO-8859-7", 28597},  {u"ISO-8859-8", 28598},
-      {u"ISO-8859-9", 28599},     {u"ISO-8859-13", 28603},   {u"ISO-8859-15", 28605}, {u"windows-1250", 1250},
-      {u"windows-1251", 1251},    {u"windows-1252", 1252},   {u"windows-1253", 1253}, {u"windows-1254", 1254},
-      {u"windows-1255", 1255},    {u"windows-1256", 1256},   {u"windows-1257", 1257}, {u"windows-1258", 1258},
-      {u"Shift_JIS", 932},        {u"EUC-JP", 20932},        {u"GB2312", 936},        {u"Big5", 950},
-      {u"KOI8-R", 20866},         {u"UTF-32", 12000},
+      {u"UTF-8", 65001},      {u"UTF-16", 1200},       {u"UTF-16BE", 1201},     {u"US-ASCII", 20127},
+      {u"ISO-8859-1", 28591}, {u"ISO-8859-15", 28605}, {u"windows-1250", 1250}, {u"windows-1258", 1258},
+      {u"Shift_JIS", 932},    {u"EUC-JP", 20932},      {u"GB2312", 936},        {u"Big5", 950},
+      {u"KOI8-R", 20866},     {u"UTF-32", 12000},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.Name, c.Name + std::char_traits<char16_t>::length(c.Name)));
@@ -62,11 +59,9 @@ TEST(VnCodePage, AliasesAndCaseAreAccepted) {
     Word CodePage;
   };
   const Case cases[] = {
-      {u"utf-8", 65001},       {u"UTF8", 65001},     {u"utf-16le", 1200},    {u"ucs-2", 1200},
-      {u"UNICODE", 1200},      {u"latin1", 28591},   {u"ISO_8859-1", 28591}, {u"iso-8859-1", 28591},
-      {u"latin9", 28605},      {u"cp1252", 1252},    {u"WINDOWS-1252", 1252}, {u"ascii", 20127},
-      {u"sjis", 932},          {u"windows-31j", 932}, {u"x-mac-cyrillic", 10007},  // known to ICU only
-      {u"ibm-1047", 1047},     {u"cp437", 437},
+      {u"utf-8", 65001},      {u"UTF8", 65001},   {u"ucs-2", 1200},    {u"latin1", 28591},
+      {u"ISO_8859-1", 28591}, {u"cp1252", 1252},  {u"ibm-1047", 1047}, {u"cp437", 437},
+      {u"x-mac-cyrillic", 10007},  // known to ICU only
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.Name, c.Name + std::char_traits<char16_t>::length(c.Name)));
@@ -81,13 +76,9 @@ TEST(VnCodePage, EmptyAndUnknown) {
   EXPECT_EQ(VnCodePage(u""), 0);
   EXPECT_EQ(VnCodePage(Word{0}), u"");
   EXPECT_EQ(VnCodePage(Word{4}), u"");
-  try {
-    VnCodePage(u"no-such-charset");
-    FAIL() << "no exception";
-  } catch (const EVnException& e) {
-    EXPECT_EQ(e.Message(), u"Unsupported encoding \"no-such-charset\"");
-    EXPECT_EQ(e.GetCode(), cVnErrUnknownEncoding);
-  }
+  EXPECT_EQ(test::MessageOf<EVnException>([] { VnCodePage(u"no-such-charset"); }),
+            u"Unsupported encoding \"no-such-charset\"");
+  EXPECT_EQ(test::CodeOf<EVnException>([] { VnCodePage(u"no-such-charset"); }), cVnErrUnknownEncoding);
   // A name is matched whole, not by its prefix.
   EXPECT_THROW(VnCodePage(u"UTF-8x"), EVnException);
   EXPECT_THROW(VnCodePage(u"cp"), EVnException);

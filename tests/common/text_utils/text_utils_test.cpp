@@ -64,7 +64,6 @@ TEST(VnStripLiterals, RemovesEnclosingQuotes) {
       {u"'abc", u"abc"},      // unterminated: the opening quote goes
       {u"'abc\"", u"abc\""},  // the end quote must be the same kind
       {u"abc'", u"abc'"},     // no opening quote: unchanged
-      {u"abc", u"abc"},
       {u" 'abc' ", u" 'abc' "},  // blanks are not trimmed
       {u"'it''s'", u"it''s"},    // inner quotes stay
       {u"", u""},

@@ -63,7 +63,6 @@ TEST(SerializerFrame, OneCallSerializesAndFreesTheSerializer) {
   // A serializer kept by the caller takes parameters before it runs.
   IPtr<IVnSerializer> s = VnCreateSerializer(kFake, TValue::FromObject(&object));
   s->SetParam(u"excluderoot", u"true");
-  EXPECT_EQ(s->GetParam(u"excluderoot"), u"true");
   EXPECT_EQ(s->GetInstancePtr(), &object);
   EXPECT_EQ(TFakeSerializer::Live, 1);
   s = nullptr;
@@ -130,7 +129,6 @@ TEST(SerializerFrame, ParametersFallBackToTheParent) {
 
   EXPECT_EQ(child.GetParam(u"xsd-prefix"), u"xs");
   EXPECT_EQ(child.GetParam(u"xmlns"), u"urn:b");
-  EXPECT_EQ(root.GetParam(u"xmlns"), u"urn:a");
   EXPECT_EQ(child.GetParam(u"missing"), u"");
   EXPECT_TRUE(child.HasParam(u"xsd-prefix"));
   EXPECT_TRUE(child.HasParam(u"Owner"));

@@ -2,6 +2,7 @@
 // follow their owner's document, and element lists hold elements only.
 #include <gtest/gtest.h>
 
+#include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant.h"
@@ -102,12 +103,8 @@ TEST(DomListEdits, WhatAListCannotHoldIsRefused) {
       std::unique_ptr<TVnDOMNode> n(Make(kind));
       if (n->GetNodeType() == v.Holds) continue;
       SCOPED_TRACE(std::string(v.Name) + " refuses " + UnicodeToUtf8(VnDOMNodeTypes[n->GetNodeType()]));
-      try {
-        v.List(*e)->Add(n.get());
-        FAIL() << "no exception";
-      } catch (const EVnDomHierarchyRequest& ex) {
-        EXPECT_EQ(ex.Message(), Format(cVnDomListWrongKind, {VnDOMNodeTypes[n->GetNodeType()]}));
-      }
+      EXPECT_EQ(test::MessageOf<EVnDomHierarchyRequest>([&] { v.List(*e)->Add(n.get()); }),
+                Format(cVnDomListWrongKind, {VnDOMNodeTypes[n->GetNodeType()]}));
       EXPECT_EQ(n->GetParent(), nullptr);
     }
     ExpectConsistent(*e);

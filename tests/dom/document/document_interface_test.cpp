@@ -31,7 +31,6 @@ TEST(DomDocumentInterface, EveryRoadInGivesTheSameTree) {
   };
   const Road roads[] = {
       {"LoadXML text", [](IVnDOMDocument& d) { d.LoadXML(kText); }},
-      {"LoadFromXML wide", [](IVnDOMDocument& d) { d.LoadFromXML(std::u16string_view(kText)); }},
       {"LoadFromXML 8-bit", [&](IVnDOMDocument& d) { d.LoadFromXML(std::string_view(latin1)); }},
       {"LoadXML stream",
        [](IVnDOMDocument& d) {
@@ -39,12 +38,6 @@ TEST(DomDocumentInterface, EveryRoadInGivesTheSameTree) {
          TVnStringStream s(UnicodeToUtf8(kText), cVnCodePageUTF8);
          d.LoadXML(s);
        }},
-      {"LoadFromStreamEx",
-       [](IVnDOMDocument& d) {
-         TVnStringStream s(UnicodeToUtf8(kText), cVnCodePageUTF8);
-         d.LoadFromStreamEx(s);
-       }},
-      {"LoadXML file", [&](IVnDOMDocument& d) { d.LoadXML(file, fmOpenRead); }},
       {"LoadFromFile", [&](IVnDOMDocument& d) { d.LoadFromFile(file, fmOpenRead); }},
   };
   for (const Road& r : roads) {

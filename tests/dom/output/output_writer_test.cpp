@@ -142,14 +142,12 @@ TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
   doc->SetCodePage(cVnCodePageUTF16LE);
   doc->SaveToFile(name, true, true);
   EXPECT_EQ(ReadFile(path), ToMemory(*doc, cVnCodePageUTF16LE, true, true));
-  EXPECT_EQ(ReadFile(path).substr(0, 4), std::string("\xFF\xFE<\0", 4));
   doc->SetCodePage(cVnCodePageUTF8);
   doc->SaveToFile(name, true, true);
   EXPECT_EQ(ReadFile(path), "\xEF\xBB\xBF\r\n<a>\r\n  <b />\r\n  <?p x?>\r\n</a>");
   doc->SetEncoding(u"UTF-8");
   doc->SaveToFile(name, true, true);
   EXPECT_EQ(ReadFile(path), ToMemory(*doc, cVnCodePageUTF8, true, true));
-  EXPECT_EQ(ReadFile(path).substr(0, 10), "\xEF\xBB\xBF<?xml v");
   std::filesystem::remove(path);
 }
 

@@ -201,7 +201,6 @@ TEST(JsonModel, ADocumentHeldByInterfaceDiesWithIt) {
   IPtr<IVnJSONBase> asBase = doc.As<IVnJSONBase>();
   ASSERT_TRUE(asBase);
   EXPECT_EQ(doc->GetRootValueIntf()->GetMemberEx(u"a")->GetValue()->GetItem(0)->GetAsBoolean(), true);
-  EXPECT_EQ(doc->GetFormattedJSON(), u"{ \r\n  \"a\": [\r\n    true\r\n  ]\r\n}");
   // a node held past its document's end survives on its own
   IPtr<IVnJSONBase> survivor = doc->GetRootValueIntf();
   doc = nullptr;
@@ -238,7 +237,6 @@ TEST(JsonModel, CommonHooksMakeADocument) {
   IPtr<IVnJSONDocument> asDoc = doc.As<IVnJSONDocument>();
   ASSERT_TRUE(asDoc);
   EXPECT_EQ(asDoc->GetAsJSON(), u"{\"a\": [1]}");
-  EXPECT_NE(GetGetJSONDocValue(), nullptr);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // meaning, its failures and positions, and its entry points.
 #include <gtest/gtest.h>
 
+#include "common/message_of.h"
 #include "json/reader/json_recorder.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
@@ -122,12 +123,7 @@ TEST(FormReader, HandlersAndEntryPoints) {
   // No content handler fails before any event; no error handler is needed.
   JsonRecorder rec;  // outlives the reader, which holds it
   TVnFormURLEncodedJSONReader bare;
-  try {
-    bare.Parse(u"a=1");
-    FAIL();
-  } catch (const EVnJSONException& e) {
-    EXPECT_EQ(e.GetCode(), cVnJSONErrNoContentHandler);
-  }
+  EXPECT_EQ(test::CodeOf<EVnJSONException>([&] { bare.Parse(u"a=1"); }), cVnJSONErrNoContentHandler);
   bare.SetContentHandler(IPtr<IVnJSONContentHandler>(&rec));
   EXPECT_NO_THROW(bare.Parse(u"a=1"));
 

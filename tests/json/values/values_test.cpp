@@ -5,6 +5,7 @@
 #include <limits>
 #include <tuple>
 
+#include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant_array.h"
@@ -104,14 +105,8 @@ TEST(JsonValues, Dates) {
   const std::pair<TDateTime (*)(const Variant&, TDateTime), std::u16string_view> failing[] = {
       {&VnJSONToDate, cVnJSONInvalidDateValue}, {&VnJSONToTime, cVnJSONInvalidTimeValue},
       {&VnJSONToDateTime, cVnJSONInvalidDateTimeValue}};
-  for (const auto& [fn, message] : failing) {
-    try {
-      fn(Variant(true), 0);
-      ADD_FAILURE();
-    } catch (const EConvertError& e) {
-      EXPECT_EQ(e.Message(), message);
-    }
-  }
+  for (const auto& [fn, message] : failing)
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { fn(Variant(true), 0); }), message);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "common/message_of.h"
 #include "support/sax_handlers.h"
 #include "vnxml/common/utf.h"
 
@@ -236,21 +237,11 @@ TEST(SaxReader, EndOfTextInsideConstructs) {
 
 TEST(SaxReader, HandlersAndFailurePath) {
   vn::TVnSAXXMLReader reader;
-  try {
-    reader.Parse(u"<a/>", u"");
-    FAIL();
-  } catch (const vn::EVnXMLParseError& e) {
-    EXPECT_EQ(e.GetCode(), vn::cVnXMLErrNoContentHandler);
-  }
+  EXPECT_EQ(vn::test::CodeOf<vn::EVnXMLParseError>([&] { reader.Parse(u"<a/>", u""); }), vn::cVnXMLErrNoContentHandler);
   vn::test::SaxRecorder* rec = new vn::test::SaxRecorder;
   vn::IPtr<vn::test::SaxRecorder> keep(rec);
   reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(rec));
-  try {
-    reader.Parse(u"<a/>", u"");
-    FAIL();
-  } catch (const vn::EVnXMLParseError& e) {
-    EXPECT_EQ(e.GetCode(), vn::cVnXMLErrNoErrorHandler);
-  }
+  EXPECT_EQ(vn::test::CodeOf<vn::EVnXMLParseError>([&] { reader.Parse(u"<a/>", u""); }), vn::cVnXMLErrNoErrorHandler);
   EXPECT_TRUE(rec->Events.empty());  // neither reached a handler
 
   // A handler's own exception goes through FatalError and comes out unchanged.

