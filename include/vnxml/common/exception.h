@@ -3,6 +3,7 @@
 // Declare a descendant with VN_EXCEPTION(Name, Parent) in a header; nothing else is needed.
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 
@@ -80,7 +81,13 @@ VN_EXCEPTION(ERegularExpressionError, Exception)
 
 /// A programming fault: raises EAssertionFailed with AMessage when ACondition is false, in every build.
 inline void VnAssert(bool ACondition, std::u16string_view AMessage) {
-  if (!ACondition) throw EAssertionFailed(UnicodeString(AMessage));
+  if (!ACondition) [[unlikely]] throw EAssertionFailed(UnicodeString(AMessage));
+}
+/// The same for a message constant, whose length is known: checks on hot paths measure nothing
+/// unless they fail.
+template <size_t N>
+inline void VnAssert(bool ACondition, const char16_t (&AMessage)[N]) {
+  if (!ACondition) [[unlikely]] throw EAssertionFailed(UnicodeString(AMessage, N - 1));
 }
 
 }  // namespace vn
