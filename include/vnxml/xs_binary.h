@@ -54,7 +54,9 @@ struct TXsBinaryString {
     FHasValue = cVnXsHasValue;
   }
   /// The encoded text as a string Variant; Null for a null record.
-  Variant ToVariant() const { return IsNull() ? Variant::Null() : Variant(UnicodeString(FValue.begin(), FValue.end())); }
+  Variant ToVariant() const {
+    return IsNull() ? Variant::Null() : Variant(UnicodeString(FValue.begin(), FValue.end()));
+  }
 };
 
 using TXsBase64Binary = TXsBinaryString<TXsBinaryStringB64Encoding>;

@@ -44,7 +44,8 @@ struct XsIntegerBound {
 
 /// The checks of CheckLimits in their order; AValue and the bounds compare unsigned for
 /// AUnsigned, else signed.
-void XsCheckIntegerLimits(bool AUnsigned, UInt64 AValue, const XsIntegerBound (&ABounds)[4], std::u16string_view APattern);
+void XsCheckIntegerLimits(bool AUnsigned, UInt64 AValue, const XsIntegerBound (&ABounds)[4],
+                          std::u16string_view APattern);
 
 template <class T>
 UInt64 XsBits(T AValue) {
@@ -72,7 +73,8 @@ struct TXsIntegerRestrictions {
     };
     const detail::XsIntegerBound bounds[4] = {bound(MinExclusive), bound(MaxExclusive), bound(MinInclusive),
                                               bound(MaxInclusive)};
-    detail::XsCheckIntegerLimits(AKind >= vtkByte && AKind <= vtkUInt64, detail::XsBits(AValue), bounds, Pattern);
+    detail::XsCheckIntegerLimits(AKind >= vtkByte && AKind <= vtkUInt64, detail::XsBits(AValue), bounds,
+                                 Pattern);
   }
   void Clear() {
     MinExclusive.Clear();
@@ -123,8 +125,12 @@ struct TXsInteger {
   TXsInteger operator+() const {
     return Compute([](UInt64 a) { return a; });
   }
-  TXsInteger& operator++() { return *this = Compute([](UInt64 a) { return a + 1; }); }
-  TXsInteger& operator--() { return *this = Compute([](UInt64 a) { return a - 1; }); }
+  TXsInteger& operator++() {
+    return *this = Compute([](UInt64 a) { return a + 1; });
+  }
+  TXsInteger& operator--() {
+    return *this = Compute([](UInt64 a) { return a - 1; });
+  }
   TXsInteger operator++(int) {
     TXsInteger old(*this);
     ++*this;
@@ -217,7 +223,8 @@ struct TXsInteger {
   /// The decimal text, signed or unsigned by T; "NaN" for a null record.
   UnicodeString ToString() const {
     if (IsNull()) return u"NaN";
-    return Unsigned() ? UIntToStr(detail::XsBits(FValue)) : IntToStr(static_cast<Int64>(detail::XsBits(FValue)));
+    return Unsigned() ? UIntToStr(detail::XsBits(FValue))
+                      : IntToStr(static_cast<Int64>(detail::XsBits(FValue)));
   }
   /// The decimal text as a string Variant; Null for a null record.
   Variant ToVariant() const { return IsNull() ? Variant::Null() : Variant(ToString()); }
@@ -226,7 +233,8 @@ struct TXsInteger {
   void FromString(std::u16string_view AValue) {
     if (AValue.empty()) return Clear();
     Kind();
-    const UInt64 bits = Unsigned() && sizeof(T) == 8 ? StrToUInt64(AValue) : static_cast<UInt64>(StrToInt64(AValue));
+    const UInt64 bits =
+        Unsigned() && sizeof(T) == 8 ? StrToUInt64(AValue) : static_cast<UInt64>(StrToInt64(AValue));
     FValue = static_cast<T>(bits);
     FHasValue = cVnXsHasValue;
   }

@@ -50,7 +50,9 @@ struct TXsRationalRestrictions {
 
   /// Raises EArgumentOutOfRangeException for the first facet that AValue breaks.
   void CheckLimits(T AValue) const {
-    const auto digits = [](const TXsAnySimpleType<Byte>& AFacet) { return AFacet.IsNull() ? -1 : int(AFacet.FValue); };
+    const auto digits = [](const TXsAnySimpleType<Byte>& AFacet) {
+      return AFacet.IsNull() ? -1 : int(AFacet.FValue);
+    };
     const auto bound = [](const TXsAnySimpleType<T>& AFacet) {
       return detail::XsRationalBound{!AFacet.IsNull(), static_cast<Extended>(AFacet.FValue)};
     };
@@ -87,8 +89,7 @@ struct TXsRational {
   }
   /// Checks AValue against this record's facets, then stores it; the facets stay.
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsRational& operator=(U AValue) {
+  requires std::is_arithmetic_v<U> TXsRational& operator=(U AValue) {
     Assign(static_cast<T>(AValue));
     return *this;
   }
@@ -107,54 +108,44 @@ struct TXsRational {
     return Compute([](Extended a) { return a; });
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsRational operator+(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsRational operator+(U ARight) const {
     return Compute([b = Extended(ARight)](Extended a) { return a + b; });
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsRational operator-(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsRational operator-(U ARight) const {
     return Compute([b = Extended(ARight)](Extended a) { return a - b; });
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsRational operator*(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsRational operator*(U ARight) const {
     return Compute([b = Extended(ARight)](Extended a) { return a * b; });
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsRational operator/(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsRational operator/(U ARight) const {
     return Compute([b = Extended(ARight)](Extended a) { return a / b; });
   }
 
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsBoolean operator==(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsBoolean operator==(U ARight) const {
     return Compare(FValue == static_cast<T>(ARight));
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsBoolean operator!=(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsBoolean operator!=(U ARight) const {
     return Compare(FValue != static_cast<T>(ARight));
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsBoolean operator>(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsBoolean operator>(U ARight) const {
     return Compare(FValue > static_cast<T>(ARight));
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsBoolean operator>=(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsBoolean operator>=(U ARight) const {
     return Compare(FValue >= static_cast<T>(ARight));
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsBoolean operator<(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsBoolean operator<(U ARight) const {
     return Compare(FValue < static_cast<T>(ARight));
   }
   template <class U>
-    requires std::is_arithmetic_v<U>
-  TXsBoolean operator<=(U ARight) const {
+  requires std::is_arithmetic_v<U> TXsBoolean operator<=(U ARight) const {
     return Compare(FValue <= static_cast<T>(ARight));
   }
 

@@ -27,8 +27,8 @@ class TVnXMLXsSerializer : public TVnXMLSerializer {
   void SerializeStartType(std::u16string_view AName, const TVnTypeInfo* AType, Integer AIndex) override;
   void SerializeEndType(std::u16string_view, const TVnTypeInfo*, Integer) override {}
   /// Writes the record at the instance as its plain value; AType and AValue are not used.
-  void SerializeValue(std::u16string_view AName, const TVnTypeInfo* AType, const TValue& AValue, Integer AIndex,
-                      TVnAttributes AAttributes) override;
+  void SerializeValue(std::u16string_view AName, const TVnTypeInfo* AType, const TValue& AValue,
+                      Integer AIndex, TVnAttributes AAttributes) override;
 
  private:
   Integer FIndex = -1;
@@ -54,8 +54,8 @@ class TVnJSONXsSerializer : public TVnJSONSerializer {
  public:
   void SerializeStartType(std::u16string_view AName, const TVnTypeInfo* AType, Integer AIndex) override;
   void SerializeEndType(std::u16string_view, const TVnTypeInfo*, Integer) override {}
-  void SerializeValue(std::u16string_view AName, const TVnTypeInfo* AType, const TValue& AValue, Integer AIndex,
-                      TVnAttributes AAttributes) override;
+  void SerializeValue(std::u16string_view AName, const TVnTypeInfo* AType, const TValue& AValue,
+                      Integer AIndex, TVnAttributes AAttributes) override;
 
  private:
   Integer FIndex = -1;

@@ -18,9 +18,13 @@
 #include "vnxml/xs_messages.h"
 
 // Registers an XS record: its names, and its kind in the type registry.
-#define VN_XS_REGISTER_TYPE(Type, NameText)                                                              \
-  inline ::vn::detail::TypeNames VnTypeNames(::vn::detail::TypeTag<Type>) { return {NameText, u"uVnXSTypes"}; } \
-  inline void VnRegisterType(::vn::TTypeBuilder<Type>& b) { ::vn::TVnTypes::RegisterTypeKind(b.Info(), ::vn::vtkOther33); }
+#define VN_XS_REGISTER_TYPE(Type, NameText)                                 \
+  inline ::vn::detail::TypeNames VnTypeNames(::vn::detail::TypeTag<Type>) { \
+    return {NameText, u"uVnXSTypes"};                                       \
+  }                                                                         \
+  inline void VnRegisterType(::vn::TTypeBuilder<Type>& b) {                 \
+    ::vn::TVnTypes::RegisterTypeKind(b.Info(), ::vn::vtkOther33);           \
+  }
 
 namespace vn {
 
@@ -116,7 +120,9 @@ struct TXsDuration : TXsValueRecord<TVnDuration> {
 };
 
 VN_REGISTER_TYPE(TVnDuration, u"rVnCommon") {
-  b.Public(u"Negative", &TVnDuration::Negative).Public(u"Months", &TVnDuration::Months).Public(u"Seconds", &TVnDuration::Seconds);
+  b.Public(u"Negative", &TVnDuration::Negative)
+      .Public(u"Months", &TVnDuration::Months)
+      .Public(u"Seconds", &TVnDuration::Seconds);
 }
 VN_XS_REGISTER_TYPE(TXsBoolean, u"TXsBoolean")
 VN_XS_REGISTER_TYPE(TXsString, u"TXsString")

@@ -8,7 +8,9 @@ namespace vn::detail {
 
 namespace {
 
-bool KindIn(TVnTypeKind AKind, TVnTypeKind AFirst, TVnTypeKind ALast) { return AKind >= AFirst && AKind <= ALast; }
+bool KindIn(TVnTypeKind AKind, TVnTypeKind AFirst, TVnTypeKind ALast) {
+  return AKind >= AFirst && AKind <= ALast;
+}
 
 TVnTypeKind KindOf(const TTypeInfo* AType) {
   const TVnTypeInfo* info = TVnTypes::GetTypeInfo(AType);
@@ -16,7 +18,8 @@ TVnTypeKind KindOf(const TTypeInfo* AType) {
 }
 
 void CheckPattern(std::u16string_view APattern, const UnicodeString& AText) {
-  if (!APattern.empty() && !TRegEx::IsMatch(AText, APattern)) throw EArgumentOutOfRangeException(cVnXsPattern);
+  if (!APattern.empty() && !TRegEx::IsMatch(AText, APattern))
+    throw EArgumentOutOfRangeException(cVnXsPattern);
 }
 
 }  // namespace
@@ -66,8 +69,10 @@ void XsCheckRationalLimits(Extended AValue, const int (&ADigits)[2], const XsRat
       throw EArgumentOutOfRangeException(cVnXsFractionDigits);
   }
   const auto& [minExclusive, maxExclusive, minInclusive, maxInclusive] = ABounds;
-  if (minExclusive.Set && !(AValue > minExclusive.Value)) throw EArgumentOutOfRangeException(cVnXsMinExclusive);
-  if (maxExclusive.Set && !(AValue < maxExclusive.Value)) throw EArgumentOutOfRangeException(cVnXsMaxExceeded);
+  if (minExclusive.Set && !(AValue > minExclusive.Value))
+    throw EArgumentOutOfRangeException(cVnXsMinExclusive);
+  if (maxExclusive.Set && !(AValue < maxExclusive.Value))
+    throw EArgumentOutOfRangeException(cVnXsMaxExceeded);
   if (minInclusive.Set && AValue < minInclusive.Value) throw EArgumentOutOfRangeException(cVnXsMinInclusive);
   if (maxInclusive.Set && AValue > maxInclusive.Value) throw EArgumentOutOfRangeException(cVnXsMaxExceeded);
   CheckPattern(APattern, text);

@@ -45,7 +45,8 @@ void TXsBinaryStringHexEncoding::DecodeToStream(const RawByteString& AEncoded, T
   for (size_t i = 0; i < AEncoded.size(); i += 2) {
     const int high = HexDigit(AEncoded[i]);
     const int low = i + 1 < AEncoded.size() ? HexDigit(AEncoded[i + 1]) : -1;
-    if (high < 0 || low < 0) throw EConvertError(cVnXsInvalidHex, {UnicodeString(AEncoded.begin(), AEncoded.end())});
+    if (high < 0 || low < 0)
+      throw EConvertError(cVnXsInvalidHex, {UnicodeString(AEncoded.begin(), AEncoded.end())});
     bytes += static_cast<char>(high << 4 | low);
   }
   WriteAll(AStream, bytes);

@@ -1,8 +1,8 @@
 // The JSON serializer pair of the XS records: a record is its member's bare value.
 #include "serializer/xs_table.h"
 #include "vnxml/common/sysutils.h"
-#include "vnxml/xml_values.h"
 #include "vnxml/json_values.h"
+#include "vnxml/xml_values.h"
 #include "vnxml/xs_serializer.h"
 
 namespace vn {
@@ -11,8 +11,8 @@ void TVnJSONXsSerializer::SerializeStartType(std::u16string_view, const TVnTypeI
   FIndex = AIndex;
 }
 
-void TVnJSONXsSerializer::SerializeValue(std::u16string_view AName, const TVnTypeInfo*, const TValue&, Integer AIndex,
-                                         TVnAttributes) {
+void TVnJSONXsSerializer::SerializeValue(std::u16string_view AName, const TVnTypeInfo*, const TValue&,
+                                         Integer AIndex, TVnAttributes) {
   const detail::XsTypeOps& type = detail::XsTypeOf(FInstanceTypeInfo);
   const TVnTypeInfo* written = nullptr;
   TValue value;
@@ -20,8 +20,10 @@ void TVnJSONXsSerializer::SerializeValue(std::u16string_view AName, const TVnTyp
   TVnJSONSerializer::SerializeValue(AName, written, value, AIndex >= 0 ? AIndex : FIndex, {});
 }
 
-TVnCanDeserialize TVnJSONXsDeserializer::CanDeserialize(UnicodeString&, UnicodeString&, UnicodeString&, bool) {
-  const detail::XsTypeOps* entry = FInstanceTypeInfo ? detail::XsFindType(FInstanceTypeInfo->Handle()) : nullptr;
+TVnCanDeserialize TVnJSONXsDeserializer::CanDeserialize(UnicodeString&, UnicodeString&, UnicodeString&,
+                                                        bool) {
+  const detail::XsTypeOps* entry =
+      FInstanceTypeInfo ? detail::XsFindType(FInstanceTypeInfo->Handle()) : nullptr;
   if (!entry) return desNo;
   if (FInstancePtr) entry->Clear(FInstancePtr);
   return desYes;
@@ -54,10 +56,14 @@ void TVnJSONXsDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_
   if (FOpened) {
     // The duration's own object form: its parts come back.
     if (FInstanceTypeInfo->Handle() != TypeInfoOf<TXsDuration>()) return;
-    if (SameText(FKey, u"negative")) FDuration.Negative = VnXMLToBool(AText);
-    else if (SameText(FKey, u"monthts")) FDuration.Months = VnXMLToInt(AText);
-    else if (SameText(FKey, u"seconds")) FDuration.Seconds = VnXMLToDouble(AText);
-    else return;
+    if (SameText(FKey, u"negative"))
+      FDuration.Negative = VnXMLToBool(AText);
+    else if (SameText(FKey, u"monthts"))
+      FDuration.Months = VnXMLToInt(AText);
+    else if (SameText(FKey, u"seconds"))
+      FDuration.Seconds = VnXMLToDouble(AText);
+    else
+      return;
     FHasDuration = true;
     return;
   }

@@ -7,8 +7,10 @@ namespace vn::detail {
 
 void RegisterXsSerializers() {
   for (const XsTypeOps& type : XsTypes()) {
-    VnRegisterSerializer(dsfXML, type.Type, TVnXMLXsSerializer::StaticClass(), TVnXMLXsDeserializer::StaticClass());
-    VnRegisterSerializer(dsfJSON, type.Type, TVnJSONXsSerializer::StaticClass(), TVnJSONXsDeserializer::StaticClass());
+    VnRegisterSerializer(dsfXML, type.Type, TVnXMLXsSerializer::StaticClass(),
+                         TVnXMLXsDeserializer::StaticClass());
+    VnRegisterSerializer(dsfJSON, type.Type, TVnJSONXsSerializer::StaticClass(),
+                         TVnJSONXsDeserializer::StaticClass());
   }
 }
 

@@ -16,23 +16,35 @@ namespace vn::detail {
 namespace {
 
 /// The value's text with the notation's escapes decoded.
-UnicodeString Plain(std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSONType) {
+UnicodeString Plain(std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                    TVnJSONDataType AJSONType) {
   return AFormat == dsfJSON ? VnJSONtoStr(AText, AJSONType) : VnXMLToStr(AText);
 }
 
 template <class T>
 T ReadNumber(std::u16string_view AText) {
-  if constexpr (std::is_same_v<T, ShortInt>) return VnXMLToShortint(AText);
-  else if constexpr (std::is_same_v<T, SmallInt>) return VnXMLToSmallint(AText);
-  else if constexpr (std::is_same_v<T, Integer>) return VnXMLToInt(AText);
-  else if constexpr (std::is_same_v<T, Int64>) return VnXMLToInt64(AText);
-  else if constexpr (std::is_same_v<T, Byte>) return VnXMLToByte(AText);
-  else if constexpr (std::is_same_v<T, Word>) return VnXMLToWord(AText);
-  else if constexpr (std::is_same_v<T, Cardinal>) return VnXMLToLongword(AText);
-  else if constexpr (std::is_same_v<T, UInt64>) return VnXMLToUInt64(AText);
-  else if constexpr (std::is_same_v<T, Single>) return VnXMLToSingle(AText);
-  else if constexpr (std::is_same_v<T, Double>) return VnXMLToDouble(AText);
-  else return VnXMLToExtended(AText);
+  if constexpr (std::is_same_v<T, ShortInt>)
+    return VnXMLToShortint(AText);
+  else if constexpr (std::is_same_v<T, SmallInt>)
+    return VnXMLToSmallint(AText);
+  else if constexpr (std::is_same_v<T, Integer>)
+    return VnXMLToInt(AText);
+  else if constexpr (std::is_same_v<T, Int64>)
+    return VnXMLToInt64(AText);
+  else if constexpr (std::is_same_v<T, Byte>)
+    return VnXMLToByte(AText);
+  else if constexpr (std::is_same_v<T, Word>)
+    return VnXMLToWord(AText);
+  else if constexpr (std::is_same_v<T, Cardinal>)
+    return VnXMLToLongword(AText);
+  else if constexpr (std::is_same_v<T, UInt64>)
+    return VnXMLToUInt64(AText);
+  else if constexpr (std::is_same_v<T, Single>)
+    return VnXMLToSingle(AText);
+  else if constexpr (std::is_same_v<T, Double>)
+    return VnXMLToDouble(AText);
+  else
+    return VnXMLToExtended(AText);
 }
 
 /// Per record type R: the plain value type V and the three operations.
@@ -43,7 +55,8 @@ template <class R, class V>
 struct ValueOps {
   static void Clear(void* ARecord) { static_cast<R*>(ARecord)->Clear(); }
   static const TVnTypeInfo* Type() { return TVnTypes::GetTypeInfo(TypeInfoOf<V>()); }
-  static void Write(const void* ARecord, TVnDataSerializationFormatType, const TVnTypeInfo*& AType, TValue& AValue) {
+  static void Write(const void* ARecord, TVnDataSerializationFormatType, const TVnTypeInfo*& AType,
+                    TValue& AValue) {
     const R& record = *static_cast<const R*>(ARecord);
     AType = Type();
     AValue = record.IsNull() ? TValue() : TValue::From(static_cast<V>(record));
@@ -52,37 +65,44 @@ struct ValueOps {
 
 template <class T>
 struct Ops<TXsInteger<T>> : ValueOps<TXsInteger<T>, T> {
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
     *static_cast<TXsInteger<T>*>(ARecord) = TXsInteger<T>(ReadNumber<T>(Trim(Plain(AText, AFormat, AJSON))));
   }
 };
 
 template <class T>
 struct Ops<TXsRational<T>> : ValueOps<TXsRational<T>, T> {
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
-    *static_cast<TXsRational<T>*>(ARecord) = TXsRational<T>(ReadNumber<T>(Trim(Plain(AText, AFormat, AJSON))));
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
+    *static_cast<TXsRational<T>*>(ARecord) =
+        TXsRational<T>(ReadNumber<T>(Trim(Plain(AText, AFormat, AJSON))));
   }
 };
 
 template <>
 struct Ops<TXsBoolean> : ValueOps<TXsBoolean, bool> {
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
     *static_cast<TXsBoolean*>(ARecord) = TXsBoolean(VnXMLToBool(Trim(Plain(AText, AFormat, AJSON))));
   }
 };
 
 template <>
 struct Ops<TXsString> : ValueOps<TXsString, UnicodeString> {
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
     *static_cast<TXsString*>(ARecord) = TXsString(Plain(AText, AFormat, AJSON));
   }
 };
 
 template <class E>
 struct Ops<TXsBinaryString<E>> : ValueOps<TXsBinaryString<E>, RawByteString> {
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
     // Kept encoded: the text is the value.
-    *static_cast<TXsBinaryString<E>*>(ARecord) = TXsBinaryString<E>(UnicodeToUtf8(Plain(AText, AFormat, AJSON)));
+    *static_cast<TXsBinaryString<E>*>(ARecord) =
+        TXsBinaryString<E>(UnicodeToUtf8(Plain(AText, AFormat, AJSON)));
   }
 };
 
@@ -90,14 +110,17 @@ template <TVnTypeKind AKind>
 struct Ops<TXsDateTimeRecord<AKind>> {
   using R = TXsDateTimeRecord<AKind>;
   static void Clear(void* ARecord) { static_cast<R*>(ARecord)->Clear(); }
-  static void Write(const void* ARecord, TVnDataSerializationFormatType, const TVnTypeInfo*& AType, TValue& AValue) {
+  static void Write(const void* ARecord, TVnDataSerializationFormatType, const TVnTypeInfo*& AType,
+                    TValue& AValue) {
     // The record's own text: the writers hand a date kind holding a string through as it is.
     const R& record = *static_cast<const R*>(ARecord);
-    AType = TVnTypes::GetTypeInfo(FindTypeInfo(AKind == vtkDate ? u"System.TDate" : AKind == vtkTime ? u"System.TTime"
-                                                                                                    : u"System.TDateTime"));
+    AType = TVnTypes::GetTypeInfo(FindTypeInfo(AKind == vtkDate   ? u"System.TDate"
+                                               : AKind == vtkTime ? u"System.TTime"
+                                                                  : u"System.TDateTime"));
     AValue = record.IsNull() ? TValue() : TValue::From(record.ToString(true));
   }
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
     const UnicodeString text = Trim(Plain(AText, AFormat, AJSON));
     const TDateTime value = AKind == vtkDate   ? VnXMLToDate(text)
                             : AKind == vtkTime ? VnXMLToTime(text, tzfNone)
@@ -129,8 +152,10 @@ struct Ops<TXsDuration> {
                                VnIntToXML(d.Months) + u",\"seconds\":" + VnExtToXML(d.Seconds) + u"}";
     AValue = TValue::From(VnJSONString(text));
   }
-  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat, TVnJSONDataType AJSON) {
-    *static_cast<TXsDuration*>(ARecord) = TXsDuration(std::u16string_view(Trim(Plain(AText, AFormat, AJSON))));
+  static void Read(void* ARecord, std::u16string_view AText, TVnDataSerializationFormatType AFormat,
+                   TVnJSONDataType AJSON) {
+    *static_cast<TXsDuration*>(ARecord) =
+        TXsDuration(std::u16string_view(Trim(Plain(AText, AFormat, AJSON))));
   }
 };
 
@@ -141,12 +166,24 @@ XsTypeOps Entry() {
 
 const std::array<XsTypeOps, 19>& Table() {
   static const std::array<XsTypeOps, 19> table = {
-      Entry<TXsBoolean>(),         Entry<TXsInteger<ShortInt>>(), Entry<TXsInteger<SmallInt>>(),
-      Entry<TXsInteger<Integer>>(), Entry<TXsInteger<Int64>>(),   Entry<TXsInteger<Byte>>(),
-      Entry<TXsInteger<Word>>(),    Entry<TXsInteger<Cardinal>>(), Entry<TXsInteger<UInt64>>(),
-      Entry<TXsRational<Single>>(), Entry<TXsRational<Double>>(), Entry<TXsRational<Extended>>(),
-      Entry<TXsString>(),           Entry<TXsBase64Binary>(),     Entry<TXsHexBinary>(),
-      Entry<TXsDateTime>(),         Entry<TXsDate>(),             Entry<TXsTime>(),
+      Entry<TXsBoolean>(),
+      Entry<TXsInteger<ShortInt>>(),
+      Entry<TXsInteger<SmallInt>>(),
+      Entry<TXsInteger<Integer>>(),
+      Entry<TXsInteger<Int64>>(),
+      Entry<TXsInteger<Byte>>(),
+      Entry<TXsInteger<Word>>(),
+      Entry<TXsInteger<Cardinal>>(),
+      Entry<TXsInteger<UInt64>>(),
+      Entry<TXsRational<Single>>(),
+      Entry<TXsRational<Double>>(),
+      Entry<TXsRational<Extended>>(),
+      Entry<TXsString>(),
+      Entry<TXsBase64Binary>(),
+      Entry<TXsHexBinary>(),
+      Entry<TXsDateTime>(),
+      Entry<TXsDate>(),
+      Entry<TXsTime>(),
       Entry<TXsDuration>(),
   };
   return table;

@@ -9,8 +9,8 @@ void TVnXMLXsSerializer::SerializeStartType(std::u16string_view, const TVnTypeIn
   FIndex = AIndex;
 }
 
-void TVnXMLXsSerializer::SerializeValue(std::u16string_view AName, const TVnTypeInfo*, const TValue&, Integer AIndex,
-                                        TVnAttributes) {
+void TVnXMLXsSerializer::SerializeValue(std::u16string_view AName, const TVnTypeInfo*, const TValue&,
+                                        Integer AIndex, TVnAttributes) {
   const detail::XsTypeOps& type = detail::XsTypeOf(FInstanceTypeInfo);
   const TVnTypeInfo* written = nullptr;
   TValue value;
