@@ -32,7 +32,7 @@ struct XsRationalBound {
 /// The checks of CheckLimits in their order. ADigits: TotalDigits and FractionDigits, -1 when unset.
 void XsCheckRationalLimits(Extended AValue, const int (&ADigits)[2], const XsRationalBound (&ABounds)[4],
                            std::u16string_view APattern);
-/// FloatToStr with "." and "NaN" for a null record; the text a FromString reads.
+/// FloatToStr with "." as decimal separator, and its reverse.
 UnicodeString XsFloatToStr(Extended AValue);
 Extended XsStrToFloat(std::u16string_view AText);
 

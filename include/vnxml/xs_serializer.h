@@ -7,7 +7,8 @@
 // {"className":"TVnDuration","negative":false,"monthts":1,"seconds":2.5} ({} when null).
 // Reading makes a fresh record from the text and copies it over the member, so the member's
 // facets are replaced by empty ones and nothing is checked: facets bind code, not text. An empty
-// XML element leaves the member as it was; JSON null clears it. A JSON object in place of a
+// XML element leaves the member as it was (so an empty TXsString reads back as no change); JSON
+// null clears it. A JSON object in place of a
 // value clears the record when it has a member; the duration's own object form reads back.
 // Any record type outside the nineteen raises Exception cVnXsNotAnXsType.
 // The four classes are registered for the nineteen XS types in both notations at start-up.
