@@ -28,6 +28,11 @@
 //   container it runs on; a computed index beyond the 32-bit range selects nothing.
 // - A chain of terms is evaluated with each sub-chain's value remembered, so its cost is
 //   linear in its length; which terms are reached, and so which fail, is unchanged.
+// - Repeats multiply: unions and ".." steps select a node once for each way that reaches it, so
+//   a short path can name more nodes than memory holds. A selection that would hold more than
+//   the selection limit (cVnJSONPathMaxSelected unless VnSetJSONPathSelectionLimit changed it),
+//   counting repeats and the nodes still to be worked on, raises EVnJSONException 17 with
+//   cVnJSONPathTooManyNodes.
 #pragma once
 
 #include <memory>
@@ -55,6 +60,12 @@ inline constexpr char16_t cVnJSONPathStepExpected[] = u". or [";
 inline constexpr char16_t cVnJSONPathFilterExpected[] = u"?(";
 /// Deepest nesting of "(", "!" and filters within filters that a path may hold.
 inline constexpr int cVnJSONPathMaxNesting = 128;
+/// Most nodes one selection may hold, repeats included.
+inline constexpr Cardinal cVnJSONPathMaxSelected = Cardinal{1} << 26;
+inline constexpr char16_t cVnJSONPathTooManyNodes[] = u"The specified path selects more than %d nodes.";
+/// Sets the selection limit of the calling thread (0 restores cVnJSONPathMaxSelected) and
+/// returns the one it replaces.
+Cardinal VnSetJSONPathSelectionLimit(Cardinal ALimit);
 
 /// The working list of one step: nodes in order, owned elsewhere.
 class TVnJSONNodeList : public generics::TList<TVnJSONBase*> {

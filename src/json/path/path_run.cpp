@@ -1,8 +1,10 @@
 // Running a read path over a tree: one loop with an explicit stack of (node, step) entries, so
 // neither depth nor a long path costs call stack.
 #include <unordered_set>
+#include <utility>
 
 #include "json/path/path_program.h"
+#include "vnxml/common/sysutils.h"
 
 namespace vn::detail::jsonpath {
 
@@ -11,6 +13,14 @@ namespace {
 thread_local uint64_t tWork = 0;
 thread_local uint64_t tFilterRuns = 0;
 thread_local uint64_t tFilterRun = 0;
+thread_local Cardinal tSelectionLimit = cVnJSONPathMaxSelected;
+
+// A selection and the nodes still to be worked on stay within the limit: repeats multiply.
+void CheckSelectionSize(size_t ACount) {
+  if (ACount > tSelectionLimit)
+    throw EVnJSONException(cVnJSONErrScriptExprTooComplex,
+                           Format(cVnJSONPathTooManyNodes, {static_cast<Int64>(tSelectionLimit)}));
+}
 
 struct Entry {
   TVnJSONBase* FNode;
@@ -172,6 +182,16 @@ TVnJSONBase* StartNode(const PathAlternative& AAlt, TVnJSONBase* ANode) {
 
 uint64_t JSONPathWork() noexcept { return tWork; }
 
+}  // namespace vn::detail::jsonpath
+
+namespace vn {
+Cardinal VnSetJSONPathSelectionLimit(Cardinal ALimit) {
+  return std::exchange(detail::jsonpath::tSelectionLimit, ALimit ? ALimit : cVnJSONPathMaxSelected);
+}
+}  // namespace vn
+
+namespace vn::detail::jsonpath {
+
 uint64_t CurrentFilterRun() noexcept { return tFilterRun; }
 
 void RunSteps(const PathSteps& ASteps, TVnJSONBase* ANode, std::vector<TVnJSONBase*>& AResult, bool ARecursive,
@@ -206,6 +226,7 @@ void RunSteps(const PathSteps& ASteps, TVnJSONBase* ANode, std::vector<TVnJSONBa
           stack.push_back({value, e.FStep, true});
     }
     std::vector<TVnJSONBase*>& work = lists->FWork;
+    CheckSelectionSize(AResult.size() + stack.size() + work.size());
     if (e.FStep + 1 == last) {
       AResult.insert(AResult.end(), work.begin(), work.end());
       if (AStopAtFirst && !AResult.empty()) return;

@@ -2,6 +2,7 @@
 // filters cost no call stack.
 #include "json/path/path_helpers.h"
 #include "json/path/path_program.h"
+#include "vnxml/common/sysutils.h"
 #include <iterator>
 #include <string>
 
@@ -54,6 +55,19 @@ TEST(JsonPathWork, DeepTreesLongPathsAndDeepFiltersUseNoCallStack) {
   for (int i = 1; i < cVnJSONPathMaxNesting; ++i) filter += u"(";
   filter += u"@.x" + UnicodeString(cVnJSONPathMaxNesting - 1, u')') + u")]";
   EXPECT_EQ(doc.CreateNodeList(filter)->Count(), 1);
+}
+
+// Repeats multiply (each union of ten names every node ten times over), so a selection stops at
+// the limit, counting what is still to be worked on, and a path within it selects everything.
+TEST(JsonPathWork, RepeatsStopAtTheSelectionLimit) {
+  TVnJSONDocument doc(u"[[[[[1]]]]]");
+  const Cardinal previous = VnSetJSONPathSelectionLimit(10000);
+  EXPECT_EQ(doc.CreateNodeList(u"$[0,0,0,0,0,0,0,0,0,0][0,0,0,0,0,0,0,0,0,0][0,0,0,0,0,0,0,0,0,0][0,0,0,0,0,0,0,0,0,0]")->Count(), 10000);
+  const UnicodeString over = u"$[0,0,0,0,0,0,0,0,0,0][0,0,0,0,0,0,0,0,0,0][0,0,0,0,0,0,0,0,0,0][0,0,0,0,0,0,0,0,0,0][0,0]";
+  test::ExpectFailure([&] { doc.CreateNodeList(over); }, cVnJSONErrScriptExprTooComplex,
+                Format(cVnJSONPathTooManyNodes, {Int64{10000}}));
+  EXPECT_EQ(VnSetJSONPathSelectionLimit(previous), 10000u);
+  EXPECT_EQ(doc.CreateNodeList(over)->Count(), 20000);
 }
 
 }  // namespace
