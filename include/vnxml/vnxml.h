@@ -28,3 +28,6 @@
 #include "vnxml/xml_serializer.h"
 #include "vnxml/xml_utils.h"
 #include "vnxml/xpath.h"
+// container helpers
+#include "vnxml/common/custom_simple_type.h"
+#include "vnxml/serializer_containers.h"

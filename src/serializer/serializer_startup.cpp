@@ -19,6 +19,8 @@ constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
     &RegisterXMLSerializers,
     &RegisterJSONSerializers,
+    // container helpers
+    &RegisterContainerHelpers,
 };
 
 thread_local bool tRunning = false;

@@ -12,5 +12,7 @@ void EnsureSerializerStartup();
 void RegisterXMLSerializers();
 /// The JSON notation (json_registration.cpp).
 void RegisterJSONSerializers();
+/// The container helpers (helpers_registration.cpp).
+void RegisterContainerHelpers();
 
 }  // namespace vn::detail
