@@ -109,7 +109,7 @@ TVnDeserializer* TVnDeserializer::CreateChildDeserializerIfNeeded(std::u16string
         if (hasName && !named.empty()) {
           type = TVnTypes::GetTypeInfo(named, tntSchemaName, false, mtkUnknown);
           // A container or simple wrapper is typed by what it holds: its own class is made.
-          if (type && type->GetKind() != tkClass && VnCreateDeserializerHelper(FMemberTypeInfo->Handle()->ClassType))
+          if (type && type->GetKind() != tkClass && VnCreateSerializerHelper(FMemberTypeInfo->Handle()->ClassType))
             type = FMemberTypeInfo;
           if (!type || type->GetKind() != tkClass) throw ENotSupportedException(cVnFailedToCreateMember, {named});
           // Only the member's class or a descendant: a text never chooses an unrelated class.

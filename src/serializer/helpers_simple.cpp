@@ -1,4 +1,5 @@
 // The simple-type wrappers: written as the value they hold, read back through SetAsValue.
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/var_utils.h"
 #include "vnxml/common/vn_type_info_value.h"
 #include "vnxml/serializer_builder.h"
@@ -24,8 +25,9 @@ void TVnSimpleTypeSerializerHelper::Serialize(TVnCustomSerializer* ASerializer, 
 }
 
 TVnCanDeserialize TVnSimpleTypeDeserializerHelper::CanDeserialize(TVnCustomSerializer*, UnicodeString&,
-                                                                  UnicodeString&, UnicodeString&) {
-  return desYes;
+                                                                  UnicodeString& AName, UnicodeString&) {
+  // A JSON enumeration comes as an object: its type mark is no value, its other members are.
+  return SameText(AName, u"className") ? desIgnore : desYes;
 }
 
 void TVnSimpleTypeDeserializerHelper::DeserializeValue(TVnCustomSerializer* ADeserializer, const UnicodeString&,
