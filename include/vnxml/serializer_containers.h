@@ -7,7 +7,8 @@
 //   class TObjectList           an array of objects, each tagged by the declared element type
 //   pattern "TObjectList<T>"    and typed by its run-time class; read back when the list owns
 //                               its objects (Add), elements of unknown classes passed over
-//   pattern "TObjectDictionary<T,T>"  "ArrayOfKeysAndValues" of "item" pairs; never read
+//   pattern "TObjectDictionary<T,T>"  an array of "item" pairs (KeyValuePair: Key, Value, each
+//                               under its value's type), also found as "ArrayOfKeysAndValues"
 // What the library adds to that:
 // - Helpers run for properties (published, or public with an shoName hint) and for the root,
 //   never for fields: a container in a field is walked as a plain object, without elements.
@@ -18,11 +19,12 @@
 //   element's text to Add's parameter type when the text's own type does not fit it.
 // - Generic object lists and dictionaries get their reflection by themselves
 //   (common/generics_rtti.h); a dictionary's Keys and Values are dynamic arrays.
-// - Reading: the XML text of a simple wrapper, a value list and an owning object list reads
-//   back. A dictionary's text does not: its "item" elements meet the plain member lookup and
-//   raise "Failed to find a property or field with the name ...item!". In JSON containers are
-//   forms for writing: the reader leaves a list, object list or dictionary as it was (a JSON
-//   array is passed over), while a simple wrapper reads back.
+// - Reading: the text of a simple wrapper, a value list and an owning object list reads back in
+//   both notations, into the member's object or a new one of the member's class. A nil element
+//   of an object list keeps its place in XML; JSON drops it. A dictionary's text does not read
+//   back: in XML its "item" elements meet the plain member lookup and raise "Failed to find a
+//   property or field with the name ...item!"; in JSON its pairs are passed over. Values that
+//   JSON writes as objects (enumerations, sets) are passed over inside a value list.
 #pragma once
 
 #include <vector>
@@ -55,7 +57,8 @@ class TVnSimpleTypeSerializerHelper : public TVnSerializerHelper {
 };
 
 /// Converts the text straight to the wrapper's type, and only when that fails through the
-/// notation's own conversion of that type.
+/// notation's own conversion of that type. A member named "className" (the type mark of a JSON
+/// enumeration's object form) is no value and is passed over.
 class TVnSimpleTypeDeserializerHelper : public TVnDeserializerHelper {
   VN_DECLARE_CLASS(TVnSimpleTypeDeserializerHelper, TVnDeserializerHelper)
  public:

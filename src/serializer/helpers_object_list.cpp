@@ -67,9 +67,15 @@ TVnCanDeserialize TVnObjectListDeserializerHelper::CanDeserialize(TVnCustomSeria
   auto* deserializer = static_cast<TVnDeserializer*>(ADeserializer);
   auto* list = static_cast<TObject*>(deserializer->GetInstancePtr());
   if (!list || !detail::ContainerProperty(list, u"OwnsObjects")->GetValue(list).AsBoolean()) return desNo;
+  const TRttiMethod* add = detail::ContainerMethod(deserializer->GetInstanceTypeInfo(), u"Add");
+  UnicodeString named;
+  if (deserializer->ReadClassName(named) && named.empty()) {
+    // A nil element keeps its place.
+    add->Invoke(list, {TValue::FromObject(nullptr)});
+    return desIgnore;
+  }
   const TVnTypeInfo* type = TVnTypes::GetTypeInfo(ADataType, tntQualifiedName, false, mtkUnknown);
   if (!type || type->Kind() != vtkClass) return desNo;
-  const TRttiMethod* add = detail::ContainerMethod(deserializer->GetInstanceTypeInfo(), u"Add");
   std::unique_ptr<TObject> object;
   try {
     object.reset(CreateInstance(type->Handle()->ClassType));

@@ -9,6 +9,7 @@
 #include "vnxml/common/classes.h"
 #include "vnxml/common/generics.h"
 #include "vnxml/common/string_list.h"
+#include "vnxml/serializer.h"
 #include "vnxml/serializer_containers.h"
 
 namespace containersdomain {
@@ -155,5 +156,56 @@ VN_REGISTER_TYPE(TBasket, u"uBox") {
       .CONTAINERS_PROPERTY(ByItem);
 }
 #undef CONTAINERS_PROPERTY
+
+}  // namespace containersdomain
+
+namespace containersdomain {
+
+/// The text of AObject in AFormat, with the XML namespaces left out so fragments stay short.
+inline std::string Text(TVnDataSerializationFormatType AFormat, TObject& AObject) {
+  IPtr<IVnSerializer> s = VnCreateSerializer(AFormat, TValue::FromObject(&AObject));
+  s->SetParam(u"xmlns", u"urn:box");
+  return s->Serialize();
+}
+
+/// Reads AText into ATarget.
+inline void Read(TVnDataSerializationFormatType AFormat, TObject& ATarget, const std::string& AText) {
+  VnDeserialize(AFormat, TValue::FromObject(&ATarget), AText);
+}
+
+inline const char* FormatName(TVnDataSerializationFormatType AFormat) { return AFormat == dsfXML ? "XML" : "JSON"; }
+
+}  // namespace containersdomain
+
+namespace containersdomain {
+
+/// A container in a public field: no helper runs for it.
+class TShelf : public TObject {
+  VN_DECLARE_CLASS(TShelf, TObject)
+ public:
+  TShelf() = default;
+  TShelf(const TShelf&) = delete;
+  TShelf& operator=(const TShelf&) = delete;
+  ~TShelf() override { delete Items; }
+  TItemList* Items = new TItemList();
+};
+VN_REGISTER_TYPE(TShelf, u"uBox") { b.Public(u"Items", &TShelf::Items); }
+
+/// A TList descendant registered without Count and Items.
+class TBareList : public TList {
+  VN_DECLARE_CLASS(TBareList, TList)
+};
+VN_REGISTER_TYPE(TBareList, u"uBox") {}
+
+/// The message of the assertion AAction raises, or empty.
+template <class F>
+UnicodeString MessageOfFault(F AAction) {
+  try {
+    AAction();
+  } catch (const EAssertionFailed& e) {
+    return e.Message();
+  }
+  return {};
+}
 
 }  // namespace containersdomain
