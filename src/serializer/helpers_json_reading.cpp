@@ -1,15 +1,18 @@
 // The JSON reader's side of the container helpers: the array that a list, object list or
 // dictionary is written as. Values go to the list's helper (json_deserializer.cpp); each object
 // goes to the helper's CanDeserialize with the class its "className" names, and one that no
-// helper takes (a dictionary's pair, an element of an unknown class) is passed over.
+// helper takes (a dictionary's pair, an element of an unknown class) is passed over, as are
+// nested arrays. A simple wrapper is no container: its text is a value.
+#include "vnxml/common/custom_simple_type.h"
 #include "vnxml/json_serializer_reader.h"
 #include "vnxml/serializer_helpers.h"
 
 namespace vn {
 
 bool TVnJSONDeserializer::IsHelperContainer() const {
-  return FInstancePtr && FInstanceTypeInfo && FInstanceTypeInfo->Kind() == vtkClass &&
-         VnCreateSerializerHelper(static_cast<TObject*>(FInstancePtr)->ClassType()) != nullptr;
+  if (!FInstancePtr || !FInstanceTypeInfo || FInstanceTypeInfo->Kind() != vtkClass) return false;
+  const TClass type = static_cast<TObject*>(FInstancePtr)->ClassType();
+  return !ClassInheritsFrom(type, TVnCustomSimpleType::StaticClass()) && VnCreateSerializerHelper(type) != nullptr;
 }
 
 void TVnJSONDeserializer::ContainerElement() {

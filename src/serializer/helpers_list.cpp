@@ -52,8 +52,9 @@ void TVnListDeserializerHelper::DeserializeValue(TVnCustomSerializer* ADeseriali
   auto* list = static_cast<TObject*>(deserializer->GetInstancePtr());
   if (!list) return;
   const TRttiMethod* add = detail::ContainerMethod(deserializer->GetInstanceTypeInfo(), u"Add");
-  TValue element = deserializer->ValueToVal(AValue, ADataType);
-  // A text without a type mark (or with a narrower one) still fits a typed Add.
+  // A text without a type mark is text; it, or a narrower type, still fits a typed Add.
+  TValue element = ADataType.empty() ? TValue::From(deserializer->ValueToStr(AValue))
+                                     : deserializer->ValueToVal(AValue, ADataType);
   if (add->GetParameters().size() == 1) {
     TValue converted;
     const TTypeInfo* parameter = add->GetParameters()[0]->ParamTypeInfo();

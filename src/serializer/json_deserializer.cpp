@@ -9,6 +9,7 @@
 #include "vnxml/json_form_reader.h"
 #include "vnxml/json_reflected_values.h"
 #include "vnxml/json_serializer_reader.h"
+#include "vnxml/common/custom_simple_type.h"
 #include "vnxml/json_values.h"
 #include "vnxml/serializer_walker.h"
 #include "vnxml/xml_reflected_values.h"
@@ -273,7 +274,8 @@ void TVnJSONDeserializer::DoStartArray() {
     }
     RaiseShape(ExpectedName(FInstanceTypeInfo), u"an array");
   }
-  if (InArray() || FContainerArray) RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
+  if (FContainerArray) return Skip();  // no list element is an array
+  if (InArray()) RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
   if (FCanDeserialize != desYes || !FMemberTypeInfo) return Skip();
   RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
 }
@@ -430,7 +432,8 @@ bool TVnJSONDeserializer::ReadClassName(UnicodeString& AClassName) {
   size_t first = i;
   SkipBlanks(ahead, first);
   if (first < ahead.size() && ahead[first] != u'{' && !ahead.substr(first).starts_with(u"null") && FMemberTypeInfo &&
-      FMemberTypeInfo->Kind() == vtkClass && VnCreateSerializerHelper(FMemberTypeInfo->Handle()->ClassType))
+      FMemberTypeInfo->Kind() == vtkClass && VnCreateSerializerHelper(FMemberTypeInfo->Handle()->ClassType) &&
+      (ahead[first] == u'[') != ClassInheritsFrom(FMemberTypeInfo->Handle()->ClassType, TVnCustomSimpleType::StaticClass()))
     return false;
   switch (ObjectClassName(ahead, i, AClassName)) {
     case ClassMark::Named: return true;
