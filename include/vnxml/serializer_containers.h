@@ -112,7 +112,10 @@ class TVnDictionarySerializerHelper : public TVnSerializerHelper {
                  const TValue& AValue, bool& AHandled) override;
 };
 
-// Findable by qualified name, so a hint can name them for one property.
+// Findable by qualified name, so a hint can name them for one property. The base reader takes
+// nothing: named by an shoDeserializerHelper hint on a dictionary property, it passes the pairs
+// over, so that an object holding a dictionary reads back from XML.
+VN_REGISTER_TYPE(TVnDeserializerHelper, u"uVnSerializer") {}
 VN_REGISTER_TYPE(TVnSimpleTypeSerializerHelper, u"uVnSerializerHelpers") {}
 VN_REGISTER_TYPE(TVnSimpleTypeDeserializerHelper, u"uVnSerializerHelpers") {}
 VN_REGISTER_TYPE(TVnListSerializerHelper, u"uVnSerializerHelpers") {}
