@@ -4,8 +4,10 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
+#include "common/message_of.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/generics.h"
 #include "vnxml/common/string_list.h"
@@ -15,6 +17,7 @@
 namespace containersdomain {
 
 using namespace vn;
+using test::MessageOf;
 
 enum TTone : uint8_t { toLow, toMid, toHigh };
 VN_REGISTER_TYPE(TTone, u"uBox") { b.Values({u"toLow", u"toMid", u"toHigh"}); }
@@ -28,21 +31,20 @@ class TItem : public TObject {
   Integer Qty = 0;
 };
 VN_REGISTER_TYPE(TItem, u"uBox") { b.Public(u"Sku", &TItem::Sku).Public(u"Qty", &TItem::Qty); }
-
 class TGift : public TItem {
   VN_DECLARE_CLASS(TGift, TItem)
  public:
   UnicodeString Note;
 };
 VN_REGISTER_TYPE(TGift, u"uBox") { b.Public(u"Note", &TGift::Note); }
-
 /// Registered, but no item: an object list of items refuses it.
-class TStone : public TObject {
-  VN_DECLARE_CLASS(TStone, TObject)
-};
+class TStone : public TObject { VN_DECLARE_CLASS(TStone, TObject) };
 VN_REGISTER_TYPE(TStone, u"uBox") {}
 
 using TItemList = generics::TObjectList<TItem>;
+using TTextMap = generics::TObjectDictionary<UnicodeString, UnicodeString>;
+using TItemMap = generics::TObjectDictionary<Integer, TItem*>;
+using TItemKeys = generics::TObjectDictionary<TItem*, Double>;
 
 /// A list of values: a TList descendant named after its element type, as a generic would be.
 template <class T>
@@ -59,28 +61,20 @@ class TValueList : public TList {
 };
 template <class T>
 void ValueListMembers(TTypeBuilder<TValueList<T>>& b) {
-  using L = TValueList<T>;
   b.Name(GenericTypeName(u"TValueList", {TypeInfoOf<T>()}), u"uBox")
-      .Public(u"Count", &L::Count)
-      .Indexed(mvPublic, u"Items", &L::Item)
-      .Method(mvPublic, u"Add", &L::Add);
+      .Public(u"Count", &TValueList<T>::Count)
+      .Indexed(mvPublic, u"Items", &TValueList<T>::Item)
+      .Method(mvPublic, u"Add", &TValueList<T>::Add);
 }
-using TIntList = TValueList<Integer>;
-VN_REGISTER_TYPE(TIntList, u"uBox") { ValueListMembers(b); }
-using TInt64List = TValueList<Int64>;
-VN_REGISTER_TYPE(TInt64List, u"uBox") { ValueListMembers(b); }
-using TFloatList = TValueList<Double>;
-VN_REGISTER_TYPE(TFloatList, u"uBox") { ValueListMembers(b); }
-using TTextList = TValueList<UnicodeString>;
-VN_REGISTER_TYPE(TTextList, u"uBox") { ValueListMembers(b); }
-using TFlagList = TValueList<Boolean>;
-VN_REGISTER_TYPE(TFlagList, u"uBox") { ValueListMembers(b); }
-using TToneList = TValueList<TTone>;
-VN_REGISTER_TYPE(TToneList, u"uBox") { ValueListMembers(b); }
-
-using TTextMap = generics::TObjectDictionary<UnicodeString, UnicodeString>;
-using TItemMap = generics::TObjectDictionary<Integer, TItem*>;
-using TItemKeys = generics::TObjectDictionary<TItem*, Double>;
+#define CONTAINERS_VALUE_LIST(Alias, T) \
+  using Alias = TValueList<T>;          \
+  VN_REGISTER_TYPE(Alias, u"uBox") { ValueListMembers(b); }
+CONTAINERS_VALUE_LIST(TIntList, Integer)
+CONTAINERS_VALUE_LIST(TInt64List, Int64)
+CONTAINERS_VALUE_LIST(TFloatList, Double)
+CONTAINERS_VALUE_LIST(TTextList, UnicodeString)
+CONTAINERS_VALUE_LIST(TFlagList, Boolean)
+CONTAINERS_VALUE_LIST(TToneList, TTone)
 
 /// A price that may be unset.
 class TMoney : public TVnCustomSimpleType {
@@ -90,14 +84,10 @@ class TMoney : public TVnCustomSimpleType {
   void GetAsVariant(Variant& AValue) const override { AValue = Amount ? Variant(*Amount) : Variant(); }
   const TVnTypeInfo* SimpleTypeInfo() const override { return TVnTypes::GetTypeInfo<Double>(); }
   void SetAsValue(const TValue& AValue) override {
-    if (AValue.IsEmpty())
-      Amount.reset();
-    else
-      Amount = AValue.AsType<Double>();
+    Amount = AValue.IsEmpty() ? std::nullopt : std::optional(AValue.AsType<Double>());
   }
 };
 VN_REGISTER_TYPE(TMoney, u"uBox") {}
-
 /// A tone held as a wrapper: its text is the value's name.
 class TToneBox : public TVnCustomSimpleType {
   VN_DECLARE_CLASS(TToneBox, TVnCustomSimpleType)
@@ -109,6 +99,11 @@ class TToneBox : public TVnCustomSimpleType {
 };
 VN_REGISTER_TYPE(TToneBox, u"uBox") {}
 
+template <class... T>
+void DeleteAll(T*... AObjects) {
+  (delete AObjects, ...);
+}
+
 /// Owns every container it holds; each is a published property, as helpers run for properties.
 class TBasket : public TObject {
   VN_DECLARE_CLASS(TBasket, TObject)
@@ -117,20 +112,7 @@ class TBasket : public TObject {
   TBasket(const TBasket&) = delete;
   TBasket& operator=(const TBasket&) = delete;
   ~TBasket() override {
-    delete Items;
-    delete Plain;
-    delete Ints;
-    delete Int64s;
-    delete Floats;
-    delete Texts;
-    delete Flags;
-    delete Tones;
-    delete Lines;
-    delete Price;
-    delete Tone;
-    delete Notes;
-    delete ById;
-    delete ByItem;
+    DeleteAll(Items, Plain, Ints, Int64s, Floats, Texts, Flags, Tones, Lines, Price, Tone, Notes, ById, ByItem);
   }
   TItemList* Items = nullptr;
   TObjectList* Plain = nullptr;
@@ -157,28 +139,6 @@ VN_REGISTER_TYPE(TBasket, u"uBox") {
 }
 #undef CONTAINERS_PROPERTY
 
-}  // namespace containersdomain
-
-namespace containersdomain {
-
-/// The text of AObject in AFormat, with the XML namespaces left out so fragments stay short.
-inline std::string Text(TVnDataSerializationFormatType AFormat, TObject& AObject) {
-  IPtr<IVnSerializer> s = VnCreateSerializer(AFormat, TValue::FromObject(&AObject));
-  s->SetParam(u"xmlns", u"urn:box");
-  return s->Serialize();
-}
-
-/// Reads AText into ATarget.
-inline void Read(TVnDataSerializationFormatType AFormat, TObject& ATarget, const std::string& AText) {
-  VnDeserialize(AFormat, TValue::FromObject(&ATarget), AText);
-}
-
-inline const char* FormatName(TVnDataSerializationFormatType AFormat) { return AFormat == dsfXML ? "XML" : "JSON"; }
-
-}  // namespace containersdomain
-
-namespace containersdomain {
-
 /// A container in a public field: no helper runs for it.
 class TShelf : public TObject {
   VN_DECLARE_CLASS(TShelf, TObject)
@@ -190,22 +150,22 @@ class TShelf : public TObject {
   TItemList* Items = new TItemList();
 };
 VN_REGISTER_TYPE(TShelf, u"uBox") { b.Public(u"Items", &TShelf::Items); }
-
 /// A TList descendant registered without Count and Items.
-class TBareList : public TList {
-  VN_DECLARE_CLASS(TBareList, TList)
-};
+class TBareList : public TList { VN_DECLARE_CLASS(TBareList, TList) };
 VN_REGISTER_TYPE(TBareList, u"uBox") {}
 
-/// The message of the assertion AAction raises, or empty.
-template <class F>
-UnicodeString MessageOfFault(F AAction) {
-  try {
-    AAction();
-  } catch (const EAssertionFailed& e) {
-    return e.Message();
-  }
-  return {};
+/// The text of AObject in AFormat.
+inline std::string Text(TVnDataSerializationFormatType AFormat, TObject& AObject) {
+  IPtr<IVnSerializer> s = VnCreateSerializer(AFormat, TValue::FromObject(&AObject));
+  s->SetParam(u"xmlns", u"urn:box");
+  return s->Serialize();
+}
+inline void Read(TVnDataSerializationFormatType AFormat, TObject& ATarget, const std::string& AText) {
+  VnDeserialize(AFormat, TValue::FromObject(&ATarget), AText);
+}
+/// The notation of a test text: XML when it starts with "<".
+inline TVnDataSerializationFormatType FormatOf(const std::string& AText) {
+  return !AText.empty() && AText[0] == '<' ? dsfXML : dsfJSON;
 }
 
 }  // namespace containersdomain

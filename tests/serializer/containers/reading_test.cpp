@@ -11,77 +11,51 @@ namespace {
 
 using namespace containersdomain;
 
-struct RoundTrip {
-  const char* Name;
-  std::function<void(TBasket&)> Fill;
-  bool Json;  ///< false: the JSON form of these elements does not read back
-};
-
 TEST(ContainerReading, EveryKindComesBackInBothNotations) {
-  const RoundTrip cases[] = {
-      {"object list with a descendant",
+  const std::tuple<const char*, std::function<void(TBasket&)>, bool> cases[] = {
+      {"object list with a descendant, platform list, empty list",
        [](TBasket& b) {
-         b.Items = new TItemList();
-         b.Items->Add(new TItem(u"a<1>", 2));
-         auto* gift = new TGift();
-         gift->Note = u"wrap & tie";
-         b.Items->Add(gift);
+         (b.Items = new TItemList())->Add(new TItem(u"a<1>", 2));
+         b.Items->Add(new TGift());
+         (b.Plain = new TObjectList())->Add(new TGift());
        },
        true},
-      {"platform object list, empty object list",
+      {"empty object list", [](TBasket& b) { b.Items = new TItemList(); }, true},
+      {"numbers at their limits",
        [](TBasket& b) {
-         b.Plain = new TObjectList();
-         b.Plain->Add(new TGift());
-         b.Items = new TItemList();
-       },
-       true},
-      {"integers, 64-bit integers, floats",
-       [](TBasket& b) {
-         b.Ints = new TIntList();
-         b.Ints->Add(-2147483647 - 1);
-         b.Ints->Add(0);
-         b.Int64s = new TInt64List();
-         b.Int64s->Add(9007199254740993LL);
-         b.Floats = new TFloatList();
-         b.Floats->Add(-0.125);
-         b.Floats->Add(1e300);
+         (b.Ints = new TIntList())->Values = {-2147483647 - 1, 0};
+         (b.Int64s = new TInt64List())->Values = {9007199254740993LL};
+         (b.Floats = new TFloatList())->Values = {-0.125, 1e300};
        },
        true},
       {"texts with escapes and an empty one, booleans, a string list",
        [](TBasket& b) {
-         b.Texts = new TTextList();
-         b.Texts->Add(u"\"<&>\u00e9\r\n");
-         b.Texts->Add(u"");
-         b.Flags = new TFlagList();
-         b.Flags->Add(true);
-         b.Flags->Add(false);
-         b.Lines = new TStringList();
-         b.Lines->Add(u"l&1");
+         (b.Texts = new TTextList())->Values = {u"\"<&>\u00e9\r\n", u""};
+         (b.Flags = new TFlagList())->Values = {true, false};
+         (b.Lines = new TStringList())->Add(u"l&1");
        },
        true},
-      {"simple wrappers, set and empty", [](TBasket& b) {
-         b.Price = new TMoney();
-         b.Price->Amount = 0.5;
-         b.Tone = new TToneBox();
-         b.Tone->Tone = toHigh;
+      {"simple wrappers",
+       [](TBasket& b) {
+         (b.Price = new TMoney())->Amount = 0.5;
+         (b.Tone = new TToneBox())->Tone = toHigh;
        },
        true},
-      {"enumerations, and a nil element", [](TBasket& b) {
-         b.Tones = new TToneList();
-         b.Tones->Add(toMid);
-         b.Items = new TItemList();
-         b.Items->Add(nullptr);
+      // JSON writes enumerations as objects, which a value list passes over, and drops nil elements.
+      {"enumerations, and a nil element",
+       [](TBasket& b) {
+         (b.Tones = new TToneList())->Values = {toMid};
+         (b.Items = new TItemList())->Add(nullptr);
        },
        false},
   };
-  for (const RoundTrip& c : cases) {
+  for (const auto& [name, fill, json] : cases) {
     for (TVnDataSerializationFormatType format : {dsfXML, dsfJSON}) {
-      if (format == dsfJSON && !c.Json) continue;
-      SCOPED_TRACE(std::string(c.Name) + " in " + FormatName(format));
-      TBasket basket;
-      c.Fill(basket);
+      if (format == dsfJSON && !json) continue;
+      SCOPED_TRACE(std::string(name) + (format == dsfXML ? " in XML" : " in JSON"));
+      TBasket basket, copy;
+      fill(basket);
       const std::string text = Text(format, basket);
-      TBasket copy;
       Read(format, copy, text);
       EXPECT_EQ(Text(format, copy), text);
     }
@@ -90,11 +64,10 @@ TEST(ContainerReading, EveryKindComesBackInBothNotations) {
 
 TEST(ContainerReading, ListsAppendToWhatTheyHold) {
   TBasket basket;
-  basket.Ints = new TIntList();
-  basket.Ints->Add(1);
-  basket.Items = new TItemList();
-  basket.Items->Add(new TItem(u"old", 1));
-  Read(dsfXML, basket, R"(<object xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><Ints><int>2</int><int>3</int></Ints><Items><TItem xsi:type="TGift"/></Items></object>)");
+  (basket.Ints = new TIntList())->Add(1);
+  (basket.Items = new TItemList())->Add(new TItem(u"old", 1));
+  Read(dsfXML, basket, R"(<object xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><Ints><int>2</int>)"
+                       R"(<int>3</int></Ints><Items><TItem xsi:type="TGift"/></Items></object>)");
   Read(dsfJSON, basket, R"({"ints":["4",5.0],"items":[{"className":"TItem","sku":"new"}]})");
   EXPECT_EQ(basket.Ints->Values, (std::vector<Integer>{1, 2, 3, 4, 5}));
   ASSERT_EQ(basket.Items->Count(), 3);
@@ -103,51 +76,44 @@ TEST(ContainerReading, ListsAppendToWhatTheyHold) {
 }
 
 TEST(ContainerReading, AWrapperConvertsTheTextStraightFirst) {
-  // The enumeration's name and its ordinal convert directly; the notation's own conversion of
-  // an enumeration would take neither name.
+  // The notation's own conversion of an enumeration takes neither the name nor the ordinal.
   for (const char* text : {"<object><Tone>toHigh</Tone></object>", "<object><Tone>2</Tone></object>"}) {
     TBasket basket;
     Read(dsfXML, basket, text);
     ASSERT_NE(basket.Tone, nullptr) << text;
     EXPECT_EQ(basket.Tone->Tone, toHigh) << text;
   }
-  TBasket basket;
-  EXPECT_THROW(Read(dsfXML, basket, "<object><Price>abc</Price></object>"), Exception);
 }
 
 TEST(ContainerReading, ElementsThatCannotBeMadeArePassedOver) {
-  const char* texts[] = {
-      // a class the registry does not know, one the list refuses, no type mark at all
-      R"(<object><Items xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><TItem xsi:type="TNoSuch"><Sku>q</Sku></TItem><TItem xsi:type="TStone"/><TItem><Sku>r</Sku></TItem></Items></object>)",
-      R"({"items":[{"className":"TNoSuch","sku":"q"},{"className":"TStone"},{"sku":"r"},7,null,[1]]})",
-  };
-  for (const char* text : texts) {
+  // A class the registry does not know, one the list refuses, no type mark, scalars, arrays.
+  for (const char* text : {R"(<object xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><Items>)"
+                           R"(<TItem xsi:type="TNoSuch"><Sku>q</Sku></TItem><TItem xsi:type="TStone"/>)"
+                           R"(<TItem><Sku>r</Sku></TItem></Items></object>)",
+                           R"({"items":[{"className":"TNoSuch","sku":"q"},{"className":"TStone"},{"sku":"r"},7,null,[1]]})"}) {
     TBasket basket;
-    Read(text[0] == '<' ? dsfXML : dsfJSON, basket, text);
+    Read(FormatOf(text), basket, text);
     ASSERT_NE(basket.Items, nullptr) << text;
     EXPECT_EQ(basket.Items->Count(), 0) << text;
   }
   // A list that owns nothing takes nothing, and raises nothing.
   TBasket basket;
   basket.Items = new TItemList(false);
-  Read(dsfXML, basket, R"(<object><Items><TItem xsi:type="TItem" xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"/></Items></object>)");
+  Read(dsfXML, basket, R"(<object xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><Items>)"
+                       R"(<TItem xsi:type="TItem"/></Items></object>)");
   EXPECT_EQ(basket.Items->Count(), 0);
 }
 
 TEST(ContainerReading, DictionariesDoNotReadBack) {
   TBasket source;
-  source.Notes = new TTextMap();
-  source.Notes->Add(u"a", u"b");
-  // XML: the pairs meet the member lookup, which knows no "item"; what the read made is freed.
+  (source.Notes = new TTextMap())->Add(u"a", u"b");
+  // XML: the pairs meet the member lookup, which knows no "item"; a dictionary the read made is freed.
   for (bool existing : {false, true}) {
     TBasket basket;
     if (existing) basket.Notes = new TTextMap();
-    try {
-      Read(dsfXML, basket, Text(dsfXML, source));
-      ADD_FAILURE() << "no failure";
-    } catch (const Exception& e) {
-      EXPECT_EQ(e.Message(), Format(cVnUnknownMember, {u"System.Generics.Collections.TObjectDictionary<System.string,System.string>", u"item"}));
-    }
+    EXPECT_EQ(MessageOf([&] { Read(dsfXML, basket, Text(dsfXML, source)); }),
+              Format(cVnUnknownMember,
+                     {u"System.Generics.Collections.TObjectDictionary<System.string,System.string>", u"item"}));
     EXPECT_EQ(basket.Notes != nullptr, existing);
   }
   // JSON: the pairs are passed over.
@@ -158,16 +124,12 @@ TEST(ContainerReading, DictionariesDoNotReadBack) {
 }
 
 TEST(ContainerReading, TextsOfTheWrongShapeRaise) {
-  const char* texts[] = {
-      R"(<object><Ints xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><int xsi:type="xsd:int">x</int></Ints></object>)",
-      R"(<object><Ints>5</Ints></object>)",
-      R"({"ints":["x"]})",
-      R"({"ints":5})",
-      R"({"price":[1]})",
-  };
-  for (const char* text : texts) {
+  for (const char* text : {R"(<object xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><Ints>)"
+                           R"(<int xsi:type="xsd:int">x</int></Ints></object>)",
+                           "<object><Ints>5</Ints></object>", "<object><Price>abc</Price></object>",
+                           R"({"ints":["x"]})", R"({"ints":5})", R"({"price":[1]})"}) {
     TBasket basket;
-    EXPECT_THROW(Read(text[0] == '<' ? dsfXML : dsfJSON, basket, text), Exception) << text;
+    EXPECT_THROW(Read(FormatOf(text), basket, text), Exception) << text;
   }
 }
 
