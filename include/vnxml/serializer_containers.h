@@ -15,8 +15,9 @@
 // - A nil list, object list or dictionary is written as any nil object (xsi:nil, null); a nil
 //   element of an object list as a nil value in its place.
 // - A TList reads "Count", "Items" and "Add" by reflection of its run-time class; a class
-//   without them is a programming fault (cVnContainerMemberMissing). A value list converts each
-//   element's text to Add's parameter type when the text's own type does not fit it.
+//   without them is a programming fault (cVnContainerMemberMissing). A value list reads an
+//   element without a type mark as text, and converts each element to Add's parameter type when
+//   its own type does not fit it.
 // - Generic object lists and dictionaries get their reflection by themselves
 //   (common/generics_rtti.h); a dictionary's Keys and Values are dynamic arrays.
 // - Reading: the text of a simple wrapper, a value list and an owning object list reads back in

@@ -3,6 +3,8 @@
 // through SetAsValue, so a wrapper costs a member no more text than the value it holds.
 #pragma once
 
+#include <memory>
+
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/common/vn_types.h"
@@ -20,8 +22,8 @@ class TVnCustomSimpleType : public TObject {
   /// Takes a value of SimpleTypeInfo's type (or Empty). The base ignores it.
   virtual void SetAsValue(const TValue& AValue) { (void)AValue; }
 
-  /// SimpleTypeInfo of the class AClass (a descendant of this one), asked of a default instance;
-  /// nullptr when the class has none (abstract) or is no wrapper.
+  /// SimpleTypeInfo of the class AClass, asked of a default instance; nullptr when AClass is no
+  /// wrapper. An abstract wrapper class raises EAbstractError.
   static const TVnTypeInfo* SimpleTypeInfoOf(TClass AClass) {
     if (!AClass || !ClassInheritsFrom(AClass, StaticClass())) return nullptr;
     std::unique_ptr<TObject> probe(CreateInstance(AClass));
