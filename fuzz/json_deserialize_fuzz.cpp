@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "vnxml/common/generics.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/string_list.h"
 #include "vnxml/json_serializer.h"
@@ -42,7 +43,10 @@ class TFzNode : public TObject {
     }
     for (TFzNode* k : Kids) delete k;
     delete Notes;
+    delete Bag;
   }
+  /// An owning object list, read-only: its elements are made by the container helper.
+  generics::TObjectList<TFzNode>* GetBag() const { return Bag; }
   UnicodeString Name;
   Int64 N = 0;
   Byte B = 0;
@@ -61,6 +65,7 @@ class TFzNode : public TObject {
   TFzNode* Next = nullptr;
   std::vector<TFzNode*> Kids;
   TStringList* Notes;
+  generics::TObjectList<TFzNode>* Bag = new generics::TObjectList<TFzNode>();
 };
 VN_REGISTER_TYPE(TFzNode, u"uFuzz") {
   b.Public(u"Name", &TFzNode::Name)
@@ -81,7 +86,8 @@ VN_REGISTER_TYPE(TFzNode, u"uFuzz") {
       .Public(u"ToneList", &TFzNode::ToneList)
       .Public(u"Next", &TFzNode::Next)
       .Public(u"Kids", &TFzNode::Kids)
-      .Public(u"Notes", &TFzNode::Notes);
+      .Public(u"Notes", &TFzNode::Notes)
+      .Published(u"Bag", &TFzNode::GetBag);
 }
 /// Registered, but never a node.
 class TFzOther : public TObject {
@@ -104,6 +110,8 @@ void CheckClasses(const TFzNode& ANode) {
     if (!n->Notes) Finding("the string list was unlinked", "");
     if (n->Next) todo.push_back(n->Next);
     for (const TFzNode* k : n->Kids)
+      if (k) todo.push_back(k);
+    for (const TFzNode* k : *n->Bag)
       if (k) todo.push_back(k);
   }
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "vnxml/common/classes.h"
+#include "vnxml/common/generics.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/string_list.h"
 #include "vnxml/common/utf.h"
@@ -57,7 +58,10 @@ class TTree : public TObject {
     delete Next;
     for (TLeaf* leaf : Leaves) delete leaf;
     delete Notes;
+    delete Bag;
   }
+  /// An owning object list, read-only: its elements are made by the container helper.
+  generics::TObjectList<TLeaf>* GetBag() const { return Bag; }
   Integer Count = 0;
   bool Flag = false;
   Double Ratio = 0;
@@ -74,6 +78,7 @@ class TTree : public TObject {
   std::vector<TSpot> Spots;
   std::vector<std::vector<Integer>> Grid;
   TStringList* Notes;
+  generics::TObjectList<TLeaf>* Bag = new generics::TObjectList<TLeaf>();
 };
 VN_REGISTER_TYPE(TTree, u"uFuzz") {
   b.Public(u"Count", &TTree::Count).Public(u"Flag", &TTree::Flag).Public(u"Ratio", &TTree::Ratio)
@@ -81,7 +86,8 @@ VN_REGISTER_TYPE(TTree, u"uFuzz") {
       .Public(u"When", &TTree::When).OfType(u"TDateTime")
       .Public(u"Any", &TTree::Any).Public(u"Boxed", &TTree::Boxed).Public(u"Spot", &TTree::Spot)
       .Public(u"Leaf", &TTree::Leaf).Public(u"Next", &TTree::Next).Public(u"Leaves", &TTree::Leaves)
-      .Public(u"Spots", &TTree::Spots).Public(u"Grid", &TTree::Grid).Public(u"Notes", &TTree::Notes);
+      .Public(u"Spots", &TTree::Spots).Public(u"Grid", &TTree::Grid).Public(u"Notes", &TTree::Notes)
+      .Published(u"Bag", &TTree::GetBag);
 }
 
 /// The created objects are all of classes the tree's members can hold.

@@ -2,8 +2,10 @@
 // Each type joins with VN_REGISTER_TYPE beside its declaration; the serializers need nothing else.
 #pragma once
 
+#include <memory>
 #include <vector>
 
+#include "vnxml/common/generics.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/serializer_hints.h"
@@ -57,6 +59,26 @@ class TBusinessCustomer : public TCustomer {
 };
 VN_REGISTER_TYPE(TBusinessCustomer, u"uOrders") { b.Public(u"VatNumber", &TBusinessCustomer::VatNumber); }
 
+// ---- containers: parcels in an owning object list, totals in a dictionary ----
+
+/// A parcel of the order; an insured one comes back as itself.
+class TParcel : public TObject {
+  VN_DECLARE_CLASS(TParcel, TObject)
+ public:
+  Double Weight = 0;
+  UnicodeString Carrier;
+};
+VN_REGISTER_TYPE(TParcel, u"uOrders") { b.Public(u"Weight", &TParcel::Weight).Public(u"Carrier", &TParcel::Carrier); }
+class TInsuredParcel : public TParcel {
+  VN_DECLARE_CLASS(TInsuredParcel, TParcel)
+ public:
+  Double Value = 0;
+};
+VN_REGISTER_TYPE(TInsuredParcel, u"uOrders") { b.Public(u"Value", &TInsuredParcel::Value); }
+using TParcels = generics::TObjectList<TParcel>;
+/// Quantity per product: derived from the lines, written for other readers.
+using TTotals = generics::TObjectDictionary<UnicodeString, Integer>;
+
 /// The order owns its customer. Reading creates the customer when the member is nil.
 class TOrder : public TObject {
   VN_DECLARE_CLASS(TOrder, TObject)
@@ -92,8 +114,20 @@ class TOrder : public TObject {
     return priority;
   }
 
+  // containers: owned, and properties, since container helpers serve properties
+  TParcels* GetParcels() const { return FParcels.get(); }
+  void SetParcels(TParcels* AValue) {
+    if (AValue != FParcels.get()) FParcels.reset(AValue);
+  }
+  TTotals* GetTotals() const { return FTotals.get(); }
+  void SetTotals(TTotals* AValue) {
+    if (AValue != FTotals.get()) FTotals.reset(AValue);
+  }
+
  private:
   Integer FNumber = 0;
+  std::unique_ptr<TParcels> FParcels;
+  std::unique_ptr<TTotals> FTotals;
 };
 VN_REGISTER_TYPE(TOrder, u"uOrders") {
   b.Published(u"Number", &TOrder::GetNumber, &TOrder::SetNumber)
@@ -103,7 +137,11 @@ VN_REGISTER_TYPE(TOrder, u"uOrders") {
       .Public(u"Customer", &TOrder::Customer)
       .Public(u"Lines", &TOrder::Lines)
       .Public(u"Discount", &TOrder::Discount)
-      .Public(u"Scratch", &TOrder::Scratch).Attr<SerializerHint>(shoDoNotSerialize);
+      .Public(u"Scratch", &TOrder::Scratch).Attr<SerializerHint>(shoDoNotSerialize)
+      // containers: the totals are derived, so reading passes their pairs over
+      .Published(u"Parcels", &TOrder::GetParcels, &TOrder::SetParcels)
+      .Published(u"Totals", &TOrder::GetTotals, &TOrder::SetTotals)
+      .Attr<SerializerHint>(shoDeserializerHelper, u"uVnSerializer.TVnDeserializerHelper");
   // xs-types
   b.Public(u"Priority", &TOrder::Priority).Public(u"Delivery", &TOrder::Delivery);
 }

@@ -22,6 +22,9 @@ void Objects() {
   order.Customer->Name = u"Bo";
   order.Lines = {TOrderLine{u"Pen", 3, 1.5, {u"blue"}}};
   order.Discount = vn::Variant(0.1);
+  // containers: an owning object list (a property) is written element by element
+  order.SetParcels(new TParcels());
+  order.GetParcels()->Add(new TInsuredParcel());
 
   // Plain text, without namespaces or type attributes; enumeration and set names lose the
   // prefix their type's hint names.
@@ -35,6 +38,9 @@ void Objects() {
   std::printf("read back: order %d for %s, %zu line(s), discount %s\n", copy.GetNumber(),
               vn::UnicodeToUtf8(copy.Customer->Name).c_str(), copy.Lines.size(),
               vn::UnicodeToUtf8(vn::VarToStr(copy.Discount)).c_str());
+  // containers: each parcel comes back as its own class
+  std::printf("parcels: %d, the first a %s\n", copy.GetParcels()->Count(),
+              vn::UnicodeToUtf8(copy.GetParcels()->GetItem(0)->ClassName()).c_str());
 
   // Bad text names the member and what went wrong; the target keeps nothing the read created.
   TOrder broken;

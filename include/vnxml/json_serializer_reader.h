@@ -113,6 +113,8 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   Integer FDisabledCnt = 0;
   /// Whether this deserializer's own value has started (its "{" or "[" was seen).
   bool FOpened = false;
+  /// The value is the array of an object that a registered helper writes as one (a list).
+  bool FContainerArray = false;
   /// Whether the value of the deserializer that runs the read has ended.
   bool FClosed = false;
   /// While a null literal is being stored: strings read it as empty, Variants as Null.
@@ -143,6 +145,10 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   UnicodeString PlaceForMessages() const;
   /// Starts reading the object form of the current enumeration or set member.
   void StartOrdinal();
+  /// An object whose class a registered serializer helper writes, so that its text is an array.
+  bool IsHelperContainer() const;
+  /// An object inside such an array: its helper may make it and its child (helpers_json_reading.cpp).
+  void ContainerElement();
   /// The member of an enumeration's object form being read.
   enum class OrdinalKey : uint8_t { None, ClassName, AsString, AsInt };
   bool FInOrdinal = false;

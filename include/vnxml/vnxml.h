@@ -31,3 +31,6 @@
 // xs-types: the XS value records and their serializers
 #include "vnxml/xs_serializer.h"
 #include "vnxml/xs_types.h"
+// container helpers
+#include "vnxml/common/custom_simple_type.h"
+#include "vnxml/serializer_containers.h"

@@ -29,7 +29,10 @@ void AddPlatformClassTypes() {
       .Public(u"Owner", &TComponent::GetOwner)
       .Constructor<TComponent*>({u"AOwner"});
   PlatformClass<TList>();
-  PlatformClass<TObjectList>();
+  // What the serializer's object-list reader reaches by reflection.
+  PlatformClass<TObjectList>()
+      .Public(u"OwnsObjects", &TObjectList::GetOwnsObjects, &TObjectList::SetOwnsObjects)
+      .Method(mvPublic, u"Add", &TObjectList::Add, {u"AObject"});
   PlatformClass<TStrings>();
   PlatformClass<TStringList>();
 }

@@ -114,6 +114,9 @@ TVnDeserializer* TVnDeserializer::CreateChildDeserializerIfNeeded(std::u16string
         const TVnTypeInfo* type = nullptr;
         if (hasName && !named.empty()) {
           type = TVnTypes::GetTypeInfo(named, tntSchemaName, false, mtkUnknown);
+          // A container or simple wrapper is typed by what it holds: its own class is made.
+          if (type && type->GetKind() != tkClass && VnCreateSerializerHelper(FMemberTypeInfo->Handle()->ClassType))
+            type = FMemberTypeInfo;
           if (!type || type->GetKind() != tkClass) throw ENotSupportedException(cVnFailedToCreateMember, {named});
           // Only the member's class or a descendant: a text never chooses an unrelated class.
           if (!ClassInheritsFrom(type->Handle()->ClassType, FMemberTypeInfo->Handle()->ClassType))

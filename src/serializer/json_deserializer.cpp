@@ -9,6 +9,7 @@
 #include "vnxml/json_form_reader.h"
 #include "vnxml/json_reflected_values.h"
 #include "vnxml/json_serializer_reader.h"
+#include "vnxml/common/custom_simple_type.h"
 #include "vnxml/json_values.h"
 #include "vnxml/serializer_walker.h"
 #include "vnxml/xml_reflected_values.h"
@@ -210,6 +211,7 @@ void TVnJSONDeserializer::DoStartObject() {
     if (!FInstanceTypeInfo || FInstanceTypeInfo->GetIsSimpleType()) return Skip();  // a simple root reads nothing
     RaiseShape(ExpectedName(FInstanceTypeInfo), u"an object");
   }
+  if (FContainerArray) return ContainerElement();
   if (InArray()) {
     InitializeArrayElement(u"", u"");
     if (ChildTookOver()) {
@@ -265,8 +267,14 @@ void TVnJSONDeserializer::DoStartArray() {
       return;
     }
     if (!FInstanceTypeInfo || FInstanceTypeInfo->GetIsSimpleType()) return Skip();
+    if (IsHelperContainer()) {
+      FOpened = true;
+      FContainerArray = true;
+      return;
+    }
     RaiseShape(ExpectedName(FInstanceTypeInfo), u"an array");
   }
+  if (FContainerArray) return Skip();  // no list element is an array
   if (InArray()) RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
   if (FCanDeserialize != desYes || !FMemberTypeInfo) return Skip();
   RaiseShape(ExpectedName(FMemberTypeInfo), u"an array");
@@ -276,6 +284,17 @@ void TVnJSONDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_vi
   if (FDisabledCnt > 0) return;
   if (FInOrdinal) return OrdinalValue(AType, AText);
   if (FClosed) RaiseShape(u"the end of the text", u"a further value");
+  if (FContainerArray) {
+    // A value of a list goes to its helper; null, or a list that takes no values, passes it over.
+    bool handled = false;
+    const UnicodeString text(AText), empty;
+    const UnicodeString dataType = AType == jdtString    ? u"System.string"
+                                   : AType == jdtNumber  ? (IsFloatText(AText) ? u"System.Extended" : u"System.Int64")
+                                   : AType == jdtBoolean ? u"System.Boolean"
+                                                         : u"";
+    if (FCHelper && AType != jdtNull) FCHelper->DeserializeValue(this, empty, empty, text, dataType, handled);
+    return;
+  }
   if (!FOpened) {
     if (IsComplex(FInstanceTypeInfo)) return ValueAsObject(AType, AText);
     if (IsArray(FInstanceTypeInfo)) {
@@ -320,11 +339,13 @@ void TVnJSONDeserializer::ValueAsObject(TVnJSONSimpleDataType AType, std::u16str
     if (FInstanceTypeInfo->Kind() == vtkRecord) throw Exception(cVnJSONRecordNotNillable);
     return Finish();
   }
-  if (AType != jdtString) RaiseShape(ExpectedName(FInstanceTypeInfo), FoundName(AType));
+  // A registered helper takes any scalar (a simple wrapper's number); others take strings only.
+  if (AType != jdtString && !FCHelper) RaiseShape(ExpectedName(FInstanceTypeInfo), FoundName(AType));
   bool handled = false;
   const UnicodeString qualified = FInstanceTypeInfo->QualifiedName(), empty, text(AText);
   if (FCHelper) FCHelper->DeserializeValue(this, empty, empty, text, qualified, handled);
   if (!handled && FIHelper) FIHelper->DeserializeValue(this, empty, empty, text, qualified, handled);
+  if (!handled && AType != jdtString) RaiseShape(ExpectedName(FInstanceTypeInfo), FoundName(AType));
   if (!handled) {
     // An object written into a string: read that text into the same instance.
     const UnicodeString decoded = ValueToStr(AText);
@@ -408,6 +429,14 @@ bool TVnJSONDeserializer::ReadClassName(UnicodeString& AClassName) {
     SkipBlanks(ahead, i);
     if (i < ahead.size() && ahead[i] == u':') ++i;
   }
+  // A container is written as an array and a simple wrapper as its value: for a class that a
+  // helper writes, such a text makes the member's own class, whose helper then reads it.
+  size_t first = i;
+  SkipBlanks(ahead, first);
+  if (first < ahead.size() && ahead[first] != u'{' && !ahead.substr(first).starts_with(u"null") && FMemberTypeInfo &&
+      FMemberTypeInfo->Kind() == vtkClass && VnCreateSerializerHelper(FMemberTypeInfo->Handle()->ClassType) &&
+      (ahead[first] == u'[') != ClassInheritsFrom(FMemberTypeInfo->Handle()->ClassType, TVnCustomSimpleType::StaticClass()))
+    return false;
   switch (ObjectClassName(ahead, i, AClassName)) {
     case ClassMark::Named: return true;
     case ClassMark::Unnamed: return false;  // the member's own class

@@ -21,6 +21,8 @@ constexpr StartupRegistration kStartup[] = {
     &RegisterJSONSerializers,
     // xs-types: the XS value records in both notations
     &RegisterXsSerializers,
+    // container helpers
+    &RegisterContainerHelpers,
 };
 
 thread_local bool tRunning = false;

@@ -14,5 +14,7 @@ void RegisterXMLSerializers();
 void RegisterJSONSerializers();
 /// The XS value records in both notations (xs_registration.cpp).
 void RegisterXsSerializers();
+/// The container helpers (helpers_registration.cpp).
+void RegisterContainerHelpers();
 
 }  // namespace vn::detail

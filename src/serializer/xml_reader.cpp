@@ -238,7 +238,9 @@ void TVnXMLDeserializer::DoEndElement(std::u16string_view AURI, std::u16string_v
 
 void TVnXMLDeserializer::MemberText(std::u16string_view AText, bool AHasText) {
   // An empty element is an empty text for a string member; other members keep their value.
-  if (AHasText || IsTextKind(FMemberTypeInfo)) DeserializeValue(FURI, FLocalName, AText, FDataType);
+  // So is an element typed as text that a container's helper takes.
+  if (AHasText || IsTextKind(FMemberTypeInfo) || (FCHelper && IsTextKind(FDataTypeInfo)))
+    DeserializeValue(FURI, FLocalName, AText, FDataType);
 }
 
 void TVnXMLDeserializer::ReadAttributesAsMembers(IVnSAXAttributes* AAttributes) {

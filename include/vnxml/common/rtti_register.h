@@ -704,3 +704,7 @@ class TTypeBuilder {
 #define VN_IMPLEMENT_TYPE(Type)                                                                \
   static const ::vn::detail::TypeRegistrar<Type> VN_RTTI_CONCAT(vnTypeRegistrar_, __LINE__){}; \
   void VnRegisterType([[maybe_unused]] ::vn::TTypeBuilder<Type>& b)
+
+// The generic object containers describe themselves through the registration above; every
+// unit that can ask for a type record must see that, or instantiations would differ.
+#include "vnxml/common/generics_rtti.h"
