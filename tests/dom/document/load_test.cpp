@@ -1,12 +1,10 @@
 // Loading documents: the ways in, encoding detection, root handling, failures and their place.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <unistd.h>
-
-#include <filesystem>
+#include <memory>
 
 #include "common/message_of.h"
+#include "support/files.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
@@ -206,8 +204,8 @@ TEST(DomLoad, InnerXMLParsesAFragment) {
 }
 
 TEST(DomLoad, FilesRoundTripWithURI) {
-  auto path = std::filesystem::temp_directory_path() / ("vnxml_doc_" + std::to_string(::getpid()) + ".xml");
-  UnicodeString name = Utf8ToUnicode(path.string());
+  auto file = std::make_unique<test::TempFile>("doc.xml");
+  const UnicodeString name = file->Name();
   {
     auto doc = TVnDOMDocument::FromXML(u"<a><b>\u00e9</b></a>");
     doc->SetEncoding(u"ISO-8859-1");
@@ -216,7 +214,7 @@ TEST(DomLoad, FilesRoundTripWithURI) {
   TVnDOMDocument back(name, fmOpenRead);
   EXPECT_EQ(back.GetDocumentURI(), name);
   EXPECT_EQ(back.GetRootNode()->FindElement(u"b")->GetText(), u"\u00e9");
-  std::filesystem::remove(path);
+  file.reset();
   EXPECT_THROW(TVnDOMDocument(name, fmOpenRead), Exception);
 }
 
