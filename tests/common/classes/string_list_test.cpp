@@ -190,10 +190,7 @@ TEST(TStringList, OwnedObjectsAreFreedWithTheirLines) {
   int freed = 0;
   {
     TStringList list(true);
-    list.AddObject(u"a", new TTracked(&freed));
-    list.AddObject(u"b", new TTracked(&freed));
-    list.AddObject(u"c", new TTracked(&freed));
-    list.AddObject(u"d", new TTracked(&freed));
+    for (const char16_t* s : {u"a", u"b", u"c", u"d"}) list.AddObject(s, new TTracked(&freed));
     list.Delete(0);
     EXPECT_EQ(freed, 1);
     list.Move(0, 2);  // moving is not deleting

@@ -1,10 +1,9 @@
 // TVnTextParser: one text in every encoding walks alike; skips, marks, selections and the end.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <memory>
+
+#include "support/files.h"
 
 #include "vnxml/common/encoding.h"
 #include "vnxml/common/stream.h"
@@ -238,16 +237,14 @@ TEST(TextParser, Streams) {
   EXPECT_EQ(inPlace.CurrCharW(), u'<');  // starts where the stream stands
   EXPECT_EQ(inPlace.Cursor().Begin, static_cast<const Byte*>(mem.GetMemory()) + 4);
 
-  std::filesystem::path file = std::filesystem::temp_directory_path() / "vnxml_text_parser_test.txt";
-  std::ofstream(file, std::ios::binary) << text;
-  auto* stream = new TFileStream(file.u16string(), fmOpenRead);
+  const test::TempFile file("text_parser.txt", text);
+  auto* stream = new TFileStream(file.Name(), fmOpenRead);
   {
     TVnTextParser owning(stream, true, cVnCodePageUTF8);  // frees the stream with itself
     owning.SkipWhile(soNotEqual, u' ');
     EXPECT_EQ(owning.GetCurPos(), 7);
     EXPECT_EQ(owning.Selected(tpPrev, tpNext, false), u"n ");
   }
-  std::filesystem::remove(file);
 }
 
 // UTF-8 selections decode sixteen ASCII bytes at a time and stop at a sequence wherever it

@@ -72,10 +72,9 @@ TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
 TEST(VnTypes, EverySchemaNameFindsItsTypeAgain) {
   std::vector<const TTypeInfo*> types;
   for (const KindCase& c : KindCases()) types.push_back(c.Type);
-  types.push_back(TypeInfoOf<TBaseBox>());
-  types.push_back(TypeInfoOf<std::vector<TPoint>>());
-  types.push_back(TypeInfoOf<std::vector<Integer>>());  // beside the static array of Integer
-  types.push_back(ClassTypeInfo(TStringList::StaticClass()));
+  // The vector of Integer stands beside the static array of Integer.
+  types.insert(types.end(), {TypeInfoOf<TBaseBox>(), TypeInfoOf<std::vector<TPoint>>(),
+                             TypeInfoOf<std::vector<Integer>>(), ClassTypeInfo(TStringList::StaticClass())});
   for (const TTypeInfo* t : types) {
     const TVnTypeInfo* info = Info(t);
     const UnicodeString name = info->SchemaName(u"xsd");

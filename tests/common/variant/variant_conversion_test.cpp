@@ -73,13 +73,10 @@ TEST(VariantConversion, BooleansAreMinusOneAndTrueText) {
   EXPECT_DOUBLE_EQ(Variant(true).AsDouble(), -1);
   EXPECT_EQ(Variant(true).AsString(), u"True");
   EXPECT_EQ(Variant(false).AsString(), u"False");
-  EXPECT_TRUE(Variant(u"true").AsBoolean());
-  EXPECT_FALSE(Variant(u"FALSE").AsBoolean());
-  EXPECT_TRUE(Variant(u"1").AsBoolean());
-  EXPECT_FALSE(Variant(u"0").AsBoolean());
-  EXPECT_TRUE(Variant(2).AsBoolean());
-  EXPECT_FALSE(Variant(0.0).AsBoolean());
-  EXPECT_TRUE(Variant(Currency::FromRaw(1)).AsBoolean());
+  for (const Variant& v : {Variant(u"true"), Variant(u"1"), Variant(2), Variant(Currency::FromRaw(1))})
+    EXPECT_TRUE(v.AsBoolean()) << ::testing::PrintToString(v);
+  for (const Variant& v : {Variant(u"FALSE"), Variant(u"0"), Variant(0.0)})
+    EXPECT_FALSE(v.AsBoolean()) << ::testing::PrintToString(v);
   ExpectCast([] { (void)Variant(u"yes").AsBoolean(); }, u"UnicodeString", u"Boolean");
   // -1 does not fit an unsigned type.
   ExpectOverflow([] { (void)Variant(true).AsByte(); }, u"Boolean", u"Byte");

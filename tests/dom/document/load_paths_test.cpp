@@ -1,13 +1,10 @@
 // The ways into a load: how each finds the encoding, and that none copies the caller's text.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "alloc_counter.h"
+#include "support/files.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/utf.h"
@@ -34,17 +31,17 @@ TEST(DomLoadPaths, DeclaredEncodingOfStreamsAndFiles) {
       {"<a>\xC3\xA9</a>", u"\u00e9"},
       {"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xC3\xA9</a>", u"\u00e9"},
   };
-  const auto path = std::filesystem::temp_directory_path() / ("vnxml_paths_" + std::to_string(::getpid()) + ".xml");
-  const UnicodeString name = Utf8ToUnicode(path.string());
+  const test::TempFile file("paths.xml");
+  const UnicodeString name = file.Name();
   for (const Case& c : cases) {
     SCOPED_TRACE(c.Text);
-    std::ofstream(path, std::ios::binary) << c.Text;
+    file.Write(c.Text);
     TVnDOMDocument fromMemory, fromFileStream, fromFile;
     TVnStringStream memory(std::string_view(c.Text), cVnCodePageDefault);
     fromMemory.LoadFromStream(memory);
     {
-      TFileStream file(name, fmOpenRead);
-      fromFileStream.LoadFromStream(file);
+      TFileStream stream(name, fmOpenRead);
+      fromFileStream.LoadFromStream(stream);
     }
     fromFile.LoadFromFile(name, fmOpenRead);
     for (TVnDOMDocument* doc : {&fromMemory, &fromFileStream, &fromFile}) {
@@ -52,7 +49,6 @@ TEST(DomLoadPaths, DeclaredEncodingOfStreamsAndFiles) {
       EXPECT_EQ(doc->GetRootNode()->GetText(), c.RootText);
     }
   }
-  std::filesystem::remove(path);
 }
 
 TEST(DomLoadPaths, CallersTextIsScannedInPlace) {

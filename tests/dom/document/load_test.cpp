@@ -1,12 +1,10 @@
 // Loading documents: the ways in, encoding detection, root handling, failures and their place.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <unistd.h>
-
-#include <filesystem>
+#include <memory>
 
 #include "common/message_of.h"
+#include "support/files.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
@@ -20,37 +18,31 @@
 namespace vn {
 namespace {
 
-TVnStringStream BytesStream(std::string_view ABytes) { return TVnStringStream(ABytes, cVnCodePageDefault); }
+// A document loaded from a stream of ABytes.
+std::unique_ptr<TVnDOMDocument> FromBytes(std::string_view ABytes) {
+  auto doc = std::make_unique<TVnDOMDocument>();
+  TVnStringStream s(ABytes, cVnCodePageDefault);
+  doc->LoadFromStream(s);
+  return doc;
+}
 
 TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
   // A UTF-8 mark then blanks: the parse starts on "<".
-  {
-    TVnDOMDocument doc;
-    auto s = BytesStream("\xEF\xBB\xBF \r\n\t<a>\xC3\xA9</a>");
-    doc.LoadFromStream(s);
-    ASSERT_NE(doc.GetRootNode(), nullptr);
-    EXPECT_EQ(doc.GetRootNode()->GetText(), u"\u00e9");
-    EXPECT_EQ(doc.GetLoadState(), lsLoaded);
-  }
+  auto doc = FromBytes("\xEF\xBB\xBF \r\n\t<a>\xC3\xA9</a>");
+  ASSERT_NE(doc->GetRootNode(), nullptr);
+  EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
+  EXPECT_EQ(doc->GetLoadState(), lsLoaded);
   // No mark, a Latin-1 declaration: the byte E9 is one character; the document keeps "UTF-8" for output.
-  {
-    TVnDOMDocument doc;
-    auto s = BytesStream("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>");
-    doc.LoadFromStream(s);
-    EXPECT_EQ(doc.GetRootNode()->GetText(), u"\u00e9");
-    EXPECT_EQ(doc.GetEncoding(), u"UTF-8");
-    EXPECT_EQ(doc.GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"ISO-8859-1\"");
-  }
+  doc = FromBytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>");
+  EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
+  EXPECT_EQ(doc->GetEncoding(), u"UTF-8");
+  EXPECT_EQ(doc->GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"ISO-8859-1\"");
   // UTF-16 with its mark.
-  {
-    std::u16string text = u"\uFEFF  <a>\u4e2d</a>";
-    TVnStringStream s(std::string_view(reinterpret_cast<const char*>(text.data()), text.size() * 2), 0);
-    TVnDOMDocument doc;
-    doc.LoadFromStream(s);
-    EXPECT_EQ(doc.GetRootNode()->GetText(), u"\u4e2d");
-  }
+  const std::u16string text = u"\uFEFF  <a>\u4e2d</a>";
+  doc = FromBytes(std::string_view(reinterpret_cast<const char*>(text.data()), text.size() * 2));
+  EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u4e2d");
   // 8-bit text through the Ansi entry: the declaration decides.
-  auto doc = TVnDOMDocument::FromAnsiXML("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>");
+  doc = TVnDOMDocument::FromAnsiXML("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>");
   EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u20ac");
 }
 
@@ -122,10 +114,8 @@ TEST(DomLoad, FailuresCarryLineAndColumn) {
 
   // Stray end tags, a second root, text at the top and an unclosed element all end in an exception.
   for (const char16_t* bad : {u"<a></a></b>", u"<a/><b/>", u"<a/>text", u"</a>", u"<a/><![CDATA[x]]>",
-                              u"just text", u"<a x='1' x=>"}) {
-    TVnDOMDocument d;
-    EXPECT_THROW(d.LoadXML(bad), Exception) << UnicodeToUtf8(bad);
-  }
+                              u"just text", u"<a x='1' x=>"})
+    EXPECT_THROW(TVnDOMDocument().LoadXML(bad), Exception) << UnicodeToUtf8(bad);
 }
 
 TEST(DomLoad, FailedLoadLeavesAWholeTree) {
@@ -206,8 +196,8 @@ TEST(DomLoad, InnerXMLParsesAFragment) {
 }
 
 TEST(DomLoad, FilesRoundTripWithURI) {
-  auto path = std::filesystem::temp_directory_path() / ("vnxml_doc_" + std::to_string(::getpid()) + ".xml");
-  UnicodeString name = Utf8ToUnicode(path.string());
+  auto file = std::make_unique<test::TempFile>("doc.xml");
+  const UnicodeString name = file->Name();
   {
     auto doc = TVnDOMDocument::FromXML(u"<a><b>\u00e9</b></a>");
     doc->SetEncoding(u"ISO-8859-1");
@@ -216,7 +206,7 @@ TEST(DomLoad, FilesRoundTripWithURI) {
   TVnDOMDocument back(name, fmOpenRead);
   EXPECT_EQ(back.GetDocumentURI(), name);
   EXPECT_EQ(back.GetRootNode()->FindElement(u"b")->GetText(), u"\u00e9");
-  std::filesystem::remove(path);
+  file.reset();
   EXPECT_THROW(TVnDOMDocument(name, fmOpenRead), Exception);
 }
 

@@ -37,20 +37,16 @@ TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
     for (Way way : {kText, kStream, kFragment}) {
       SCOPED_TRACE(UnicodeToUtf8(text) + " way " + std::to_string(way));
       TVnDOMDocument doc;
-      TVnDOMElement* top;
       if (way == kFragment) {
         doc.LoadXML(u"<h xmlns=\"u\"/>");
         doc.GetRootNode()->SetInnerXML(text);
-        top = doc.GetRootNode();
+      } else if (way == kText) {
+        doc.LoadXML(text);
       } else {
-        if (way == kText) {
-          doc.LoadXML(text);
-        } else {
-          TVnStringStream s(UnicodeToUtf8(text), cVnCodePageDefault);
-          doc.LoadFromStream(s);
-        }
-        top = doc.GetRootNode();
+        TVnStringStream s(UnicodeToUtf8(text), cVnCodePageDefault);
+        doc.LoadFromStream(s);
       }
+      TVnDOMElement* top = doc.GetRootNode();
       TVnDOMElement* b = Find(top, u"b");
       ASSERT_NE(b, nullptr);
       EXPECT_EQ(b->GetNamespaceURI(), u"v");

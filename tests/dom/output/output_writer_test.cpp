@@ -3,14 +3,10 @@
 // piece of text is converted on its own.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "support/files.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_exception.h"
@@ -19,6 +15,8 @@
 
 namespace vn {
 namespace {
+
+using test::ReadFile;
 
 // A stream that is no memory stream: the writer has to hand it blocks through Write.
 class TRecordingStream : public TStream {
@@ -81,11 +79,6 @@ std::string ToMemory(TVnDOMDocument& ADoc, Word ACodePage, bool AFormatted, bool
   return std::string(s.GetBytesView());
 }
 
-std::string ReadFile(const std::filesystem::path& APath) {
-  std::ifstream in(APath, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 // Larger than any buffer: many tags, text beyond ASCII, and one text node longer on its own.
 std::unique_ptr<TVnDOMDocument> LargeDocument() {
   auto doc = TVnDOMDocument::FromXML(u"<?xml version=\"1.0\"?><!--top--><r/>");
@@ -102,7 +95,7 @@ std::unique_ptr<TVnDOMDocument> LargeDocument() {
 
 TEST(DomOutputWriter, EveryKindOfStreamGetsTheSameBytes) {
   auto doc = LargeDocument();
-  const auto path = std::filesystem::temp_directory_path() / ("vnxml_writer_" + std::to_string(::getpid()) + ".xml");
+  const test::TempFile file("writer.xml");
   for (Word cp : {cVnCodePageUTF8, cVnCodePageUTF16LE, Word(1252)})
     for (bool formatted : {false, true}) {
       SCOPED_TRACE(testing::Message() << "code page " << cp << (formatted ? ", formatted" : ""));
@@ -126,18 +119,18 @@ TEST(DomOutputWriter, EveryKindOfStreamGetsTheSameBytes) {
       EXPECT_GT(counting.Writes, 0);
 
       doc->SetCodePage(cp);
-      doc->SaveToFile(Utf8ToUnicode(path.string()), formatted, false);
-      EXPECT_EQ(ReadFile(path), expected);
+      doc->SaveToFile(file.Name(), formatted, false);
+      EXPECT_EQ(ReadFile(file.Path), expected);
     }
-  std::filesystem::remove(path);
   // Code page 0 is this system's 8-bit default, UTF-8.
   EXPECT_EQ(ToMemory(*doc, 0, false), ToMemory(*doc, cVnCodePageUTF8, false));
 }
 
 TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
   // The line-start rules look back at the stream: through a file they must come out as in memory.
-  const auto path = std::filesystem::temp_directory_path() / ("vnxml_marks_" + std::to_string(::getpid()) + ".xml");
-  const UnicodeString name = Utf8ToUnicode(path.string());
+  const test::TempFile file("marks.xml");
+  const UnicodeString name = file.Name();
+  const auto& path = file.Path;
   auto doc = TVnDOMDocument::FromXML(u"<a><b/><?p x?></a>");
   doc->SetCodePage(cVnCodePageUTF16LE);
   doc->SaveToFile(name, true, true);
@@ -148,7 +141,6 @@ TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
   doc->SetEncoding(u"UTF-8");
   doc->SaveToFile(name, true, true);
   EXPECT_EQ(ReadFile(path), ToMemory(*doc, cVnCodePageUTF8, true, true));
-  std::filesystem::remove(path);
 }
 
 TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {

@@ -2,10 +2,8 @@
 // loaded text that must give what decoding and encoding again would.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
+#include "support/files.h"
 #include "vnxml/common/utf.h"
-
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/json_document.h"
 
@@ -101,14 +99,13 @@ TEST(JsonWriter, CodePagesAndMarks) {
 
 TEST(JsonWriter, SaveToFileWritesUtf8WithMark) {
   TVnJSONDocument doc(u"[1]");
-  const UnicodeString path =
-      Utf8ToUnicode((std::filesystem::temp_directory_path() / "vnxml_json_writer_test.json").string());
-  doc.SaveToFile(path, false);
-  TVnJSONDocument again(path, fmOpenRead);
+  const test::TempFile file("json_writer.json");
+  doc.SaveToFile(file.Name(), false);
+  TVnJSONDocument again(file.Name(), fmOpenRead);
   EXPECT_EQ(again.GetAsJSON(), u"[1]");
-  TVnMemoryStream file;
-  file.LoadFromFile(path);
-  EXPECT_EQ(std::string(static_cast<const char*>(file.GetMemory()), 6), "\xEF\xBB\xBF[1]");
+  TVnMemoryStream saved;  // read back through the library's own file stream
+  saved.LoadFromFile(file.Name());
+  EXPECT_EQ(std::string(static_cast<const char*>(saved.GetMemory()), 6), "\xEF\xBB\xBF[1]");
   EXPECT_THROW(TVnJSONDocument(u"no-such-file.json", fmOpenRead), EReadError);
 }
 

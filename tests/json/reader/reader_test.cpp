@@ -2,11 +2,9 @@
 // depth, and the parser component.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "common/message_of.h"
 #include "json_recorder.h"
+#include "support/files.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
@@ -149,18 +147,14 @@ TEST(JsonReader, TextAndFiles) {
   EXPECT_EQ(r.Run([&](TVnJSONReader& x) { x.Parse(Utf8ToUnicode(text), u"id"); }), want);
 
   // Files: a byte-order mark decides; UTF-16 without one follows the NUL pattern.
-  auto dir = std::filesystem::temp_directory_path() / ("vnxml-json-" + std::to_string(::getpid()));
-  std::filesystem::create_directories(dir);
   UnicodeString wide = Utf8ToUnicode(text);
   std::string le(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
   const std::pair<const char*, std::string> files[] = {
       {"plain.json", text}, {"bom8.json", "\xEF\xBB\xBF" + text}, {"bom16.json", "\xFF\xFE" + le}, {"le.json", le}};
   for (const auto& [name, bytes] : files) {
-    std::ofstream(dir / name, std::ios::binary) << bytes;
-    UnicodeString path = Utf8ToUnicode((dir / name).string());
-    EXPECT_EQ(r.Run([&](TVnJSONReader& x) { x.ParseFile(path, fmOpenRead, u"f"); }), want) << name;
+    const test::TempFile file(name, bytes);
+    EXPECT_EQ(r.Run([&](TVnJSONReader& x) { x.ParseFile(file.Name(), fmOpenRead, u"f"); }), want) << name;
   }
-  std::filesystem::remove_all(dir);
   EXPECT_EQ(r.Reader.GetPublicID(), u"f");
 }
 

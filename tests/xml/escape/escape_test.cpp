@@ -75,29 +75,24 @@ TEST(VnStrToXML, StreamFormAppendsInTheStreamsCodePage) {
 
 // ---- decoding ----
 
-struct DecodeCase {
-  std::u16string_view Input;
-  std::u16string_view Expected;
-};
-
-TEST(VnXMLToStr, LeavesWhatItDoesNotRecogniseInTheText) {
-  const DecodeCase cases[] = {
-      {u"", u""}, {u"no references", u"no references"},
+TEST(VnXMLToStr, DecodesWhatItKnowsAndLeavesTheRestInTheText) {
+  const std::pair<std::u16string_view, std::u16string_view> cases[] = {
+      {u"", u""},
+      {u"no references", u"no references"},
       {u"a & b", u"a & b"},          // the space stops the scan
       {u"AT&T; x", u"AT&T; x"},      // T is no entity
       {u"&foo&amp;", u"&foo&amp;"},  // the scan runs over the second '&': one unknown name
-      {u"x&", u"x&"}, {u"&amp", u"&amp"}, {u"&;", u"&;"}, {u"& amp;", u"& amp;"},
+      {u"x&", u"x&"},
+      {u"&amp", u"&amp"},
+      {u"&;", u"&;"},
+      {u"& amp;", u"& amp;"},
       {u"&a &amp;", u"&a &"},  // the scan resumes at the space, so the next one decodes
       {u"&AMP;&Amp;", u"&AMP;&Amp;"},
       {u"&thetasymx;", u"&thetasymx;"},  // 9 characters are never looked up
-      {u"&#65", u"&#65"}, {u"&#6 5;", u"&#6 5;"}, {u"&unknown;&amp;", u"&unknown;&"},
-  };
-  for (const DecodeCase& c : cases)
-    EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
-}
-
-TEST(VnXMLToStr, DecodesNamesOfTheWholeEntityTable) {
-  const DecodeCase cases[] = {
+      {u"&#65", u"&#65"},
+      {u"&#6 5;", u"&#6 5;"},
+      {u"&unknown;&amp;", u"&unknown;&"},
+      // names of the whole entity table
       {u"&lt;&gt;&amp;&quot;&apos;", u"<>&\"'"},
       {u"&nbsp;&yuml;", u"\u00A0\u00FF"},                 // Latin-1 set, first and last
       {u"&fnof;&diams;", u"\u0192\u2666"},                // Symbols
@@ -107,24 +102,19 @@ TEST(VnXMLToStr, DecodesNamesOfTheWholeEntityTable) {
       {u"&thetasym;", u"\u03D1"},                         // exactly 8 characters
       {u"&zwj;&zwnj;", u"\u200D\u200C"},
       {u"a&amp;lt;b", u"a&lt;b"},  // one level of decoding only
-      {u"&iexlc;", u"\u00A1"},  // folds to the key of iexcl
-      {u"&\u0161mp;", u"&"},    // only the low byte counts: U+0161 is 'a' here
-  };
-  for (const DecodeCase& c : cases)
-    EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
-}
-
-TEST(VnXMLToStr, NumericReferencesGiveOneCodeUnit) {
-  const DecodeCase cases[] = {
+      {u"&iexlc;", u"\u00A1"},     // folds to the key of iexcl
+      {u"&\u0161mp;", u"&"},       // only the low byte counts: U+0161 is 'a' here
+      // numeric references give one code unit
       {u"&#65;&#x41;&#X41;", u"AAA"},
       {u"&#-1;", u"\xFFFF"},      // the sign is accepted and the value cut to 16 bits
       {u"&#x1F600;", u"\xF600"},  // never a surrogate pair
       {u"&#65601;", u"A"},        // 0x10041
-      {u"&#+66;", u"B"}, {u"&#x20ac;", u"\u20AC"},
+      {u"&#+66;", u"B"},
+      {u"&#x20ac;", u"\u20AC"},
       {u"&#0000000067;", u"C"},  // the 8-character limit is for names only
   };
-  for (const DecodeCase& c : cases)
-    EXPECT_EQ(VnXMLToStr(c.Input), c.Expected) << std::string(c.Input.begin(), c.Input.end());
+  for (const auto& [input, expected] : cases)
+    EXPECT_EQ(VnXMLToStr(input), expected) << std::string(input.begin(), input.end());
   EXPECT_EQ(VnXMLToStr(u"&#0;"), std::u16string(1, u'\0'));
 }
 

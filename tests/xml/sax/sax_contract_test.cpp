@@ -2,14 +2,12 @@
 // encoding decision of TVnXMLParser.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "common/message_of.h"
-#include "support/sax_handlers.h"
+#include "support/files.h"
 #include "support/raises.h"
-#include "vnxml/common/sysutils.h"
+#include "support/sax_handlers.h"
 #include "vnxml/common/stream.h"
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
 
 using namespace vn;
@@ -162,21 +160,19 @@ TEST(SaxReaderFrame, EntryPoints) {
     r.Reader.Parse(std::string_view("<a>\xC3\xA9</a>"), 65001, u"");
     EXPECT_EQ(r.Events().at(2), "chars(\xC3\xA9)");
   }
-  std::filesystem::path file = std::filesystem::temp_directory_path() / "vnxml_sax_entry.xml";
   {
     // Only ParseFile looks for a byte-order mark, and the mark wins over the declaration.
     std::string bom = "\xFF\xFE";
     for (char c : std::string("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>")) bom += {c, '\0'};
-    std::ofstream(file, std::ios::binary) << bom;
+    const test::TempFile file("sax_entry.xml", bom);
     RecordingReader r;
-    r.Reader.ParseFile(file.u16string(), fmOpenRead, u"file");
+    r.Reader.ParseFile(file.Name(), fmOpenRead, u"file");
     EXPECT_EQ(chars(r), "chars(\xC3\xA9)");
     RecordingReader unread;  // the same bytes through ParseBuffer: the mark isn't looked for
     EXPECT_THROW(unread.Reader.ParseBuffer(bom.data(), static_cast<Int64>(bom.size()), 0, u""), EVnXMLParseError);
   }
-  std::filesystem::remove(file);
   RecordingReader missing;
-  EXPECT_THROW(missing.Reader.ParseFile(file.u16string(), fmOpenRead, u""), EFOpenError);
+  EXPECT_THROW(missing.Reader.ParseFile(test::TempFile("missing.xml").Name(), fmOpenRead, u""), EFOpenError);
 }
 
 TEST(XmlParser, EncodingDecision) {

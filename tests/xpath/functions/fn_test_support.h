@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "common/message_of.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/var_utils.h"
 #include "vnxml/common/vn_types.h"
@@ -25,6 +26,11 @@ inline std::string Show(const Variant& AValue) {
   if (TVnTypes::VarMainTypeKind(AValue) == vmkBoolean) text = AValue.AsBoolean() ? "true" : "false";
   return std::string(kinds[TVnTypes::VarMainTypeKind(AValue)]) + " " + text;
 }
+
+struct ValueCase {
+  const char16_t* Expr;
+  const char* Expected;
+};
 
 class FunctionTest : public ::testing::Test {
  protected:
@@ -57,37 +63,36 @@ class FunctionTest : public ::testing::Test {
     return Show(Eval(AExpr, ACollation));
   }
 
+  /// Each call of the table shows as given.
+  void ExpectShown(std::initializer_list<ValueCase> ACases) {
+    for (const auto& c : ACases) EXPECT_EQ(ShowEval(c.Expr), c.Expected) << UnicodeToUtf8(c.Expr);
+  }
+
   /// Evaluates AExpr, expecting exception E with the text AMessage.
   template <class E>
   void ExpectError(std::u16string_view AExpr, std::u16string_view AMessage) {
-    SCOPED_TRACE(UnicodeToUtf8(AExpr));
+    EXPECT_EQ(UnicodeToUtf8(test::MessageOf<E>([&] { Eval(AExpr); })), UnicodeToUtf8(AMessage)) << UnicodeToUtf8(AExpr);
+  }
+
+  /// "code: message" of the EVnXPathException that AAction raises.
+  template <class F>
+  static std::string XPathFailure(F&& AAction) {
     try {
-      Eval(AExpr);
-      ADD_FAILURE() << "no exception";
-    } catch (const E& e) {
-      EXPECT_EQ(UnicodeToUtf8(e.Message()), UnicodeToUtf8(AMessage));
+      AAction();
+    } catch (const EVnXPathException& e) {
+      return UnicodeToUtf8(e.GetErrorCode() + u": " + e.Message());
     }
+    return "(nothing raised)";
   }
 
   /// Evaluates AExpr, expecting EVnXPathException with code ACode.
   void ExpectXPathError(std::u16string_view AExpr, std::u16string_view ACode, std::u16string_view AMessage) {
-    SCOPED_TRACE(UnicodeToUtf8(AExpr));
-    try {
-      Eval(AExpr);
-      ADD_FAILURE() << "no exception";
-    } catch (const EVnXPathException& e) {
-      EXPECT_EQ(UnicodeToUtf8(e.GetErrorCode()), UnicodeToUtf8(ACode));
-      EXPECT_EQ(UnicodeToUtf8(e.Message()), UnicodeToUtf8(AMessage));
-    }
+    EXPECT_EQ(XPathFailure([&] { Eval(AExpr); }), UnicodeToUtf8(UnicodeString(ACode) + u": " + UnicodeString(AMessage)))
+        << UnicodeToUtf8(AExpr);
   }
 
   TVnDOMDocument FDoc;
   TVnDOMElement* FItem = nullptr;
-};
-
-struct ValueCase {
-  const char16_t* Expr;
-  const char* Expected;
 };
 
 }  // namespace vn::testing

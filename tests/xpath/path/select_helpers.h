@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include "common/message_of.h"
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_path.h"
@@ -39,12 +41,7 @@ inline UnicodeString Sel(TVnDOMNode* ANode, std::u16string_view APath, TVnDOMSel
 /// Runs AAction and expects an exception of class E whose message is AMessage.
 template <class E, class F>
 void ExpectError(F&& AAction, std::u16string_view AMessage) {
-  try {
-    AAction();
-    ADD_FAILURE() << "no exception";
-  } catch (const E& e) {
-    EXPECT_EQ(e.Message(), AMessage);
-  }
+  EXPECT_EQ(MessageOf<E>(AAction), AMessage);
 }
 
 }  // namespace vn::test
