@@ -45,12 +45,12 @@ TVnJSONBase::~TVnJSONBase() {
 }
 
 void TVnJSONBase::InsertObject(TVnJSONBase* AChild) {
-  FObjects.push_back(AChild);
+  Kids().push_back(AChild);
   AChild->_AddRef();
 }
 
 void TVnJSONBase::RemoveObject(TVnJSONBase* AChild) {
-  int64_t i = FObjects.IndexOf(AChild, true);
+  int64_t i = Kids().IndexOf(AChild, true);
   if (i < 0) return;
   FObjects.erase(static_cast<uint32_t>(i));
   // Counted down by hand: a node in a tree never frees itself here, FreeObject decides.
@@ -69,6 +69,7 @@ void TVnJSONBase::FreeObject() {
 }
 
 void TVnJSONBase::DestroyObjects() {
+  FStore = nullptr;  // children still in records are nodes of nobody: nothing to free
   if (!FDestroyChilds || FObjects.empty()) {
     FObjects.clear();
     ChildrenCleared();
@@ -191,7 +192,7 @@ TVnJSONBase* TVnJSONBase::Item(Integer) { NotSupported(u"Item"); }
 
 TVnJSONBase* TVnJSONBase::CheckedChild(Integer AIndex) const {
   if (AIndex < 0 || AIndex >= ChildCount()) throw EListError(cRtlListIndexError, {AIndex});
-  return FObjects[static_cast<uint32_t>(AIndex)];
+  return Kids()[static_cast<uint32_t>(AIndex)];
 }
 
 // ---- interface forms ----
