@@ -20,12 +20,18 @@ namespace vn::detail {
 class JSONTreeBuilder {
  public:
   JSONTreeBuilder(TVnJSONDocument& ADoc, TVnJSONTextParser& AParser, NodePool& APool, size_t ATextHint)
-      : FDoc(ADoc), FParser(AParser), FPool(APool), FUtf8(AParser.GetCharacterSetType() == csUTF8) {
+      : FDoc(ADoc),
+        FParser(AParser),
+        FPool(APool),
+        FUtf8(AParser.GetCharacterSetType() == csUTF8),
+        FStore(new JSONStore(FUtf8 ? 1 : 2)) {
     // Raw text is never longer than the input in code units: one block of that size is seldom
     // outgrown, and the pages it never writes cost nothing.
-    FWidth = FUtf8 ? 1 : 2;
-    Reserve(std::max<size_t>(ATextHint, 64));
+    FStore->ReserveText(std::max<size_t>(ATextHint, 64));
   }
+  ~JSONTreeBuilder() { FStore->Release(); }
+  JSONTreeBuilder(const JSONTreeBuilder&) = delete;
+  JSONTreeBuilder& operator=(const JSONTreeBuilder&) = delete;
 
   void StartDocument() {}
   void EndDocument() {}
@@ -90,11 +96,7 @@ class JSONTreeBuilder {
   void Finish() {
     while (!FOpen.empty()) Close();
     if (!FHasRoot) return;
-    auto* chunks = static_cast<JSONRec**>(FPool.Allocate(sizeof(JSONRec*) * FChunks.size()));
-    std::copy(FChunks.begin(), FChunks.end(), chunks);
-    auto* store = static_cast<JSONStore*>(FPool.Allocate(sizeof(JSONStore)));
-    *store = JSONStore{chunks, FText, &FPool, FWidth};
-    TVnJSONBase* root = JSONLazy::NewContainer(*store, FRoot);
+    TVnJSONBase* root = JSONLazy::NewContainer(FPool, *FStore, FRoot);
     JSONLazy::Counted(root, &FDoc);
     FDoc.FObjects.push_back(root);
   }
@@ -118,7 +120,7 @@ class JSONTreeBuilder {
       // A container at the top replaces the document's root.
       FDoc.DestroyObjects();
       FHasRoot = true;
-      FRoot = FCount;
+      FRoot = FStore->Count();
     } else {
       ++FOpen.back().Count;
     }
@@ -134,50 +136,14 @@ class JSONTreeBuilder {
     } else {
       At(level.Rec).Length = level.Count;
     }
-    At(level.Rec).Next = FCount;
+    At(level.Rec).Next = FStore->Count();
   }
 
-  JSONRec& At(uint32_t AIndex) noexcept {
-    return FChunks[AIndex >> JSONStore::kChunkShift][AIndex & JSONStore::kChunkMask];
-  }
+  JSONRec& At(uint32_t AIndex) noexcept { return FStore->At(AIndex); }
+  uint32_t Add(JSONNodeClass AClass) { return FStore->Add(AClass); }
+  void* Room(JSONRec& ARec, size_t AUnits) { return FStore->Room(ARec, AUnits); }
 
-  // A new record at the end; a simple value's Next is the record after it.
-  uint32_t Add(JSONNodeClass AClass) {
-    if ((FCount & JSONStore::kChunkMask) == 0) {
-      if (FCount == UINT32_MAX) throw std::bad_alloc();
-      FChunks.push_back(static_cast<JSONRec*>(FPool.Allocate(sizeof(JSONRec) << JSONStore::kChunkShift)));
-    }
-    const uint32_t index = FCount++;
-    At(index) = JSONRec{0, 0, FCount, AClass, static_cast<uint8_t>(jdtNull), JSONText::kPlainUnknown, 0};
-    return index;
-  }
-
-  JSONText TextOf(const JSONRec& ARec) const noexcept {
-    JSONText t;
-    t.Data = FText + size_t{ARec.Text} * FWidth;
-    t.Length = ARec.Length;
-    t.Width = FWidth;
-    return t;
-  }
-
-  void Reserve(size_t AUnits) {
-    if (AUnits > UINT32_MAX) throw std::bad_alloc();
-    auto* block = static_cast<char*>(FPool.Allocate(AUnits * FWidth));
-    if (FTextUsed) std::memcpy(block, FText, size_t{FTextUsed} * FWidth);
-    FText = block;
-    FTextCap = AUnits;
-  }
-
-  // Appends AUnits code units to the text block and points ARec at them.
-  void* Room(JSONRec& ARec, size_t AUnits) {
-    if (FTextUsed + AUnits > FTextCap) Reserve(std::max(FTextCap * 2, FTextUsed + AUnits));
-    ARec.Text = static_cast<uint32_t>(FTextUsed);
-    ARec.Length = static_cast<uint32_t>(AUnits);
-    ARec.Flags = JSONRec::kHasText;
-    void* p = FText + FTextUsed * FWidth;
-    FTextUsed += AUnits;
-    return p;
-  }
+  JSONText TextOf(const JSONRec& ARec) const noexcept { return FStore->TextOf(ARec); }
 
   template <class U>
   static bool NeedsCheck(std::basic_string_view<U> AText) {
@@ -198,7 +164,7 @@ class JSONTreeBuilder {
   }
 
   void Copy(JSONRec& ARec, std::u16string_view AText) {
-    VnAssert(FWidth == 2, cJSONLoadTextWidth);
+    VnAssert(FStore->Width() == 2, cJSONLoadTextWidth);
     void* p = Room(ARec, AText.size());
     if (!AText.empty()) std::memcpy(p, AText.data(), AText.size() * 2);
   }
@@ -207,13 +173,9 @@ class JSONTreeBuilder {
   TVnJSONTextParser& FParser;
   NodePool& FPool;
   bool FUtf8;
-  uint8_t FWidth;
+  JSONStore* FStore;  // the loader's count on it
   bool FHasRoot = false;
   uint32_t FRoot = 0;
-  uint32_t FCount = 0;
-  std::vector<JSONRec*> FChunks;
-  char* FText = nullptr;
-  size_t FTextUsed = 0, FTextCap = 0;
   std::vector<Level> FOpen;
   std::u16string FBuffer;
 };

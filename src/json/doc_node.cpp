@@ -5,6 +5,7 @@
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/json_document.h"
+#include "json/doc_store.h"
 
 namespace vn {
 
@@ -69,7 +70,7 @@ void TVnJSONBase::FreeObject() {
 }
 
 void TVnJSONBase::DestroyObjects() {
-  FStore = nullptr;  // children still in records are nodes of nobody: nothing to free
+  detail::JSONLazy::DropRecords(*this);  // children still in records are no nodes yet
   if (!FDestroyChilds || FObjects.empty()) {
     FObjects.clear();
     ChildrenCleared();
@@ -89,6 +90,7 @@ void TVnJSONBase::DestroyObjects() {
       node->SetAutoDestroy(true);
       continue;
     }
+    detail::JSONLazy::DropRecords(*node);
     if (node->FDestroyChilds && !node->FObjects.empty()) {
       work.insert(work.end(), node->FObjects.begin(), node->FObjects.end());
       node->FObjects.clear();

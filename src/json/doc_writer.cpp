@@ -157,6 +157,9 @@ class Walker {
           // a container nobody opened: its records, in order
           const uint32_t rec = f.NextRec;
           f.NextRec = f.Store->At(rec).Next;
+          if constexpr (std::is_same_v<Out, Utf8Output>) {
+            if (!FFormatted && PlainRecord(*f.Store, rec, i != 0)) continue;
+          }
           if (i) FOut.Ascii(", ");
           OpenRecord(*f.Store, rec, level + 1, i == 0);
           continue;
@@ -239,6 +242,42 @@ class Walker {
     } else {
       FOut.Ascii(AKind == Kind::Object ? "{" : "[");
     }
+  }
+
+  // Compact UTF-8 output of the commonest record, a plain simple value or a member holding one,
+  // with its separator in one piece; false, having written nothing, for anything else.
+  bool PlainRecord(const JSONStore& AStore, uint32_t ARec, bool ASeparator) {
+    const JSONRec* value = &AStore.At(ARec);
+    const JSONRec* name = nullptr;
+    if (value->Class == JSONNodeClass::Member) {
+      if (value->Plain != JSONText::kPlainYes || AStore.Width() != 1) return false;
+      name = value;
+      value = &AStore.At(ARec + 1);
+    }
+    if (value->Class != JSONNodeClass::Simple || value->Plain != JSONText::kPlainYes) return false;
+    const JSONText v = AStore.TextOf(*value);
+    if (!v.IsSet() || v.Width != 1) return false;
+    const bool quoted = value->Type == jdtString;
+    const size_t size = 2 + (name ? name->Length + 4 : 0) + v.Length + 2;
+    char* o = FOut.Reserve(size);
+    if (ASeparator) {
+      o[0] = ',';
+      o[1] = ' ';
+      o += 2;
+    }
+    if (name) {
+      *o++ = '"';
+      std::memcpy(o, AStore.TextOf(*name).Data, name->Length);
+      o += name->Length;
+      std::memcpy(o, "\": ", 3);
+      o += 3;
+    }
+    if (quoted) *o++ = '"';
+    std::memcpy(o, v.Data, v.Length);
+    o += v.Length;
+    if (quoted) *o++ = '"';
+    FOut.Advance(o);
+    return true;
   }
 
   // Open for a record: what Open does for the node the record would become.
