@@ -18,6 +18,10 @@
 // - A top-level value loaded into an object with no member yet raises EVnJSONException 0
 //   "oeps?", as a load into a value that cannot hold it does.
 // - Deep trees are freed, copied and saved without recursion.
+// - A loaded container makes the nodes of its children when it is first opened (Child,
+//   ChildArray, Item, a member lookup, a path step, an edit); ChildCount and saving open
+//   nothing. Reading can therefore change the tree's memory: a tree is used by one thread at a
+//   time, for reading too.
 // - CreateNodeList and SelectSingleNode take their raise flag as a bool only, so that an option
 //   set such as {jsoRaise} (whose first value is 0) is never read as the flag false.
 #pragma once
