@@ -27,7 +27,7 @@ static_assert(sizeof(JSONRec) == 16);
 /// The records and text of one load, on the heap apart from the load's pool: pool blocks grow
 /// to huge pages, of which a small tree would leave most unused. Counted by the containers that
 /// still hold records; nodes made from records copy their text into the pool.
-class JSONStore {
+struct JSONStore {
  public:
   static constexpr uint32_t kChunkShift = 12, kChunkMask = (1u << kChunkShift) - 1;
 
