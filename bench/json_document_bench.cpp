@@ -2,11 +2,14 @@
 // nlohmann-json and simdjson (when installed), one file at a time so that the runs interleave:
 //   load/...            text in memory to a tree, the tree freed again (RapidJSON
 //                       Document::Parse, nlohmann::json::parse, simdjson's DOM parser)
+//   load_walk/...       the same, then every node visited once (vnxml makes the nodes of its
+//                       loaded containers on first access: this is the load with all of them)
 //   save_compact/...    the tree to compact UTF-8 (RapidJSON Writer, nlohmann dump())
 //   save_formatted/...  the tree to formatted UTF-8 (RapidJSON PrettyWriter, nlohmann dump(2))
 //   memory/...          peak resident memory of a process that holds the loaded tree, less that
 //                       of a process that holds only the text, as a multiple of the text's size;
-//                       each library in a process of its own (this program, run again).
+//                       each library in a process of its own (this program, run again);
+//                       vnxml-open holds the tree with every container opened.
 #include <benchmark/benchmark.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -17,6 +20,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "bench_data.h"
 #include "vnxml/common/vn_streams.h"
@@ -89,6 +93,30 @@ void BM_vnxml_save(benchmark::State& state, const char* file, bool formatted) {
   state.counters["out"] = static_cast<double>(out.GetSize());
 }
 
+// Visits every node, counting them, as a caller walking the whole tree does.
+size_t WalkAll(vn::TVnJSONBase* ARoot) {
+  size_t count = 0;
+  std::vector<vn::TVnJSONBase*> work{ARoot};
+  while (!work.empty()) {
+    vn::TVnJSONBase* n = work.back();
+    work.pop_back();
+    ++count;
+    for (vn::Integer i = 0, k = n->ChildCount(); i < k; ++i) work.push_back(n->Child(i));
+  }
+  return count;
+}
+
+void BM_vnxml_load_walk(benchmark::State& state, const char* file) {
+  const std::string& text = Text(file);
+  if (text.empty()) return state.SkipWithError("corpus file missing");
+  for (auto _ : state) {
+    vn::TVnJSONDocument doc;
+    LoadInto(doc, text);
+    benchmark::DoNotOptimize(WalkAll(&doc));
+  }
+  Bytes(state, text);
+}
+
 // ---- peers ----
 
 #ifdef VNXML_HAVE_RAPIDJSON
@@ -99,6 +127,31 @@ void BM_rapidjson_load(benchmark::State& state, const char* file) {
     doc.Parse(text.c_str(), text.size());
     if (doc.HasParseError()) return state.SkipWithError("rapidjson failed");
     benchmark::DoNotOptimize(&doc);
+  }
+  Bytes(state, text);
+}
+
+size_t WalkAll(const rapidjson::Value& ARoot) {
+  size_t count = 0;
+  std::vector<const rapidjson::Value*> work{&ARoot};
+  while (!work.empty()) {
+    const rapidjson::Value* v = work.back();
+    work.pop_back();
+    ++count;
+    if (v->IsObject())
+      for (auto& m : v->GetObject()) work.push_back(&m.value);
+    else if (v->IsArray())
+      for (auto& e : v->GetArray()) work.push_back(&e);
+  }
+  return count;
+}
+
+void BM_rapidjson_load_walk(benchmark::State& state, const char* file) {
+  const std::string& text = Text(file);
+  for (auto _ : state) {
+    rapidjson::Document doc;
+    doc.Parse(text.c_str(), text.size());
+    benchmark::DoNotOptimize(WalkAll(doc));
   }
   Bytes(state, text);
 }
@@ -190,9 +243,10 @@ long PeakKiB() {
     std::fclose(in);
   }
   while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.pop_back();
-  if (lib == "vnxml") {
+  if (lib == "vnxml" || lib == "vnxml-open") {
     auto* doc = new vn::TVnJSONDocument;
     LoadInto(*doc, text);
+    if (lib == "vnxml-open") WalkAll(doc);
 #ifdef VNXML_HAVE_RAPIDJSON
   } else if (lib == "rapidjson") {
     auto* doc = new rapidjson::Document;
@@ -274,6 +328,10 @@ int RegisterAll() {
 #ifdef VNXML_HAVE_SIMDJSON
     add("load/simdjson" + f, BM_simdjson_load, file);
 #endif
+    add("load_walk/vnxml" + f, BM_vnxml_load_walk, file);
+#ifdef VNXML_HAVE_RAPIDJSON
+    add("load_walk/rapidjson" + f, BM_rapidjson_load_walk, file);
+#endif
     add("save_compact/vnxml" + f, BM_vnxml_save, file, false);
     add("save_formatted/vnxml" + f, BM_vnxml_save, file, true);
 #ifdef VNXML_HAVE_RAPIDJSON
@@ -286,7 +344,7 @@ int RegisterAll() {
 #endif
   }
   for (const char* file : kFiles)
-    for (const char* lib : {"vnxml", "rapidjson", "nlohmann", "simdjson"}) {
+    for (const char* lib : {"vnxml", "vnxml-open", "rapidjson", "nlohmann", "simdjson"}) {
       benchmark::RegisterBenchmark((std::string("memory/") + lib + "/" + file).c_str(), BM_memory, lib, file)
           ->Iterations(1)
           ->Unit(benchmark::kMillisecond);

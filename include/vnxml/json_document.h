@@ -18,6 +18,10 @@
 // - A top-level value loaded into an object with no member yet raises EVnJSONException 0
 //   "oeps?", as a load into a value that cannot hold it does.
 // - Deep trees are freed, copied and saved without recursion.
+// - A loaded container makes the nodes of its children when it is first opened (Child,
+//   ChildArray, Item, a member lookup, a path step, an edit); ChildCount and saving open
+//   nothing. Reading can therefore change the tree's memory: a tree is used by one thread at a
+//   time, for reading too.
 // - CreateNodeList and SelectSingleNode take their raise flag as a bool only, so that an option
 //   set such as {jsoRaise} (whose first value is 0) is never read as the flag false.
 #pragma once
@@ -184,6 +188,8 @@ struct IVnJSONDocument : IVnObject {
 
 namespace detail {
 class JSONTreeBuilder;
+class JSONLazy;
+struct JSONStore;
 /// Which of the library's classes a node is (or descends from): a tag read where a walk over
 /// many nodes would otherwise ask the class system.
 enum class JSONNodeClass : uint8_t { Base, Simple, Member, Object, Array, Document };
@@ -237,11 +243,13 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   void DestroyObjects();
   TVnJSONDocument* GetDocument();
   /// The child at AIndex without the kind's check (what Item checks for containers).
-  TVnJSONBase* Child(Integer AIndex) const { return FObjects[static_cast<uint32_t>(AIndex)]; }
-  Integer ChildCount() const noexcept { return static_cast<Integer>(FObjects.size()); }
+  TVnJSONBase* Child(Integer AIndex) const { return Kids()[static_cast<uint32_t>(AIndex)]; }
+  Integer ChildCount() const noexcept {
+    return FStore ? LazyCount() : static_cast<Integer>(FObjects.size());
+  }
   detail::JSONNodeClass NodeClass() const noexcept { return FNodeClass; }
   /// The children in order, ChildCount() of them; valid until the list changes.
-  TVnJSONBase* const* ChildArray() const noexcept { return FObjects.begin(); }
+  TVnJSONBase* const* ChildArray() const { return Kids().begin(); }
 
   // ---- the operations of the family, in slot order ----
   virtual void InsertObject(TVnJSONBase* AChild);
@@ -349,14 +357,28 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   /// A child of the kind: an object, an array, or (any other kind) a simple value.
   TVnJSONBase* CreateValueNode(TVnJSONDataType AKind);
 
+  /// The child list, made first from the load's records when this container has not been
+  /// opened yet.
+  detail::PtrVector<TVnJSONBase>& Kids() const {
+    if (FStore) Expand();
+    return const_cast<detail::PtrVector<TVnJSONBase>&>(FObjects);
+  }
+
   TVnJSONBase* FOwner = nullptr;
   detail::PtrVector<TVnJSONBase> FObjects;
+  // A loaded container that nobody opened yet: its children are still records of the load
+  // (FRec in FStore) and become nodes on first access.
+  detail::JSONStore* FStore = nullptr;
+  uint32_t FRec = 0;
   TVnJSONDataType FJSONType = jdtNull;
   bool FDestroyChilds = true;
   detail::JSONNodeClass FNodeClass = detail::JSONNodeClass::Base;
 
  private:
   friend class detail::JSONTreeBuilder;
+  friend class detail::JSONLazy;
+  Integer LazyCount() const noexcept;
+  void Expand() const;
   friend class detail::JSONWriter;
   friend class TVnJSONMember;
   friend class TVnJSONArray;
@@ -367,6 +389,7 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
 
 class TVnJSONSimpleType : public TVnJSONBase, public IVnJSONSimpleType {
   friend class TVnJSONBase;
+  friend class detail::JSONLazy;
   VN_DECLARE_CLASS(TVnJSONSimpleType, TVnJSONBase)
   VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONSimpleType)
 
@@ -413,6 +436,7 @@ class TVnJSONSimpleType : public TVnJSONBase, public IVnJSONSimpleType {
 
 class TVnJSONMember : public TVnJSONBase, public IVnJSONMember {
   friend class TVnJSONBase;
+  friend class detail::JSONLazy;
   VN_DECLARE_CLASS(TVnJSONMember, TVnJSONBase)
   VN_JSON_NODE_INTERFACE(TVnJSONBase, IVnJSONMember)
 
@@ -489,7 +513,10 @@ class TVnJSONObject : public TVnJSONBase, public IVnJSONObject {
   TVnJSONMember* FindMember(std::u16string_view AName, bool ACaseInsensitive = false) override;
   TVnJSONMember* GetMember(std::u16string_view AName, TVnJDOCSelectOptions AOptions = {}) override;
   TVnJSONBase* Item(Integer AIndex) override;
-  TVnJSONMember* GetLastMember() const noexcept { return FLastMember; }
+  TVnJSONMember* GetLastMember() const {
+    Kids();
+    return FLastMember;
+  }
   void ChildrenCleared() override { FLastMember = nullptr; }
   /// "#/" and the member names from the root down to this object, joined by "/".
   UnicodeString GetPath();
@@ -504,6 +531,7 @@ class TVnJSONObject : public TVnJSONBase, public IVnJSONObject {
 
  private:
   friend class detail::JSONTreeBuilder;
+  friend class detail::JSONLazy;
   TVnJSONMember* FLastMember = nullptr;
 };
 

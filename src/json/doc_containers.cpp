@@ -98,7 +98,7 @@ void TVnJSONObject::RemoveMember(TVnJSONMember* AMember) { AMember->FreeObject()
 
 TVnJSONMember* TVnJSONObject::FindMember(std::u16string_view AName, bool ACaseInsensitive) {
   UnicodeString name;
-  for (TVnJSONBase* child : FObjects) {
+  for (TVnJSONBase* child : Kids()) {
     auto* member = static_cast<TVnJSONMember*>(child);  // an object holds members only
     if (member->RawName().Equals(AName, ACaseInsensitive)) return member;
   }
@@ -183,7 +183,7 @@ TVnJSONBase* TVnJSONArray::Item(Integer AIndex) { return CheckedChild(AIndex); }
 void TVnJSONArray::Exchange(Integer AIndex1, Integer AIndex2) {
   TVnJSONBase* a = CheckedChild(AIndex1);
   TVnJSONBase* b = CheckedChild(AIndex2);
-  TVnJSONBase** items = FObjects.begin();
+  TVnJSONBase** items = Kids().begin();
   items[AIndex1] = b;
   items[AIndex2] = a;
 }

@@ -1,8 +1,9 @@
-// The fast road of a document load: the reading loop calls this builder directly, which carves
-// nodes and their raw text out of a pool of the load. The children of an open container wait
-// in one shared list and move into an array of their final size when it closes. Every step
+// The fast road of a document load: the reading loop calls this builder directly, which writes
+// one record per value and member and copies raw text into one block, all in a pool of the
+// load; the document gets one root node that opens into nodes on first access. Every step
 // mirrors what TVnJSONHandler does through the node operations, so both roads leave the same
 // tree, also after a failure (the open levels are closed as they stand).
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "json/doc_load.h"
 #include "json/doc_messages.h"
 #include "json/doc_plain.h"
+#include "json/doc_store.h"
 #include "json/json_read_loop.h"
 #include "vnxml/json_handler.h"
 
@@ -17,131 +19,131 @@ namespace vn::detail {
 
 class JSONTreeBuilder {
  public:
-  JSONTreeBuilder(TVnJSONDocument& ADoc, TVnJSONTextParser& AParser, NodePool& APool)
-      : FDoc(ADoc), FParser(AParser), FPool(APool), FUtf8(AParser.GetCharacterSetType() == csUTF8) {}
+  JSONTreeBuilder(TVnJSONDocument& ADoc, TVnJSONTextParser& AParser, NodePool& APool, size_t ATextHint)
+      : FDoc(ADoc),
+        FParser(AParser),
+        FPool(APool),
+        FUtf8(AParser.GetCharacterSetType() == csUTF8),
+        FStore(new JSONStore(FUtf8 ? 1 : 2)) {
+    // Raw text is never longer than the input in code units: one block of that size is seldom
+    // outgrown, and the pages it never writes cost nothing.
+    FStore->ReserveText(std::max<size_t>(ATextHint, 64));
+  }
+  ~JSONTreeBuilder() { FStore->Release(); }
+  JSONTreeBuilder(const JSONTreeBuilder&) = delete;
+  JSONTreeBuilder& operator=(const JSONTreeBuilder&) = delete;
 
   void StartDocument() {}
   void EndDocument() {}
-  void StartObject() { Open(new (FPool) TVnJSONObject()); }
-  void StartArray() { Open(new (FPool) TVnJSONArray()); }
+  void StartObject() { Open(JSONNodeClass::Object); }
+  void StartArray() { Open(JSONNodeClass::Array); }
   void EndObject() { Close(); }
   void EndArray() { Close(); }
   void EndMember() { Close(); }
 
   template <class U>
   void StartMember(std::basic_string_view<U> AName) {
-    if (FOpen.empty() || FOpen.back().Node->NodeClass() != JSONNodeClass::Object)
+    if (FOpen.empty() || FOpen.back().Class != JSONNodeClass::Object)
       throw Exception(UnicodeString(cJSONInvalidObjectType));
-    auto* member = new (FPool) TVnJSONMember();
-    member->FName = Copy(AName);
-    member->FName.Plain = IsPlain(member->FName, false) ? JSONText::kPlainYes : JSONText::kPlainNo;
-    Adopt(member, FOpen.back().Node);
-    FOpen.push_back({member, FPending.size()});
+    ++FOpen.back().Count;
+    const uint32_t index = Add(JSONNodeClass::Member);
+    JSONRec& rec = At(index);
+    Copy(rec, AName);
+    rec.Plain = IsPlain(TextOf(rec), false) ? JSONText::kPlainYes : JSONText::kPlainNo;
+    FOpen.push_back({index, 0, JSONNodeClass::Member});
   }
 
   template <class U>
   void Value(TVnJSONSimpleDataType AKind, std::basic_string_view<U> AText) {
-    TVnJSONBase* parent = ValueParent();
-    auto* simple = new (FPool) TVnJSONSimpleType();
+    Level& parent = ValueParent();
+    ++parent.Count;
     // Made before the text is checked, as the handler's road does: an array gives its values
     // their kind at once, a member's value gets it with the text.
-    if (parent->NodeClass() == JSONNodeClass::Array) simple->FJSONType = AKind;
-    Adopt(simple, parent);
+    const bool inArray = parent.Class == JSONNodeClass::Array;
+    const uint32_t index = Add(JSONNodeClass::Simple);
+    At(index).Type = inArray ? static_cast<uint8_t>(AKind) : static_cast<uint8_t>(jdtNull);
     if (AKind == jdtNumber) {
       // The reader hands over a run of "+-.0123456789Ee" only: plain, nothing to decode.
-      simple->FRaw = Copy(AText);
-      simple->FRaw.Plain = JSONText::kPlainYes;
+      Copy(At(index), AText);
+      At(index).Plain = JSONText::kPlainYes;
     } else if (AKind == jdtString) {
       // Plain text holds only the escapes of "\"\\/bfnrt", which decode without fail: only
       // other text needs the decoder's check.
-      JSONText raw = Copy(AText);
-      raw.Plain = IsPlain(raw, true) ? JSONText::kPlainYes : JSONText::kPlainNo;
-      if (raw.Plain != JSONText::kPlainYes && NeedsCheck(AText)) {
+      JSONRec probe{};
+      Copy(probe, AText);
+      const bool plain = IsPlain(TextOf(probe), true);
+      if (!plain && NeedsCheck(AText)) {
         std::u16string_view wide = SpanView(FParser, AText, FBuffer);
         CheckJSONText(wide, AKind);
       }
-      simple->FRaw = raw;
+      JSONRec& rec = At(index);
+      rec.Text = probe.Text;
+      rec.Length = probe.Length;
+      rec.Flags = probe.Flags;
+      rec.Plain = plain ? JSONText::kPlainYes : JSONText::kPlainNo;
     } else {
-      simple->FRaw = Literal(AKind, AText.size());
-      simple->FRaw.Plain = JSONText::kPlainYes;
+      // The reader matched the letters, so the text is the literal itself: no copy is kept.
+      JSONRec& rec = At(index);
+      rec.Flags = JSONRec::kLiteral;
+      rec.Length = AKind == jdtNull || AText.size() == 4 ? 4 : 5;
+      rec.Plain = JSONText::kPlainYes;
     }
-    simple->FJSONType = AKind;
+    At(index).Type = static_cast<uint8_t>(AKind);
   }
 
-  /// Closes what is still open (after a failure) as the handler's road leaves it.
+  /// Closes what is still open (after a failure) as the handler's road leaves it, and gives
+  /// the document its root.
   void Finish() {
     while (!FOpen.empty()) Close();
+    if (!FHasRoot) return;
+    TVnJSONBase* root = JSONLazy::NewContainer(FPool, *FStore, FRoot);
+    JSONLazy::Counted(root, &FDoc);
+    FDoc.FObjects.push_back(root);
   }
 
  private:
   struct Level {
-    TVnJSONBase* Node;
-    size_t PendingStart;
+    uint32_t Rec;
+    uint32_t Count;  // children so far
+    JSONNodeClass Class;
   };
 
-  // The node that takes a value or container: an array, or a member of an open object. A
+  // The level that takes a value or container: an array, or a member of an open object. A
   // document takes no simple value, as the handler's table says.
-  TVnJSONBase* ValueParent() {
+  Level& ValueParent() {
     if (FOpen.empty()) throw EVnJSONException(0, UnicodeString(cJSONHandlerOops));
-    return FOpen.back().Node;
+    return FOpen.back();
   }
 
-  void Open(TVnJSONBase* ANode) {
+  void Open(JSONNodeClass AClass) {
     if (FOpen.empty()) {
       // A container at the top replaces the document's root.
       FDoc.DestroyObjects();
-      ANode->FOwner = &FDoc;
-      Counted(ANode);
-      FDoc.FObjects.push_back(ANode);
+      FHasRoot = true;
+      FRoot = FStore->Count();
     } else {
-      Adopt(ANode, FOpen.back().Node);
+      ++FOpen.back().Count;
     }
-    FOpen.push_back({ANode, FPending.size()});
+    FOpen.push_back({Add(AClass), 0, AClass});
   }
 
   void Close() {
     Level level = FOpen.back();
     FOpen.pop_back();
-    TVnJSONBase* node = level.Node;
-    auto count = static_cast<uint32_t>(FPending.size() - level.PendingStart);
-    if (node->NodeClass() == JSONNodeClass::Member && count == 0) {
+    if (level.Class == JSONNodeClass::Member) {
       // A member whose value never came (the text failed first) keeps the null placeholder.
-      auto* placeholder = new (FPool) TVnJSONSimpleType();
-      Adopt(placeholder, node);
-      count = 1;
+      if (level.Count == 0) Add(JSONNodeClass::Simple);
+    } else {
+      At(level.Rec).Length = level.Count;
     }
-    if (count) {
-      node->FObjects.reserve(count, &FPool);
-      node->FObjects.append_reserved(FPending.data() + level.PendingStart, count);
-      FPending.resize(level.PendingStart);
-      if (node->NodeClass() == JSONNodeClass::Object)
-        static_cast<TVnJSONObject*>(node)->FLastMember = static_cast<TVnJSONMember*>(node->FObjects.back());
-      else if (node->NodeClass() == JSONNodeClass::Member)
-        static_cast<TVnJSONMember*>(node)->FValue = node->FObjects.back();
-    }
+    At(level.Rec).Next = FStore->Count();
   }
 
-  static void Counted(TVnJSONBase* ANode) {
-    ANode->FDestroyChilds = true;  // made without an owner, an array would think it lists a path result
-    ANode->SetAutoDestroy(false);
-    ANode->FRefCount = 1;  // the owner's reference
-  }
+  JSONRec& At(uint32_t AIndex) noexcept { return FStore->At(AIndex); }
+  uint32_t Add(JSONNodeClass AClass) { return FStore->Add(AClass); }
+  void* Room(JSONRec& ARec, size_t AUnits) { return FStore->Room(ARec, AUnits); }
 
-  void Adopt(TVnJSONBase* ANode, TVnJSONBase* AParent) {
-    ANode->FOwner = AParent;
-    Counted(ANode);
-    FPending.push_back(ANode);
-  }
-
-  // The reader matched the letters, so the text is the literal itself: no copy is kept.
-  static JSONText Literal(TVnJSONDataType AKind, size_t ALength) {
-    static constexpr char cNull[] = "null", cTrue[] = "true", cFalse[] = "false";
-    JSONText t;
-    t.Data = AKind == jdtNull ? cNull : ALength == 4 ? cTrue : cFalse;
-    t.Length = static_cast<uint32_t>(AKind == jdtNull || ALength == 4 ? 4 : 5);
-    t.Width = 1;
-    return t;
-  }
+  JSONText TextOf(const JSONRec& ARec) const noexcept { return FStore->TextOf(ARec); }
 
   template <class U>
   static bool NeedsCheck(std::basic_string_view<U> AText) {
@@ -150,43 +152,38 @@ class JSONTreeBuilder {
     return false;
   }
 
-  // The text into the pool: UTF-8 as it stands, any other one-byte code page decoded.
-  JSONText Copy(std::basic_string_view<uint8_t> AText) {
-    JSONText t;
+  // The text into the block: UTF-8 as it stands, any other one-byte code page decoded.
+  void Copy(JSONRec& ARec, std::basic_string_view<uint8_t> AText) {
     if (FUtf8) {
-      void* p = FPool.Allocate(AText.size() ? AText.size() : 1);
+      void* p = Room(ARec, AText.size());
       if (!AText.empty()) std::memcpy(p, AText.data(), AText.size());
-      t.Data = p;
-      t.Length = static_cast<uint32_t>(AText.size());
-      t.Width = 1;
-      return t;
+      return;
     }
     std::u16string_view wide = SpanView(FParser, AText, FBuffer);
-    return Copy(wide);
+    Copy(ARec, wide);
   }
 
-  JSONText Copy(std::u16string_view AText) {
-    JSONText t;
-    void* p = FPool.Allocate(AText.size() ? AText.size() * 2 : 2);
+  void Copy(JSONRec& ARec, std::u16string_view AText) {
+    VnAssert(FStore->Width() == 2, cJSONLoadTextWidth);
+    void* p = Room(ARec, AText.size());
     if (!AText.empty()) std::memcpy(p, AText.data(), AText.size() * 2);
-    t.Data = p;
-    t.Length = static_cast<uint32_t>(AText.size());
-    t.Width = 2;
-    return t;
   }
 
   TVnJSONDocument& FDoc;
   TVnJSONTextParser& FParser;
   NodePool& FPool;
   bool FUtf8;
+  JSONStore* FStore;  // the loader's count on it
+  bool FHasRoot = false;
+  uint32_t FRoot = 0;
   std::vector<Level> FOpen;
-  std::vector<TVnJSONBase*> FPending;
   std::u16string FBuffer;
 };
 
 namespace {
 struct FastLoad {
   TVnJSONDocument& Doc;
+  size_t TextHint;
   static void Run(TVnJSONReader& AReader, void* AContext) {
     auto& self = *static_cast<FastLoad*>(AContext);
     NodePool* pool = NodePool::Create();
@@ -194,7 +191,7 @@ struct FastLoad {
       NodePool* P;
       ~SealPool() { P->Seal(); }
     } seal{pool};
-    JSONTreeBuilder builder(self.Doc, *AReader.GetParser(), *pool);
+    JSONTreeBuilder builder(self.Doc, *AReader.GetParser(), *pool, self.TextHint);
     try {
       RunJSONReadLoop(AReader, builder);
     } catch (...) {
@@ -213,7 +210,8 @@ void LoadDocumentFast(TVnJSONDocument& ADoc, TStream& AStream, Word ACodePage) {
   handler->SetAutoDestroy(false);
   reader.SetContentHandler(IPtr<IVnJSONContentHandler>(static_cast<IVnJSONContentHandler*>(handler.get())));
   reader.SetErrorHandler(IPtr<IVnJSONErrorHandler>(static_cast<IVnJSONErrorHandler*>(handler.get())));
-  FastLoad context{ADoc};
+  const Int64 left = AStream.GetSize() - AStream.GetPosition();
+  FastLoad context{ADoc, left > 0 ? static_cast<size_t>(left) : 0};
   reader.SetLoopOverride({&FastLoad::Run, &context});
   struct Clear {
     TVnJSONReader& R;

@@ -5,6 +5,7 @@
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/json_document.h"
+#include "json/doc_store.h"
 
 namespace vn {
 
@@ -45,12 +46,12 @@ TVnJSONBase::~TVnJSONBase() {
 }
 
 void TVnJSONBase::InsertObject(TVnJSONBase* AChild) {
-  FObjects.push_back(AChild);
+  Kids().push_back(AChild);
   AChild->_AddRef();
 }
 
 void TVnJSONBase::RemoveObject(TVnJSONBase* AChild) {
-  int64_t i = FObjects.IndexOf(AChild, true);
+  int64_t i = Kids().IndexOf(AChild, true);
   if (i < 0) return;
   FObjects.erase(static_cast<uint32_t>(i));
   // Counted down by hand: a node in a tree never frees itself here, FreeObject decides.
@@ -69,6 +70,7 @@ void TVnJSONBase::FreeObject() {
 }
 
 void TVnJSONBase::DestroyObjects() {
+  detail::JSONLazy::DropRecords(*this);  // children still in records are no nodes yet
   if (!FDestroyChilds || FObjects.empty()) {
     FObjects.clear();
     ChildrenCleared();
@@ -88,6 +90,7 @@ void TVnJSONBase::DestroyObjects() {
       node->SetAutoDestroy(true);
       continue;
     }
+    detail::JSONLazy::DropRecords(*node);
     if (node->FDestroyChilds && !node->FObjects.empty()) {
       work.insert(work.end(), node->FObjects.begin(), node->FObjects.end());
       node->FObjects.clear();
@@ -191,7 +194,7 @@ TVnJSONBase* TVnJSONBase::Item(Integer) { NotSupported(u"Item"); }
 
 TVnJSONBase* TVnJSONBase::CheckedChild(Integer AIndex) const {
   if (AIndex < 0 || AIndex >= ChildCount()) throw EListError(cRtlListIndexError, {AIndex});
-  return FObjects[static_cast<uint32_t>(AIndex)];
+  return Kids()[static_cast<uint32_t>(AIndex)];
 }
 
 // ---- interface forms ----

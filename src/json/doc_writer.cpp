@@ -2,6 +2,7 @@
 // that decoding and encoding again would give unchanged is copied straight through.
 #include "json/doc_writer.h"
 #include "json/doc_plain.h"
+#include "json/doc_store.h"
 
 #include <bit>
 #include <cstring>
@@ -151,8 +152,19 @@ class Walker {
       Frame& f = FStack.back();
       if (f.Next < f.Count) {
         const uint32_t i = f.Next++;
-        TVnJSONBase* child = f.Items[i];
         const Integer level = f.Level;
+        if (f.Store) {
+          // a container nobody opened: its records, in order
+          const uint32_t rec = f.NextRec;
+          f.NextRec = f.Store->At(rec).Next;
+          if constexpr (std::is_same_v<Out, Utf8Output>) {
+            if (!FFormatted && PlainRecord(*f.Store, rec, i != 0)) continue;
+          }
+          if (i) FOut.Ascii(", ");
+          OpenRecord(*f.Store, rec, level + 1, i == 0);
+          continue;
+        }
+        TVnJSONBase* child = f.Items[i];
         if (f.Shape == Kind::Other) {
           Open(child, level, f.Indent);  // a document's children take its arguments unchanged
         } else {
@@ -175,8 +187,9 @@ class Walker {
  private:
   enum class Kind : uint8_t { Object, Array, Other };
   struct Frame {
-    TVnJSONBase* Node;
     TVnJSONBase* const* Items;  // the children, read once per container
+    const JSONStore* Store;     // or, for a container nobody opened, its records
+    uint32_t NextRec;
     uint32_t Count;
     uint32_t Next;
     Integer Level;
@@ -211,15 +224,85 @@ class Walker {
       kind = Kind::Object;
     else if (ANode->NodeClass() == JSONNodeClass::Array)
       kind = Kind::Array;
-    if (kind != Kind::Other) {
-      if (FFormatted) {
-        if (AIndent) Pad(ALevel);
-        FOut.Ascii(kind == Kind::Object ? "{ \r\n" : "[\r\n");
-      } else {
-        FOut.Ascii(kind == Kind::Object ? "{" : "[");
-      }
+    OpenBracket(kind, ALevel, AIndent);
+    uint32_t rec = 0;
+    if (const JSONStore* store = JSONLazy::StoreOf(*ANode, rec)) {
+      FStack.push_back({nullptr, store, rec + 1, static_cast<uint32_t>(store->At(rec).Length), 0, ALevel, kind, AIndent});
+      return;
     }
-    FStack.push_back({ANode, ANode->ChildArray(), static_cast<uint32_t>(ANode->ChildCount()), 0, ALevel, kind, AIndent});
+    FStack.push_back({ANode->ChildArray(), nullptr, 0, static_cast<uint32_t>(ANode->ChildCount()), 0, ALevel, kind,
+                      AIndent});
+  }
+
+  void OpenBracket(Kind AKind, Integer ALevel, bool AIndent) {
+    if (AKind == Kind::Other) return;
+    if (FFormatted) {
+      if (AIndent) Pad(ALevel);
+      FOut.Ascii(AKind == Kind::Object ? "{ \r\n" : "[\r\n");
+    } else {
+      FOut.Ascii(AKind == Kind::Object ? "{" : "[");
+    }
+  }
+
+  // Compact UTF-8 output of the commonest record, a plain simple value or a member holding one,
+  // with its separator in one piece; false, having written nothing, for anything else.
+  bool PlainRecord(const JSONStore& AStore, uint32_t ARec, bool ASeparator) {
+    const JSONRec* value = &AStore.At(ARec);
+    const JSONRec* name = nullptr;
+    if (value->Class == JSONNodeClass::Member) {
+      if (value->Plain != JSONText::kPlainYes || AStore.Width() != 1) return false;
+      name = value;
+      value = &AStore.At(ARec + 1);
+    }
+    if (value->Class != JSONNodeClass::Simple || value->Plain != JSONText::kPlainYes) return false;
+    const JSONText v = AStore.TextOf(*value);
+    if (!v.IsSet() || v.Width != 1) return false;
+    const bool quoted = value->Type == jdtString;
+    const size_t size = 2 + (name ? name->Length + 4 : 0) + v.Length + 2;
+    char* o = FOut.Reserve(size);
+    if (ASeparator) {
+      o[0] = ',';
+      o[1] = ' ';
+      o += 2;
+    }
+    if (name) {
+      *o++ = '"';
+      std::memcpy(o, AStore.TextOf(*name).Data, name->Length);
+      o += name->Length;
+      std::memcpy(o, "\": ", 3);
+      o += 3;
+    }
+    if (quoted) *o++ = '"';
+    std::memcpy(o, v.Data, v.Length);
+    o += v.Length;
+    if (quoted) *o++ = '"';
+    FOut.Advance(o);
+    return true;
+  }
+
+  // Open for a record: what Open does for the node the record would become.
+  void OpenRecord(const JSONStore& AStore, uint32_t ARec, Integer ALevel, bool AIndent) {
+    const JSONRec* rec = &AStore.At(ARec);
+    if (rec->Class == JSONNodeClass::Member) {
+      if (FFormatted && AIndent) Pad(ALevel);
+      Name(AStore.TextOf(*rec));
+      rec = &AStore.At(++ARec);  // a loaded member always has its value record
+      AIndent = false;
+    }
+    if (rec->Class == JSONNodeClass::Simple) {
+      if (FFormatted && AIndent) Pad(ALevel);
+      const JSONText raw = AStore.TextOf(*rec);
+      const auto type = static_cast<TVnJSONDataType>(rec->Type);
+      if (!raw.IsSet() || !RawValue(raw, type)) {
+        TVnJSONSimpleType value;  // a value whose text failed: as the node would write it
+        value.StoreVariant(Variant::Null(), type);
+        FOut.Text(value.ValueText());
+      }
+      return;
+    }
+    const Kind kind = rec->Class == JSONNodeClass::Object ? Kind::Object : Kind::Array;
+    OpenBracket(kind, ALevel, AIndent);
+    FStack.push_back({nullptr, &AStore, ARec + 1, rec->Length, 0, ALevel, kind, AIndent});
   }
 
   void Raw(const JSONText& AText) {
@@ -258,37 +341,44 @@ class Walker {
 
   void Value(TVnJSONSimpleType& ASimple) {
     const JSONText& raw = ASimple.RawValue();
-    if (!ASimple.HasVariant() && raw.IsSet()) {
-      switch (ASimple.GetJSONType()) {
-        case jdtString:
-          if (IsPlainText(raw, true)) return Framed("\"", raw, "\"");
-          if constexpr (std::is_same_v<Out, Utf8Output>) {
-            if (raw.Width == 1) {
-              auto* p = static_cast<const uint8_t*>(raw.Data);
-              char* o = FOut.Reserve(6 * static_cast<size_t>(raw.Length) + 2);
-              *o = '"';
-              if (char* end = TranscodeUtf8String(p, p + raw.Length, o + 1)) {
-                *end = '"';
-                FOut.Advance(end + 1);
-                return;
-              }
+    if (!ASimple.HasVariant() && raw.IsSet() && RawValue(raw, ASimple.GetJSONType())) return;
+    FOut.Text(ASimple.ValueText());
+  }
+
+  // Writes a loaded value from its raw text; false, having written nothing, for a kind that
+  // only the node writes.
+  bool RawValue(const JSONText& raw, TVnJSONDataType AType) {
+    switch (AType) {
+      case jdtString:
+        if (IsPlainText(raw, true)) {
+          Framed("\"", raw, "\"");
+          return true;
+        }
+        if constexpr (std::is_same_v<Out, Utf8Output>) {
+          if (raw.Width == 1) {
+            auto* p = static_cast<const uint8_t*>(raw.Data);
+            char* o = FOut.Reserve(6 * static_cast<size_t>(raw.Length) + 2);
+            *o = '"';
+            if (char* end = TranscodeUtf8String(p, p + raw.Length, o + 1)) {
+              *end = '"';
+              FOut.Advance(end + 1);
+              return true;
             }
           }
-          FOut.Ascii("\"");
-          FOut.Text(VnStrToJSON(VnJSONtoStr(raw.Wide(), jdtString)));
-          FOut.Ascii("\"");
-          return;
-        case jdtNumber:
-        case jdtBoolean:
-          if (IsPlainText(raw, false))
-            Raw(raw);
-          else
-            FOut.Text(VnJSONtoStr(raw.Wide(), ASimple.GetJSONType()));
-          return;
-        default: break;
-      }
+        }
+        FOut.Ascii("\"");
+        FOut.Text(VnStrToJSON(VnJSONtoStr(raw.Wide(), jdtString)));
+        FOut.Ascii("\"");
+        return true;
+      case jdtNumber:
+      case jdtBoolean:
+        if (IsPlainText(raw, false))
+          Raw(raw);
+        else
+          FOut.Text(VnJSONtoStr(raw.Wide(), AType));
+        return true;
+      default: return false;
     }
-    FOut.Text(ASimple.ValueText());
   }
 
   Out& FOut;

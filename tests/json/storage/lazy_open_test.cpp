@@ -1,0 +1,152 @@
+// A loaded document keeps records until a container is opened: output must not depend on which
+// containers were opened, nodes handed out keep their identity, and nodes taken out of a tree
+// keep what they need after the document is gone.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "vnxml/common/utf.h"
+#include "vnxml/common/vn_streams.h"
+#include "vnxml/json_document.h"
+
+namespace vn {
+namespace {
+
+// Opens every container below ANode, top down (the order a caller walking the tree takes).
+void OpenAll(TVnJSONBase* ANode) {
+  std::vector<TVnJSONBase*> work{ANode};
+  while (!work.empty()) {
+    TVnJSONBase* n = work.back();
+    work.pop_back();
+    for (Integer i = 0; i < n->ChildCount(); ++i) work.push_back(n->Child(i));
+  }
+}
+
+std::string Save(TVnJSONDocument& ADoc, bool AFormatted, Word ACodePage) {
+  TVnMemoryStream out;
+  ADoc.SaveToStream(out, AFormatted, ACodePage, false);
+  return std::string(static_cast<const char*>(out.GetMemory()), static_cast<size_t>(out.GetSize()));
+}
+
+void LoadBytes(TVnJSONDocument& ADoc, const std::string& AText, Word ACodePage) {
+  TVnMemoryStream in(AText.data(), static_cast<Int64>(AText.size()));
+  ADoc.LoadFromStream(in, ACodePage, false);
+}
+
+// A stream that claims to be one byte long: the load cannot size its text from it.
+class ShortSizedStream : public TStream {
+ public:
+  explicit ShortSizedStream(std::string AText) : FText(std::move(AText)) {}
+  Int64 Read(void* ABuffer, Int64 ACount) override {
+    const auto n = std::min<Int64>(ACount, static_cast<Int64>(FText.size()) - FPos);
+    if (n <= 0) return 0;
+    std::memcpy(ABuffer, FText.data() + FPos, static_cast<size_t>(n));
+    FPos += n;
+    return n;
+  }
+  Int64 Write(const void*, Int64) override { return 0; }
+  Int64 Seek(Int64 AOffset, TSeekOrigin AOrigin) override {
+    if (AOrigin == soBeginning) FPos = AOffset;
+    else if (AOrigin == soCurrent) FPos += AOffset;
+    else FPos = static_cast<Int64>(FText.size()) + AOffset;
+    return FPos;
+  }
+  Int64 GetSize() override { return 1; }
+
+ private:
+  std::string FText;
+  Int64 FPos = 0;
+};
+
+TEST(JsonStorage, OutputIsTheSameWhateverWasOpened) {
+  const char* const texts[] = {
+      R"({"a":[1,-2.5e3,true,false,null],"b":{"c":{},"d":[]},"e":"x\/y\n\u00e9\u4e2d","f":[[[]],{"g":"h"}]})",
+      R"([{"n\u00e4me":"caf\u00e9 \ud83d\ude00"},"\"q\"",[0,{"k":[1,{"z":null}]}]])",
+      "{\"utf8\":\"caf\xc3\xa9 \xe4\xb8\xad\",\"esc\":\"tab\\there\",\"\":\"\"}",
+  };
+  for (const char* text : texts) {
+    for (Word cp : {cVnCodePageUTF8, Word{1252}}) {
+      SCOPED_TRACE(std::string(text) + " @" + std::to_string(cp));
+      TVnJSONDocument lazy, open;
+      LoadBytes(lazy, text, cp);
+      LoadBytes(open, text, cp);
+      OpenAll(&open);
+      // half open: the root's first child only
+      TVnJSONDocument half;
+      LoadBytes(half, text, cp);
+      half.GetRootValue()->Child(0);
+      for (bool formatted : {false, true})
+        for (Word out : {cVnCodePageUTF8, cVnCodePageUTF16LE, Word{1252}}) {
+          const std::string expected = Save(open, formatted, out);
+          EXPECT_EQ(Save(lazy, formatted, out), expected) << formatted << " " << out;
+          EXPECT_EQ(Save(half, formatted, out), expected) << formatted << " " << out;
+        }
+      EXPECT_EQ(lazy.GetRootValue()->GetAsJSON(), open.GetRootValue()->GetAsJSON());
+    }
+  }
+}
+
+TEST(JsonStorage, OpenedNodesKeepIdentityAndTakeEdits) {
+  TVnJSONDocument doc(u"{\"a\":[1,{\"b\":2}],\"c\":\"d\"}");
+  TVnJSONBase* root = doc.GetRootValue();
+  EXPECT_EQ(root->ChildCount(), 2);  // counted from the records, nothing opened
+  TVnJSONBase* a = root->FindMember(u"a")->GetValueObj();
+  EXPECT_EQ(root->Child(0)->GetValueObj(), a);
+  EXPECT_EQ(a->Item(1), a->Child(1));
+  EXPECT_EQ(static_cast<TVnJSONObject*>(root)->GetLastMember(), root->Child(1));
+  EXPECT_EQ(a->Item(1)->GetOwner(), a);
+  a->Item(1)->FindMember(u"b")->SetAsInteger(3);
+  a->AddValue(jdtString, u"new");
+  root->AddMember(u"e", jdtNull);
+  root->DeleteMember(1);
+  EXPECT_EQ(doc.GetAsJSON(), u"{\"a\": [1, {\"b\": 3}, \"new\"], \"e\": null}");
+}
+
+TEST(JsonStorage, NodesTakenOutOutliveTheirDocument) {
+  IPtr<IVnJSONBase> unopened, opened, member;
+  {
+    TVnJSONDocument doc(u"{\"x\":{\"y\":[1,\"two\",{\"z\":null}]},\"w\":\"caf\\u00e9\"}");
+    unopened = IPtr<IVnJSONBase>(static_cast<IVnJSONBase*>(doc.GetRootValue()->FindMember(u"x")->GetValueObj()));
+    TVnJSONBase* w = doc.GetRootValue()->FindMember(u"w");
+    member = IPtr<IVnJSONBase>(static_cast<IVnJSONBase*>(w));
+    w->FreeObject();  // taken out while held
+    doc.SetAsJSON(u"[1]");  // a second load replaces the first tree
+    opened = IPtr<IVnJSONBase>(static_cast<IVnJSONBase*>(doc.GetRootValue()));
+    opened->GetItem(0);
+  }
+  EXPECT_EQ(unopened->GetAsJSON(), u"{\"y\": [1, \"two\", {\"z\": null}]}");
+  EXPECT_EQ(unopened->GetMemberEx(u"y")->GetValue()->GetItem(1)->GetAsString(), u"two");
+  EXPECT_EQ(member->GetAsString(), u"caf\u00e9");
+  EXPECT_EQ(opened->GetAsJSON(), u"[1]");
+}
+
+TEST(JsonStorage, TextOutgrowingTheStreamsSizeStillLoads) {
+  std::string text = "[";
+  for (int i = 0; i < 2000; ++i) text += (i ? ",\"" : "\"") + std::string(40, char('a' + i % 26)) + "\"";
+  text += "]";
+  ShortSizedStream in(text);
+  TVnJSONDocument doc;
+  doc.LoadFromStream(in, cVnCodePageUTF8, false);
+  ASSERT_NE(doc.GetRootValue(), nullptr);
+  EXPECT_EQ(doc.GetRootValue()->ChildCount(), 2000);
+  EXPECT_EQ(Utf8ToUnicode(Save(doc, false, cVnCodePageUTF8)), VnFormatJSON(Utf8ToUnicode(text)));
+  EXPECT_EQ(doc.GetRootValue()->Item(1999)->GetAsString(), std::u16string(40, u'a' + 1999 % 26));
+}
+
+TEST(JsonStorage, MillionDeepTreeOpenedLevelByLevelSavesAndFrees) {
+  constexpr size_t kDepth = 1000000;
+  std::string text(kDepth, '[');
+  text += "1";
+  text.append(kDepth, ']');
+  TVnJSONDocument doc;
+  LoadBytes(doc, text, cVnCodePageUTF8);
+  TVnJSONBase* n = doc.GetRootValue();
+  for (size_t i = 1; i < kDepth; ++i) n = n->Child(0);
+  EXPECT_EQ(n->Child(0)->GetAsInteger(), 1);
+  EXPECT_EQ(Save(doc, false, cVnCodePageUTF8), text);
+}
+
+}  // namespace
+}  // namespace vn
