@@ -54,13 +54,16 @@ bool Counts(const TVnDOMNode* AAttribute) {
 /// The decoded value of a text node or attribute of this library's classes: the stored text
 /// itself where it holds no reference, else decoded into AScratch.
 std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
-  std::u16string_view stored;
+  const detail::CompactString* kept;
   if (typeid(*ANode) == typeid(TVnDOMText))
-    stored = static_cast<const TVnDOMText*>(ANode)->GetStoredValue();
+    kept = &static_cast<const TVnDOMText*>(ANode)->StoredText();
   else if (typeid(*ANode) == typeid(TVnDOMAttribute))
-    stored = static_cast<const TVnDOMAttribute*>(ANode)->GetStoredValue();
+    kept = &static_cast<const TVnDOMAttribute*>(ANode)->StoredText();
   else
     return AScratch = ANode->GetNodeValue();
+  // Text kept in UTF-8 is decoded in any case.
+  if (kept->IsUtf8()) return AScratch = ANode->GetNodeValue();
+  const std::u16string_view stored = kept->Wide();
   if (stored.find(u'&') == std::u16string_view::npos) return stored;
   return AScratch = VnXMLToStr(stored);
 }
