@@ -54,6 +54,15 @@ std::u16string_view DecodeUtf8Bytes(std::string_view ABytes, std::u16string& ASc
   return DecodeUtf8(p, p + ABytes.size(), AScratch);
 }
 
+// Under the default collation only a name of nine ASCII characters with a colon at the fourth,
+// or a name with other characters, can be "xml:space".
+bool MayBeXmlSpace(std::u16string_view AName) {
+  if (AName.size() == 9 && AName[3] == u':') return true;
+  for (char16_t c : AName)
+    if (c >= 0x80) return true;
+  return false;
+}
+
 // The same failure for every event that arrives with no node to take it.
 [[noreturn]] void NoNodeForEvent() {
   throw EVnXMLParseError(cVnXMLErrInvalidTextAtRoot, UnicodeString(_cVnXMLInvalidTextAtRoot));
@@ -120,6 +129,7 @@ void TreeBuilder::BeginElement(std::u16string_view AQName) {
   Current();
   DropPending();
   FSchemaInstance = false;
+  FMaybeSpace = false;
   FPending = Make<TVnDOMElement>();
   SetName(FPending, AQName);
   FDeclaredURIs.clear();
@@ -132,6 +142,7 @@ TVnDOMAttribute* TreeBuilder::NewAttribute(std::u16string_view AQName) {
   FAttributes.back() = a;
   a->FParent = FPending;
   SetName(a, AQName);
+  if (!FMaybeSpace) FMaybeSpace = MayBeXmlSpace(AQName);
   return a;
 }
 
@@ -203,7 +214,13 @@ void TreeBuilder::Join(TVnDOMNode* AParent, TVnDOMElement* AElement) {
   // so far are its attributes: a tree without a document works out no namespaces.
   AElement->FParent = AParent;
   if (FDocument) ResolveNamespaces(AParent, AElement);
-  AElement->InheritPreserveSpace(AParent->FNodeType == ntElement ? static_cast<TVnDOMElement*>(AParent) : nullptr);
+  auto* parent = AParent->FNodeType == ntElement ? static_cast<TVnDOMElement*>(AParent) : nullptr;
+  if (FMaybeSpace || AElement->GetCollation() != TVnXPathCollationASCIICI::Class()) {
+    AElement->InheritPreserveSpace(parent);
+  } else {
+    // No "xml:space" of its own, and no children yet that the setting would reach.
+    AElement->FPreserveSpace = parent ? parent->FPreserveSpace : DefaultPreserveCase;
+  }
 }
 
 // ---- end tags ----

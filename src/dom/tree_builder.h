@@ -138,6 +138,7 @@ class TreeBuilder {
   bool FKeepsWhitespace = true;
   TVnDOMElement* FPending = nullptr;  // the element of a start tag being read
   bool FSchemaInstance = false;       // the start tag declares the schema-instance namespace
+  bool FMaybeSpace = false;           // the start tag has an attribute that may be "xml:space"
   std::vector<TVnDOMNode*> FAttributes;
   std::vector<TVnDOMNode*> FWaiting;  // children of the open elements, innermost last
   struct Open {
