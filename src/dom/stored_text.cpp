@@ -55,9 +55,25 @@ bool IsWellFormedUtf8(std::string_view AText) noexcept {
 }
 
 std::u16string CompactString::DecodeUtf8Text(std::string_view AText) {
-  std::u16string out;
   const auto* p = reinterpret_cast<const uint8_t*>(AText.data());
-  AppendUtf8(p, p + AText.size(), out);
+  const uint8_t* e = p + AText.size();
+  // Read on every value access: ASCII is widened in place, sixteen bytes a step, into a string
+  // of its final size; the first sequence hands the rest to the library's decoder.
+  std::u16string out(AText.size(), u'\0');
+  char16_t* d = out.data();
+#if defined(__SSE2__)
+  const __m128i zero = _mm_setzero_si128();
+  for (; e - p >= 16; p += 16, d += 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    if (_mm_movemask_epi8(v)) break;
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_unpacklo_epi8(v, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 8), _mm_unpackhi_epi8(v, zero));
+  }
+#endif
+  while (p < e && *p < 0x80) *d++ = *p++;
+  if (p == e) return out;
+  out.resize(static_cast<size_t>(d - out.data()));
+  AppendUtf8(p, e, out);
   return out;
 }
 
