@@ -62,9 +62,14 @@ size_t WalkVn(TVnDOMDocument& ADoc) {
   return chars;
 }
 
-void BM_Walk_vnxml(benchmark::State& state, std::string AFile) {
+// AWide loads the file from UTF-16 text, so that the tree keeps its values in UTF-16: the
+// walk then reads them as a tree did before values loaded from UTF-8 stayed UTF-8.
+void BM_Walk_vnxml(benchmark::State& state, std::string AFile, bool AWide) {
   TVnDOMDocument doc;
-  doc.LoadFromAnsiXML(vnbench::PerfFile(AFile));
+  if (AWide)
+    doc.LoadFromXML(Utf8ToUnicode(vnbench::PerfFile(AFile)));
+  else
+    doc.LoadFromAnsiXML(vnbench::PerfFile(AFile));
   size_t chars = 0;
   for (auto _ : state) {
     chars = WalkVn(doc);
@@ -125,7 +130,9 @@ void BM_Walk_pugixml(benchmark::State& state, std::string AFile) {
 
 const bool kRegistered = [] {
   for (const std::string& file : XmlFiles()) {
-    benchmark::RegisterBenchmark(("DomWalk/" + file + "/vnxml").c_str(), BM_Walk_vnxml, file)
+    benchmark::RegisterBenchmark(("DomWalk/" + file + "/vnxml").c_str(), BM_Walk_vnxml, file, false)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(("DomWalk/" + file + "/vnxml_utf16_stored").c_str(), BM_Walk_vnxml, file, true)
         ->Unit(benchmark::kMillisecond);
 #ifdef VNXML_HAVE_PUGIXML
     benchmark::RegisterBenchmark(("DomWalk/" + file + "/pugixml_utf16").c_str(), BM_Walk_pugixml<true>, file)

@@ -18,8 +18,10 @@ class TVnDOMCharacterData : public TVnDOMNode {
   UnicodeString GetNodeValue() const override;
   /// Escapes AValue (apostrophes and quotes too) and stores it.
   void SetNodeValue(std::u16string_view AValue) override;
-  /// The stored text, escaped for text nodes, plain for comments and CDATA sections.
-  std::u16string_view GetStoredValue() const noexcept { return FNodeValue; }
+  /// The stored text, escaped for text nodes, plain for comments and CDATA sections, in UTF-16.
+  UnicodeString GetStoredValue() const { return FNodeValue.str(); }
+  /// The stored text in the form it is kept in, without a copy (see CompactString).
+  const detail::CompactString& StoredText() const noexcept { return FNodeValue; }
   /// Stores ready-made text as it is.
   void SetStoredValue(std::u16string_view AValue) {
     TouchPool();
@@ -83,7 +85,10 @@ class TVnDOMAttribute : public TVnDOMNode {
   UnicodeString GetNodeValue() const override;
   /// Escapes AValue (quotes, not apostrophes) and stores it.
   void SetNodeValue(std::u16string_view AValue) override;
-  std::u16string_view GetStoredValue() const noexcept { return FNodeValue; }
+  /// The stored (escaped) value in UTF-16.
+  UnicodeString GetStoredValue() const { return FNodeValue.str(); }
+  /// The stored value in the form it is kept in, without a copy (see CompactString).
+  const detail::CompactString& StoredText() const noexcept { return FNodeValue; }
   /// Stores ready-made XML text as it is.
   void SetStoredValue(std::u16string_view AValue);
   /// The declaration's URI; the XML namespace for "xml:"; else empty in a tree, pending outside.
@@ -119,7 +124,7 @@ class TVnDOMProcessingInstruction : public TVnDOMNode {
   VN_DECLARE_CLASS(TVnDOMProcessingInstruction, TVnDOMNode)
  public:
   TVnDOMProcessingInstruction();
-  std::u16string_view GetData() const noexcept { return FData; }
+  std::u16string_view GetData() const noexcept { return FData.Wide(); }
   void SetData(std::u16string_view AValue) {
     TouchPool();
     FData.assign(AValue);

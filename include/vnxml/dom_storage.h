@@ -300,14 +300,17 @@ class NameRef {
   uintptr_t FBits = 0;
 };
 
-/// A stored text in one block: its length, then its characters; one null pointer while empty.
+/// A stored text in one block: its length, then its code units; one null pointer while empty.
+/// A load from UTF-8 keeps its text as the input's bytes (checked to be well-formed UTF-8), so
+/// that loading copies instead of widening and a UTF-8 save copies back; anything else is kept
+/// in UTF-16. Readers take either form (Visit) or the text decoded to UTF-16 (str).
 /// A block taken from a pool (AssignIn) is left to the pool when the text changes or goes.
 class CompactString {
  public:
   CompactString() noexcept = default;
-  CompactString(const CompactString& AOther) { assign(AOther.view()); }
+  CompactString(const CompactString& AOther) { CopyFrom(AOther); }
   CompactString& operator=(const CompactString& AOther) {
-    if (this != &AOther) assign(AOther.view());
+    if (this != &AOther) CopyFrom(AOther);
     return *this;
   }
   CompactString& operator=(std::u16string_view AText) {
@@ -316,13 +319,27 @@ class CompactString {
   }
   ~CompactString() { FreeBlock(); }
 
-  std::u16string_view view() const noexcept {
-    return FBlock ? std::u16string_view(Chars(), FBlock->Length & kLengthMask) : std::u16string_view();
+  /// The text is held as UTF-8 bytes (Utf8), else as UTF-16 units (Wide).
+  bool IsUtf8() const noexcept { return FBlock && FBlock->Flags & kUtf8; }
+  std::u16string_view Wide() const noexcept {
+    return FBlock ? std::u16string_view(reinterpret_cast<const char16_t*>(FBlock + 1), FBlock->Length)
+                  : std::u16string_view();
   }
-  operator std::u16string_view() const noexcept { return view(); }
-  size_t size() const noexcept { return FBlock ? FBlock->Length & kLengthMask : 0; }
-  bool empty() const noexcept { return size() == 0; }
-  std::u16string str() const { return std::u16string(view()); }
+  std::string_view Utf8() const noexcept {
+    return FBlock ? std::string_view(reinterpret_cast<const char*>(FBlock + 1), FBlock->Length) : std::string_view();
+  }
+  /// AFunc(Utf8()) or AFunc(Wide()), whichever form the text is in.
+  template <class F>
+  decltype(auto) Visit(F&& AFunc) const {
+    if (IsUtf8()) return AFunc(Utf8());
+    return AFunc(Wide());
+  }
+  bool empty() const noexcept { return !FBlock || FBlock->Length == 0; }
+  /// The text in UTF-16.
+  std::u16string str() const {
+    if (IsUtf8()) return DecodeUtf8Text(Utf8());
+    return std::u16string(Wide());
+  }
   void assign(std::u16string_view AText) {
     if (AText.empty()) {
       FreeBlock();
@@ -330,39 +347,66 @@ class CompactString {
       return;
     }
     // AText may point into this very block: build the new one before freeing the old
-    Header* block = Fill(std::malloc(sizeof(Header) + AText.size() * sizeof(char16_t)), AText, 0);
+    Header* block = Fill(std::malloc(Bytes(AText.size(), 0)), AText.data(), AText.size(), 0);
     FreeBlock();
     FBlock = block;
   }
   /// Stores AText in a block of APool.
   void AssignIn(NodePool& APool, std::u16string_view AText) {
     Header* block = AText.empty() ? nullptr
-                                  : Fill(APool.Allocate(sizeof(Header) + AText.size() * sizeof(char16_t)), AText,
-                                         kPooled);
+                                  : Fill(APool.Allocate(Bytes(AText.size(), 0)), AText.data(), AText.size(), kPooled);
     FreeBlock();
     FBlock = block;
   }
+  /// Stores the UTF-8 bytes AText, which must be well-formed UTF-8, in a block of APool.
+  void AssignUtf8In(NodePool& APool, std::string_view AText) {
+    Header* block = AText.empty() ? nullptr
+                                  : Fill(APool.Allocate(Bytes(AText.size(), kUtf8)), AText.data(), AText.size(),
+                                         kPooled | kUtf8);
+    FreeBlock();
+    FBlock = block;
+  }
+  /// The well-formed UTF-8 bytes AText in UTF-16 (out of line: the library's decoder).
+  static std::u16string DecodeUtf8Text(std::string_view AText);
 
  private:
-  static constexpr size_t kPooled = size_t(1) << (sizeof(size_t) * 8 - 1);
-  static constexpr size_t kLengthMask = kPooled - 1;
+  static constexpr uint32_t kPooled = 1;
+  static constexpr uint32_t kUtf8 = 2;
   struct Header {
-    size_t Length;  // with kPooled for a block of a pool
+    uint32_t Length;  // in code units of the form
+    uint32_t Flags;
   };
-  static Header* Fill(void* ABlock, std::u16string_view AText, size_t AFlags) {
+  static size_t Bytes(size_t ALength, uint32_t AFlags) noexcept {
+    return sizeof(Header) + ALength * (AFlags & kUtf8 ? 1 : sizeof(char16_t));
+  }
+  static Header* Fill(void* ABlock, const void* AUnits, size_t ALength, uint32_t AFlags) {
     if (!ABlock) throw std::bad_alloc();
+    if (ALength > UINT32_MAX) throw std::bad_alloc();
     auto* block = static_cast<Header*>(ABlock);
-    block->Length = AText.size() | AFlags;
-    std::memcpy(reinterpret_cast<char16_t*>(block + 1), AText.data(), AText.size() * sizeof(char16_t));
+    block->Length = static_cast<uint32_t>(ALength);
+    block->Flags = AFlags;
+    std::memcpy(block + 1, AUnits, Bytes(ALength, AFlags) - sizeof(Header));
     return block;
   }
-  void FreeBlock() noexcept {
-    if (FBlock && !(FBlock->Length & kPooled)) std::free(FBlock);
+  void CopyFrom(const CompactString& AOther) {
+    if (AOther.empty()) {
+      FreeBlock();
+      FBlock = nullptr;
+      return;
+    }
+    const uint32_t flags = AOther.FBlock->Flags & kUtf8;
+    Header* block = Fill(std::malloc(Bytes(AOther.FBlock->Length, flags)), AOther.FBlock + 1, AOther.FBlock->Length, flags);
+    FreeBlock();
+    FBlock = block;
   }
-  const char16_t* Chars() const noexcept { return reinterpret_cast<const char16_t*>(FBlock + 1); }
+  void FreeBlock() noexcept {
+    if (FBlock && !(FBlock->Flags & kPooled)) std::free(FBlock);
+  }
   Header* FBlock = nullptr;
 };
 
-inline bool operator==(const CompactString& A, std::u16string_view B) noexcept { return A.view() == B; }
+inline bool operator==(const CompactString& A, std::u16string_view B) {
+  return A.IsUtf8() ? A.str() == B : A.Wide() == B;
+}
 
 }  // namespace vn::detail

@@ -55,14 +55,17 @@ bool Counts(const TVnDOMNode* AAttribute) {
 /// itself where it holds no reference, else decoded into AScratch.
 std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
   // The node type first: an exact-class test between different classes compares names.
-  std::u16string_view stored;
+  const detail::CompactString* kept;
   const TVnDOMNodeType type = ANode->GetNodeType();
   if (type == ntText && typeid(*ANode) == typeid(TVnDOMText))
-    stored = static_cast<const TVnDOMText*>(ANode)->GetStoredValue();
+    kept = &static_cast<const TVnDOMText*>(ANode)->StoredText();
   else if (type == ntAttribute && typeid(*ANode) == typeid(TVnDOMAttribute))
-    stored = static_cast<const TVnDOMAttribute*>(ANode)->GetStoredValue();
+    kept = &static_cast<const TVnDOMAttribute*>(ANode)->StoredText();
   else
     return AScratch = ANode->GetNodeValue();
+  // Text kept in UTF-8 is decoded in any case.
+  if (kept->IsUtf8()) return AScratch = ANode->GetNodeValue();
+  const std::u16string_view stored = kept->Wide();
   if (stored.find(u'&') == std::u16string_view::npos) return stored;
   return AScratch = VnXMLToStr(stored);
 }

@@ -25,6 +25,7 @@ class BuildSink {
  public:
   static constexpr bool kNamespaces = false;
   static constexpr bool kEndTagNames = false;
+  static constexpr bool kUtf8Values = true;
 
   explicit BuildSink(detail::TreeBuilder& ABuilder) : B(ABuilder) {}
 
@@ -35,6 +36,9 @@ class BuildSink {
                  bool ASingleQuoted) {
     B.AddAttribute(AQName, AValue, ASingleQuoted);
   }
+  void AttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool ASingleQuoted) {
+    B.AddAttributeUtf8(AQName, AValue, ASingleQuoted);
+  }
   void StartElement(std::u16string_view, std::u16string_view, std::u16string_view, bool) { B.EnterElement(); }
   void EndElement(std::u16string_view, std::u16string_view, std::u16string_view) { B.EndElement(); }
   void Characters(std::u16string_view AText) {
@@ -43,6 +47,8 @@ class BuildSink {
     else
       B.AddText(AText);
   }
+  void CharactersUtf8(std::string_view AText) { B.AddTextUtf8(AText); }
+  void IgnorableWhitespaceUtf8(std::string_view AText) { B.AddWhitespaceUtf8(AText); }
   bool KeepsWhitespace() const { return B.KeepsWhitespace(); }
   void IgnorableWhitespace(std::u16string_view AText) { B.AddWhitespace(AText); }
   void ProcessingInstruction(std::u16string_view ATarget, std::u16string_view AData) {

@@ -4,6 +4,7 @@
 
 #include "dom/node_extras.h"
 #include "dom/ns_scope.h"
+#include "dom/stored_text.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_messages.h"
@@ -34,7 +35,7 @@ TVnDOMCharacterData::TVnDOMCharacterData() {
   SetFixedName(kName);
 }
 
-UnicodeString TVnDOMCharacterData::GetNodeValue() const { return VnXMLToStr(FNodeValue); }
+UnicodeString TVnDOMCharacterData::GetNodeValue() const { return detail::DecodeEscaped(FNodeValue); }
 
 void TVnDOMCharacterData::SetNodeValue(std::u16string_view AValue) {
   TouchPool();
@@ -125,7 +126,7 @@ void TVnDOMCDATA::SetNodeValue(std::u16string_view AValue) {
 
 TVnDOMAttribute::TVnDOMAttribute() { FNodeType = ntAttribute; }
 
-UnicodeString TVnDOMAttribute::GetNodeValue() const { return VnXMLToStr(FNodeValue); }
+UnicodeString TVnDOMAttribute::GetNodeValue() const { return detail::DecodeEscaped(FNodeValue); }
 
 void TVnDOMAttribute::SetNodeValue(std::u16string_view AValue) {
   TouchPool();

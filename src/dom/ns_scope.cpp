@@ -95,7 +95,7 @@ bool HiddenBetween(const NsScope* AFrom, const NsScope* AUpTo, const TVnDOMAttri
 // The decoded value of AAttr equals AURI under ACollation; values without references are
 // compared as they are stored.
 bool ValueIs(const TVnDOMAttribute* AAttr, std::u16string_view AURI, TVnXPathCollationClass ACollation) {
-  std::u16string_view stored = AAttr->GetStoredValue();
+  const UnicodeString stored = AAttr->GetStoredValue();
   if (stored.find(u'&') == std::u16string_view::npos) return ACollation->SameText(stored, AURI);
   return ACollation->SameText(AAttr->GetNodeValue(), AURI);
 }

@@ -107,15 +107,15 @@ class TreeWriter {
     const std::u16string_view name = AAttribute->QualifiedNameView();
     if (!FNames.Attribute(name)) Refuse(cVnDomAttributeNameNotWritable, name);
     FOut.Framed(" ", name, "=\"");
-    FOut.Framed("", AAttribute->GetStoredValue(), "\"");
+    Stored("", AAttribute->StoredText(), "\"");
   }
 
-  void CharacterData(const TVnDOMCharacterData* ANode) { FOut.Text(ANode->GetStoredValue()); }
+  void CharacterData(const TVnDOMCharacterData* ANode) { Stored("", ANode->StoredText(), ""); }
 
   void CData(const TVnDOMCDATA* ANode) {
-    const std::u16string_view value = ANode->GetStoredValue();
-    if (value.find(u"]]>") != value.npos) Refuse(cVnDomCDATANotWritable, value);
-    FOut.Framed("<![CDATA[", value, "]]>");
+    const detail::CompactString& value = ANode->StoredText();
+    if (Holds(value, "]]>")) Refuse(cVnDomCDATANotWritable, value.str());
+    Stored("<![CDATA[", value, "]]>");
   }
 
   void Comment(const TVnDOMComment* ANode) {
@@ -124,9 +124,9 @@ class TreeWriter {
       if (!ANode->GetPreserveSpace()) FOut.Ascii("\r\n");
       if (ParentIsPlainElement(ANode)) Indent();
     }
-    const std::u16string_view value = ANode->GetStoredValue();
-    if (value.find(u"-->") != value.npos) Refuse(cVnDomCommentNotWritable, value);
-    FOut.Framed("<!--", value, "-->");
+    const detail::CompactString& value = ANode->StoredText();
+    if (Holds(value, "-->")) Refuse(cVnDomCommentNotWritable, value.str());
+    Stored("<!--", value, "-->");
   }
 
   void Instruction(const TVnDOMProcessingInstruction* ANode) {
@@ -155,6 +155,28 @@ class TreeWriter {
       Instruction(static_cast<TVnDOMProcessingInstruction*>(ANode));
     else
       Foreign(ANode);
+  }
+
+  // A stored text between markup: UTF-8 bytes go to a UTF-8 output as they are, anything else
+  // through UTF-16, as one piece either way.
+  void Stored(std::string_view AMarkup, const detail::CompactString& AText, std::string_view ATail) {
+    if (!AText.IsUtf8()) {
+      FOut.Framed(AMarkup, AText.Wide(), ATail);
+    } else if constexpr (std::is_same_v<Out, detail::Utf8Output>) {
+      FOut.FramedBytes(AMarkup, AText.Utf8(), ATail);
+    } else {
+      FScratch = AText.str();
+      FOut.Framed(AMarkup, FScratch, ATail);
+    }
+  }
+
+  // AText holds the ASCII sequence AWord.
+  static bool Holds(const detail::CompactString& AText, std::string_view AWord) {
+    return AText.Visit([AWord](auto AUnits) {
+      using Unit = typename decltype(AUnits)::value_type;
+      const std::basic_string<Unit> word(AWord.begin(), AWord.end());
+      return AUnits.find(word) != AUnits.npos;
+    });
   }
 
   // A node of another class writes itself, to the stream as it stands.
@@ -234,6 +256,7 @@ class TreeWriter {
   bool FFiveBytes = false;
   Integer& FLevel;
   detail::NameCheck FNames;
+  std::u16string FScratch;
 };
 
 // Runs AWrite(TreeWriter&) with the output for ACodePage and hands the bytes to the stream.

@@ -103,6 +103,16 @@ class Utf8Output : public OutputSink {
     std::memcpy(out, ATail.data(), ATail.size());
     Advance(out + ATail.size());
   }
+  /// As Framed for text already in UTF-8.
+  void FramedBytes(std::string_view AMarkup, std::string_view AText, std::string_view ATail) {
+    char* out = Reserve(AMarkup.size() + AText.size() + ATail.size());
+    std::memcpy(out, AMarkup.data(), AMarkup.size());
+    out += AMarkup.size();
+    std::memcpy(out, AText.data(), AText.size());
+    out += AText.size();
+    std::memcpy(out, ATail.data(), ATail.size());
+    Advance(out + ATail.size());
+  }
   /// ACopies of the two-space indentation step.
   void Indent(size_t ACopies) {
     char* out = Reserve(ACopies * 2);

@@ -8,7 +8,9 @@
 #include <emmintrin.h>
 #endif
 
+#include "common/text_parser_scan.h"
 #include "dom/ns_scope.h"
+#include "dom/stored_text.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/sax_reader.h"
@@ -45,6 +47,20 @@ UnicodeString QuotesAsReferences(std::u16string_view AValue) {
 
 bool IsSchemaInstanceURI(std::u16string_view AValue) {
   return AValue.size() == std::size(cVnXSINamespaceURI) - 1 && SameText(AValue, cVnXSINamespaceURI);
+}
+
+std::u16string_view DecodeUtf8Bytes(std::string_view ABytes, std::u16string& AScratch) {
+  const auto* p = reinterpret_cast<const uint8_t*>(ABytes.data());
+  return DecodeUtf8(p, p + ABytes.size(), AScratch);
+}
+
+// Under the default collation only a name of nine ASCII characters with a colon at the fourth,
+// or a name with other characters, can be "xml:space".
+bool MayBeXmlSpace(std::u16string_view AName) {
+  if (AName.size() == 9 && AName[3] == u':') return true;
+  for (char16_t c : AName)
+    if (c >= 0x80) return true;
+  return false;
 }
 
 // The same failure for every event that arrives with no node to take it.
@@ -113,24 +129,55 @@ void TreeBuilder::BeginElement(std::u16string_view AQName) {
   Current();
   DropPending();
   FSchemaInstance = false;
+  FMaybeSpace = false;
   FPending = Make<TVnDOMElement>();
   SetName(FPending, AQName);
   FDeclaredURIs.clear();
 }
 
-void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote) {
+TVnDOMAttribute* TreeBuilder::NewAttribute(std::u16string_view AQName) {
   // The slot comes first: a node made is always found again, should anything below fail.
   FAttributes.push_back(nullptr);
   auto* a = Make<TVnDOMAttribute>();
   FAttributes.back() = a;
   a->FParent = FPending;
   SetName(a, AQName);
+  if (!FMaybeSpace) FMaybeSpace = MayBeXmlSpace(AQName);
+  return a;
+}
+
+void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote) {
+  TVnDOMAttribute* a = NewAttribute(AQName);
   if (AMayHoldQuote && HasQuote(AValue))
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
     a->FNodeValue.AssignIn(*FPool, AValue);
   if (a->IsNamespace()) FDeclaredURIs.emplace_back(AValue);
   if (!FSchemaInstance && IsSchemaInstanceURI(AValue)) FSchemaInstance = true;
+}
+
+void TreeBuilder::AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote) {
+  if (!IsWellFormedUtf8(AValue)) {
+    AddAttribute(AQName, DecodeUtf8Bytes(AValue, FDecoded), AMayHoldQuote);
+    return;
+  }
+  TVnDOMAttribute* a = NewAttribute(AQName);
+  if (AMayHoldQuote && AValue.find('"') != std::string_view::npos) {
+    FQuoted.clear();
+    for (char c : AValue) {
+      if (c == '"')
+        FQuoted += "&quot;";
+      else
+        FQuoted.push_back(c);
+    }
+    a->FNodeValue.AssignUtf8In(*FPool, FQuoted);
+  } else {
+    a->FNodeValue.AssignUtf8In(*FPool, AValue);
+  }
+  if (a->IsNamespace()) FDeclaredURIs.emplace_back(DecodeUtf8Bytes(AValue, FDecoded));
+  if (!FSchemaInstance && AValue.size() == std::size(cVnXSINamespaceURI) - 1 &&
+      IsSchemaInstanceURI(DecodeUtf8Bytes(AValue, FDecoded)))
+    FSchemaInstance = true;
 }
 
 void TreeBuilder::SealAttributes(TVnDOMElement* AElement) {
@@ -167,7 +214,13 @@ void TreeBuilder::Join(TVnDOMNode* AParent, TVnDOMElement* AElement) {
   // so far are its attributes: a tree without a document works out no namespaces.
   AElement->FParent = AParent;
   if (FDocument) ResolveNamespaces(AParent, AElement);
-  AElement->InheritPreserveSpace(AParent->FNodeType == ntElement ? static_cast<TVnDOMElement*>(AParent) : nullptr);
+  auto* parent = AParent->FNodeType == ntElement ? static_cast<TVnDOMElement*>(AParent) : nullptr;
+  if (FMaybeSpace || AElement->GetCollation() != TVnXPathCollationASCIICI::Class()) {
+    AElement->InheritPreserveSpace(parent);
+  } else {
+    // No "xml:space" of its own, and no children yet that the setting would reach.
+    AElement->FPreserveSpace = parent ? parent->FPreserveSpace : DefaultPreserveCase;
+  }
 }
 
 // ---- end tags ----
@@ -271,9 +324,25 @@ void TreeBuilder::AddText(std::u16string_view AStoredValue) {
   Place(t);
 }
 
+void TreeBuilder::AddTextUtf8(std::string_view AStoredValue) {
+  Current();
+  if (!IsWellFormedUtf8(AStoredValue)) {
+    AddText(DecodeUtf8Bytes(AStoredValue, FDecoded));
+    return;
+  }
+  auto* t = Make<TVnDOMText>();
+  t->FNodeValue.AssignUtf8In(*FPool, AStoredValue);
+  Place(t);
+}
+
 void TreeBuilder::AddWhitespace(std::u16string_view AText) {
   Current();
   if (FKeepsWhitespace) AddText(AText);
+}
+
+void TreeBuilder::AddWhitespaceUtf8(std::string_view AText) {
+  Current();
+  if (FKeepsWhitespace) AddTextUtf8(AText);
 }
 
 void TreeBuilder::AddCDATA(std::u16string_view AText) {

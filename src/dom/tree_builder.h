@@ -35,6 +35,8 @@ class TreeBuilder {
   /// AValue as read. Values are written back in double quotes, so one that may hold a double
   /// quote (read from single quotes) keeps it as a reference and the saved text loads the same.
   void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true);
+  /// As AddAttribute for a value of UTF-8 bytes, kept as they are when well-formed.
+  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote = true);
   /// The element of the start tag joins the node being filled and is filled next.
   void EnterElement();
   /// An end tag: the element being filled is complete. One for the target itself ends the load
@@ -42,8 +44,11 @@ class TreeBuilder {
   void EndElement();
 
   void AddText(std::u16string_view AStoredValue);
+  /// As AddText for UTF-8 bytes, kept as they are when well-formed.
+  void AddTextUtf8(std::string_view AStoredValue);
   /// White space between tags, kept only where the node being filled preserves space.
   void AddWhitespace(std::u16string_view AText);
+  void AddWhitespaceUtf8(std::string_view AText);
   /// Would AddWhitespace keep it? True when there is no node to fill, which AddWhitespace reports.
   bool KeepsWhitespace() const { return FKeepsWhitespace; }
   void AddCDATA(std::u16string_view AText);
@@ -58,6 +63,8 @@ class TreeBuilder {
   template <class T>
   T* Make();
   TVnDOMAttribute* MakeAttribute();
+  /// A named attribute of the pending element, its value still to be set.
+  TVnDOMAttribute* NewAttribute(std::u16string_view AQName);
   /// Names a node of the load; the pool holds the name when the document shares names.
   void SetName(TVnDOMNode* ANode, std::u16string_view AName);
   /// The node being filled; fails once a stray end tag has left none.
@@ -131,6 +138,7 @@ class TreeBuilder {
   bool FKeepsWhitespace = true;
   TVnDOMElement* FPending = nullptr;  // the element of a start tag being read
   bool FSchemaInstance = false;       // the start tag declares the schema-instance namespace
+  bool FMaybeSpace = false;           // the start tag has an attribute that may be "xml:space"
   std::vector<TVnDOMNode*> FAttributes;
   std::vector<TVnDOMNode*> FWaiting;  // children of the open elements, innermost last
   struct Open {
@@ -138,6 +146,8 @@ class TreeBuilder {
     uint32_t Pushed;   // where its declarations start in FPushed
   };
   std::vector<Open> FOpen;
+  std::u16string FDecoded;  // UTF-8 that is not kept as it is, decoded
+  std::string FQuoted;      // a UTF-8 value with its double quotes as references
 };
 
 }  // namespace vn::detail

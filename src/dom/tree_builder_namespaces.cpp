@@ -26,13 +26,13 @@ std::u16string_view DeclaredPrefix(const TVnDOMAttribute* AAttr) {
 }
 
 bool HasEmptyURI(const TVnDOMAttribute* AAttr) {
-  std::u16string_view stored = AAttr->GetStoredValue();
+  const UnicodeString stored = AAttr->GetStoredValue();
   if (stored.find(u'&') == std::u16string_view::npos) return stored.empty();
   return AAttr->GetNodeValue().empty();
 }
 
 bool DecodedEquals(const TVnDOMAttribute* AAttr, std::u16string_view AURI) {
-  std::u16string_view stored = AAttr->GetStoredValue();
+  const UnicodeString stored = AAttr->GetStoredValue();
   if (stored.find(u'&') == std::u16string_view::npos) return stored == AURI;
   return AAttr->GetNodeValue() == AURI;
 }
@@ -240,7 +240,7 @@ TVnDOMAttribute* TreeBuilder::EmptyDefaultDeclaration(TVnDOMElement* AElement) {
     AElement->FAttrs.reserve(AElement->FAttrs.size() + 1, FPool);
     AElement->FAttrs.append_reserved(reinterpret_cast<TVnDOMNode* const*>(&decl), 1);
   }
-  if (!decl->GetStoredValue().empty()) decl->FNodeValue.AssignIn(*FPool, u"");
+  if (!decl->FNodeValue.empty()) decl->FNodeValue.AssignIn(*FPool, u"");
   return decl;
 }
 

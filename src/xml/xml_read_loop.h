@@ -79,6 +79,12 @@ class XmlReadLoop {
   static constexpr bool kUtf8 = std::is_same_v<Enc, read_loop::Utf8Units>;
 
  public:
+  // Values and text go to the sink as bytes: no decoding buffers between the scan and the sink.
+  static constexpr bool kRawUtf8 = [] {
+    if constexpr (requires { Sink::kUtf8Values; }) return kUtf8 && Sink::kUtf8Values && !Sink::kNamespaces;
+    return false;
+  }();
+
   XmlReadLoop(TVnSAXXMLReader& AReader, Sink& ASink)
       : R(AReader),
         P(*AReader.GetXMLParser()),
@@ -143,6 +149,10 @@ class XmlReadLoop {
       if (FastUtf8) return DecodeUtf8(a, b, buf);
       return P.DecodeSpanView(a, b, buf);
     }
+  }
+
+  static std::string_view Bytes(const U* a, const U* b) {
+    return {reinterpret_cast<const char*>(a), static_cast<size_t>(b - a)};
   }
 
   // ---- failures ----
@@ -441,6 +451,15 @@ class XmlReadLoop {
       if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
       U quote = p < end ? *p : U(0);
       Next();
+      if constexpr (kRawUtf8) {
+        if (FastUtf8) {
+          const U* start = p;
+          p = FindUnit(p, end, quote);
+          S.AttributeUtf8(name.QName, Bytes(start, p), quote == U('\''));
+          p = SkipInClass(p, end, read_loop::kQuotesAndWhite);
+          continue;
+        }
+      }
       std::u16string_view value = ReadValue(quote);
       const bool singleQuoted = quote == U('\'');
       if constexpr (!Sink::kNamespaces) {
@@ -467,6 +486,23 @@ class XmlReadLoop {
       const U* q = SkipAtMost(p, end, 0x20);
       if (q < end && *q == U('<')) {
         p = q;
+        return;
+      }
+    }
+    if constexpr (kRawUtf8) {
+      if (FastUtf8) {
+        const U* start = p;
+        const U* q = SkipAtMost(p, end, 0x20);
+        const bool white = q >= end || *q == U('<');
+        p = white ? q : FindUnit(q, end, U('<'));
+        Sync();
+        if (Check && p >= end) TVnTextParser::RaiseEOF();
+        if (white) {
+          S.IgnorableWhitespaceUtf8(Bytes(start, p));
+        } else {
+          S.CharactersUtf8(Bytes(start, p));
+          if (p >= end) S.IgnorableWhitespace({});
+        }
         return;
       }
     }
