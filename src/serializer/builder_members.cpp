@@ -1,6 +1,7 @@
 // TVnDeserializer: finding a member, making its child, converting and storing its value.
 #include <cstring>
 
+#include "common/rtti_value_internal.h"
 #include "serializer/kind_names.h"
 #include "serializer/member_plan.h"
 #include "vnxml/common/classes.h"
@@ -31,6 +32,51 @@ TValue ConvertTo(TValue&& AValue, const TTypeInfo* AType) {
   throw EInvalidCast(u"Invalid class typecast");
 }
 
+/// Reads AValue into the storage of a simple type at ATarget when it is one the texts hold most
+/// (integers, floats, strings, Booleans, enumerations), with no TValue in between. False when
+/// the type is another or the value does not fit: the general path then stores or raises.
+bool StoreDirect(TVnDeserializer& AReader, void* ATarget, const TVnTypeInfo* AType, std::u16string_view AValue) {
+  const TTypeInfo* type = AType->Handle();
+  switch (type->Kind) {
+    case tkInteger: {
+      const Int64 number = AReader.ValueToInt64(AValue);
+      if (!detail::OrdinalInRange(type, number)) return false;
+      detail::WriteOrdinal(ATarget, type, number);
+      return true;
+    }
+    case tkInt64:
+      if (type->IsUnsigned) return false;
+      *static_cast<Int64*>(ATarget) = AReader.ValueToInt64(AValue);
+      return true;
+    case tkFloat: {
+      const TVnTypeKind kind = AType->Kind();
+      const Extended number = kind == vtkDate       ? AReader.ValueToDate(AValue)
+                              : kind == vtkTime     ? AReader.ValueToTime(AValue)
+                              : kind == vtkDateTime ? AReader.ValueToDateTime(AValue)
+                                                    : AReader.ValueToFloat(AValue);
+      return detail::WriteFloat(ATarget, type, number);
+    }
+    case tkUString:
+      if (type != TypeInfoOf<UnicodeString>()) return false;
+      *static_cast<UnicodeString*>(ATarget) = AReader.ValueToStr(AValue);
+      return true;
+    case tkEnumeration: {
+      if (AType->Kind() == vtkBoolean) {
+        if (type != TypeInfoOf<bool>()) return false;
+        *static_cast<bool*>(ATarget) = AReader.ValueToBool(AValue);
+        return true;
+      }
+      const UnicodeString text = AReader.ValueToStr(AValue);
+      const Int64 ordinal = VnEnumOrdinal(type, text, VnEnumPrefix(type));
+      if (ordinal < 0 || !detail::OrdinalInRange(type, ordinal)) return false;
+      detail::WriteOrdinal(ATarget, type, ordinal);
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 // ---- finding the member ----
@@ -59,14 +105,14 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
       if (!found && kind == vtkClass) found = find(plan.HintNamed);
       if (found && found->Field) {
         FMemberField = found->Field;
-        FMemberTypeInfo = TVnTypes::GetTypeInfo(found->Field->FieldTypeInfo());
+        FMemberTypeInfo = found->Type;
         // A simple member's value is replaced whole: only nested values need the current one.
         if (!FMemberTypeInfo->GetIsSimpleType()) FMemberValue = found->Field->GetValue(FInstancePtr);
       } else if (found) {
         TRttiProperty* property = found->Prop;
         FMemberProp = property;
         if (property->Visibility() >= mvPublic) {
-          FMemberTypeInfo = TVnTypes::GetTypeInfo(property->PropertyTypeInfo());
+          FMemberTypeInfo = found->Type;
           if (!FMemberTypeInfo->GetIsSimpleType())
             FMemberValue = property->IsReadable() ? property->GetValue(FInstancePtr)
                                                   : TValue::Make(nullptr, property->PropertyTypeInfo());
@@ -283,6 +329,11 @@ void TVnDeserializer::DeserializeValue(std::u16string_view AURI, std::u16string_
       }
       return;
     }
+    // A field or an array element of a common simple type is written where it stands.
+    void* direct = IsArraySerializer() ? FInstanceTypeInfo->Handle()->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx))
+                   : FMemberField && FInstancePtr ? FMemberField->GetAddress(FInstancePtr)
+                                                  : nullptr;
+    if (direct && StoreDirect(*this, direct, FMemberTypeInfo, AValue)) return;
     const TTypeInfo* type = FMemberTypeInfo->Handle();
     switch (type->Kind) {
       case tkInteger:
