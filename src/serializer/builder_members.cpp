@@ -273,9 +273,20 @@ void* TVnDeserializer::InitializeArrayElement(std::u16string_view, std::u16strin
     throw EVnSerializeException(cVnArrayFull, {GetPath(), IntToStr(static_cast<Int64>(FArrIdx))});
   }
   void* item = arrayType->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx));
-  FMemberValue = TValue::Make(item, element->Handle());
-  CreateChildDeserializerIfNeeded(AName);
-  return FMemberValue.GetReferenceToRawData();
+  switch (element->Handle()->Kind) {
+    case tkArray:
+    case tkRecord:
+    case tkDynArray:
+    case tkMRecord:
+      // Filled where it stands by its child: a copy of it would only be thrown away.
+      FMemberValue = TValue();
+      CreateChildDeserializerIfNeeded(AName);
+      return item;
+    default:
+      FMemberValue = TValue::Make(item, element->Handle());
+      CreateChildDeserializerIfNeeded(AName);
+      return FMemberValue.GetReferenceToRawData();
+  }
 }
 
 UnicodeString TVnDeserializer::GetPath() const {
