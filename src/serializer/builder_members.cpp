@@ -218,6 +218,9 @@ TVnDeserializer* TVnDeserializer::AdoptChild(IPtr<IVnDeserializer> AChild, std::
 TVnDeserializer* TVnDeserializer::CreateChildDeserializer(std::u16string_view AName, void* AInstance,
                                                           const TVnTypeInfo* AType, const SerializerHint* AHint) {
   ReleaseChild();
+  // The class is made directly; the registry's general path stays for its message when none is found.
+  if (TClass deserializer = VnFindDeserializerClassEx(Format(), AType))
+    return CreateChildDeserializer(deserializer, AName, AInstance, AType, AHint);
   return AdoptChild(VnCreateDeserializerEx(Format(), AInstance, AType), AName, AType, AHint);
 }
 
@@ -232,7 +235,7 @@ TVnDeserializer* TVnDeserializer::CreateChildDeserializer(TClass AClass, std::u1
   ReleaseChild();
   std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
   auto* child = CastObject<TVnDeserializer>(object.get());
-  VnAssert(child != nullptr, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
+  if (!child) VnAssert(false, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
   object.release();
   IPtr<IVnDeserializer> ref(static_cast<IVnDeserializer*>(child));
   child->Create(AInstance, AType ? AType->Handle() : nullptr);
