@@ -2,7 +2,8 @@
 // Oracle: the buffer, 8-bit text and the parser component with its form flag give the same
 // events and the same ending; valid UTF-8 read as UTF-16 text gives them too; the events follow
 // the grammar of the contract, the root is one object and every value a string. Any exception
-// but the reader's own failures is a finding. The document's form load ends as the reader did.
+// but the reader's own failures is a finding. The document's form load ends as the reader did, or
+// fails converting a value.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -87,19 +88,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
        }),
        "parser component differs");
   if (cp == vn::cVnCodePageUTF8 && !text.empty()) {
-    // The document's form load ends as the reader did: whole, or with the reader's own failure;
-    // what it loads saves as JSON that loads again. (An empty stream loads nothing at all.)
+    // The document's form load ends as the reader did: whole, or with the reader's own failure,
+    // or with the conversion failure of a value (the reader hands a value on raw; the document
+    // decodes it when it stores it, and a bad \u escape fails there). What it loads saves as
+    // JSON that loads again. (An empty stream loads nothing at all.)
     const bool readerEnded = !whole.empty() && whole.back() == u'>';
     vn::TVnJSONDocument doc;
     vn::TVnStringStream in(std::string_view(text), vn::cVnCodePageUTF8);
+    bool loaded = false;
     try {
       doc.LoadFromStream(in, cp, true);
-      if (!readerEnded) Finding("the document loaded a form the reader refused");
-      vn::TVnJSONDocument again;
-      again.SetAsJSON(doc.GetAsJSON());
+      loaded = true;
+    } catch (const vn::EConvertError&) {
     } catch (const vn::Exception& e) {
       if (readerEnded) Finding("the document refused a form the reader read");
       if (!IsOwnFailure(e)) Finding("foreign exception from the document's form load");
+    }
+    if (loaded) {
+      if (!readerEnded) Finding("the document loaded a form the reader refused");
+      try {
+        vn::TVnJSONDocument again;
+        again.SetAsJSON(doc.GetAsJSON());
+      } catch (const vn::Exception&) {
+        Finding("a loaded form saves as JSON that does not load again");
+      }
     }
   }
   const vn::UnicodeString wide = fuzzjson::Utf16Twin(text, cp, whole == u"(encoding)");

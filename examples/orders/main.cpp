@@ -6,6 +6,7 @@
 
 #include "order_model.h"
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
 #include "vnxml/serializer.h"
 #include "vnxml/serializer_serializable.h"
 
@@ -25,6 +26,8 @@ void Fill(TOrder& AOrder) {
   AOrder.Customer = customer;
   AOrder.Lines = {TOrderLine{u"Tea <green>", 2, 4.5, {u"loose", u"organic"}}, TOrderLine{u"Cup", 1, 12.25, {}}};
   AOrder.Scratch = u"not written";
+  // xs-types: a priority within its facets; the delivery date stays null.
+  AOrder.Priority = 2;
 }
 
 bool Same(const TOrder& A, const TOrder& B) {
@@ -32,7 +35,9 @@ bool Same(const TOrder& A, const TOrder& B) {
   const auto* cb = CastObject<TBusinessCustomer>(B.Customer);
   return A.GetNumber() == B.GetNumber() && A.Status == B.Status && A.Flags == B.Flags && A.Placed == B.Placed &&
          cb && ca->Name == cb->Name && ca->Email == cb->Email && ca->VatNumber == cb->VatNumber && A.Lines == B.Lines &&
-         VarIsNull(B.Discount) && B.Scratch.empty();
+         VarIsNull(B.Discount) && B.Scratch.empty() &&
+         // xs-types
+         Integer(A.Priority) == Integer(B.Priority) && B.Delivery.IsNull();
 }
 
 }  // namespace
@@ -65,6 +70,12 @@ int main() {
     VnDeserialize(dsfJSON, TValue::FromObject(&fromJSON), json);
     const bool sameJSON = Same(order, fromJSON) && AsJSON(fromJSON) == json;
     std::printf("JSON round trip: %s\n", sameJSON ? "equal" : "DIFFERENT");
+    // xs-types: a facet binds assignments in code: 9 is refused and the priority stays 2.
+    try {
+      order.Priority = 9;
+    } catch (const EArgumentOutOfRangeException& e) {
+      std::printf("priority 9: %s (still %s)\n", e.what(), UTF8String(UnicodeToUtf8(order.Priority.ToString())).c_str());
+    }
     return same && sameJSON ? 0 : 1;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "orders failed: %s\n", e.what());

@@ -7,6 +7,7 @@
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/serializer_hints.h"
+#include "vnxml/xs_types.h"
 
 namespace orders {
 
@@ -77,6 +78,19 @@ class TOrder : public TObject {
   Variant Discount;
   /// Kept in memory only.
   UnicodeString Scratch;
+  // xs-types: members that may be absent without a pointer, one with the facets of a schema
+  // restriction. Both are written as bare values; a null one as nil (XML) or null (JSON).
+  /// 1 to 5 when set; an assignment outside raises and keeps the old value.
+  TXsInteger<Integer> Priority = PriorityFacets();
+  /// Absent until the order ships.
+  TXsDate Delivery;
+
+  static TXsInteger<Integer> PriorityFacets() {
+    TXsInteger<Integer> priority;
+    priority.Restrictions.MinInclusive = 1;
+    priority.Restrictions.MaxInclusive = 5;
+    return priority;
+  }
 
  private:
   Integer FNumber = 0;
@@ -90,6 +104,8 @@ VN_REGISTER_TYPE(TOrder, u"uOrders") {
       .Public(u"Lines", &TOrder::Lines)
       .Public(u"Discount", &TOrder::Discount)
       .Public(u"Scratch", &TOrder::Scratch).Attr<SerializerHint>(shoDoNotSerialize);
+  // xs-types
+  b.Public(u"Priority", &TOrder::Priority).Public(u"Delivery", &TOrder::Delivery);
 }
 
 }  // namespace orders

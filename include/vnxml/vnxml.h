@@ -28,3 +28,6 @@
 #include "vnxml/xml_serializer.h"
 #include "vnxml/xml_utils.h"
 #include "vnxml/xpath.h"
+// xs-types: the XS value records and their serializers
+#include "vnxml/xs_serializer.h"
+#include "vnxml/xs_types.h"

@@ -3,11 +3,11 @@
 #include "vnxml/dom_json_writer.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <cstring>
 #include <typeinfo>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "dom/output_writer.h"
@@ -54,10 +54,12 @@ bool Counts(const TVnDOMNode* AAttribute) {
 /// The decoded value of a text node or attribute of this library's classes: the stored text
 /// itself where it holds no reference, else decoded into AScratch.
 std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
+  // The node type first: an exact-class test between different classes compares names.
   std::u16string_view stored;
-  if (typeid(*ANode) == typeid(TVnDOMText))
+  const TVnDOMNodeType type = ANode->GetNodeType();
+  if (type == ntText && typeid(*ANode) == typeid(TVnDOMText))
     stored = static_cast<const TVnDOMText*>(ANode)->GetStoredValue();
-  else if (typeid(*ANode) == typeid(TVnDOMAttribute))
+  else if (type == ntAttribute && typeid(*ANode) == typeid(TVnDOMAttribute))
     stored = static_cast<const TVnDOMAttribute*>(ANode)->GetStoredValue();
   else
     return AScratch = ANode->GetNodeValue();
@@ -68,8 +70,56 @@ std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScrat
 /// An element's value text: its one text child without a copy, else GetNodeValue.
 std::u16string_view ElementText(const TVnDOMElement* AElement, std::u16string& AScratch) {
   const auto& chars = AElement->CharNodesView();
-  if (chars.size() == 1 && typeid(*chars[0]) == typeid(TVnDOMText)) return DecodedValue(chars[0], AScratch);
+  if (chars.size() == 1 && chars[0]->GetNodeType() == ntText) return DecodedValue(chars[0], AScratch);
   return AScratch = AElement->GetNodeValue();
+}
+
+constexpr char kHex[] = "0123456789ABCDEF";
+
+/// AText escaped as VnStrToJSON does, encoded as UTF-8 at AOut, which has room for 6 bytes a
+/// unit; the end. Plain ASCII goes eight units a step.
+char* PutJSONUtf8(char* AOut, std::u16string_view AText) noexcept {
+  const char16_t* p = AText.data();
+  const char16_t* const end = p + AText.size();
+  while (p < end) {
+#if defined(__SSE2__)
+    // a unit is plain when it lies in 0x20..0x7F and is none of " / backslash
+    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
+    const __m128i space = _mm_set1_epi16(0x20);
+    const __m128i quote = _mm_set1_epi16('"'), slash = _mm_set1_epi16('/'), backslash = _mm_set1_epi16('\\');
+    while (end - p >= 8) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+      __m128i stop = _mm_cmpeq_epi16(_mm_and_si128(v, high), _mm_setzero_si128());  // below 0x80
+      stop = _mm_andnot_si128(_mm_cmplt_epi16(v, space), stop);
+      stop = _mm_andnot_si128(_mm_cmpeq_epi16(v, quote), stop);
+      stop = _mm_andnot_si128(_mm_cmpeq_epi16(v, slash), stop);
+      stop = _mm_andnot_si128(_mm_cmpeq_epi16(v, backslash), stop);
+      if (_mm_movemask_epi8(stop) != 0xFFFF) break;
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(AOut), _mm_packus_epi16(v, v));
+      p += 8;
+      AOut += 8;
+    }
+    if (p == end) break;
+#endif
+    const char16_t c = *p++;
+    const char16_t e = detail::kStrToJSONEscapes[c];
+    if (e == 0) {
+      if (c < 0x80) {
+        *AOut++ = static_cast<char>(c);
+      } else {
+        *AOut++ = static_cast<char>(0xC0 | (c >> 6));
+        *AOut++ = static_cast<char>(0x80 | (c & 0x3F));
+      }
+    } else if (e == 0xFFFF) {
+      const char escape[6] = {'\\', 'u', kHex[c >> 12], kHex[(c >> 8) & 15], kHex[(c >> 4) & 15], kHex[c & 15]};
+      std::memcpy(AOut, escape, 6);
+      AOut += 6;
+    } else if (e != 1) {
+      *AOut++ = '\\';
+      *AOut++ = static_cast<char>(e);
+    }
+  }
+  return AOut;
 }
 
 bool StartsLikeNumber(std::u16string_view AText) {
@@ -87,7 +137,9 @@ class JsonTreeWriter {
   void Node(const TVnDOMNode* ANode) {
     switch (ANode->GetNodeType()) {
       case ntElement: Run(&AsElement(ANode)); break;
-      case ntAttribute: Attribute(ANode, Formatted); break;
+      case ntAttribute:
+        if (Counts(ANode)) Attribute(ANode, Formatted);
+        break;
       case ntDocument:
         for (const TVnDOMNode* child : ANode->ChildrenView())
           if (child->GetNodeType() == ntElement) Run(&AsElement(child));
@@ -191,6 +243,8 @@ class JsonTreeWriter {
       }
       return;
     }
+    // The plan first: it gathers the child names that the attributes' names are checked against.
+    PushGroups(AElement);
     if (!Attrs.empty()) O.Ascii("{");
     ++Level;
     for (const TVnDOMNode* a : Attrs) {
@@ -200,7 +254,6 @@ class JsonTreeWriter {
     }
     if (Attrs.empty()) O.Ascii("{");
     LineBreak();
-    PushGroups(AElement);
   }
 
   /// The siblings of one local name as an array, at the place of the first of them.
@@ -232,9 +285,9 @@ class JsonTreeWriter {
     Stack.push_back({Members, AElement, 0, static_cast<uint32_t>(AElement->ElementCount()), 0, Attrs.empty()});
   }
 
-  /// "element_attribute": "value", with "_" in front while a child element has that name.
+  /// "element_attribute": "value", with "_" in front while a child element has that name; the
+  /// attribute is one that Counts.
   void Attribute(const TVnDOMNode* AAttribute, bool APad) {
-    if (!Counts(AAttribute)) return;
     const TVnDOMNode* owner = AAttribute->ParentNode();
     Text.clear();
     if (owner) Text.append(owner->LocalNameView());
@@ -246,7 +299,7 @@ class JsonTreeWriter {
       while (HasChildNamed(AsElement(owner), Text)) Text.insert(Text.begin(), u'_');
     }
     if (APad) Pad();
-    O.Framed("\"", Text, "\": ");
+    QuotedName(Text);
     QuotedString(DecodedValue(AAttribute, Value16));
   }
 
@@ -289,10 +342,34 @@ class JsonTreeWriter {
   }
 
   void QuotedString(std::u16string_view AText) {
-    Text.assign(u"\"");
-    detail::AppendStrToJSON(AText, Text);
-    Text += u'"';
-    O.Text(Text);
+    O.Ascii("\"");
+    Escape(AText);
+    O.Ascii("\"");
+  }
+
+  /// AText escaped as VnStrToJSON does, straight into the output: unchanged runs go whole.
+  void Escape(std::u16string_view AText) {
+    if constexpr (std::is_same_v<Out, detail::Utf8Output>) {
+      O.Advance(PutJSONUtf8(O.Reserve(AText.size() * 6), AText));
+      return;
+    }
+    size_t run = 0;
+    for (size_t i = 0; i < AText.size(); ++i) {
+      const char16_t c = AText[i];
+      const char16_t e = detail::kStrToJSONEscapes[c];
+      if (e == 0) continue;
+      if (i > run) O.Text(AText.substr(run, i - run));
+      run = i + 1;
+      if (e == 1) continue;
+      if (e != 0xFFFF) {
+        const char escape[2] = {'\\', static_cast<char>(e)};
+        O.Ascii({escape, 2});
+      } else {
+        const char escape[6] = {'\\', 'u', kHex[c >> 12], kHex[(c >> 8) & 15], kHex[(c >> 4) & 15], kHex[c & 15]};
+        O.Ascii({escape, 6});
+      }
+    }
+    if (run < AText.size()) O.Text(AText.substr(run));
   }
 
   // ---- pieces ----
@@ -303,15 +380,18 @@ class JsonTreeWriter {
         if (c == u'.') c = u'_';
       ALocalName = Text;
     }
-    // A name goes as it is, unless it holds what would end or break the JSON string: then it is
-    // escaped as values are, so that the output stays JSON.
-    if (std::any_of(ALocalName.begin(), ALocalName.end(),
-                    [](char16_t c) { return c == u'"' || c == u'\\' || c < 0x20; })) {
-      Escaped.clear();
-      detail::AppendStrToJSON(ALocalName, Escaped);
-      ALocalName = Escaped;
+    QuotedName(ALocalName);
+  }
+  /// A name goes as it is, unless it holds what would end or break the JSON string: then it is
+  /// escaped as values are, so that the output stays JSON.
+  void QuotedName(std::u16string_view AName) {
+    if (std::any_of(AName.begin(), AName.end(), [](char16_t c) { return c == u'"' || c == u'\\' || c < 0x20; })) {
+      O.Ascii("\"");
+      Escape(AName);
+      O.Ascii("\": ");
+    } else {
+      O.Framed("\"", AName, "\": ");
     }
-    O.Framed("\"", ALocalName, "\": ");
   }
   void Pad() {
     if (Formatted) O.Indent(static_cast<size_t>(Level));
@@ -334,50 +414,54 @@ class JsonTreeWriter {
     }
   }
 
-  /// Whether AElement has a child element of local name AName; a wide element's names are
-  /// gathered once, so that its attributes cost no scan of its children each.
+  /// Whether AElement has a child element of local name AName.
   bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
+    GatherNames(AElement);
+    if (GroupName.size() <= 8) return std::find(GroupName.begin(), GroupName.end(), AName) != GroupName.end();
+    return GroupOf.count(AName) != 0;
+  }
+
+  /// The local names of AElement's child elements, each read once: Group[i] is the group of
+  /// element i, groups numbered by first appearance, with their names and sizes. The names of
+  /// the element last gathered stay, so its attributes check against them without a scan.
+  void GatherNames(const TVnDOMElement& AElement) {
+    if (NamesOf == &AElement) return;
+    NamesOf = &AElement;
     const auto& elements = AElement.ElementsView();
-    if (elements.size() <= 8) {
-      for (const TVnDOMNode* e : elements)
-        if (e->LocalNameView() == AName) return true;
-      return false;
+    const auto n = static_cast<uint32_t>(elements.size());
+    Group.assign(n, 0);
+    GroupSize.clear();
+    GroupName.clear();
+    GroupOf.clear();
+    for (uint32_t i = 0; i < n; ++i) {
+      const std::u16string_view name = elements[i]->LocalNameView();
+      uint32_t g = static_cast<uint32_t>(GroupName.size());
+      if (g <= 8) {
+        for (uint32_t k = 0; k < GroupName.size(); ++k)
+          if (GroupName[k] == name) {
+            g = k;
+            break;
+          }
+        // past eight names a map takes over, holding the names so far
+        if (g == 8 && GroupOf.empty())
+          for (uint32_t k = 0; k < GroupName.size(); ++k) GroupOf.emplace(GroupName[k], k);
+      }
+      if (g >= 8) g = GroupOf.try_emplace(name, static_cast<uint32_t>(GroupName.size())).first->second;
+      if (g == GroupName.size()) {
+        GroupName.push_back(name);
+        GroupSize.push_back(0);
+      }
+      ++GroupSize[g];
+      Group[i] = g;
     }
-    if (NamesOf != &AElement) {
-      ChildNames.clear();
-      for (const TVnDOMNode* e : elements) ChildNames.insert(e->LocalNameView());
-      NamesOf = &AElement;
-    }
-    return ChildNames.count(AName) != 0;
   }
 
   /// The plan of AElement's children: per local name, in the order of first appearance, the
   /// count and the indexes of the elements that bear it.
   void PushGroups(const TVnDOMElement* AElement) {
-    const auto& elements = AElement->ElementsView();
+    GatherNames(*AElement);
     const auto at = static_cast<uint32_t>(Plan.size());
-    const auto n = static_cast<uint32_t>(elements.size());
-    Group.assign(n, 0);
-    GroupSize.clear();
-    GroupOf.clear();
-    // Group[i]: the group of element i; groups are numbered by first appearance.
-    for (uint32_t i = 0; i < n; ++i) {
-      const std::u16string_view name = elements[i]->LocalNameView();
-      uint32_t g;
-      if (n <= 8) {
-        g = static_cast<uint32_t>(GroupSize.size());
-        for (uint32_t j = 0; j < i; ++j)
-          if (elements[j]->LocalNameView() == name) {
-            g = Group[j];
-            break;
-          }
-      } else {
-        g = GroupOf.try_emplace(name, static_cast<uint32_t>(GroupSize.size())).first->second;
-      }
-      if (g == GroupSize.size()) GroupSize.push_back(0);
-      ++GroupSize[g];
-      Group[i] = g;
-    }
+    const auto n = static_cast<uint32_t>(Group.size());
     // Lay the groups out: count, then the indexes; Fill[g] is where group g's next index goes.
     Fill.resize(GroupSize.size());
     uint32_t cursor = at;
@@ -400,12 +484,10 @@ class JsonTreeWriter {
   bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
   std::u16string Value16;
   std::u16string Text;
-  std::u16string Escaped;  // a name escaped; apart from Text, which a dotted name may be in
-  // Scratch of PushGroups.
+  // The child names of NamesOf (GatherNames) and the scratch of PushGroups.
   std::vector<uint32_t> Group, GroupSize, Fill;
+  std::vector<std::u16string_view> GroupName;
   std::unordered_map<std::u16string_view, uint32_t> GroupOf;
-  // Scratch of HasChildNamed: the child names of NamesOf.
-  std::unordered_set<std::u16string_view> ChildNames;
   const TVnDOMElement* NamesOf = nullptr;
 };
 

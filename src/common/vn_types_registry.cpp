@@ -63,6 +63,24 @@ UnicodeString KeyOf(std::u16string_view AName) { return UpperCase(AName); }
 
 }  // namespace
 
+/// Kinds given to types by TVnTypes::RegisterTypeKind. Apart from the registry and its lock:
+/// a type's own registration adds its kind while the reflection lock is held.
+struct KindOverrides {
+  std::mutex Lock;
+  std::unordered_map<const TTypeInfo*, TVnTypeKind> Kinds;
+  static KindOverrides& Get() {
+    static KindOverrides overrides;
+    return overrides;
+  }
+  bool Find(const TTypeInfo* AType, TVnTypeKind& AKind) {
+    std::lock_guard lock(Lock);
+    auto it = Kinds.find(AType);
+    if (it == Kinds.end()) return false;
+    AKind = it->second;
+    return true;
+  }
+};
+
 class VnTypeRegistry {
  public:
   static VnTypeRegistry& Get() {
@@ -289,6 +307,7 @@ class VnTypeRegistry {
     FByHandle.emplace(AType, info);
     info->FHandle = AType;
     info->FKind = KindOf(AType);
+    KindOverrides::Get().Find(AType, info->FKind);
     if (AType->Kind == tkSet || AType->Kind == tkArray || AType->Kind == tkDynArray)
       info->FElementType = ForTypeLocked(AType->ElementType);
     for (const BuiltinSchemaName& b : FBuiltins) {
@@ -409,6 +428,12 @@ const TVnTypeInfo* TVnTypes::GetTypeInfo(TClass AClass) { return AClass ? GetTyp
 const TVnTypeInfo* TVnTypes::GetTypeInfo(std::u16string_view AName, TVnTypeNameType ANameType, bool ACreate,
                                          TVnMainTypeKind AMainKind) {
   return detail::VnTypeRegistry::Get().ByName(AName, ANameType, ACreate, AMainKind);
+}
+
+void TVnTypes::RegisterTypeKind(const TTypeInfo* AType, TVnTypeKind AKind) {
+  detail::KindOverrides& overrides = detail::KindOverrides::Get();
+  std::lock_guard lock(overrides.Lock);
+  overrides.Kinds.insert_or_assign(AType, AKind);
 }
 
 void TVnTypes::RegisterTypeAlias(const TTypeInfo* AType, std::initializer_list<std::u16string_view> ANames) {

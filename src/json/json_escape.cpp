@@ -10,16 +10,6 @@ namespace detail {
 
 namespace {
 
-// What each unit below U+0100 becomes: 0 copied, 1 dropped, else the letter after a backslash.
-struct EscapeTable {
-  char16_t Of[256] = {};
-  constexpr EscapeTable() {
-    for (int c = 1; c <= 7; ++c) Of[c] = 1;
-    Of[0x08] = u'b', Of[0x09] = u't', Of[0x0A] = u'n', Of[0x0C] = u'f', Of[0x0D] = u'r';
-    Of[u'"'] = u'"', Of[u'/'] = u'/', Of[u'\\'] = u'\\';
-  }
-};
-constexpr EscapeTable kEscape;
 
 constexpr char16_t kHex[] = u"0123456789ABCDEF";
 
@@ -37,7 +27,7 @@ void AppendStrToJSON(std::u16string_view AText, std::u16string& AOut) {
   size_t run = 0;
   for (size_t i = 0; i < AText.size(); ++i) {
     const char16_t c = AText[i];
-    const char16_t e = c < 0x100 ? kEscape.Of[c] : 0xFFFF;
+    const char16_t e = kStrToJSONEscapes[c];
     if (e == 0) continue;
     AOut.append(AText.substr(run, i - run));
     run = i + 1;

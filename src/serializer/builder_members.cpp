@@ -18,6 +18,12 @@ namespace {
 
 bool IsArrayKind(TVnTypeKind AKind) { return AKind == vtkStaticArray || AKind == vtkDynArray; }
 
+/// Whether a member is read into a copy of its current value: nested values, and records that
+/// are written as one value (an empty element leaves them as they are).
+bool NeedsCurrentValue(const TVnTypeInfo* AType) {
+  return !AType->GetIsSimpleType() || AType->GetKind() == tkRecord || AType->GetKind() == tkMRecord;
+}
+
 bool IsReserved(std::u16string_view AName) {
   using detail::SameName;
   return SameName(AName, u"className") || SameName(AName, u"parent") || SameName(AName, u"owner") ||
@@ -107,13 +113,13 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
         FMemberField = found->Field;
         FMemberTypeInfo = found->Type;
         // A simple member's value is replaced whole: only nested values need the current one.
-        if (!FMemberTypeInfo->GetIsSimpleType()) FMemberValue = found->Field->GetValue(FInstancePtr);
+        if (NeedsCurrentValue(FMemberTypeInfo)) FMemberValue = found->Field->GetValue(FInstancePtr);
       } else if (found) {
         TRttiProperty* property = found->Prop;
         FMemberProp = property;
         if (property->Visibility() >= mvPublic) {
           FMemberTypeInfo = found->Type;
-          if (!FMemberTypeInfo->GetIsSimpleType())
+          if (NeedsCurrentValue(FMemberTypeInfo))
             FMemberValue = property->IsReadable() ? property->GetValue(FInstancePtr)
                                                   : TValue::Make(nullptr, property->PropertyTypeInfo());
         }

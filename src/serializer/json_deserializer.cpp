@@ -293,6 +293,8 @@ void TVnJSONDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_vi
       return;
     }
     InitializeArrayElement(u"", u"");
+    // An element written as one value but read by a child of its own (an XS record).
+    if (ChildTookOver()) return FDispatcher->FActive->DoValue(AType, AText);
     FCanDeserialize = desYes;
   }
   if (FCanDeserialize == desIgnore) return;

@@ -19,6 +19,8 @@ constexpr StartupRegistration kStartup[] = {
     &RegisterFrameTypes,
     &RegisterXMLSerializers,
     &RegisterJSONSerializers,
+    // xs-types: the XS value records in both notations
+    &RegisterXsSerializers,
 };
 
 thread_local bool tRunning = false;

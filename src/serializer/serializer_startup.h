@@ -12,5 +12,7 @@ void EnsureSerializerStartup();
 void RegisterXMLSerializers();
 /// The JSON notation (json_registration.cpp).
 void RegisterJSONSerializers();
+/// The XS value records in both notations (xs_registration.cpp).
+void RegisterXsSerializers();
 
 }  // namespace vn::detail

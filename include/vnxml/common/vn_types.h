@@ -65,6 +65,11 @@ class TVnTypes {
   /// The type of the value inside AValue; Empty, Null and errors give the Variant type.
   static const TVnTypeInfo* VarTypeInfo(const Variant& AValue);
 
+  /// Gives records of AType the library kind AKind in place of the one its platform kind gives
+  /// (GetKind stays). Must run before the type's first record is made: a type's own
+  /// registration is the place.
+  static void RegisterTypeKind(const TTypeInfo* AType, TVnTypeKind AKind);
+
   /// Further names for AType, found under every name kind; the first becomes its schema name.
   static void RegisterTypeAlias(const TTypeInfo* AType, std::initializer_list<std::u16string_view> ANames);
 

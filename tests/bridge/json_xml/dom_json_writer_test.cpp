@@ -113,15 +113,23 @@ TEST(DomJsonWriter, FormattedAndDocumentForms) {
             R"({"r": {"a": "1", "a_k": "v"}})");
 }
 
-// Code pages other than UTF-8: JSON escapes what Latin-1 lacks.
-TEST(DomJsonWriter, OtherCodePages) {
-  auto doc = TVnDOMDocument::FromXML(u"<r><a>\u00e9\u20ac</a></r>");
-  const std::u16string wide = u"{\"r\": {\"a\": \"\u00e9\\u20AC\"}}";
-  for (const Word page : {Word(1252), cVnCodePageUTF16LE}) {
+// Every code page escapes alike: JSON escapes what Latin-1 lacks and drops U+0001..U+0007, and
+// UTF-8, written by a road of its own, gives what the others give.
+TEST(DomJsonWriter, CodePagesEscapeAlike) {
+  auto doc = TVnDOMDocument::FromXML(u"<r><a>\u00e9\u20ac</a><b/></r>");
+  doc->GetRootNode()->LastElement()->SetNodeValue(u"a run of plain text, \"q\" \\ / \t\u0001\u000b< & \u00ff\U0001F600");
+  const std::u16string wide =
+      u"{\"r\": {\"a\": \"\u00e9\\u20AC\",\"b\": \"a run of plain text, \\\"q\\\" \\\\ \\/ \\t\u000b< & \u00ff\\uD83D\\uDE00\"}}";
+  EXPECT_EQ(GetJSON(*doc->GetRootNode()), wide);
+  std::string latin1;  // every unit of the output is below U+0100
+  for (const char16_t c : wide) latin1 += static_cast<char>(c);
+  for (const Word page : {Word(1252), cVnCodePageUTF8, cVnCodePageUTF16LE}) {
     TVnStringStream stream(page);
     SaveToJSONStream(*doc->GetRootNode(), stream, page, false);
-    EXPECT_EQ(stream.GetBytesView(), page == 1252 ? std::string("{\"r\": {\"a\": \"\xE9\\u20AC\"}}")
-                                                  : std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
+    EXPECT_EQ(stream.GetBytesView(), page == 1252               ? latin1
+                                     : page == cVnCodePageUTF8 ? test::U8(wide)
+                                                               : std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2))
+        << page;
   }
 }
 
