@@ -47,6 +47,8 @@ TValue TRttiField::GetValue(void* AInstance) const { return TValue::Make(GetAddr
 
 void TRttiField::SetValue(void* AInstance, const TValue& AValue) const {
   void* address = GetAddress(CheckedInstance(AInstance));
+  // A value of the field's own type is assigned straight from its payload, with no copy between.
+  if (AValue.TypeInfo() == FType) return FType->Ops->Assign(address, AValue.GetReferenceToRawData());
   const TValue converted = AValue.Cast(FType);
   FType->Ops->Assign(address, converted.GetReferenceToRawData());
 }
@@ -58,6 +60,7 @@ TValue TRttiProperty::GetValue(void* AInstance) const {
 
 void TRttiProperty::SetValue(void* AInstance, const TValue& AValue) const {
   if (!IsWritable()) throw EPropertyError(u"Property %s is read-only", {Name()});
+  if (AValue.TypeInfo() == FType) return DoSetValue(CheckedInstance(AInstance), AValue);
   DoSetValue(CheckedInstance(AInstance), AValue.Cast(FType));
 }
 

@@ -46,6 +46,29 @@ bool AppendSpecial(UnicodeString& AOut, const FloatDecimal& AValue) {
   return false;
 }
 
+/// The digits of a normal double that needs at most APrecision (up to 15) significant digits to
+/// read back exactly: the shortest such digits are then also the correctly rounded ones, because
+/// the double lies nearer to them than half a step of the APrecision-digit grid. Saves the long
+/// exact expansion for the values a writer meets most. False when the rule does not apply.
+bool ShortestDigits(Extended AValue, Integer APrecision, Integer ADecimals, FloatDecimal& AResult) {
+  if (ADecimals >= 0 || APrecision < 1 || APrecision > 15) return false;
+  const double value = static_cast<double>(AValue);
+  if (static_cast<Extended>(value) != AValue || !std::isnormal(value)) return false;
+  char buf[32];
+  const auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific);
+  const std::string_view text(buf, static_cast<size_t>(res.ptr - buf));
+  const size_t e = text.find('e');
+  std::string digits(1, text[0]);
+  if (e > 2) digits.append(text.substr(2, e - 2));
+  while (digits.size() > 1 && digits.back() == '0') digits.pop_back();
+  if (static_cast<Integer>(digits.size()) > APrecision) return false;
+  int exp10 = 0;
+  std::from_chars(text.data() + e + (text[e + 1] == '+' ? 2 : 1), text.data() + text.size(), exp10);
+  AResult.Digits = std::move(digits);
+  AResult.Exponent = exp10 + 1;
+  return true;
+}
+
 }  // namespace
 
 FloatDecimal ToFloatDecimal(Extended AValue, Integer APrecision, Integer ADecimals) {
@@ -60,6 +83,7 @@ FloatDecimal ToFloatDecimal(Extended AValue, Integer APrecision, Integer ADecima
     return r;
   }
   if (AValue == 0) return r;
+  if (ShortestDigits(AValue, APrecision, ADecimals, r)) return r;
 
   char buf[96];
   auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(AValue), std::chars_format::scientific, cExactDigits);

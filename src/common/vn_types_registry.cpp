@@ -1,6 +1,8 @@
 // TVnTypes: the records of types, their lookups by handle, class and name, aliases and the
 // serializer pairs. One registry object, made on first use, guards everything with one lock.
 #include <array>
+#include <atomic>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -88,8 +90,20 @@ class VnTypeRegistry {
 
   const TVnTypeInfo* ForType(const TTypeInfo* AType) {
     if (!AType) return nullptr;
+    // The record of a type never changes once made, so each thread keeps the ones it asked
+    // for last and finds them again without the lock.
+    struct Recent {
+      const TTypeInfo* Type = nullptr;
+      const TVnTypeInfo* Info = nullptr;
+    };
+    constexpr size_t kRecent = 64;
+    thread_local Recent recent[kRecent];
+    Recent& slot = recent[(reinterpret_cast<uintptr_t>(AType) >> 4) % kRecent];
+    if (slot.Type == AType) return slot.Info;
     std::lock_guard lock(FLock);
-    return ForTypeLocked(AType);
+    const TVnTypeInfo* info = ForTypeLocked(AType);
+    slot = {AType, info};
+    return info;
   }
 
   const TVnTypeInfo* ByName(std::u16string_view AName, TVnTypeNameType ANameType, bool ACreate,
@@ -134,10 +148,36 @@ class VnTypeRegistry {
       FSerializers.insert_or_assign(SerializerKey{AType, AFormat}, APair);
     else
       FDefaults[AFormat] = APair;
+    FSerializersGeneration.fetch_add(1, std::memory_order_release);
   }
 
   const TVnSerializerPair* FindSerializers(const TVnTypeInfo* AType, TVnSerializeFormat AFormat) {
     if (AFormat >= cVnSerializeFormatCount) return nullptr;
+    // A read asks for the same few pairs once per nested value; each thread keeps the answers
+    // it got until a registration changes the table.
+    struct Recent {
+      const TVnTypeInfo* Type = nullptr;
+      TVnSerializeFormat Format{};
+      uint64_t Generation = 0;
+      TVnSerializerPair Pair;
+      bool Found = false;
+    };
+    constexpr size_t kRecent = 32;
+    thread_local Recent recent[kRecent];
+    Recent& slot = recent[((reinterpret_cast<uintptr_t>(AType) >> 4) + AFormat) % kRecent];
+    const uint64_t generation = FSerializersGeneration.load(std::memory_order_acquire);
+    if (slot.Generation == generation && slot.Type == AType && slot.Format == AFormat && generation != 0)
+      return slot.Found ? &slot.Pair : nullptr;
+    const TVnSerializerPair* pair = FindSerializersLocked(AType, AFormat);
+    slot.Type = AType;
+    slot.Format = AFormat;
+    slot.Generation = generation;
+    slot.Found = pair != nullptr;
+    if (pair) slot.Pair = *pair;
+    return slot.Found ? &slot.Pair : nullptr;
+  }
+
+  const TVnSerializerPair* FindSerializersLocked(const TVnTypeInfo* AType, TVnSerializeFormat AFormat) {
     std::lock_guard lock(FLock);
     if (AType) {
       if (const TVnSerializerPair* pair = FindPairLocked(AType->Handle(), AFormat)) return pair;
@@ -365,6 +405,8 @@ class VnTypeRegistry {
   const TTypeInfo* FDateTime = nullptr;
   std::vector<std::unique_ptr<TVnTypeInfo>> FInfos;
   std::unordered_map<const TTypeInfo*, TVnTypeInfo*> FByHandle;
+  /// Counts registrations of serializer pairs: answers kept from before are stale.
+  std::atomic<uint64_t> FSerializersGeneration{1};
   std::unordered_map<UnicodeString, TVnTypeInfo*> FBySchemaName;  // upper-cased; the first type keeps a name
   std::unordered_map<UnicodeString, TVnTypeInfo*> FByAlias;       // upper-cased
   std::unordered_map<const TVnTypeInfo*, const TVnTypeInfo*> FVirtualArrays;

@@ -1,6 +1,7 @@
 // TVnDeserializer: finding a member, making its child, converting and storing its value.
 #include <cstring>
 
+#include "common/rtti_value_internal.h"
 #include "serializer/kind_names.h"
 #include "serializer/member_plan.h"
 #include "vnxml/common/classes.h"
@@ -37,6 +38,51 @@ TValue ConvertTo(TValue&& AValue, const TTypeInfo* AType) {
   throw EInvalidCast(u"Invalid class typecast");
 }
 
+/// Reads AValue into the storage of a simple type at ATarget when it is one the texts hold most
+/// (integers, floats, strings, Booleans, enumerations), with no TValue in between. False when
+/// the type is another or the value does not fit: the general path then stores or raises.
+bool StoreDirect(TVnDeserializer& AReader, void* ATarget, const TVnTypeInfo* AType, std::u16string_view AValue) {
+  const TTypeInfo* type = AType->Handle();
+  switch (type->Kind) {
+    case tkInteger: {
+      const Int64 number = AReader.ValueToInt64(AValue);
+      if (!detail::OrdinalInRange(type, number)) return false;
+      detail::WriteOrdinal(ATarget, type, number);
+      return true;
+    }
+    case tkInt64:
+      if (type->IsUnsigned) return false;
+      *static_cast<Int64*>(ATarget) = AReader.ValueToInt64(AValue);
+      return true;
+    case tkFloat: {
+      const TVnTypeKind kind = AType->Kind();
+      const Extended number = kind == vtkDate       ? AReader.ValueToDate(AValue)
+                              : kind == vtkTime     ? AReader.ValueToTime(AValue)
+                              : kind == vtkDateTime ? AReader.ValueToDateTime(AValue)
+                                                    : AReader.ValueToFloat(AValue);
+      return detail::WriteFloat(ATarget, type, number);
+    }
+    case tkUString:
+      if (type != TypeInfoOf<UnicodeString>()) return false;
+      *static_cast<UnicodeString*>(ATarget) = AReader.ValueToStr(AValue);
+      return true;
+    case tkEnumeration: {
+      if (AType->Kind() == vtkBoolean) {
+        if (type != TypeInfoOf<bool>()) return false;
+        *static_cast<bool*>(ATarget) = AReader.ValueToBool(AValue);
+        return true;
+      }
+      const UnicodeString text = AReader.ValueToStr(AValue);
+      const Int64 ordinal = VnEnumOrdinal(type, text, VnEnumPrefix(type));
+      if (ordinal < 0 || !detail::OrdinalInRange(type, ordinal)) return false;
+      detail::WriteOrdinal(ATarget, type, ordinal);
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 // ---- finding the member ----
@@ -65,14 +111,14 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
       if (!found && kind == vtkClass) found = find(plan.HintNamed);
       if (found && found->Field) {
         FMemberField = found->Field;
-        FMemberTypeInfo = TVnTypes::GetTypeInfo(found->Field->FieldTypeInfo());
+        FMemberTypeInfo = found->Type;
         // A simple member's value is replaced whole: only nested values need the current one.
         if (NeedsCurrentValue(FMemberTypeInfo)) FMemberValue = found->Field->GetValue(FInstancePtr);
       } else if (found) {
         TRttiProperty* property = found->Prop;
         FMemberProp = property;
         if (property->Visibility() >= mvPublic) {
-          FMemberTypeInfo = TVnTypes::GetTypeInfo(property->PropertyTypeInfo());
+          FMemberTypeInfo = found->Type;
           if (NeedsCurrentValue(FMemberTypeInfo))
             FMemberValue = property->IsReadable() ? property->GetValue(FInstancePtr)
                                                   : TValue::Make(nullptr, property->PropertyTypeInfo());
@@ -181,6 +227,9 @@ TVnDeserializer* TVnDeserializer::AdoptChild(IPtr<IVnDeserializer> AChild, std::
 TVnDeserializer* TVnDeserializer::CreateChildDeserializer(std::u16string_view AName, void* AInstance,
                                                           const TVnTypeInfo* AType, const SerializerHint* AHint) {
   ReleaseChild();
+  // The class is made directly; the registry's general path stays for its message when none is found.
+  if (TClass deserializer = VnFindDeserializerClassEx(Format(), AType))
+    return CreateChildDeserializer(deserializer, AName, AInstance, AType, AHint);
   return AdoptChild(VnCreateDeserializerEx(Format(), AInstance, AType), AName, AType, AHint);
 }
 
@@ -195,7 +244,7 @@ TVnDeserializer* TVnDeserializer::CreateChildDeserializer(TClass AClass, std::u1
   ReleaseChild();
   std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
   auto* child = CastObject<TVnDeserializer>(object.get());
-  VnAssert(child != nullptr, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
+  if (!child) VnAssert(false, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
   object.release();
   IPtr<IVnDeserializer> ref(static_cast<IVnDeserializer*>(child));
   child->Create(AInstance, AType ? AType->Handle() : nullptr);
@@ -236,9 +285,20 @@ void* TVnDeserializer::InitializeArrayElement(std::u16string_view, std::u16strin
     throw EVnSerializeException(cVnArrayFull, {GetPath(), IntToStr(static_cast<Int64>(FArrIdx))});
   }
   void* item = arrayType->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx));
-  FMemberValue = TValue::Make(item, element->Handle());
-  CreateChildDeserializerIfNeeded(AName);
-  return FMemberValue.GetReferenceToRawData();
+  switch (element->Handle()->Kind) {
+    case tkArray:
+    case tkRecord:
+    case tkDynArray:
+    case tkMRecord:
+      // Filled where it stands by its child: a copy of it would only be thrown away.
+      FMemberValue = TValue();
+      CreateChildDeserializerIfNeeded(AName);
+      return item;
+    default:
+      FMemberValue = TValue::Make(item, element->Handle());
+      CreateChildDeserializerIfNeeded(AName);
+      return FMemberValue.GetReferenceToRawData();
+  }
 }
 
 UnicodeString TVnDeserializer::GetPath() const {
@@ -292,6 +352,11 @@ void TVnDeserializer::DeserializeValue(std::u16string_view AURI, std::u16string_
       }
       return;
     }
+    // A field or an array element of a common simple type is written where it stands.
+    void* direct = IsArraySerializer() ? FInstanceTypeInfo->Handle()->Ops->Element(FInstancePtr, static_cast<size_t>(FArrIdx))
+                   : FMemberField && FInstancePtr ? FMemberField->GetAddress(FInstancePtr)
+                                                  : nullptr;
+    if (direct && StoreDirect(*this, direct, FMemberTypeInfo, AValue)) return;
     const TTypeInfo* type = FMemberTypeInfo->Handle();
     switch (type->Kind) {
       case tkInteger:

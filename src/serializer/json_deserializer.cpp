@@ -114,7 +114,7 @@ TVnJSONDeserializer::~TVnJSONDeserializer() = default;
 
 void TVnJSONDeserializer::SetParent(TVnCustomSerializer* AParent) {
   TVnDeserializer::SetParent(AParent);
-  auto* parent = dynamic_cast<TVnJSONDeserializer*>(AParent);
+  auto* parent = CastObject<TVnJSONDeserializer>(AParent);
   if (!parent) return;
   FJSONReader = parent->FJSONReader;
   FDispatcher = parent->FDispatcher;

@@ -1,6 +1,7 @@
 // The member plans of the walker and the builder, made once per type.
 #include "serializer/member_plan.h"
 
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -71,12 +72,13 @@ std::unique_ptr<MemberPlan> MakePlan(const TVnTypeInfo* AType) {
     plan->Written.push_back(m);
   }
   // Lookups by name keep the reflection's order, so the first member of a name is found.
-  for (TRttiField* f : fields) plan->Fields.push_back({f->Name(), f, nullptr});
+  for (TRttiField* f : fields) plan->Fields.push_back({f->Name(), f, nullptr, TVnTypes::GetTypeInfo(f->FieldTypeInfo())});
   if (type->IsInstance()) {
-    for (TRttiProperty* p : properties) plan->Properties.push_back({p->Name(), nullptr, p});
+    for (TRttiProperty* p : properties)
+      plan->Properties.push_back({p->Name(), nullptr, p, TVnTypes::GetTypeInfo(p->PropertyTypeInfo())});
     for (TRttiProperty* p : properties)
       if (p->Visibility() >= mvPublic && GetSerializerHint(p, shoName, hint))
-        plan->HintNamed.push_back({hint->GetValue(), nullptr, p});
+        plan->HintNamed.push_back({hint->GetValue(), nullptr, p, TVnTypes::GetTypeInfo(p->PropertyTypeInfo())});
   }
   for (TRttiProperty* p : properties) {
     if (GetSerializerHint(p, shoNodeType, hint) && SameName(hint->GetValue(), u"NodeValue")) {
@@ -96,11 +98,22 @@ std::unique_ptr<MemberPlan> MakePlan(const TVnTypeInfo* AType) {
 }  // namespace
 
 const MemberPlan& PlanOf(const TVnTypeInfo* AType) {
+  // Plans live as long as the process and never change, so each thread keeps the ones it used
+  // last without the lock: a read asks for the same few types once per member.
+  struct Recent {
+    const TVnTypeInfo* Type = nullptr;
+    const MemberPlan* Plan = nullptr;
+  };
+  constexpr size_t kRecent = 16;
+  thread_local Recent recent[kRecent];
+  Recent& slot = recent[(reinterpret_cast<uintptr_t>(AType) >> 4) % kRecent];
+  if (slot.Type == AType && slot.Plan) return *slot.Plan;
   static std::mutex lock;
   static std::unordered_map<const TVnTypeInfo*, std::unique_ptr<MemberPlan>> plans;
   std::lock_guard guard(lock);
   std::unique_ptr<MemberPlan>& plan = plans[AType];
   if (!plan) plan = MakePlan(AType);
+  slot = {AType, plan.get()};
   return *plan;
 }
 

@@ -31,6 +31,8 @@ struct NamedMember {
   std::u16string_view Name;
   TRttiField* Field = nullptr;
   TRttiProperty* Prop = nullptr;
+  /// The member's declared type, looked up once.
+  const TVnTypeInfo* Type = nullptr;
 };
 
 struct MemberPlan {

@@ -272,6 +272,15 @@ void TVnXMLDeserializer::ReadAttributesAsMembers(IVnSAXAttributes* AAttributes) 
 const std::pair<UnicodeString, const TVnTypeInfo*>& TVnXMLDeserializer::NamedType(std::u16string_view ASchemaName) {
   // Documents name few types many times: each is looked up in the registry once per read.
   if (FLastTypeName && FLastTypeName->first == ASchemaName) return FLastTypeName->second;
+  // A few names alternate: comparing them costs less than hashing a copy of the text.
+  if (FTypeNames.size() <= 16) {
+    for (auto& entry : FTypeNames) {
+      if (entry.first == ASchemaName) {
+        FLastTypeName = &entry;
+        return entry.second;
+      }
+    }
+  }
   auto it = FTypeNames.find(ASchemaName);
   if (it == FTypeNames.end()) {
     const TVnTypeInfo* type = TVnTypes::GetTypeInfo(ASchemaName, tntSchemaName, false, mtkUnknown);
