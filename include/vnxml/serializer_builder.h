@@ -48,6 +48,8 @@ inline constexpr char16_t cVnArrayMemberTypeUnset[] =
 inline constexpr char16_t cVnClassNotADescendant[] = u"The class %s is not a descendant of %s!";
 /// An element past the end of a fixed-size array.
 inline constexpr char16_t cVnArrayFull[] = u"The array at \"%s\" has no element %s!";
+inline constexpr char16_t cVnArrayExpected[] =
+    u"Deserialization failure at \"%s\"\r\nAn array expected, but the text \"%s\" found!";
 inline constexpr char16_t cVnOwnerNotAComponent[] = u"The object parameter \"Owner\" is not a TComponent!";
 
 /// A created-objects list that a deserializer made for itself.
