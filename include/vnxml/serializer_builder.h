@@ -158,6 +158,9 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   void RecordLink(void* AInstance, TRttiField* AField, TRttiProperty* AProp);
   /// How many objects the read has created so far.
   size_t CreatedCount();
+  /// Whether the caller gave the read its list of created objects (and so takes what no
+  /// member owns).
+  bool CallerListsCreated() { return !Root()->FOwnList && Root()->FCreatedObjs; }
   /// Frees what a failed read created and unlinks it from the members that got it.
   void RollBack() noexcept;
   TVnDeserializer* Root();

@@ -78,6 +78,7 @@ void RegisterXMLSerializers() {
                        TVnXMLDocDeserializer::StaticClass());
   VnRegisterSerializer(dsfXML, TVnDOMElement::StaticClass(), TVnDOMElementSerializer::StaticClass(),
                        TVnDOMElementDeserializer::StaticClass());
+  VnRegisterSerializer(dsfJSON, TVnDOMDocument::StaticClass(), TVnXMLDocJSONSerializer::StaticClass(), nullptr);
 }
 
 }  // namespace detail
