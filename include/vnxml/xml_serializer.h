@@ -101,6 +101,8 @@ class TVnXMLDeserializer : public TVnDeserializer,
   bool ReadClassName(UnicodeString& AClassName) override;
   void DoDeserialize() override;
   TVnDeserializer* CreateChildDeserializerIfNeeded(std::u16string_view AName) override;
+  /// A DOM element is never made for a nil member: it belongs to a document (cVnNotSupported).
+  TObject* CreateInstance(const TVnTypeInfo*& AType) override;
   void DeserializeValue(std::u16string_view AURI, std::u16string_view AName, std::u16string_view AValue,
                         std::u16string_view ADataType) override;
   Integer ValueToInt(std::u16string_view AValue) override;

@@ -85,11 +85,12 @@ ClassMark ObjectClassName(std::u16string_view AText, size_t AIndex, UnicodeStrin
   return ClassMark::Named;
 }
 
-/// A JSON document member holds an array as well: a nil one is made for it.
-bool DocumentArrayAt(const TVnTypeInfo* AMember, std::u16string_view AText, size_t AIndex) {
-  if (!AMember || AMember->GetKind() != tkClass ||
-      !ClassInheritsFrom(AMember->Handle()->ClassType, TVnJSONDocument::StaticClass()))
-    return false;
+bool IsDocumentMember(const TVnTypeInfo* AMember) {
+  return AMember && AMember->GetKind() == tkClass &&
+         ClassInheritsFrom(AMember->Handle()->ClassType, TVnJSONDocument::StaticClass());
+}
+
+bool ArrayAt(std::u16string_view AText, size_t AIndex) {
   SkipBlanks(AText, AIndex);
   return AIndex < AText.size() && AText[AIndex] == u'[';
 }
@@ -425,11 +426,16 @@ bool TVnJSONDeserializer::ReadClassName(UnicodeString& AClassName) {
     SkipBlanks(ahead, i);
     if (i < ahead.size() && ahead[i] == u':') ++i;
   }
-  switch (ObjectClassName(ahead, i, AClassName)) {
+  const ClassMark mark = ObjectClassName(ahead, i, AClassName);
+  if (IsDocumentMember(FMemberTypeInfo)) {
+    // A document holds any value, a className member too: one is made for an object or array.
+    AClassName.clear();
+    return mark == ClassMark::EmptyObject || (mark == ClassMark::NoObject && !ArrayAt(ahead, i));
+  }
+  switch (mark) {
     case ClassMark::Named: return true;
     case ClassMark::Unnamed: return false;  // the member's own class
-    case ClassMark::NoObject: return !DocumentArrayAt(FMemberTypeInfo, ahead, i);
-    default: return true;                   // {}: the member stays nil
+    default: return true;                   // no object, or {}: the member stays nil
   }
 }
 

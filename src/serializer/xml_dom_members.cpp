@@ -52,6 +52,12 @@ void TVnDOMElementSerializer::DoSerialize(TVnSerializer*, std::u16string_view, s
 
 // ---- reading ----
 
+TObject* TVnXMLDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
+  if (AType && AType->GetKind() == tkClass && ClassInheritsFrom(AType->Handle()->ClassType, TVnDOMElement::StaticClass()))
+    throw Exception(cVnNotSupported);
+  return TVnDeserializer::CreateInstance(AType);
+}
+
 TVnXMLDOMMemberDeserializer::TVnXMLDOMMemberDeserializer() : FMarkup(new detail::DOMMemberText()) {}
 TVnXMLDOMMemberDeserializer::~TVnXMLDOMMemberDeserializer() = default;
 

@@ -27,6 +27,7 @@ TEST(JSONBadInput, FailsNamingTheMember) {
       {R"({"i":[1]})", Shape(u"i", u"a value of Integer", u"an array")},
       {R"({"ints":{}})", Shape(u"ints", u"an array of Integer", u"an object")},
       {R"({"ints":5})", Shape(u"ints", u"an array of Integer", u"a number")},
+      {R"({"ints":"5"})", Shape(u"ints", u"an array of Integer", u"a string")},
       {R"({"point":5})", Shape(u"point", u"an object of TPoint", u"a number")},
       {R"({"point":[]})", Shape(u"point", u"an object of TPoint", u"an array")},
       {R"({"ints":[[1]]})", Shape(u"ints[-1]", u"a value of Integer", u"an array")},
@@ -75,6 +76,10 @@ TEST(JSONBadInput, ReservedAndUnknownNamesInPlaces) {
   // An object given as a string fills the object that is there.
   FromJSON(o, R"({"pet":"{\"className\":\"TPet\",\"name\":\"y\"}"})");
   EXPECT_EQ(o.Pet->Name, u"y");
+  // So does an array's own text.
+  FromJSON(o, R"({"ints":" [4,5]","points":"[{\"x\":1}]"})");
+  EXPECT_EQ(o.Ints, (std::vector<Integer>{4, 5}));
+  EXPECT_EQ(o.Points, (std::vector<TPoint>{{1, 0}}));
   // An enumeration by name or number, a set by its names; asInt decides when it comes last.
   FromJSON(o, R"({"tone":"toMid","tones":{"asString":"[toMid]"},"shade":{"asString":"Light","asInt":1}})");
   EXPECT_EQ(o.Tone, toMid);
