@@ -4,6 +4,7 @@
 #include "vnxml/common/classes.h"
 #include "vnxml/common/string_list.h"
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_element.h"
 #include "vnxml/xml_dom_serializer.h"
@@ -44,17 +45,83 @@ void TVnXMLComponentSerializer::DoSerialize(TVnSerializer* AParent, std::u16stri
   TVnXMLSerializer::DoSerialize(AParent, AName, APath);
 }
 
+void TVnXMLValueDeserializer::DoStartElement(std::u16string_view, std::u16string_view, std::u16string_view AQName,
+                                             IVnSAXAttributes* AAttributes) {
+  // Level 0 is the member's own element: everything inside is kept as markup.
+  ++FLevel;
+  FMarkup += u'<';
+  FMarkup += AQName;
+  if (AAttributes) {
+    for (PVnSAXXMAttribute a = AAttributes->FirstAttribute(); a; a = a->Next) {
+      FMarkup += u' ';
+      FMarkup += a->QName;
+      FMarkup += u"=\"";
+      FMarkup += a->Value;
+      FMarkup += u'"';
+    }
+  }
+  FMarkup += u'>';
+}
+
 void TVnXMLValueDeserializer::DoCharacters(std::u16string_view AText) {
-  if (FLevel != 0) {
-    TVnXMLDeserializer::DoCharacters(AText);
+  if (FLevel >= 1) {
+    FMarkup += FInCDATA ? VnStrToXML(AText, false, false) : UnicodeString(AText);
     return;
   }
+  if (FLevel != 0) return;
   FText += AText;
   FHasText = true;
 }
 
+void TVnXMLValueDeserializer::DoEndElement(std::u16string_view AURI, std::u16string_view ALocalName,
+                                           std::u16string_view AQName) {
+  if (FLevel < 1) return TVnXMLDeserializer::DoEndElement(AURI, ALocalName, AQName);
+  FMarkup += u"</";
+  FMarkup += AQName;
+  FMarkup += u'>';
+  --FLevel;
+}
+
+void TVnXMLValueDeserializer::ReadComplex(const TVnTypeInfo* AType) {
+  auto& target = *static_cast<TValue*>(FInstancePtr);
+  // The markup read as the members of a root of its own; the xsi prefix of the text's root
+  // is declared again, for the type marks inside.
+  const UnicodeString text = u"<value xmlns:xsi=\"" + UnicodeString(cVnXSINamespace) + u"\">" + FMarkup + u"</value>";
+  switch (AType->Kind()) {
+    case vtkRecord:
+    case vtkDynArray:
+    case vtkStaticArray: {
+      // The reader fills a copy of its own value: the result is taken from there.
+      IPtr<IVnDeserializer> reader = VnCreateDeserializer(dsfXML, TValue::Make(nullptr, AType->Handle()));
+      reader->Deserialize(UnicodeToUtf8(text));
+      target = TValue::Make(reader->GetInstancePtr(), AType->Handle());
+      break;
+    }
+    case vtkClass: {
+      // The member must be one a failed read can reset: a field or property of an object.
+      TVnDeserializer* parent = GetParentDeserializer();
+      if (!CallerListsCreated() || !parent || !parent->GetInstanceTypeInfo() ||
+          parent->GetInstanceTypeInfo()->GetKind() != tkClass || (!parent->GetMemberField() && !parent->GetMemberProp()))
+        break;
+      const TVnTypeInfo* type = AType;
+      TObject* made = TVnDeserializer::CreateInstance(type);
+      target = TValue::FromObject(made);
+      RecordLink(parent->GetInstancePtr(), parent->GetMemberField(), parent->GetMemberProp());
+      VnDeserialize(dsfXML, TValue::FromObject(made), UnicodeToUtf8(text));
+      break;
+    }
+    default:
+      break;
+  }
+}
+
 void TVnXMLValueDeserializer::DeserializeEndType() {
-  if (FHasText && FInstancePtr) {
+  auto* parent = CastObject<TVnXMLDeserializer>(GetParentDeserializer());
+  if (!FMarkup.empty() && FInstancePtr && parent && parent->GetDataTypeInfo()) {
+    ReadComplex(parent->GetDataTypeInfo());
+    FMarkup.clear();
+    FHasText = false;
+  } else if (FHasText && FInstancePtr) {
     // The element's xsi:type gives the value its type; without one it is a string.
     auto& target = *static_cast<TValue*>(FInstancePtr);
     target = FDataType.empty() ? TValue::From(ValueToStr(FText)) : ValueToVal(FText, FDataType);
