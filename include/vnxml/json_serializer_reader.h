@@ -218,8 +218,9 @@ class TVnJSONDocDeserializer : public TVnJSONDeserializer {
 /// as that type: an enumeration or set from its "asInt", a record filled from the object. An
 /// object of a class is made only when the read was given a list of created objects
 /// (VnDeserialize's last argument): the TValue does not own it, the caller does, and the list
-/// names it. Any other object, and an array (whose text names no type), is passed over and
-/// leaves the value empty.
+/// names it (a TValue inside that object takes none). Each such value is read by a reader of its
+/// own; reads nested deeper than 64 raise cVnJSONNestingTooDeep. Any other object, and an array
+/// (whose text names no type), is passed over and leaves the value empty.
 class TVnJSONValueDeserializer : public TVnJSONDeserializer {
   VN_DECLARE_CLASS(TVnJSONValueDeserializer, TVnJSONDeserializer)
  public:

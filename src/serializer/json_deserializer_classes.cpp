@@ -2,6 +2,7 @@
 #include <cstring>
 #include <memory>
 
+#include "serializer/boxed_read.h"
 #include "serializer/json_base64.h"
 #include "serializer/json_event_text.h"
 #include "vnxml/common/code_page.h"
@@ -175,6 +176,7 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
   const UnicodeString name = VnJSONtoStr(std::u16string_view(AText).substr(kMark.size(), end - kMark.size()), jdtNull);
   const TVnTypeInfo* type = TVnTypes::GetTypeInfo(name, tntSchemaName, false, mtkUnknown);
   if (!type) return;
+  const Integer depth = detail::BoxedReadDepth(*this, cVnJSONNestingTooDeep, GetPath());
   switch (type->Kind()) {
     case vtkEnumeration:
     case vtkSet: {
@@ -191,22 +193,20 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
       }
       break;
     }
-    case vtkRecord: {
-      TValue value = TValue::Make(nullptr, type->Handle());
-      VnDeserializeEx(dsfJSON, value.GetReferenceToRawData(), type, UnicodeToUtf8(AText));
-      *target = std::move(value);
+    case vtkRecord:
+      *target = detail::ReadBoxed(dsfJSON, TValue::Make(nullptr, type->Handle()), UnicodeToUtf8(AText), depth);
       break;
-    }
     case vtkClass: {
       // The member must be one a failed read can reset: a field or property of an object.
       TVnDeserializer* parent = GetParentDeserializer();
       if (!CallerListsCreated() || !parent || !parent->GetInstanceTypeInfo() ||
           parent->GetInstanceTypeInfo()->GetKind() != tkClass || (!parent->GetMemberField() && !parent->GetMemberProp()))
         break;
-      TObject* made = VnCreateFrom(dsfJSON, UnicodeToUtf8(AText)).release();
-      RecordCreated(made);
-      *target = TValue::FromObject(made);
+      const TVnTypeInfo* made = type;
+      TObject* object = TVnDeserializer::CreateInstance(made);
+      *target = TValue::FromObject(object);
       RecordLink(parent->GetInstancePtr(), parent->GetMemberField(), parent->GetMemberProp());
+      detail::ReadBoxed(dsfJSON, *target, UnicodeToUtf8(AText), depth);
       break;
     }
     default:

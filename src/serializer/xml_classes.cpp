@@ -1,5 +1,6 @@
 // The XML classes of string lists, components and TValue, and the start-up registration of
 // the XML pair.
+#include "serializer/boxed_read.h"
 #include "serializer/serializer_startup.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/string_list.h"
@@ -9,6 +10,7 @@
 #include "vnxml/dom_element.h"
 #include "vnxml/xml_dom_serializer.h"
 #include "vnxml/xml_escape.h"
+#include "vnxml/serializer_walker.h"
 #include "vnxml/xml_serializer.h"
 
 namespace vn {
@@ -87,16 +89,13 @@ void TVnXMLValueDeserializer::ReadComplex(const TVnTypeInfo* AType) {
   // The markup read as the members of a root of its own; the xsi prefix of the text's root
   // is declared again, for the type marks inside.
   const UnicodeString text = u"<value xmlns:xsi=\"" + UnicodeString(cVnXSINamespace) + u"\">" + FMarkup + u"</value>";
+  const Integer depth = detail::BoxedReadDepth(*this, cVnNestingTooDeep, GetPath());
   switch (AType->Kind()) {
     case vtkRecord:
     case vtkDynArray:
-    case vtkStaticArray: {
-      // The reader fills a copy of its own value: the result is taken from there.
-      IPtr<IVnDeserializer> reader = VnCreateDeserializer(dsfXML, TValue::Make(nullptr, AType->Handle()));
-      reader->Deserialize(UnicodeToUtf8(text));
-      target = TValue::Make(reader->GetInstancePtr(), AType->Handle());
+    case vtkStaticArray:
+      target = detail::ReadBoxed(dsfXML, TValue::Make(nullptr, AType->Handle()), UnicodeToUtf8(text), depth);
       break;
-    }
     case vtkClass: {
       // The member must be one a failed read can reset: a field or property of an object.
       TVnDeserializer* parent = GetParentDeserializer();
@@ -107,7 +106,7 @@ void TVnXMLValueDeserializer::ReadComplex(const TVnTypeInfo* AType) {
       TObject* made = TVnDeserializer::CreateInstance(type);
       target = TValue::FromObject(made);
       RecordLink(parent->GetInstancePtr(), parent->GetMemberField(), parent->GetMemberProp());
-      VnDeserialize(dsfXML, TValue::FromObject(made), UnicodeToUtf8(text));
+      detail::ReadBoxed(dsfXML, TValue::FromObject(made), UnicodeToUtf8(text), depth);
       break;
     }
     default:

@@ -109,6 +109,11 @@ TEST(JSONBadInput, CutTextFailsAndLeavesNoCreatedObjectLinked) {
   }
 }
 
+struct TBox {
+  TValue Inner;
+};
+VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner); }
+
 TEST(JSONBadInput, DeepTextEndsInAFailureNotInTheStack) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += R"({"className":"TPet","friend":)";
@@ -116,6 +121,12 @@ TEST(JSONBadInput, DeepTextEndsInAFailureNotInTheStack) {
   const UnicodeString message = MessageOf([&] { FromJSON(o, R"({"pets":[)" + deep); });
   EXPECT_NE(message.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(message);
   EXPECT_TRUE(o.Pets.empty());
+  // Records boxed in TValue members are read by readers of their own: their depth is bounded too.
+  std::string boxed = R"({"any":)";
+  for (int i = 0; i < 100; ++i) boxed += R"({"className":"TBox","inner":)";
+  const UnicodeString boxedMessage = MessageOf([&] { FromJSON(o, boxed + "1" + std::string(101, '}')); });
+  EXPECT_NE(boxedMessage.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(boxedMessage);
+  EXPECT_TRUE(o.Any.IsEmpty());
 }
 
 TEST(JSONBadInput, FormTextThroughTheUrlEncodedParameter) {

@@ -77,4 +77,24 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
   }
 }
 
+struct TBox {
+  TValue Inner;
+};
+VN_REGISTER_TYPE(TBox, u"uSerial") { b.Public(u"Inner", &TBox::Inner); }
+
+TEST(XMLRoundTrip, BoxedValuesNestOnlySoDeep) {
+  // Each boxed record is read by a reader of its own: the depth of those reads is bounded.
+  std::string text = "<object xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><Boxed xsi:type=\"xsd:TBox\">";
+  for (int i = 0; i < 100; ++i) text += "<Inner xsi:type=\"xsd:TBox\">";
+  for (int i = 0; i < 100; ++i) text += "</Inner>";
+  TAll all;
+  try {
+    VnDeserialize(dsfXML, TValue::FromObject(&all), text + "</Boxed></object>");
+    ADD_FAILURE();
+  } catch (const EVnSerializeException& e) {
+    EXPECT_NE(e.Message().find(u"nesting is too deep"), UnicodeString::npos);
+  }
+  EXPECT_TRUE(all.Boxed.IsEmpty());
+}
+
 }  // namespace
