@@ -183,6 +183,12 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
       TVnJSONDocument document(std::u16string_view{AText});
       TVnJSONMember* asInt = document.FindMember(u"asInt", true);
       const Int64 ordinal = asInt ? asInt->GetAsLargeInt() : 0;
+      // Only ordinals the type has: a value out of range has no name to write.
+      const TTypeInfo* range = type->Kind() == vtkEnumeration ? type->Handle() : type->Handle()->ElementType;
+      const bool valid = type->Kind() == vtkEnumeration
+                             ? ordinal >= range->MinValue && ordinal <= range->MaxValue
+                             : ordinal >= 0 && range && (range->MaxValue >= 62 || (ordinal >> (range->MaxValue + 1)) == 0);
+      if (!valid) throw EVnSerializeException(cVnEnumValueUnknown + IntToStr(ordinal));
       if (type->Kind() == vtkEnumeration) {
         *target = TValue::FromOrdinal(type->Handle(), ordinal);
       } else {

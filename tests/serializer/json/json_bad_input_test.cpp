@@ -56,6 +56,8 @@ TEST(JSONBadInput, ConversionFailuresKeepTheirCauseBehindThePath) {
       {R"({"pet":{"className":"TPet","legs":"many"}})", u"pet.legs"},
       {R"({"tone":7})", u"tone"},
       {R"({"data":{"data":"**"}})", u"data"},
+      {R"({"any":{"className":"TTone","asInt":9}})", u"any"},
+      {R"({"any":{"className":"SetOfTTone","asInt":8}})", u"any"},
   };
   for (const auto& [text, path] : cases) {
     TShapes o;
