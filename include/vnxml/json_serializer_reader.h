@@ -83,6 +83,9 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
 
   void ReadClassName(TVnTextParser& AParser, UnicodeString& AClassName) override;
   bool ReadClassName(UnicodeString& AClassName) override;
+  /// Inside a record or array held by a TValue no object is made: nothing would own it
+  /// (cVnBoxedObjectUnowned).
+  TObject* CreateInstance(const TVnTypeInfo*& AType) override;
   void DoDeserialize() override;
   Integer ValueToInt(std::u16string_view AValue) override;
   Int64 ValueToInt64(std::u16string_view AValue) override;

@@ -6,11 +6,19 @@
 
 #include "vnxml/common/sysutils.h"
 #include "vnxml/serializer.h"
+#include "vnxml/serializer_builder.h"
 
 namespace vn::detail {
 
 inline constexpr Integer kMaxBoxedReads = 64;
 inline constexpr char16_t kBoxedDepthParam[] = u"vn:boxed-depth";
+/// Set to "1" in the read of a boxed record or array: an object made there would have no owner.
+inline constexpr char16_t kBoxedNoOwnerParam[] = u"vn:boxed-no-owner";
+
+/// Raises cVnBoxedObjectUnowned when ASerializer reads inside a boxed record or array.
+inline void CheckBoxedOwner(TVnCustomSerializer& ASerializer, const UnicodeString& APath) {
+  if (ASerializer.GetParam(kBoxedNoOwnerParam) == u"1") throw EVnSerializeException(cVnBoxedObjectUnowned, {APath});
+}
 
 /// The depth of an inner read started by ASerializer; past the bound, AMessage (a format with
 /// the path) is raised with APath.
@@ -26,6 +34,7 @@ inline TValue ReadBoxed(TVnDataSerializationFormatType AFormat, const TValue& AV
                         Integer ADepth) {
   IPtr<IVnDeserializer> reader = VnCreateDeserializer(AFormat, AValue);
   reader->SetParam(kBoxedDepthParam, IntToStr(static_cast<Int64>(ADepth)));
+  if (!AValue.IsObject()) reader->SetParam(kBoxedNoOwnerParam, u"1");
   reader->Deserialize(AText);
   return AValue.IsObject() ? AValue : TValue::Make(reader->GetInstancePtr(), AValue.TypeInfo());
 }

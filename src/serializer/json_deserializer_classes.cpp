@@ -108,6 +108,11 @@ void TVnJSONDocDeserializer::Deserialize(TStream& AStream) {
   document->LoadFromStream(AStream, cVnCodePageUTF8, false);
 }
 
+TObject* TVnJSONDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
+  detail::CheckBoxedOwner(*this, GetPath());
+  return TVnDeserializer::CreateInstance(AType);
+}
+
 // ---- TValue: a simple value, or an object of a type its className names ----
 
 TVnJSONValueDeserializer::TVnJSONValueDeserializer() = default;

@@ -2,6 +2,7 @@
 // member's element, and is collected from the reader's events as it came, to be loaded at the end.
 #include <vector>
 
+#include "serializer/boxed_read.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/dom_element.h"
@@ -55,6 +56,7 @@ void TVnDOMElementSerializer::DoSerialize(TVnSerializer*, std::u16string_view, s
 TObject* TVnXMLDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
   if (AType && AType->GetKind() == tkClass && ClassInheritsFrom(AType->Handle()->ClassType, TVnDOMElement::StaticClass()))
     throw Exception(cVnNotSupported);
+  detail::CheckBoxedOwner(*this, GetPath());
   return TVnDeserializer::CreateInstance(AType);
 }
 

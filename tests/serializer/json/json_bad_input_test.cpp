@@ -16,6 +16,12 @@ UnicodeString Shape(std::u16string_view APath, std::u16string_view AExpected, st
   return vn::Format(cVnJSONShapeMismatch, {APath, AExpected, AFound});
 }
 
+struct TBox {
+  TValue Inner;
+  TPet* Pet = nullptr;
+};
+VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner).Public(u"Pet", &TBox::Pet); }
+
 struct BadText {
   const char* Text;
   UnicodeString Message;
@@ -38,6 +44,7 @@ TEST(JSONBadInput, FailsNamingTheMember) {
       {R"({"point":"5"})", At(u"point", cVnJSONObjectDataExpected)},
       {R"({"tone":{"bad":1}})", At(u"tone", vn::Format(cVnJSONEnumMemberExpected, {u"bad"}))},
       {R"({"nosuch":1})", At(u"nosuch", vn::Format(cVnUnknownMember, {u"uJSONTest.TShapes", u"nosuch"}))},
+      {R"({"any":{"className":"TBox","pet":{"className":"TPet"}}})", vn::Format(cVnBoxedObjectUnowned, {u"pet"})},
       {R"({"pet":{"className":"TNoSuch"}})", At(u"pet", vn::Format(cVnFailedToCreateMember, {u"TNoSuch"}))},
       {R"({"pet":{"className":"TRock"}})", At(u"pet", vn::Format(cVnClassNotADescendant, {u"TRock", u"TPet"}))},
       {R"({"pets":[{"className":"TPet"},{"className":"TRock","weight":1}]})",
@@ -110,11 +117,6 @@ TEST(JSONBadInput, CutTextFailsAndLeavesNoCreatedObjectLinked) {
     for (TPet* p : o.Pets) EXPECT_EQ(p, nullptr) << cut;
   }
 }
-
-struct TBox {
-  TValue Inner;
-};
-VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner); }
 
 TEST(JSONBadInput, DeepTextEndsInAFailureNotInTheStack) {
   std::string deep;
