@@ -230,7 +230,8 @@ class TVnXMLComponentDeserializer : public TVnXMLDeserializer {
 /// as a value of that type; under a class, an object of that class is made only when the read
 /// was given a list of created objects (VnDeserialize's last argument): the TValue does not own
 /// it, the caller does, and the list names it (a TValue inside that object takes none). Each such
-/// value is read by a reader of its own; reads nested deeper than 64 raise cVnNestingTooDeep.
+/// value is read by a reader of its own; reads nested deeper than 64 raise cVnNestingTooDeep, and
+/// an object that would be made inside a boxed record or array raises cVnBoxedObjectUnowned.
 /// Elements under no such type are passed over and leave the value empty.
 class TVnXMLValueDeserializer : public TVnXMLDeserializer {
   VN_DECLARE_CLASS(TVnXMLValueDeserializer, TVnXMLDeserializer)
