@@ -84,11 +84,16 @@ class TVnJSONComponentSerializer : public TVnJSONSerializer {
 
 /// A JSON document as its own text, in UTF-8; with "excluderoot" at "true" without the outer
 /// brackets of its root value.
+/// Below the root, as a member or array element, the document's text stands in the value's
+/// place, {} for a document with no value.
 class TVnJSONDocSerializer : public TVnJSONSerializer {
   VN_DECLARE_CLASS(TVnJSONDocSerializer, TVnJSONSerializer)
  public:
   void Serialize(TStream& AStream) override;
   using TVnJSONSerializer::Serialize;
+  void SerializeStartType(std::u16string_view AName, const TVnTypeInfo* AType, Integer AIndex) override;
+  void SerializeEndType(std::u16string_view AName, const TVnTypeInfo* AType, Integer AIndex) override;
+  void DoSerialize(TVnSerializer* AParent, std::u16string_view AName, std::u16string_view APath) override;
 };
 
 }  // namespace vn

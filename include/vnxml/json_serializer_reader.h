@@ -25,6 +25,7 @@
 // Parameter "UrlEncoded" at "True" or "1" (any case): the text is form-URL-encoded.
 #pragma once
 
+#include <memory>
 #include <string_view>
 
 #include "vnxml/json_contract.h"
@@ -82,6 +83,9 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
 
   void ReadClassName(TVnTextParser& AParser, UnicodeString& AClassName) override;
   bool ReadClassName(UnicodeString& AClassName) override;
+  /// Inside a record or array held by a TValue no object is made: nothing would own it
+  /// (cVnBoxedObjectUnowned).
+  TObject* CreateInstance(const TVnTypeInfo*& AType) override;
   void DoDeserialize() override;
   Integer ValueToInt(std::u16string_view AValue) override;
   Int64 ValueToInt64(std::u16string_view AValue) override;
@@ -154,6 +158,8 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   bool FInOrdinal = false;
   OrdinalKey FOrdinalKey = OrdinalKey::None;
   void ValueAsObject(TVnJSONSimpleDataType AType, std::u16string_view AText);
+  /// An array member written as a string that holds its JSON text ("[1,2]").
+  void ArrayFromString(std::u16string_view AText);
   void OrdinalValue(TVnJSONSimpleDataType AType, std::u16string_view AText);
   bool ValueInArray(TVnJSONSimpleDataType AType, std::u16string_view AText);
 };
@@ -189,26 +195,58 @@ class TVnJSONComponentDeserializer : public TVnJSONDeserializer {
   VN_DECLARE_CLASS(TVnJSONComponentDeserializer, TVnJSONDeserializer)
 };
 
-/// A JSON document loaded from the text as it stands (UTF-8).
+namespace detail {
+class JSONEventText;
+}
+
+/// A JSON document loaded from the text as it stands (UTF-8). Below the root the value in the
+/// member's place, of any shape, becomes the document's content; a nil document member is made
+/// for an object that names no class, or for an array.
 class TVnJSONDocDeserializer : public TVnJSONDeserializer {
   VN_DECLARE_CLASS(TVnJSONDocDeserializer, TVnJSONDeserializer)
  public:
+  TVnJSONDocDeserializer();
+  ~TVnJSONDocDeserializer() override;
   TObject* CreateInstance(const TVnTypeInfo*& AType) override;
   void Deserialize(TStream& AStream) override;
   using TVnJSONDeserializer::Deserialize;
-};
-
-/// A TValue member: a string, number (with a point: Extended, without: Int64), boolean or null
-/// (a Null Variant). An object or array in its place is passed over and leaves the value empty.
-class TVnJSONValueDeserializer : public TVnJSONDeserializer {
-  VN_DECLARE_CLASS(TVnJSONValueDeserializer, TVnJSONDeserializer)
- public:
-  TVnCanDeserialize CanDeserialize(UnicodeString&, UnicodeString&, UnicodeString&, bool) override { return desNo; }
   void DoStartObject() override;
+  void DoStartMember(std::u16string_view AName) override;
   void DoStartArray() override;
   void DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) override;
   void DoEndArray() override;
   void DoEndObject() override;
+
+ private:
+  void Load();
+  std::unique_ptr<detail::JSONEventText> FCapture;
+};
+
+/// A TValue member: a string, number (with a point: Extended, without: Int64), boolean or null
+/// (a Null Variant). An object whose first member "className" names a registered type is read
+/// as that type: an enumeration or set from its "asInt", a record filled from the object. An
+/// object of a class is made only when the read was given a list of created objects
+/// (VnDeserialize's last argument): the TValue does not own it, the caller does, and the list
+/// names it (a TValue inside that object takes none). Each such value is read by a reader of its
+/// own; reads nested deeper than 64 raise cVnJSONNestingTooDeep. Any other object, and an array
+/// (whose text names no type), is passed over and leaves the value empty.
+class TVnJSONValueDeserializer : public TVnJSONDeserializer {
+  VN_DECLARE_CLASS(TVnJSONValueDeserializer, TVnJSONDeserializer)
+ public:
+  TVnJSONValueDeserializer();
+  ~TVnJSONValueDeserializer() override;
+  TVnCanDeserialize CanDeserialize(UnicodeString&, UnicodeString&, UnicodeString&, bool) override { return desNo; }
+  void DoStartObject() override;
+  void DoStartMember(std::u16string_view AName) override;
+  void DoStartArray() override;
+  void DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) override;
+  void DoEndArray() override;
+  void DoEndObject() override;
+
+ private:
+  /// Reads the collected object text into the TValue by the type its className names.
+  void ReadObject(const UnicodeString& AText);
+  std::unique_ptr<detail::JSONEventText> FCapture;
 };
 
 }  // namespace vn

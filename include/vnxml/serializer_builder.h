@@ -48,6 +48,11 @@ inline constexpr char16_t cVnArrayMemberTypeUnset[] =
 inline constexpr char16_t cVnClassNotADescendant[] = u"The class %s is not a descendant of %s!";
 /// An element past the end of a fixed-size array.
 inline constexpr char16_t cVnArrayFull[] = u"The array at \"%s\" has no element %s!";
+/// An object would be made inside a record or array that a TValue holds: nothing would own it.
+inline constexpr char16_t cVnBoxedObjectUnowned[] =
+    u"Deserialization failure at \"%s\"\r\nA record or array held by a TValue cannot take a new object!";
+inline constexpr char16_t cVnArrayExpected[] =
+    u"Deserialization failure at \"%s\"\r\nAn array expected, but the text \"%s\" found!";
 inline constexpr char16_t cVnOwnerNotAComponent[] = u"The object parameter \"Owner\" is not a TComponent!";
 
 /// A created-objects list that a deserializer made for itself.
@@ -156,6 +161,9 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   void RecordLink(void* AInstance, TRttiField* AField, TRttiProperty* AProp);
   /// How many objects the read has created so far.
   size_t CreatedCount();
+  /// Whether the caller gave the read its list of created objects (and so takes what no
+  /// member owns).
+  bool CallerListsCreated() { return !Root()->FOwnList && Root()->FCreatedObjs; }
   /// Frees what a failed read created and unlinks it from the members that got it.
   void RollBack() noexcept;
   TVnDeserializer* Root();

@@ -101,6 +101,8 @@ class TVnXMLDeserializer : public TVnDeserializer,
   bool ReadClassName(UnicodeString& AClassName) override;
   void DoDeserialize() override;
   TVnDeserializer* CreateChildDeserializerIfNeeded(std::u16string_view AName) override;
+  /// A DOM element is never made for a nil member: it belongs to a document (cVnNotSupported).
+  TObject* CreateInstance(const TVnTypeInfo*& AType) override;
   void DeserializeValue(std::u16string_view AURI, std::u16string_view AName, std::u16string_view AValue,
                         std::u16string_view ADataType) override;
   Integer ValueToInt(std::u16string_view AValue) override;
@@ -147,6 +149,8 @@ class TVnXMLDeserializer : public TVnDeserializer,
   void EndEntity(std::u16string_view) override {}
 
   Integer GetLevel() const noexcept { return FLevel; }
+  /// The type the current member's xsi:type names, or nil.
+  const TVnTypeInfo* GetDataTypeInfo() const noexcept { return FDataTypeInfo; }
   const UnicodeString& GetLocalName() const noexcept { return FLocalName; }
 
  protected:
@@ -222,12 +226,26 @@ class TVnXMLComponentDeserializer : public TVnXMLDeserializer {
 };
 
 /// A TValue member: its text, typed by the element's xsi:type when that names a simple type,
-/// else a string.
+/// else a string. Elements inside, under an xsi:type that names a record or array type, are read
+/// as a value of that type; under a class, an object of that class is made only when the read
+/// was given a list of created objects (VnDeserialize's last argument): the TValue does not own
+/// it, the caller does, and the list names it (a TValue inside that object takes none). Each such
+/// value is read by a reader of its own; reads nested deeper than 64 raise cVnNestingTooDeep, and
+/// an object that would be made inside a boxed record or array raises cVnBoxedObjectUnowned.
+/// Elements under no such type are passed over and leave the value empty.
 class TVnXMLValueDeserializer : public TVnXMLDeserializer {
   VN_DECLARE_CLASS(TVnXMLValueDeserializer, TVnXMLDeserializer)
  public:
+  void DoStartElement(std::u16string_view AURI, std::u16string_view ALocalName, std::u16string_view AQName,
+                      IVnSAXAttributes* AAttributes) override;
   void DoCharacters(std::u16string_view AText) override;
+  void DoEndElement(std::u16string_view AURI, std::u16string_view ALocalName, std::u16string_view AQName) override;
   void DeserializeEndType() override;
+
+ private:
+  /// Reads the markup collected inside the element as a value of AType.
+  void ReadComplex(const TVnTypeInfo* AType);
+  UnicodeString FMarkup;
 };
 
 }  // namespace vn

@@ -344,6 +344,10 @@ void TVnDeserializer::DeserializeValue(std::u16string_view AURI, std::u16string_
     if (FIHelper) FIHelper->DeserializeValue(this, uri, name, value, dataType, handled);
     if (handled) return;
   }
+  // Text standing where the array's elements should be (a simple xsi:type on an array member)
+  // belongs to no element.
+  if (FArrIdx < 0 && IsArraySerializer())
+    throw EVnSerializeException(cVnArrayExpected, {FParentDeserializer->GetPath(), UnicodeString(AValue)});
   try {
     if (!FMemberTypeInfo) {
       const TVnTypeKind kind = FInstanceTypeInfo ? FInstanceTypeInfo->Kind() : vtkUnknown;

@@ -6,6 +6,7 @@
 #include "vnxml/common/text_parser.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
+#include "vnxml/json_document.h"
 #include "vnxml/json_form_reader.h"
 #include "vnxml/json_reflected_values.h"
 #include "vnxml/json_serializer_reader.h"
@@ -83,6 +84,16 @@ ClassMark ObjectClassName(std::u16string_view AText, size_t AIndex, UnicodeStrin
   if (!QuotedAt(AText, AIndex, value)) return ClassMark::Unnamed;
   AName = VnJSONtoStr(value, jdtNull);
   return ClassMark::Named;
+}
+
+bool IsDocumentMember(const TVnTypeInfo* AMember) {
+  return AMember && AMember->GetKind() == tkClass &&
+         ClassInheritsFrom(AMember->Handle()->ClassType, TVnJSONDocument::StaticClass());
+}
+
+bool ArrayAt(std::u16string_view AText, size_t AIndex) {
+  SkipBlanks(AText, AIndex);
+  return AIndex < AText.size() && AText[AIndex] == u'[';
 }
 
 /// The class a form text names with "[className]=" (or its escaped brackets) before the next pair.
@@ -298,8 +309,9 @@ void TVnJSONDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_vi
   if (!FOpened) {
     if (IsComplex(FInstanceTypeInfo)) return ValueAsObject(AType, AText);
     if (IsArray(FInstanceTypeInfo)) {
-      // null leaves the array as it is.
-      if (AType != jdtNull) RaiseShape(ExpectedName(FInstanceTypeInfo), FoundName(AType));
+      // null leaves the array as it is; a string may hold the array's own text.
+      if (AType == jdtString && GetParentDeserializer()) ArrayFromString(AText);
+      else if (AType != jdtNull) RaiseShape(ExpectedName(FInstanceTypeInfo), FoundName(AType));
       return Finish();
     }
     return;  // a simple root reads nothing
@@ -355,6 +367,14 @@ void TVnJSONDeserializer::ValueAsObject(TVnJSONSimpleDataType AType, std::u16str
     VnDeserializeEx(dsfJSON, FInstancePtr, FInstanceTypeInfo, UnicodeToUtf8(decoded));
   }
   Finish();
+}
+
+void TVnJSONDeserializer::ArrayFromString(std::u16string_view AText) {
+  const UnicodeString decoded = ValueToStr(AText);
+  size_t i = 0;
+  SkipBlanks(decoded, i);
+  if (i >= decoded.size() || decoded[i] != u'[') RaiseShape(ExpectedName(FInstanceTypeInfo), u"a string");
+  VnDeserializeEx(dsfJSON, FInstancePtr, FInstanceTypeInfo, UnicodeToUtf8(decoded));
 }
 
 void TVnJSONDeserializer::DoEndArray() {
@@ -437,7 +457,13 @@ bool TVnJSONDeserializer::ReadClassName(UnicodeString& AClassName) {
       FMemberTypeInfo->Kind() == vtkClass && VnCreateSerializerHelper(FMemberTypeInfo->Handle()->ClassType) &&
       (ahead[first] == u'[') != ClassInheritsFrom(FMemberTypeInfo->Handle()->ClassType, TVnCustomSimpleType::StaticClass()))
     return false;
-  switch (ObjectClassName(ahead, i, AClassName)) {
+  const ClassMark mark = ObjectClassName(ahead, i, AClassName);
+  if (IsDocumentMember(FMemberTypeInfo)) {
+    // A document holds any value, a className member too: one is made for an object or array.
+    AClassName.clear();
+    return mark == ClassMark::EmptyObject || (mark == ClassMark::NoObject && !ArrayAt(ahead, i));
+  }
+  switch (mark) {
     case ClassMark::Named: return true;
     case ClassMark::Unnamed: return false;  // the member's own class
     default: return true;                   // no object, or {}: the member stays nil

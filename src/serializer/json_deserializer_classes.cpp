@@ -1,5 +1,10 @@
 // The JSON readers of streams, string lists, JSON documents and TValue.
+#include <cstring>
+#include <memory>
+
+#include "serializer/boxed_read.h"
 #include "serializer/json_base64.h"
+#include "serializer/json_event_text.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/string_list.h"
@@ -103,19 +108,41 @@ void TVnJSONDocDeserializer::Deserialize(TStream& AStream) {
   document->LoadFromStream(AStream, cVnCodePageUTF8, false);
 }
 
-// ---- TValue: a simple value; objects and arrays are passed over ----
+TObject* TVnJSONDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
+  detail::CheckBoxedOwner(*this, GetPath());
+  return TVnDeserializer::CreateInstance(AType);
+}
+
+// ---- TValue: a simple value, or an object of a type its className names ----
+
+TVnJSONValueDeserializer::TVnJSONValueDeserializer() = default;
+TVnJSONValueDeserializer::~TVnJSONValueDeserializer() = default;
 
 void TVnJSONValueDeserializer::DoStartObject() {
-  FOpened = true;
-  Skip();
+  if (FDisabledCnt > 0) return Skip();
+  if (!FCapture) {
+    FOpened = true;
+    FCapture.reset(new detail::JSONEventText());
+  }
+  FCapture->StartObject();
 }
+
+void TVnJSONValueDeserializer::DoStartMember(std::u16string_view AName) {
+  if (FDisabledCnt == 0 && FCapture) FCapture->Member(AName);
+}
+
 void TVnJSONValueDeserializer::DoStartArray() {
-  FOpened = true;
-  Skip();
+  if (FDisabledCnt > 0 || !FCapture) {
+    // An array names no type: it is passed over.
+    FOpened = true;
+    return Skip();
+  }
+  FCapture->StartArray();
 }
 
 void TVnJSONValueDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText) {
   if (FDisabledCnt > 0) return;
+  if (FCapture) return FCapture->Value(AType, AText);
   auto* target = static_cast<TValue*>(FInstancePtr);
   if (target) {
     switch (AType) {
@@ -132,8 +159,70 @@ void TVnJSONValueDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16stri
 }
 
 void TVnJSONValueDeserializer::DoEndObject() {
-  if (FDisabledCnt > 0 && --FDisabledCnt == 0) Finish();
+  if (FDisabledCnt > 0) {
+    if (--FDisabledCnt == 0) Finish();
+    return;
+  }
+  if (!FCapture || !FCapture->Close()) return;
+  const UnicodeString text = FCapture->Text();
+  FCapture.reset();
+  ReadObject(text);
+  Finish();
 }
 void TVnJSONValueDeserializer::DoEndArray() { DoEndObject(); }
+
+void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
+  auto* target = static_cast<TValue*>(FInstancePtr);
+  // The text is the reader's own, rebuilt compact: a className first stands right behind "{".
+  static constexpr std::u16string_view kMark = u"{\"className\":\"";
+  if (!target || !AText.starts_with(kMark)) return;
+  size_t end = kMark.size();
+  while (end < AText.size() && AText[end] != u'"') end += AText[end] == u'\\' ? 2 : 1;
+  const UnicodeString name = VnJSONtoStr(std::u16string_view(AText).substr(kMark.size(), end - kMark.size()), jdtNull);
+  const TVnTypeInfo* type = TVnTypes::GetTypeInfo(name, tntSchemaName, false, mtkUnknown);
+  if (!type) return;
+  const Integer depth = detail::BoxedReadDepth(*this, cVnJSONNestingTooDeep, GetPath());
+  switch (type->Kind()) {
+    case vtkEnumeration:
+    case vtkSet: {
+      TVnJSONDocument document(std::u16string_view{AText});
+      TVnJSONMember* asInt = document.FindMember(u"asInt", true);
+      const Int64 ordinal = asInt ? asInt->GetAsLargeInt() : 0;
+      // Only ordinals the type has: a value out of range has no name to write.
+      const TTypeInfo* range = type->Kind() == vtkEnumeration ? type->Handle() : type->Handle()->ElementType;
+      const bool valid = type->Kind() == vtkEnumeration
+                             ? ordinal >= range->MinValue && ordinal <= range->MaxValue
+                             : ordinal >= 0 && range && (range->MaxValue >= 62 || (ordinal >> (range->MaxValue + 1)) == 0);
+      if (!valid) throw EVnSerializeException(cVnEnumValueUnknown + IntToStr(ordinal));
+      if (type->Kind() == vtkEnumeration) {
+        *target = TValue::FromOrdinal(type->Handle(), ordinal);
+      } else {
+        TValue value = TValue::Make(nullptr, type->Handle());
+        const size_t size = type->Handle()->Ops->Size;
+        std::memcpy(value.GetReferenceToRawData(), &ordinal, size < sizeof ordinal ? size : sizeof ordinal);
+        *target = std::move(value);
+      }
+      break;
+    }
+    case vtkRecord:
+      *target = detail::ReadBoxed(dsfJSON, TValue::Make(nullptr, type->Handle()), UnicodeToUtf8(AText), depth);
+      break;
+    case vtkClass: {
+      // The member must be one a failed read can reset: a field or property of an object.
+      TVnDeserializer* parent = GetParentDeserializer();
+      if (!CallerListsCreated() || !parent || !parent->GetInstanceTypeInfo() ||
+          parent->GetInstanceTypeInfo()->GetKind() != tkClass || (!parent->GetMemberField() && !parent->GetMemberProp()))
+        break;
+      const TVnTypeInfo* made = type;
+      TObject* object = TVnDeserializer::CreateInstance(made);
+      *target = TValue::FromObject(object);
+      RecordLink(parent->GetInstancePtr(), parent->GetMemberField(), parent->GetMemberProp());
+      detail::ReadBoxed(dsfJSON, *target, UnicodeToUtf8(AText), depth);
+      break;
+    }
+    default:
+      break;
+  }
+}
 
 }  // namespace vn

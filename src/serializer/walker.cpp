@@ -121,6 +121,16 @@ void TVnSerializer::Serialize(TStream& AStream, const TRttiMethod& AMethod, std:
   FStream = &AStream;
   SetParent(nullptr);
   FName = AName;
+  // The arguments are the members of the event's own type, a method type: no notation writes a
+  // start or end for it, so they stand bare.
+  static const TTypeInfo* const kInvokable = [] {
+    static TTypeInfo type;
+    type.Kind = tkMethod;
+    type.Name = u"TMethod";
+    type.QualifiedName = u"System.TMethod";
+    return &type;
+  }();
+  FInstanceTypeInfo = TVnTypes::GetTypeInfo(kInvokable);
   SerializeStartType(FName, FInstanceTypeInfo, -1);
   for (size_t i = 0; i < params.size(); ++i)
     SerializeFieldOrProp(params[i]->Name(), TVnTypes::GetTypeInfo(params[i]->ParamTypeInfo()), AValues[i], {});

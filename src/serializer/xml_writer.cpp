@@ -150,7 +150,7 @@ void TVnXMLSerializer::AppendTypeAttribute(const TVnTypeInfo* AType) {
 void TVnXMLSerializer::SerializeStartType(std::u16string_view AName, const TVnTypeInfo* AType, Integer) {
   const TVnTypeKind kind = AType ? AType->Kind() : vtkUnknown;
   if (kind != vtkStaticArray && kind != vtkDynArray && !IsComplexKind(kind)) {
-    VnAssert(AName.empty(), cVnXMLBasicTypeNotAtRoot);
+    VnAssert(AName.empty() || !GetParent(), cVnXMLBasicTypeNotAtRoot);
     return;
   }
   FOut += '<';
@@ -185,7 +185,7 @@ void TVnXMLSerializer::SerializeEndType(std::u16string_view AName, const TVnType
   const TVnTypeKind kind = AType ? AType->Kind() : vtkUnknown;
   if (kind == vtkPointer) return;
   if (kind < vtkStaticArray || kind > vtkInterface) {
-    VnAssert(AName.empty(), cVnXMLBasicTypeNotAtRoot);
+    VnAssert(AName.empty() || !GetParent(), cVnXMLBasicTypeNotAtRoot);
     return;
   }
   AppendAscii(FOut, "</");

@@ -16,6 +16,12 @@ UnicodeString Shape(std::u16string_view APath, std::u16string_view AExpected, st
   return vn::Format(cVnJSONShapeMismatch, {APath, AExpected, AFound});
 }
 
+struct TBox {
+  TValue Inner;
+  TPet* Pet = nullptr;
+};
+VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner).Public(u"Pet", &TBox::Pet); }
+
 struct BadText {
   const char* Text;
   UnicodeString Message;
@@ -27,6 +33,7 @@ TEST(JSONBadInput, FailsNamingTheMember) {
       {R"({"i":[1]})", Shape(u"i", u"a value of Integer", u"an array")},
       {R"({"ints":{}})", Shape(u"ints", u"an array of Integer", u"an object")},
       {R"({"ints":5})", Shape(u"ints", u"an array of Integer", u"a number")},
+      {R"({"ints":"5"})", Shape(u"ints", u"an array of Integer", u"a string")},
       {R"({"point":5})", Shape(u"point", u"an object of TPoint", u"a number")},
       {R"({"point":[]})", Shape(u"point", u"an object of TPoint", u"an array")},
       {R"({"ints":[[1]]})", Shape(u"ints[-1]", u"a value of Integer", u"an array")},
@@ -37,6 +44,7 @@ TEST(JSONBadInput, FailsNamingTheMember) {
       {R"({"point":"5"})", At(u"point", cVnJSONObjectDataExpected)},
       {R"({"tone":{"bad":1}})", At(u"tone", vn::Format(cVnJSONEnumMemberExpected, {u"bad"}))},
       {R"({"nosuch":1})", At(u"nosuch", vn::Format(cVnUnknownMember, {u"uJSONTest.TShapes", u"nosuch"}))},
+      {R"({"any":{"className":"TBox","pet":{"className":"TPet"}}})", vn::Format(cVnBoxedObjectUnowned, {u"pet"})},
       {R"({"pet":{"className":"TNoSuch"}})", At(u"pet", vn::Format(cVnFailedToCreateMember, {u"TNoSuch"}))},
       {R"({"pet":{"className":"TRock"}})", At(u"pet", vn::Format(cVnClassNotADescendant, {u"TRock", u"TPet"}))},
       {R"({"pets":[{"className":"TPet"},{"className":"TRock","weight":1}]})",
@@ -55,6 +63,8 @@ TEST(JSONBadInput, ConversionFailuresKeepTheirCauseBehindThePath) {
       {R"({"pet":{"className":"TPet","legs":"many"}})", u"pet.legs"},
       {R"({"tone":7})", u"tone"},
       {R"({"data":{"data":"**"}})", u"data"},
+      {R"({"any":{"className":"TTone","asInt":9}})", u"any"},
+      {R"({"any":{"className":"SetOfTTone","asInt":8}})", u"any"},
   };
   for (const auto& [text, path] : cases) {
     TShapes o;
@@ -75,6 +85,10 @@ TEST(JSONBadInput, ReservedAndUnknownNamesInPlaces) {
   // An object given as a string fills the object that is there.
   FromJSON(o, R"({"pet":"{\"className\":\"TPet\",\"name\":\"y\"}"})");
   EXPECT_EQ(o.Pet->Name, u"y");
+  // So does an array's own text.
+  FromJSON(o, R"({"ints":" [4,5]","points":"[{\"x\":1}]"})");
+  EXPECT_EQ(o.Ints, (std::vector<Integer>{4, 5}));
+  EXPECT_EQ(o.Points, (std::vector<TPoint>{{1, 0}}));
   // An enumeration by name or number, a set by its names; asInt decides when it comes last.
   FromJSON(o, R"({"tone":"toMid","tones":{"asString":"[toMid]"},"shade":{"asString":"Light","asInt":1}})");
   EXPECT_EQ(o.Tone, toMid);
@@ -111,6 +125,12 @@ TEST(JSONBadInput, DeepTextEndsInAFailureNotInTheStack) {
   const UnicodeString message = MessageOf([&] { FromJSON(o, R"({"pets":[)" + deep); });
   EXPECT_NE(message.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(message);
   EXPECT_TRUE(o.Pets.empty());
+  // Records boxed in TValue members are read by readers of their own: their depth is bounded too.
+  std::string boxed = R"({"any":)";
+  for (int i = 0; i < 100; ++i) boxed += R"({"className":"TBox","inner":)";
+  const UnicodeString boxedMessage = MessageOf([&] { FromJSON(o, boxed + "1" + std::string(101, '}')); });
+  EXPECT_NE(boxedMessage.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(boxedMessage);
+  EXPECT_TRUE(o.Any.IsEmpty());
 }
 
 TEST(JSONBadInput, FormTextThroughTheUrlEncodedParameter) {

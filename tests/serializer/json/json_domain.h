@@ -11,6 +11,7 @@
 #include "vnxml/common/stream.h"
 #include "vnxml/common/string_list.h"
 #include "vnxml/common/variant.h"
+#include "vnxml/json_document.h"
 #include "vnxml/json_serializer.h"
 #include "vnxml/json_serializer_reader.h"
 
@@ -77,6 +78,7 @@ class TShapes : public TObject {
     for (TPet* p : Pets) delete p;
     delete Notes;
     delete Data;
+    delete Doc;
   }
   Byte B = 0;
   Word W = 0;
@@ -112,6 +114,7 @@ class TShapes : public TObject {
   TMemoryStream* Data;
   TValue Any;
   VnJSONString Raw;
+  TVnJSONDocument* Doc = nullptr;
   Integer GetProp() const { return FProp; }
   void SetProp(Integer AValue) { FProp = AValue; }
   Integer FProp = 0;
@@ -154,7 +157,8 @@ VN_REGISTER_TYPE(TShapes, u"uJSONTest") {
       .Public(u"Notes", &TShapes::Notes)
       .Public(u"Data", &TShapes::Data)
       .Public(u"Any", &TShapes::Any)
-      .Public(u"Raw", &TShapes::Raw);
+      .Public(u"Raw", &TShapes::Raw)
+      .Public(u"Doc", &TShapes::Doc);
 }
 
 /// The message of what ACall raises, or "<no exception>".

@@ -64,6 +64,11 @@ const Shape kShapes[] = {
     {"TValue integer", [](TShapes& o) { o.Any = TValue::From<Int64>(5); }, R"("any":5)"},
     {"TValue float", [](TShapes& o) { o.Any = TValue::From<Extended>(2.5L); }, R"("any":2.5)"},
     {"TValue string", [](TShapes& o) { o.Any = TValue::From(UnicodeString(u"s")); }, R"("any":"s")"},
+    {"TValue enumeration", [](TShapes& o) { o.Any = TValue::From(toMid); }, R"("any":{"className":"TTone","asString":"toMid","asInt":1})"},
+    {"TValue set", [](TShapes& o) { o.Any = TValue::From(TTones{toLow, toHigh}); }, R"("any":{"className":"SetOfTTone","asString":"[toLow,toHigh]","asInt":5})"},
+    {"TValue record", [](TShapes& o) { o.Any = TValue::From(TPoint{1, 2}); }, R"("any":{"className":"TPoint","x":1,"y":2})"},
+    {"JSON document", [](TShapes& o) { o.Doc = new TVnJSONDocument(u"{\"a\":[1,{\"b\":\"\\u20AC\"}]}"); }, R"("doc":{"a": [1, {"b": "\u20AC"}]})"},
+    {"JSON document holding an array", [](TShapes& o) { o.Doc = new TVnJSONDocument(u"[true,null]"); }, R"("doc":[true, null])"},
     {"published property", [](TShapes& o) { o.SetProp(9); }, R"("prop":9)"},
     {"JSON string kept as written", [](TShapes& o) { o.Raw = VnJSONString(u"plain"); }, R"("raw":"plain")"},
 };
@@ -108,6 +113,27 @@ TEST(JSONRoundTrip, TValueNumbersKeepTheirKind) {
   FromJSON(o, R"({"any":null,"v":null})");
   EXPECT_TRUE(VarIsNull(o.Any.AsVariant()));
   EXPECT_TRUE(VarIsNull(o.V));
+}
+
+TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
+  const std::string text = R"({"any":{"className":"TCat","name":"Tom","purrs":true},"doc":{"className":"x"}})";
+  TShapes plain, listed;
+  FromJSON(plain, text);
+  EXPECT_TRUE(plain.Any.IsEmpty());
+  TObjectList created(true);
+  VnDeserialize(dsfJSON, TValue::FromObject(&listed), text, &created);
+  ASSERT_EQ(created.GetCount(), 2) << "the cat and the document";
+  ASSERT_TRUE(listed.Any.IsObject());
+  EXPECT_EQ(listed.Any.AsObject(), created.GetItem(0));
+  EXPECT_TRUE(static_cast<TCat*>(listed.Any.AsObject())->Purrs);
+  EXPECT_EQ(listed.Doc->GetAsJSON(), u"{\"className\": \"x\"}");
+  created.Extract(listed.Doc);
+  // A failed read frees the object again and empties the value.
+  TShapes failed;
+  TObjectList none(false);
+  EXPECT_NE(MessageOf([&] { VnDeserialize(dsfJSON, TValue::FromObject(&failed), text + "x", &none); }), u"<no exception>");
+  EXPECT_TRUE(failed.Any.IsEmpty());
+  EXPECT_EQ(none.GetCount(), 0);
 }
 
 TEST(JSONRoundTrip, DocumentsAndStreamsAsTheirOwnText) {

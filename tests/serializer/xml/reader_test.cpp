@@ -95,6 +95,10 @@ TEST(XMLReader, BadTextRaisesTheRightFailure) {
       {"<Triple><int>1</int><int>2</int><int>3</int><int>4</int></Triple>",
        "EVnSerializeException: " + U8(Format(cVnArrayFull, {u"Triple[3]", u"3"}))},
       {"<I32>1</I32", "EParserError: Line 1..."},
+      {"<Boxed xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"xsd:ArrayOfTAddress\"><TAddress/></Boxed>",
+       "EVnSerializeException: " + U8(Format(cVnBoxedObjectUnowned, {u"[0]"}))},
+      {"<Numbers xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"xsd:int\">1</Numbers>",
+       "EVnSerializeException: " + U8(Format(cVnArrayExpected, {u"Numbers", u"1"}))},
   };
   for (const Case& c : cases) {
     TAll all;

@@ -47,3 +47,54 @@ TEST(XMLRoundTrip, DocumentsAndElementsAreTheirOwnText) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
+  auto* home = new TAddress();
+  home->City = u"Rome";
+  const std::unique_ptr<TAddress> owned(home);
+  const std::pair<const char*, TValue> cases[] = {
+      {"enumeration", TValue::From(kStaff)},
+      {"record", TValue::From(TPoint{1, 2, u"a<b"})},
+      {"array", TValue::From(std::vector<Integer>{3, 4})},
+      {"object", TValue::FromObject(home)},
+  };
+  for (const auto& [name, value] : cases) {
+    SCOPED_TRACE(name);
+    TAll original;
+    original.Boxed = value;
+    const TVnSerializedData text = VnSerialize(dsfXML, &original);
+    TObjectList created(true);
+    TAll copy;
+    VnDeserialize(dsfXML, TValue::FromObject(&copy), text, &created);
+    EXPECT_EQ(VnSerialize(dsfXML, &copy), text);
+    EXPECT_EQ(created.GetCount(), value.IsObject() ? 1 : 0);
+    // Without the caller's list no object is made for it, and the value stays empty.
+    TAll unlisted;
+    VnDeserialize(dsfXML, TValue::FromObject(&unlisted), text);
+    EXPECT_EQ(unlisted.Boxed.IsEmpty(), value.IsObject());
+  }
+}
+
+struct TBox {
+  TValue Inner;
+};
+VN_REGISTER_TYPE(TBox, u"uSerial") { b.Public(u"Inner", &TBox::Inner); }
+
+TEST(XMLRoundTrip, BoxedValuesNestOnlySoDeep) {
+  // Each boxed record is read by a reader of its own: the depth of those reads is bounded.
+  std::string text = "<object xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><Boxed xsi:type=\"xsd:TBox\">";
+  for (int i = 0; i < 100; ++i) text += "<Inner xsi:type=\"xsd:TBox\">";
+  for (int i = 0; i < 100; ++i) text += "</Inner>";
+  TAll all;
+  try {
+    VnDeserialize(dsfXML, TValue::FromObject(&all), text + "</Boxed></object>");
+    ADD_FAILURE();
+  } catch (const EVnSerializeException& e) {
+    EXPECT_NE(e.Message().find(u"nesting is too deep"), UnicodeString::npos);
+  }
+  EXPECT_TRUE(all.Boxed.IsEmpty());
+}
+
+}  // namespace
