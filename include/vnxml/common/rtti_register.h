@@ -686,12 +686,14 @@ class TTypeBuilder {
 #define VN_RTTI_CONCAT_(A, B) A##B
 #define VN_RTTI_CONCAT(A, B) VN_RTTI_CONCAT_(A, B)
 
-// Registers Type (a class, record or enumeration) of unit Unit; the braces that follow hold the
-// builder calls on b. Place it at namespace scope right after the type, in its header.
+// Registers Type (a class, record or enumeration, named by a plain identifier) of unit Unit; the
+// braces that follow hold the builder calls on b. Place it at namespace scope right after the
+// type, in its header. The registrar is named after the type, so registrations of any two
+// headers can meet in one unit.
 #define VN_REGISTER_TYPE(Type, Unit)                                                           \
   inline ::vn::detail::TypeNames VnTypeNames(::vn::detail::TypeTag<Type>) { return {u"" #Type, Unit}; }        \
   inline void VnRegisterType(::vn::TTypeBuilder<Type>& b);                                     \
-  inline const ::vn::detail::TypeRegistrar<Type> VN_RTTI_CONCAT(vnTypeRegistrar_, __LINE__){}; \
+  inline const ::vn::detail::TypeRegistrar<Type> VN_RTTI_CONCAT(vnTypeRegistrar_, Type){};     \
   inline void VnRegisterType([[maybe_unused]] ::vn::TTypeBuilder<Type>& b)
 
 // In a class body: lets the registration name the class's protected and private members.
