@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <type_traits>
+#include <cstdint>
 #include <cstring>
 #include <typeinfo>
 #include <string>
@@ -51,33 +52,85 @@ bool Counts(const TVnDOMNode* AAttribute) {
   return Counts(AAttribute, xsi);
 }
 
-/// The decoded value of a text node or attribute of this library's classes: the stored text
-/// itself where it holds no reference, else decoded into AScratch.
-std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
+/// The stored text of a text node or attribute of this library's classes, else nil.
+const detail::CompactString* KeptText(const TVnDOMNode* ANode) {
   // The node type first: an exact-class test between different classes compares names.
-  const detail::CompactString* kept;
   const TVnDOMNodeType type = ANode->GetNodeType();
-  if (type == ntText && typeid(*ANode) == typeid(TVnDOMText))
-    kept = &static_cast<const TVnDOMText*>(ANode)->StoredText();
-  else if (type == ntAttribute && typeid(*ANode) == typeid(TVnDOMAttribute))
-    kept = &static_cast<const TVnDOMAttribute*>(ANode)->StoredText();
-  else
-    return AScratch = ANode->GetNodeValue();
-  // Text kept in UTF-8 is decoded in any case.
-  if (kept->IsUtf8()) return AScratch = ANode->GetNodeValue();
+  if (type == ntText && typeid(*ANode) == typeid(TVnDOMText)) return &static_cast<const TVnDOMText*>(ANode)->StoredText();
+  if (type == ntAttribute && typeid(*ANode) == typeid(TVnDOMAttribute))
+    return &static_cast<const TVnDOMAttribute*>(ANode)->StoredText();
+  return nullptr;
+}
+
+/// The decoded value of a node: the stored UTF-16 text itself where it holds no reference, else
+/// decoded into AScratch.
+std::u16string_view DecodedValue(const TVnDOMNode* ANode, std::u16string& AScratch) {
+  const detail::CompactString* kept = KeptText(ANode);
+  if (!kept || kept->IsUtf8()) return AScratch = ANode->GetNodeValue();
   const std::u16string_view stored = kept->Wide();
   if (stored.find(u'&') == std::u16string_view::npos) return stored;
   return AScratch = VnXMLToStr(stored);
 }
 
-/// An element's value text: its one text child without a copy, else GetNodeValue.
-std::u16string_view ElementText(const TVnDOMElement* AElement, std::u16string& AScratch) {
+/// The one text child of an element whose value is that text, else nil.
+const TVnDOMNode* OnlyText(const TVnDOMElement* AElement) {
   const auto& chars = AElement->CharNodesView();
-  if (chars.size() == 1 && chars[0]->GetNodeType() == ntText) return DecodedValue(chars[0], AScratch);
-  return AScratch = AElement->GetNodeValue();
+  return chars.size() == 1 && chars[0]->GetNodeType() == ntText ? chars[0] : nullptr;
 }
 
 constexpr char kHex[] = "0123456789ABCDEF";
+
+/// The JSON escape of one UTF-16 unit at AOut, as VnStrToJSON makes it, in UTF-8; the end.
+char* PutEscapedUnit(char* AOut, char16_t c) noexcept {
+  const char16_t e = detail::kStrToJSONEscapes[c];
+  if (e == 0) {
+    if (c < 0x80) {
+      *AOut++ = static_cast<char>(c);
+    } else {
+      *AOut++ = static_cast<char>(0xC0 | (c >> 6));
+      *AOut++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+  } else if (e == 0xFFFF) {
+    const char escape[6] = {'\\', 'u', kHex[c >> 12], kHex[(c >> 8) & 15], kHex[(c >> 4) & 15], kHex[c & 15]};
+    std::memcpy(AOut, escape, 6);
+    AOut += 6;
+  } else if (e != 1) {
+    *AOut++ = '\\';
+    *AOut++ = static_cast<char>(e);
+  }
+  return AOut;
+}
+
+/// Well-formed UTF-8 text without references escaped as VnStrToJSON escapes its UTF-16 form,
+/// at AOut, which has room for 6 bytes a byte; the end. What stays as it is goes in runs.
+char* PutJSONFromUtf8(char* AOut, std::string_view AText) noexcept {
+  const auto* p = reinterpret_cast<const uint8_t*>(AText.data());
+  const uint8_t* const end = p + AText.size();
+  while (p < end) {
+    const uint8_t* run = p;
+    while (p < end && *p >= 0x20 && *p < 0x80 && *p != '"' && *p != '/' && *p != '\\') ++p;
+    std::memcpy(AOut, run, static_cast<size_t>(p - run));
+    AOut += p - run;
+    if (p == end) break;
+    const uint8_t c = *p;
+    if (c < 0x80) {
+      AOut = PutEscapedUnit(AOut, c);
+      ++p;
+    } else if (c < 0xE0) {
+      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(((c & 0x1F) << 6) | (p[1] & 0x3F)));
+      p += 2;
+    } else if (c < 0xF0) {
+      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(((c & 0x0F) << 12) | ((p[1] & 0x3F) << 6) | (p[2] & 0x3F)));
+      p += 3;
+    } else {
+      const uint32_t cp = ((c & 0x07u) << 18) | ((p[1] & 0x3Fu) << 12) | ((p[2] & 0x3Fu) << 6) | (p[3] & 0x3Fu);
+      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10)));
+      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
+      p += 4;
+    }
+  }
+  return AOut;
+}
 
 /// AText escaped as VnStrToJSON does, encoded as UTF-8 at AOut, which has room for 6 bytes a
 /// unit; the end. Plain ASCII goes eight units a step.
@@ -104,23 +157,7 @@ char* PutJSONUtf8(char* AOut, std::u16string_view AText) noexcept {
     }
     if (p == end) break;
 #endif
-    const char16_t c = *p++;
-    const char16_t e = detail::kStrToJSONEscapes[c];
-    if (e == 0) {
-      if (c < 0x80) {
-        *AOut++ = static_cast<char>(c);
-      } else {
-        *AOut++ = static_cast<char>(0xC0 | (c >> 6));
-        *AOut++ = static_cast<char>(0x80 | (c & 0x3F));
-      }
-    } else if (e == 0xFFFF) {
-      const char escape[6] = {'\\', 'u', kHex[c >> 12], kHex[(c >> 8) & 15], kHex[(c >> 4) & 15], kHex[c & 15]};
-      std::memcpy(AOut, escape, 6);
-      AOut += 6;
-    } else if (e != 1) {
-      *AOut++ = '\\';
-      *AOut++ = static_cast<char>(e);
-    }
+    AOut = PutEscapedUnit(AOut, *p++);
   }
   return AOut;
 }
@@ -303,7 +340,7 @@ class JsonTreeWriter {
     }
     if (APad) Pad();
     QuotedName(Text);
-    QuotedString(DecodedValue(AAttribute, Value16));
+    QuotedValue(AAttribute);
   }
 
   // ---- values ----
@@ -316,7 +353,7 @@ class JsonTreeWriter {
       if (AElement->CharNodesView().empty())
         O.Ascii("null");
       else
-        QuotedString(ElementText(AElement, Value16));
+        QuotedText(AElement);
       return;
     }
     const TValue value = AElement->GetAsValue();
@@ -338,10 +375,33 @@ class JsonTreeWriter {
         return;
       }
       case mtkString:
-      case mtkDateTime: return QuotedString(ElementText(AElement, Value16));
+      case mtkDateTime: return QuotedText(AElement);
       case mtkBoolean: return O.Ascii(ToBoolean(value) ? "true" : "false");
       default: return O.Ascii("null");
     }
+  }
+
+  /// The value of a text node or attribute as a JSON string; UTF-8 kept without references
+  /// goes to UTF-8 output without a detour through UTF-16.
+  void QuotedValue(const TVnDOMNode* ANode) {
+    if constexpr (std::is_same_v<Out, detail::Utf8Output>) {
+      const detail::CompactString* kept = KeptText(ANode);
+      if (kept && kept->IsUtf8()) {
+        const std::string_view bytes = kept->Utf8();
+        if (bytes.empty() || std::memchr(bytes.data(), '&', bytes.size()) == nullptr) {
+          O.Ascii("\"");
+          O.Advance(PutJSONFromUtf8(O.Reserve(bytes.size() * 6), bytes));
+          O.Ascii("\"");
+          return;
+        }
+      }
+    }
+    QuotedString(DecodedValue(ANode, Value16));
+  }
+  /// An element's value text as a JSON string.
+  void QuotedText(const TVnDOMElement* AElement) {
+    if (const TVnDOMNode* text = OnlyText(AElement)) return QuotedValue(text);
+    QuotedString(AElement->GetNodeValue());
   }
 
   void QuotedString(std::u16string_view AText) {

@@ -121,6 +121,18 @@ TEST(DomJsonWriter, CodePagesEscapeAlike) {
   const std::u16string wide =
       u"{\"r\": {\"a\": \"\u00e9\\u20AC\",\"b\": \"a run of plain text, \\\"q\\\" \\\\ \\/ \\t\u000b< & \u00ff\\uD83D\\uDE00\"}}";
   EXPECT_EQ(GetJSON(*doc->GetRootNode()), wide);
+  // A loaded UTF-8 tree keeps its texts in UTF-8, which go to UTF-8 output on a road of their
+  // own: it gives what the UTF-16 road gives, references or not.
+  const std::string bytes = "<r a='x/\xC3\xA9'><b>plain text long enough, \"q\" \\ / \t\xC3\xBF\xE2\x82\xAC\xF0\x9F\x98\x80</b>"
+                            "<c>&lt;&amp;\xC3\xA9</c></r>";
+  TVnMemoryStream in(bytes.data(), Int64(bytes.size()));
+  TVnDOMDocument loaded;
+  loaded.LoadFromStream(in);
+  TVnStringStream utf8(cVnCodePageUTF8);
+  SaveToJSONStream(*loaded.GetRootNode(), utf8, cVnCodePageUTF8, false);
+  EXPECT_EQ(utf8.GetBytesView(), test::U8(GetJSON(*loaded.GetRootNode())));
+  EXPECT_EQ(Utf8ToUnicode(utf8.GetBytesView()),
+            u"{\"r\": {\"r_a\": \"x\\/\u00e9\",\"b\": \"plain text long enough, \\\"q\\\" \\\\ \\/ \\t\u00ff\\u20AC\\uD83D\\uDE00\",\"c\": \"<&\u00e9\"}}");
   std::string latin1;  // every unit of the output is below U+0100
   for (const char16_t c : wide) latin1 += static_cast<char>(c);
   for (const Word page : {Word(1252), cVnCodePageUTF8, cVnCodePageUTF16LE}) {
