@@ -25,6 +25,9 @@ void Objects() {
   // containers: an owning object list (a property) is written element by element
   order.SetParcels(new TParcels());
   order.GetParcels()->Add(new TInsuredParcel());
+  // XS values: a priority held to 1..5 by its facets, a delivery date that stays null
+  // (written as an empty element, read back as nothing).
+  order.Priority = 2;
 
   // Plain text, without namespaces or type attributes; enumeration and set names lose the
   // prefix their type's hint names.
@@ -41,6 +44,15 @@ void Objects() {
   // containers: each parcel comes back as its own class
   std::printf("parcels: %d, the first a %s\n", copy.GetParcels()->Count(),
               vn::UnicodeToUtf8(copy.GetParcels()->GetItem(0)->ClassName()).c_str());
+
+  // A facet refuses a value before it is stored. Facets bind code, not text: the copy read
+  // back holds the value without them.
+  try {
+    order.Priority = 9;
+  } catch (const vn::Exception& e) {
+    std::printf("priority 9: %s (still %s; read back %s)\n", e.what(), vn::UnicodeToUtf8(order.Priority.ToString()).c_str(),
+                vn::UnicodeToUtf8(copy.Priority.ToString()).c_str());
+  }
 
   // Bad text names the member and what went wrong; the target keeps nothing the read created.
   TOrder broken;
