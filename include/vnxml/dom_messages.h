@@ -52,6 +52,8 @@ inline constexpr char16_t cVnDomCDATANotWritable[] =
 inline constexpr char16_t cVnDomCommentNotWritable[] =
     u"The comment \"%s\" holds \"-->\" and cannot be written as XML that loads back with the same text!";
 inline constexpr char16_t cVnDomInstructionNotWritable[] =
-    u"The processing instruction data \"%s\" holds \"?>\" and cannot be written as XML that loads back with the same text!";
+    u"The processing instruction data \"%s\" holds \"?\" or starts with a space and cannot be written as XML that loads back with the same text!";
+inline constexpr char16_t cVnDomInstructionTargetNotWritable[] =
+    u"The processing instruction target \"%s\" holds a space or \"?\" and cannot be written as XML that loads back with the same target!";
 
 }  // namespace vn

@@ -88,8 +88,9 @@ class TVnDOMNode : public TVnDOMObject {
   // there. Attribute names must not start with "/", a quote, a colon or white space, end with
   // white space, or hold "=", "<" or ">" (an empty name is fine); element names must start with
   // a name character, again behind their first colon, and hold no white space, "/", ">", and no
-  // "<" before that colon. Likewise a CDATA section holding "]]>", a comment holding "-->" and
-  // an instruction's data holding "?>" are refused: the reader would end them there.
+  // "<" before that colon. Likewise a CDATA section holding "]]>", a comment holding "-->", an
+  // instruction whose target holds a space or "?" and one whose data holds "?" or starts with a
+  // space are refused: the reader would end them there, or skip the spaces.
   /// Writes this node (and its subtree) as XML to AStream in ACodePage.
   virtual void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel);
   virtual void SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted);

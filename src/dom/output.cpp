@@ -136,9 +136,13 @@ class TreeWriter {
       FOut.Ascii("\r\n");
       if (ParentIsPlainElement(ANode)) Indent();
     }
-    FOut.Framed("<?", ANode->QualifiedNameView(), "");
+    // The reader ends a target at a space or "?", skips the spaces after it and ends the data
+    // at the first "?", with or without ">" behind it.
+    const std::u16string_view target = ANode->QualifiedNameView();
+    if (target.find_first_of(u" ?") != target.npos) Refuse(cVnDomInstructionTargetNotWritable, target);
     const std::u16string_view data = ANode->GetData();
-    if (data.find(u"?>") != data.npos) Refuse(cVnDomInstructionNotWritable, data);
+    if (data.find(u'?') != data.npos || data.starts_with(u' ')) Refuse(cVnDomInstructionNotWritable, data);
+    FOut.Framed("<?", target, "");
     if (!data.empty()) FOut.Framed(" ", data, "");
     FOut.Ascii("?>");
   }

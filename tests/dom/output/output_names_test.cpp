@@ -95,7 +95,8 @@ TEST(OutputNames, TextsThatWouldEndTheirNodeEarlyAreRefused) {
   const Case cases[] = {
       {u"a]]b>", nullptr, cdata},      {u"a]]>b", cVnDomCDATANotWritable, cdata},
       {u"a--b-", nullptr, comment},    {u"a-->b", cVnDomCommentNotWritable, comment},
-      {u"a?b>", nullptr, instruction}, {u"a?>b", cVnDomInstructionNotWritable, instruction},
+      {u"a>b", nullptr, instruction},  {u"a?b>", cVnDomInstructionNotWritable, instruction},
+      {u"a?>b", cVnDomInstructionNotWritable, instruction}, {u" a", cVnDomInstructionNotWritable, instruction},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FValue));
@@ -103,6 +104,12 @@ TEST(OutputNames, TextsThatWouldEndTheirNodeEarlyAreRefused) {
     doc.CreateRootNode(u"r");
     c.FAdd(doc, c.FValue);
     ExpectOutputs(doc, c.FMessage ? Format(c.FMessage, {c.FValue}) : UnicodeString());
+  }
+  for (const char16_t* target : {u"p i", u"p?"}) {
+    TVnDOMDocument doc;
+    doc.CreateRootNode(u"r");
+    doc.SetProcessingInstruction(target, u"d");
+    ExpectOutputs(doc, Format(cVnDomInstructionTargetNotWritable, {target}));
   }
 }
 
