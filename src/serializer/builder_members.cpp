@@ -242,11 +242,20 @@ TVnDeserializer* TVnDeserializer::CreateChildDeserializer(std::u16string_view AN
 TVnDeserializer* TVnDeserializer::CreateChildDeserializer(TClass AClass, std::u16string_view AName, void* AInstance,
                                                           const TVnTypeInfo* AType, const SerializerHint* AHint) {
   ReleaseChild();
-  std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
-  auto* child = CastObject<TVnDeserializer>(object.get());
-  if (!child) VnAssert(false, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
-  object.release();
-  IPtr<IVnDeserializer> ref(static_cast<IVnDeserializer*>(child));
+  IPtr<IVnDeserializer> ref;
+  TVnDeserializer* child = nullptr;
+  if (FSpare && FSpare->ClassType() == AClass) {
+    // The nested values of a read come in runs of one class: the last one's deserializer serves.
+    child = FSpare;
+    ref = std::move(FSpareRef);
+    FSpare = nullptr;
+  } else {
+    std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
+    child = CastObject<TVnDeserializer>(object.get());
+    if (!child) VnAssert(false, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
+    object.release();
+    ref = IPtr<IVnDeserializer>(static_cast<IVnDeserializer*>(child));
+  }
   child->Create(AInstance, AType ? AType->Handle() : nullptr);
   return AdoptChild(std::move(ref), AName, AType, AHint);
 }

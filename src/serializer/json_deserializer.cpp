@@ -123,6 +123,25 @@ struct ReaderScope {
 
 TVnJSONDeserializer::~TVnJSONDeserializer() = default;
 
+bool TVnJSONDeserializer::ResetForReuse() {
+  if (ClassType() != StaticClass()) return false;
+  ResetBuilderState();
+  FJSONReader = nullptr;
+  FCanDeserialize = desNo;
+  FDataType.clear();
+  FNamespace.clear();
+  FDisabledCnt = 0;
+  FOpened = FContainerArray = FClosed = FNullValue = false;
+  FCurrentMember.clear();
+  FURIArg.clear();
+  FNameArg.clear();
+  FDispatcher = FActive = nullptr;
+  FDepth = 0;
+  FInOrdinal = false;
+  FOrdinalKey = OrdinalKey::None;
+  return true;
+}
+
 void TVnJSONDeserializer::SetParent(TVnCustomSerializer* AParent) {
   TVnDeserializer::SetParent(AParent);
   auto* parent = CastObject<TVnJSONDeserializer>(AParent);

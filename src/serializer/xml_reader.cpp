@@ -47,6 +47,26 @@ void Guarded(bool& AFailed, F ACall) {
 TVnXMLDeserializer::TVnXMLDeserializer() = default;
 TVnXMLDeserializer::~TVnXMLDeserializer() = default;
 
+bool TVnXMLDeserializer::ResetForReuse() {
+  if (ClassType() != StaticClass()) return false;
+  ResetBuilderState();
+  FSAXReader = nullptr;
+  FLocalName.clear();
+  FURI.clear();
+  FDataType.clear();
+  FDataTypeInfo = nullptr;
+  FCanDeserialize = desNo;
+  FLevel = 0;
+  FAttribs = nullptr;
+  FText.clear();
+  FHasText = FNil = FProcessRootChars = FDeserializingAttribs = FInCDATA = false;
+  FRootXml = FActive = nullptr;
+  FBuildFailed = false;
+  FLastTypeName = nullptr;
+  FTypeNames.clear();
+  return true;
+}
+
 void TVnXMLDeserializer::SetParent(TVnCustomSerializer* AParent) {
   TVnDeserializer::SetParent(AParent);
   auto* parent = CastObject<TVnXMLDeserializer>(AParent);
