@@ -177,7 +177,8 @@ TObject* TVnDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
 // ---- entry points ----
 
 void TVnDeserializer::Deserialize(const TVnSerializedData& AData) {
-  TVnStringStream stream(std::string_view(AData), cVnCodePageUTF8);
+  // Read where it stands: the text outlives the read, and the readers are told it is UTF-8.
+  TVnMemoryStream stream(AData.data(), static_cast<Int64>(AData.size()));
   Deserialize(stream);
 }
 

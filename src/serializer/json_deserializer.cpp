@@ -2,6 +2,8 @@
 // ahead for the class name of a nil member.
 #include <memory>
 
+#include "serializer/short_decimal.h"
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/text_parser.h"
 #include "vnxml/common/utf.h"
@@ -507,8 +509,14 @@ void TVnJSONDeserializer::ReadClassName(TVnTextParser& AParser, UnicodeString& A
 
 // ---- value conversions: the lexical forms of XML, strings with JSON escapes ----
 
-Integer TVnJSONDeserializer::ValueToInt(std::u16string_view AValue) { return VnXMLToInt(AValue); }
-Int64 TVnJSONDeserializer::ValueToInt64(std::u16string_view AValue) { return VnXMLToInt64(AValue); }
+Integer TVnJSONDeserializer::ValueToInt(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value, 9) ? static_cast<Integer>(value) : VnXMLToInt(AValue);
+}
+Int64 TVnJSONDeserializer::ValueToInt64(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value) ? value : VnXMLToInt64(AValue);
+}
 Extended TVnJSONDeserializer::ValueToFloat(std::u16string_view AValue) { return VnXMLToDouble(AValue); }
 UnicodeString TVnJSONDeserializer::ValueToStr(std::u16string_view AValue) {
   // A null for a string member is the empty string, not the text "null".

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "serializer/member_plan.h"
+#include "serializer/short_decimal.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/text_parser.h"
@@ -378,8 +379,14 @@ void TVnXMLDeserializer::DeserializeValue(std::u16string_view AURI, std::u16stri
   TVnDeserializer::DeserializeValue(AURI, AName, AValue, ADataType);
 }
 
-Integer TVnXMLDeserializer::ValueToInt(std::u16string_view AValue) { return VnXMLToInt(Trim(AValue)); }
-Int64 TVnXMLDeserializer::ValueToInt64(std::u16string_view AValue) { return VnXMLToInt64(Trim(AValue)); }
+Integer TVnXMLDeserializer::ValueToInt(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value, 9) ? static_cast<Integer>(value) : VnXMLToInt(Trim(AValue));
+}
+Int64 TVnXMLDeserializer::ValueToInt64(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value) ? value : VnXMLToInt64(Trim(AValue));
+}
 Extended TVnXMLDeserializer::ValueToFloat(std::u16string_view AValue) { return VnXMLToExtended(Trim(AValue)); }
 UnicodeString TVnXMLDeserializer::ValueToStr(std::u16string_view AValue) { return VnXMLToStr(AValue); }
 TDateTime TVnXMLDeserializer::ValueToDate(std::u16string_view AValue) { return VnXMLToDate(Trim(AValue)); }
