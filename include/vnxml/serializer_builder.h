@@ -207,6 +207,8 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   std::vector<Link> FLinks;
   /// Objects created before this child started: more at its end means its copy holds new ones.
   size_t FCreatedAtStart = 0;
+  /// Where the next member of the text is looked for first among the instance's fields.
+  size_t FNextField = 0;
   /// Levels below the root; bounded like the walker's.
   int FDepth = 0;
   /// Between DeserializeStartType and DeserializeEndType.

@@ -108,6 +108,7 @@ void TVnDeserializer::ResetBuilderState() {
   FCreated.clear();
   FLinks.clear();
   FCreatedAtStart = 0;
+  FNextField = 0;
   FDepth = 0;
   FStarted = false;
   FIsArray = false;

@@ -106,7 +106,14 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
           if (detail::SameName(m.Name, AName)) return &m;
         return nullptr;
       };
-      const detail::NamedMember* found = find(plan.Fields);
+      // Texts mostly list the fields in their declared order: the one after the last is tried first.
+      const detail::NamedMember* found = nullptr;
+      if (FNextField < plan.Fields.size() && plan.Fields[FNextField].FirstOfName &&
+          detail::SameName(plan.Fields[FNextField].Name, AName))
+        found = &plan.Fields[FNextField];
+      else
+        found = find(plan.Fields);
+      if (found) FNextField = static_cast<size_t>(found - plan.Fields.data()) + 1;
       if (!found && kind == vtkClass) found = find(plan.Properties);
       if (!found && kind == vtkClass) found = find(plan.HintNamed);
       if (found && found->Field) {
