@@ -78,6 +78,8 @@ class TVnJSONDeserializer : public TVnDeserializer, public IVnJSONContentHandler
   virtual void DoValue(TVnJSONSimpleDataType AType, std::u16string_view AText);
   virtual void DoEndArray();
   virtual void DoEndObject();
+  /// Only this class itself: a descendant's own fields are unknown here.
+  bool ResetForReuse() override;
   /// A form reader with "UrlEncoded" at "True" or "1", a JSON reader otherwise.
   virtual TVnJSONReader* CreateJSONReader();
 

@@ -167,6 +167,12 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   /// Frees what a failed read created and unlinks it from the members that got it.
   void RollBack() noexcept;
   TVnDeserializer* Root();
+  /// Brings a child that has ended back to the state of a new one, so that the next nested value
+  /// of its class reuses it instead of a new deserializer; false when this class cannot (the
+  /// base, and every descendant that does not reset its own fields).
+  virtual bool ResetForReuse();
+  /// The reset of this class's and its bases' fields, for the ResetForReuse of descendants.
+  void ResetBuilderState();
   /// Makes AChild the current child: name, helper, parent, start.
   TVnDeserializer* AdoptChild(IPtr<IVnDeserializer> AChild, std::u16string_view AName, const TVnTypeInfo* AType,
                               const SerializerHint* AHint);
@@ -186,6 +192,9 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   /// The child of the current member; this deserializer holds its only count.
   TVnDeserializer* FChild = nullptr;
   IPtr<IVnDeserializer> FChildRef;
+  /// An ended child, already reset, kept for the next nested value of its class.
+  TVnDeserializer* FSpare = nullptr;
+  IPtr<IVnDeserializer> FSpareRef;
 
  private:
   struct Link {
@@ -198,6 +207,8 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   std::vector<Link> FLinks;
   /// Objects created before this child started: more at its end means its copy holds new ones.
   size_t FCreatedAtStart = 0;
+  /// Where the next member of the text is looked for first among the instance's fields.
+  size_t FNextField = 0;
   /// Levels below the root; bounded like the walker's.
   int FDepth = 0;
   /// Between DeserializeStartType and DeserializeEndType.

@@ -93,6 +93,8 @@ class TVnXMLDeserializer : public TVnDeserializer,
 
   TVnDataSerializationFormatType Format() const override { return dsfXML; }
   void SetParent(TVnCustomSerializer* AParent) override;
+  /// Only this class itself: a descendant's own fields are unknown here.
+  bool ResetForReuse() override;
 
   // ---- the builder's operations in XML ----
   /// The value between the quotes after the first "xsi:type" of the raw text.

@@ -1,6 +1,7 @@
 // TVnDeserializer: construction, ownership of created objects, the entry points, and the
 // choice of what receives the events. Member lookup and values: builder_members.cpp.
 #include <memory>
+#include <vector>
 
 #include "vnxml/common/classes.h"
 #include "vnxml/common/sysutils.h"
@@ -13,15 +14,20 @@ namespace vn {
 TVnDeserializer::TVnDeserializer() = default;
 
 TVnDeserializer::~TVnDeserializer() {
-  // Children hold no count of their parent, so a deep chain is taken down from the top, one
-  // level at a time, instead of by nested destructors.
-  IPtr<IVnDeserializer> next = std::move(FChildRef);
-  FChild = nullptr;
-  while (next) {
-    auto* child = static_cast<TVnDeserializer*>(VnImplementor(next.Get()));
-    IPtr<IVnDeserializer> below = std::move(child->FChildRef);
-    child->FChild = nullptr;
-    next = std::move(below);
+  // Children and spares hold no count of their parent, so the levels below are taken down from
+  // the top, one at a time, instead of by nested destructors.
+  std::vector<IPtr<IVnDeserializer>> below;
+  auto detach = [&below](TVnDeserializer& ALevel) {
+    ALevel.FChild = nullptr;
+    ALevel.FSpare = nullptr;
+    if (ALevel.FChildRef) below.push_back(std::move(ALevel.FChildRef));
+    if (ALevel.FSpareRef) below.push_back(std::move(ALevel.FSpareRef));
+  };
+  detach(*this);
+  while (!below.empty()) {
+    IPtr<IVnDeserializer> next = std::move(below.back());
+    below.pop_back();
+    detach(*static_cast<TVnDeserializer*>(VnImplementor(next.Get())));
   }
   if (FOwnList) delete FCreatedObjs;
 }
@@ -64,8 +70,48 @@ void TVnDeserializer::SetCreatedObjects(TObjectList* AList) {
 }
 
 void TVnDeserializer::ReleaseChild() {
+  TVnDeserializer* child = FChild;
   FChild = nullptr;
+  if (!FChildRef) return;
+  // Reset now, not at its reuse: what the ended child holds (helpers, values) goes when the
+  // child would have gone.
+  if (!FSpareRef && child && child->GetRefCount() == 1 && child->ResetForReuse()) {
+    FSpare = child;
+    FSpareRef = std::move(FChildRef);
+  }
   FChildRef = nullptr;
+}
+
+bool TVnDeserializer::ResetForReuse() { return false; }
+
+void TVnDeserializer::ResetBuilderState() {
+  ReleaseChild();
+  FParent = nullptr;
+  FInstancePtr = nullptr;
+  FInstanceTypeInfo = nullptr;
+  FStream = nullptr;
+  FParams->Clear();
+  FName = u"root";
+  FValue = TValue();
+  if (FOwnList) delete FCreatedObjs;
+  FCreatedObjs = nullptr;
+  FOwnList = false;
+  FArrIdx = -1;
+  FIHelper = nullptr;
+  FCHelper.reset();
+  FMemberField = nullptr;
+  FMemberProp = nullptr;
+  FMemberTypeInfo = nullptr;
+  FMemberValue = TValue();
+  FMemberName.clear();
+  FParentDeserializer = nullptr;
+  FCreated.clear();
+  FLinks.clear();
+  FCreatedAtStart = 0;
+  FNextField = 0;
+  FDepth = 0;
+  FStarted = false;
+  FIsArray = false;
 }
 
 // ---- created objects ----
@@ -132,7 +178,8 @@ TObject* TVnDeserializer::CreateInstance(const TVnTypeInfo*& AType) {
 // ---- entry points ----
 
 void TVnDeserializer::Deserialize(const TVnSerializedData& AData) {
-  TVnStringStream stream(std::string_view(AData), cVnCodePageUTF8);
+  // Read where it stands: the text outlives the read, and the readers are told it is UTF-8.
+  TVnMemoryStream stream(AData.data(), static_cast<Int64>(AData.size()));
   Deserialize(stream);
 }
 

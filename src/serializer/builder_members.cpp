@@ -106,7 +106,14 @@ TVnCanDeserialize TVnDeserializer::CanDeserialize(UnicodeString& AURI, UnicodeSt
           if (detail::SameName(m.Name, AName)) return &m;
         return nullptr;
       };
-      const detail::NamedMember* found = find(plan.Fields);
+      // Texts mostly list the fields in their declared order: the one after the last is tried first.
+      const detail::NamedMember* found = nullptr;
+      if (FNextField < plan.Fields.size() && plan.Fields[FNextField].FirstOfName &&
+          detail::SameName(plan.Fields[FNextField].Name, AName))
+        found = &plan.Fields[FNextField];
+      else
+        found = find(plan.Fields);
+      if (found) FNextField = static_cast<size_t>(found - plan.Fields.data()) + 1;
       if (!found && kind == vtkClass) found = find(plan.Properties);
       if (!found && kind == vtkClass) found = find(plan.HintNamed);
       if (found && found->Field) {
@@ -242,11 +249,20 @@ TVnDeserializer* TVnDeserializer::CreateChildDeserializer(std::u16string_view AN
 TVnDeserializer* TVnDeserializer::CreateChildDeserializer(TClass AClass, std::u16string_view AName, void* AInstance,
                                                           const TVnTypeInfo* AType, const SerializerHint* AHint) {
   ReleaseChild();
-  std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
-  auto* child = CastObject<TVnDeserializer>(object.get());
-  if (!child) VnAssert(false, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
-  object.release();
-  IPtr<IVnDeserializer> ref(static_cast<IVnDeserializer*>(child));
+  IPtr<IVnDeserializer> ref;
+  TVnDeserializer* child = nullptr;
+  if (FSpare && FSpare->ClassType() == AClass) {
+    // The nested values of a read come in runs of one class: the last one's deserializer serves.
+    child = FSpare;
+    ref = std::move(FSpareRef);
+    FSpare = nullptr;
+  } else {
+    std::unique_ptr<TObject> object(vn::CreateInstance(AClass));
+    child = CastObject<TVnDeserializer>(object.get());
+    if (!child) VnAssert(false, vn::Format(cVnNotASerializerClass, {ClassNameOf(AClass)}));
+    object.release();
+    ref = IPtr<IVnDeserializer>(static_cast<IVnDeserializer*>(child));
+  }
   child->Create(AInstance, AType ? AType->Handle() : nullptr);
   return AdoptChild(std::move(ref), AName, AType, AHint);
 }

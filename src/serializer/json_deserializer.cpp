@@ -2,6 +2,8 @@
 // ahead for the class name of a nil member.
 #include <memory>
 
+#include "serializer/short_decimal.h"
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/text_parser.h"
 #include "vnxml/common/utf.h"
@@ -122,6 +124,25 @@ struct ReaderScope {
 }  // namespace
 
 TVnJSONDeserializer::~TVnJSONDeserializer() = default;
+
+bool TVnJSONDeserializer::ResetForReuse() {
+  if (ClassType() != StaticClass()) return false;
+  ResetBuilderState();
+  FJSONReader = nullptr;
+  FCanDeserialize = desNo;
+  FDataType.clear();
+  FNamespace.clear();
+  FDisabledCnt = 0;
+  FOpened = FContainerArray = FClosed = FNullValue = false;
+  FCurrentMember.clear();
+  FURIArg.clear();
+  FNameArg.clear();
+  FDispatcher = FActive = nullptr;
+  FDepth = 0;
+  FInOrdinal = false;
+  FOrdinalKey = OrdinalKey::None;
+  return true;
+}
 
 void TVnJSONDeserializer::SetParent(TVnCustomSerializer* AParent) {
   TVnDeserializer::SetParent(AParent);
@@ -488,8 +509,14 @@ void TVnJSONDeserializer::ReadClassName(TVnTextParser& AParser, UnicodeString& A
 
 // ---- value conversions: the lexical forms of XML, strings with JSON escapes ----
 
-Integer TVnJSONDeserializer::ValueToInt(std::u16string_view AValue) { return VnXMLToInt(AValue); }
-Int64 TVnJSONDeserializer::ValueToInt64(std::u16string_view AValue) { return VnXMLToInt64(AValue); }
+Integer TVnJSONDeserializer::ValueToInt(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value, 9) ? static_cast<Integer>(value) : VnXMLToInt(AValue);
+}
+Int64 TVnJSONDeserializer::ValueToInt64(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value) ? value : VnXMLToInt64(AValue);
+}
 Extended TVnJSONDeserializer::ValueToFloat(std::u16string_view AValue) { return VnXMLToDouble(AValue); }
 UnicodeString TVnJSONDeserializer::ValueToStr(std::u16string_view AValue) {
   // A null for a string member is the empty string, not the text "null".

@@ -80,6 +80,10 @@ std::unique_ptr<MemberPlan> MakePlan(const TVnTypeInfo* AType) {
       if (p->Visibility() >= mvPublic && GetSerializerHint(p, shoName, hint))
         plan->HintNamed.push_back({hint->GetValue(), nullptr, p, TVnTypes::GetTypeInfo(p->PropertyTypeInfo())});
   }
+  for (std::vector<NamedMember>* list : {&plan->Fields, &plan->Properties, &plan->HintNamed})
+    for (size_t i = 0; i < list->size(); ++i)
+      for (size_t j = 0; j < i && (*list)[i].FirstOfName; ++j)
+        if (SameName((*list)[j].Name, (*list)[i].Name)) (*list)[i].FirstOfName = false;
   for (TRttiProperty* p : properties) {
     if (GetSerializerHint(p, shoNodeType, hint) && SameName(hint->GetValue(), u"NodeValue")) {
       plan->NodeValue = {p->Name(), nullptr, p};

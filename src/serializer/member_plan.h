@@ -33,6 +33,9 @@ struct NamedMember {
   TRttiProperty* Prop = nullptr;
   /// The member's declared type, looked up once.
   const TVnTypeInfo* Type = nullptr;
+  /// No member before it in its list has its name (ignoring case): found directly, it is the
+  /// one a search from the start finds.
+  bool FirstOfName = true;
 };
 
 struct MemberPlan {

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "serializer/member_plan.h"
+#include "serializer/short_decimal.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/text_parser.h"
@@ -46,6 +47,26 @@ void Guarded(bool& AFailed, F ACall) {
 
 TVnXMLDeserializer::TVnXMLDeserializer() = default;
 TVnXMLDeserializer::~TVnXMLDeserializer() = default;
+
+bool TVnXMLDeserializer::ResetForReuse() {
+  if (ClassType() != StaticClass()) return false;
+  ResetBuilderState();
+  FSAXReader = nullptr;
+  FLocalName.clear();
+  FURI.clear();
+  FDataType.clear();
+  FDataTypeInfo = nullptr;
+  FCanDeserialize = desNo;
+  FLevel = 0;
+  FAttribs = nullptr;
+  FText.clear();
+  FHasText = FNil = FProcessRootChars = FDeserializingAttribs = FInCDATA = false;
+  FRootXml = FActive = nullptr;
+  FBuildFailed = false;
+  FLastTypeName = nullptr;
+  FTypeNames.clear();
+  return true;
+}
 
 void TVnXMLDeserializer::SetParent(TVnCustomSerializer* AParent) {
   TVnDeserializer::SetParent(AParent);
@@ -358,8 +379,14 @@ void TVnXMLDeserializer::DeserializeValue(std::u16string_view AURI, std::u16stri
   TVnDeserializer::DeserializeValue(AURI, AName, AValue, ADataType);
 }
 
-Integer TVnXMLDeserializer::ValueToInt(std::u16string_view AValue) { return VnXMLToInt(Trim(AValue)); }
-Int64 TVnXMLDeserializer::ValueToInt64(std::u16string_view AValue) { return VnXMLToInt64(Trim(AValue)); }
+Integer TVnXMLDeserializer::ValueToInt(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value, 9) ? static_cast<Integer>(value) : VnXMLToInt(Trim(AValue));
+}
+Int64 TVnXMLDeserializer::ValueToInt64(std::u16string_view AValue) {
+  Int64 value = 0;
+  return detail::ShortDecimal(AValue, value) ? value : VnXMLToInt64(Trim(AValue));
+}
 Extended TVnXMLDeserializer::ValueToFloat(std::u16string_view AValue) { return VnXMLToExtended(Trim(AValue)); }
 UnicodeString TVnXMLDeserializer::ValueToStr(std::u16string_view AValue) { return VnXMLToStr(AValue); }
 TDateTime TVnXMLDeserializer::ValueToDate(std::u16string_view AValue) { return VnXMLToDate(Trim(AValue)); }
