@@ -80,7 +80,10 @@ void TreeBuilder::ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement
       auto* a = static_cast<TVnDOMAttribute*>(n);
       if (!a->IsNamespace()) continue;
       auto& stack = FByPrefix[FoldedPrefix(DeclaredPrefix(a))];
-      stack.push_back(std::move(FDeclaredURIs[i++]));
+      // The reader reports a declaration's value as it stands; URIs are compared decoded, so
+      // a declaration written with references is its element's own as one without them is.
+      UnicodeString& read = FDeclaredURIs[i++];
+      stack.push_back(read.find(u'&') == read.npos ? std::move(read) : a->GetNodeValue());
       FPushed.push_back({nullptr, &stack});
     }
     auto it = FByPrefix.find(FoldedPrefix(prefix));

@@ -30,6 +30,9 @@ TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
       u"<r xmlns=\"u\"><b xmlns=\"v\"/></r>",
       u"<r xmlns=\"u\"><x><b xmlns=\"v\"/></x></r>",
       u"<p:r xmlns:p=\"u\"><b xmlns=\"v\"/></p:r>",
+      // Declared with a reference, and below a declaration of "" by another name.
+      u"<r><b xmlns=\"&#118;\"/></r>",
+      u"<r xmlns:=\"\" xmlns=\"\"><b xmlns=\"&#x76;\"/></r>",
   };
   // Every way into the builder: text, bytes through a stream, a fragment into an element.
   enum Way { kText, kStream, kFragment };
