@@ -125,6 +125,16 @@ char* PutEscapedUnit(char* AOut, char16_t c) noexcept {
   return AOut;
 }
 
+/// The bytes of UTF-8 text that go out as they are: ASCII that needs no escape, and no "&".
+struct StaysInUtf8 {
+  bool Of[256] = {};
+  constexpr StaysInUtf8() {
+    for (int c = 0x20; c < 0x80; ++c) Of[c] = detail::kStrToJSONEscapes[static_cast<char16_t>(c)] == 0 && c != '&';
+  }
+  constexpr bool operator[](uint8_t AByte) const noexcept { return Of[AByte]; }
+};
+constexpr StaysInUtf8 kStaysInUtf8;
+
 /// Well-formed UTF-8 text escaped as VnStrToJSON escapes its UTF-16 form, at AOut, which has
 /// room for 6 bytes a byte; the end, or nil at a "&": text with references must be decoded
 /// first. What stays as it is goes in runs, sixteen bytes a step.
@@ -155,7 +165,7 @@ char* PutJSONFromUtf8(char* AOut, std::string_view AText) noexcept {
       AOut += 16;
     }
 #endif
-    while (p < end && *p >= 0x20 && *p < 0x80 && *p != '"' && *p != '/' && *p != '\\' && *p != '&') *AOut++ = static_cast<char>(*p++);
+    while (p < end && kStaysInUtf8[*p]) *AOut++ = static_cast<char>(*p++);
     if (p == end) break;
     const uint8_t c = *p;
     if (c == '&') return nullptr;
@@ -663,8 +673,16 @@ class JsonTreeWriter {
     GroupSize.clear();
     GroupName.clear();
     GroupOf.clear();
+    constexpr uint32_t kAhead = 8;
+    for (uint32_t i = 0; i < n && i < kAhead; ++i) __builtin_prefetch(elements[i]);
     for (uint32_t i = 0; i < n; ++i) {
-      const std::u16string_view name = elements[i]->LocalNameView();
+      if (i + kAhead < n) __builtin_prefetch(elements[i + kAhead]);
+      const auto* e = static_cast<const TVnDOMElement*>(elements[i]);
+      // The walk reaches these lists soon: asked for now, they load meanwhile.
+      __builtin_prefetch(e->AttributesView().begin());
+      __builtin_prefetch(e->CharNodesView().begin());
+      __builtin_prefetch(e->ElementsView().begin());
+      const std::u16string_view name = e->LocalNameView();
       uint32_t g = static_cast<uint32_t>(GroupName.size());
       if (g <= 8) {
         for (uint32_t k = 0; k < GroupName.size(); ++k)
