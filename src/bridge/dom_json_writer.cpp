@@ -45,11 +45,14 @@ class AttributeFilter {
   bool Counts(const TVnDOMNode* AAttribute, bool& AXsi) {
     const auto* a = static_cast<const TVnDOMAttribute*>(AAttribute);
     AXsi = false;
-    if (a->IsNamespace()) return false;
-    // An owned attribute of this library's class without a declaration or prefix has no URI.
+    // only a name of five letters can declare a namespace
+    const std::u16string_view prefix = a->PrefixView();
+    if ((prefix.empty() ? a->LocalNameView() : prefix).size() == 5 && a->IsNamespace()) return false;
+    // An owned attribute of this library's class without a declaration has no URI or the XML
+    // namespace's: it counts either way.
     const TVnDOMAttribute* decl = a->GetNamespaceDecl();
     const bool plain = typeid(*a) == typeid(TVnDOMAttribute) && a->ParentNode();
-    if (plain && !decl && a->PrefixView().empty()) return true;
+    if (plain && !decl) return true;
     if (!plain || !decl) return Classify(a->GetNamespaceURI(), AXsi);
     Seen& slot = Memo[(reinterpret_cast<uintptr_t>(decl) >> 4) & (kMemo - 1)];
     if (slot.Decl != decl) slot = {decl, Class(a->GetNamespaceURI())};
@@ -267,7 +270,7 @@ class NamePieces {
     return {std::string_view(Bytes).substr(AEntry.BytesAt, AEntry.BytesSize),
             std::u16string_view(Names).substr(AEntry.NameAt, AEntry.NameSize)};
   }
-  void Grow() {
+  [[gnu::noinline]] void Grow() {
     std::vector<Entry> old(Table.size() < 64 ? 64 : Table.size() * 2);
     old.swap(Table);
     const size_t mask = Table.size() - 1;
@@ -280,7 +283,7 @@ class NamePieces {
   }
   /// The name of the form: an element's local name with dots as "_" for a member, as it is for
   /// an array; the owner's local name, "_" and the attribute's, dots as "_", for an attribute.
-  Entry Make(Form AForm, std::u16string_view AFirst, std::u16string_view ASecond) {
+  [[gnu::noinline]] Entry Make(Form AForm, std::u16string_view AFirst, std::u16string_view ASecond) {
     Entry e{AFirst.data(), ASecond.data(), static_cast<uint32_t>(AFirst.size()), static_cast<uint32_t>(ASecond.size())};
     e.F = AForm;
     e.Used = true;
