@@ -232,6 +232,8 @@ bool NeedsEscape(std::u16string_view AName) noexcept {
 class NamePieces {
  public:
   enum Form : uint8_t { Member, ArrayName, AttributeName };
+  /// The bytes readable behind each piece.
+  static constexpr size_t kSlack = 32;
   struct Piece {
     std::string_view Bytes;
     std::u16string_view Name;  // the name itself, for the attribute form only
@@ -302,8 +304,9 @@ class NamePieces {
     out = NeedsEscape(name) ? PutJSONUtf8(out, name) : detail::PutUtf8(out, name);
     std::memcpy(out, "\": ", 3);
     out += 3;
-    Bytes.resize(static_cast<size_t>(out - Bytes.data()));
-    e.BytesSize = static_cast<uint32_t>(Bytes.size() - e.BytesAt);
+    e.BytesSize = static_cast<uint32_t>(out - Bytes.data() - e.BytesAt);
+    // room behind every piece, so that a short one can be copied in one fixed-size step
+    Bytes.resize(e.BytesAt + e.BytesSize + kSlack);
     if (AForm == AttributeName) {
       e.NameSize = static_cast<uint32_t>(name.size());
     } else {
@@ -498,7 +501,7 @@ class JsonTreeWriter {
       if (!owner || owner->GetNodeType() != ntElement || !AsElement(owner).HasChildElements() ||
           !HasChildNamed(AsElement(owner), piece.Name)) {
         if (APad) Pad();
-        O.Put(piece.Bytes.data(), piece.Bytes.size());
+        PutPiece(piece.Bytes);
         return QuotedValue(AAttribute);
       }
     }
@@ -614,7 +617,7 @@ class JsonTreeWriter {
   void Name(std::u16string_view ALocalName, bool AUnderscoreDots) {
     if constexpr (kUtf8) {
       const auto piece = Pieces.Get(AUnderscoreDots ? NamePieces::Member : NamePieces::ArrayName, ALocalName);
-      return O.Put(piece.Bytes.data(), piece.Bytes.size());
+      return PutPiece(piece.Bytes);
     }
     if (AUnderscoreDots && ALocalName.find(u'.') != std::u16string_view::npos) {
       Text.assign(ALocalName);
@@ -634,6 +637,15 @@ class JsonTreeWriter {
     } else {
       O.Framed("\"", AName, "\": ");
     }
+  }
+  /// A piece of NamePieces: most are short and go in one fixed-size copy.
+  void PutPiece(std::string_view APiece) {
+    char* const out = O.Reserve(APiece.size() + NamePieces::kSlack);
+    if (APiece.size() <= NamePieces::kSlack)
+      std::memcpy(out, APiece.data(), NamePieces::kSlack);
+    else
+      std::memcpy(out, APiece.data(), APiece.size());
+    O.Advance(out + APiece.size());
   }
   void Pad() {
     if (Formatted) O.Indent(static_cast<size_t>(Level));
