@@ -687,7 +687,7 @@ class JsonTreeWriter {
     Group.assign(n, 0);
     GroupSize.clear();
     GroupName.clear();
-    GroupOf.clear();
+    if (!GroupOf.empty()) GroupOf.clear();  // clearing sweeps every bucket, even of an empty map
     constexpr uint32_t kAhead = 8;
     for (uint32_t i = 0; i < n && i < kAhead; ++i) __builtin_prefetch(elements[i]);
     for (uint32_t i = 0; i < n; ++i) {
