@@ -36,21 +36,48 @@ bool IsURI(std::u16string_view AURI, std::u16string_view AOf) {
   return AURI.size() == AOf.size() && SameText(AURI, AOf);
 }
 
-/// An attribute takes part unless it declares a namespace or is in the xsi or xsd namespace;
-/// AXsi tells whether it is in the xsi namespace.
-bool Counts(const TVnDOMNode* AAttribute, bool& AXsi) {
-  const auto* a = static_cast<const TVnDOMAttribute*>(AAttribute);
-  AXsi = false;
-  if (a->IsNamespace()) return false;
-  const UnicodeString uri = a->GetNamespaceURI();
-  if (uri.empty()) return true;
-  AXsi = IsURI(uri, kXsiURI);
-  return !AXsi && !IsURI(uri, kXsdURI);
-}
-bool Counts(const TVnDOMNode* AAttribute) {
-  bool xsi;
-  return Counts(AAttribute, xsi);
-}
+/// Which attributes take part: none that declares a namespace or is in the xsi or xsd
+/// namespace. Reading a namespace URI decodes its declaration's value, so the answer is kept per
+/// declaration for the write (the tree is read only meanwhile).
+class AttributeFilter {
+ public:
+  /// Whether AAttribute takes part; AXsi tells whether it is in the xsi namespace.
+  bool Counts(const TVnDOMNode* AAttribute, bool& AXsi) {
+    const auto* a = static_cast<const TVnDOMAttribute*>(AAttribute);
+    AXsi = false;
+    // only a name of five letters can declare a namespace
+    const std::u16string_view prefix = a->PrefixView();
+    if ((prefix.empty() ? a->LocalNameView() : prefix).size() == 5 && a->IsNamespace()) return false;
+    // An owned attribute of this library's class without a declaration has no URI or the XML
+    // namespace's: it counts either way.
+    const TVnDOMAttribute* decl = a->GetNamespaceDecl();
+    const bool plain = typeid(*a) == typeid(TVnDOMAttribute) && a->ParentNode();
+    if (plain && !decl) return true;
+    if (!plain || !decl) return Classify(a->GetNamespaceURI(), AXsi);
+    Seen& slot = Memo[(reinterpret_cast<uintptr_t>(decl) >> 4) & (kMemo - 1)];
+    if (slot.Decl != decl) slot = {decl, Class(a->GetNamespaceURI())};
+    AXsi = slot.K == kXsi;
+    return slot.K == kOther;
+  }
+
+ private:
+  enum Kind : uint8_t { kOther, kXsi, kXsd };
+  struct Seen {
+    const TVnDOMAttribute* Decl = nullptr;
+    Kind K = kOther;
+  };
+  static constexpr size_t kMemo = 16;
+  static Kind Class(std::u16string_view AURI) {
+    if (IsURI(AURI, kXsiURI)) return kXsi;
+    return IsURI(AURI, kXsdURI) ? kXsd : kOther;
+  }
+  static bool Classify(std::u16string_view AURI, bool& AXsi) {
+    const Kind k = Class(AURI);
+    AXsi = k == kXsi;
+    return k == kOther;
+  }
+  Seen Memo[kMemo];
+};
 
 /// The stored text of a text node or attribute of this library's classes, else nil.
 const detail::CompactString* KeptText(const TVnDOMNode* ANode) {
@@ -101,18 +128,50 @@ char* PutEscapedUnit(char* AOut, char16_t c) noexcept {
   return AOut;
 }
 
-/// Well-formed UTF-8 text without references escaped as VnStrToJSON escapes its UTF-16 form,
-/// at AOut, which has room for 6 bytes a byte; the end. What stays as it is goes in runs.
+/// The bytes of UTF-8 text that go out as they are: ASCII that needs no escape, and no "&".
+struct StaysInUtf8 {
+  bool Of[256] = {};
+  constexpr StaysInUtf8() {
+    for (int c = 0x20; c < 0x80; ++c) Of[c] = detail::kStrToJSONEscapes[static_cast<char16_t>(c)] == 0 && c != '&';
+  }
+  constexpr bool operator[](uint8_t AByte) const noexcept { return Of[AByte]; }
+};
+constexpr StaysInUtf8 kStaysInUtf8;
+
+/// Well-formed UTF-8 text escaped as VnStrToJSON escapes its UTF-16 form, at AOut, which has
+/// room for 6 bytes a byte; the end, or nil at a "&": text with references must be decoded
+/// first. What stays as it is goes in runs, sixteen bytes a step.
 char* PutJSONFromUtf8(char* AOut, std::string_view AText) noexcept {
   const auto* p = reinterpret_cast<const uint8_t*>(AText.data());
   const uint8_t* const end = p + AText.size();
   while (p < end) {
-    const uint8_t* run = p;
-    while (p < end && *p >= 0x20 && *p < 0x80 && *p != '"' && *p != '/' && *p != '\\') ++p;
-    std::memcpy(AOut, run, static_cast<size_t>(p - run));
-    AOut += p - run;
+#if defined(__SSE2__)
+    // a byte stays when it lies in 0x20..0x7F and is none of " / backslash &; signed, bytes from
+    // 0x80 up compare below the blank
+    const __m128i space = _mm_set1_epi8(0x20);
+    const __m128i quote = _mm_set1_epi8('"'), slash = _mm_set1_epi8('/'), backslash = _mm_set1_epi8('\\');
+    const __m128i amp = _mm_set1_epi8('&');
+    while (end - p >= 16) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+      __m128i stop = _mm_or_si128(_mm_cmplt_epi8(v, space), _mm_cmpeq_epi8(v, quote));
+      stop = _mm_or_si128(stop, _mm_or_si128(_mm_cmpeq_epi8(v, slash), _mm_cmpeq_epi8(v, backslash)));
+      stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, amp));
+      const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(stop));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(AOut), v);
+      if (mask != 0) {
+        const unsigned keep = static_cast<unsigned>(__builtin_ctz(mask));
+        p += keep;
+        AOut += keep;
+        break;
+      }
+      p += 16;
+      AOut += 16;
+    }
+#endif
+    while (p < end && kStaysInUtf8[*p]) *AOut++ = static_cast<char>(*p++);
     if (p == end) break;
     const uint8_t c = *p;
+    if (c == '&') return nullptr;
     if (c < 0x80) {
       AOut = PutEscapedUnit(AOut, c);
       ++p;
@@ -162,6 +221,111 @@ char* PutJSONUtf8(char* AOut, std::u16string_view AText) noexcept {
   return AOut;
 }
 
+/// Whether a member name must be escaped to stay inside its JSON string.
+bool NeedsEscape(std::u16string_view AName) noexcept {
+  return std::any_of(AName.begin(), AName.end(), [](char16_t c) { return c == u'"' || c == u'\\' || c < 0x20; });
+}
+
+/// The member names of one UTF-8 write as they go out, `"name": `, found again by the address of
+/// the names they are made of: names are shared within a document, so each is made once and
+/// then copied. The tree is read only meanwhile, so an address keeps its text.
+class NamePieces {
+ public:
+  enum Form : uint8_t { Member, ArrayName, AttributeName };
+  /// The bytes readable behind each piece.
+  static constexpr size_t kSlack = 32;
+  struct Piece {
+    std::string_view Bytes;
+    std::u16string_view Name;  // the name itself, for the attribute form only
+  };
+
+  Piece Get(Form AForm, std::u16string_view AFirst, std::u16string_view ASecond = {}) {
+    if (Count * 2 >= Table.size()) Grow();
+    const size_t mask = Table.size() - 1;
+    size_t i = Slot(AForm, AFirst.data(), ASecond.data(), mask);
+    for (; Table[i].Used; i = (i + 1) & mask) {
+      const Entry& e = Table[i];
+      if (e.First == AFirst.data() && e.Second == ASecond.data() && e.FirstSize == AFirst.size() &&
+          e.SecondSize == ASecond.size() && e.F == AForm)
+        return PieceOf(e);
+    }
+    Table[i] = Make(AForm, AFirst, ASecond);
+    ++Count;
+    return PieceOf(Table[i]);
+  }
+
+ private:
+  struct Entry {
+    const char16_t* First = nullptr;
+    const char16_t* Second = nullptr;
+    uint32_t FirstSize = 0, SecondSize = 0;
+    uint32_t BytesAt = 0, BytesSize = 0, NameAt = 0, NameSize = 0;
+    Form F = Member;
+    bool Used = false;
+  };
+  static size_t Slot(Form AForm, const char16_t* AFirst, const char16_t* ASecond, size_t AMask) noexcept {
+    const uint64_t h = (reinterpret_cast<uintptr_t>(AFirst) ^ (reinterpret_cast<uintptr_t>(ASecond) * 31) ^ AForm) *
+                       0x9E3779B97F4A7C15ull;
+    return static_cast<size_t>(h >> 40) & AMask;
+  }
+  Piece PieceOf(const Entry& AEntry) const noexcept {
+    return {std::string_view(Bytes).substr(AEntry.BytesAt, AEntry.BytesSize),
+            std::u16string_view(Names).substr(AEntry.NameAt, AEntry.NameSize)};
+  }
+  [[gnu::noinline]] void Grow() {
+    std::vector<Entry> old(Table.size() < 64 ? 64 : Table.size() * 2);
+    old.swap(Table);
+    const size_t mask = Table.size() - 1;
+    for (const Entry& e : old) {
+      if (!e.Used) continue;
+      size_t i = Slot(e.F, e.First, e.Second, mask);
+      while (Table[i].Used) i = (i + 1) & mask;
+      Table[i] = e;
+    }
+  }
+  /// The name of the form: an element's local name with dots as "_" for a member, as it is for
+  /// an array; the owner's local name, "_" and the attribute's, dots as "_", for an attribute.
+  [[gnu::noinline]] Entry Make(Form AForm, std::u16string_view AFirst, std::u16string_view ASecond) {
+    Entry e{AFirst.data(), ASecond.data(), static_cast<uint32_t>(AFirst.size()), static_cast<uint32_t>(ASecond.size())};
+    e.F = AForm;
+    e.Used = true;
+    e.NameAt = static_cast<uint32_t>(Names.size());
+    Names.append(AFirst);
+    if (AForm == AttributeName) {
+      Names += u'_';
+      Names.append(ASecond);
+    }
+    if (AForm != ArrayName) std::replace(Names.begin() + e.NameAt, Names.end(), u'.', u'_');
+    const std::u16string_view name = std::u16string_view(Names).substr(e.NameAt);
+    e.BytesAt = static_cast<uint32_t>(Bytes.size());
+    Bytes.resize(Bytes.size() + name.size() * 6 + 4);
+    char* out = Bytes.data() + e.BytesAt;
+    *out++ = '"';
+    out = NeedsEscape(name) ? PutJSONUtf8(out, name) : detail::PutUtf8(out, name);
+    std::memcpy(out, "\": ", 3);
+    out += 3;
+    e.BytesSize = static_cast<uint32_t>(out - Bytes.data() - e.BytesAt);
+    // room behind every piece, so that a short one can be copied in one fixed-size step
+    Bytes.resize(e.BytesAt + e.BytesSize + kSlack);
+    if (AForm == AttributeName) {
+      e.NameSize = static_cast<uint32_t>(name.size());
+    } else {
+      Names.resize(e.NameAt);  // only the attribute form asks for its name again
+    }
+    return e;
+  }
+
+  std::vector<Entry> Table;
+  size_t Count = 0;
+  std::string Bytes;
+  std::u16string Names;
+};
+
+/// Names are shared within a document, so equal names mostly share their characters too.
+bool SameName(std::u16string_view A, std::u16string_view B) noexcept {
+  return A.size() == B.size() && (A.data() == B.data() || A == B);
+}
+
 bool StartsLikeNumber(std::u16string_view AText) {
   if (AText.empty()) return false;
   const char16_t c = AText.front();
@@ -178,7 +342,7 @@ class JsonTreeWriter {
     switch (ANode->GetNodeType()) {
       case ntElement: Run(&AsElement(ANode)); break;
       case ntAttribute:
-        if (Counts(ANode)) Attribute(ANode, Formatted);
+        if (bool xsi; Filter.Counts(ANode, xsi)) Attribute(ANode, Formatted);
         break;
       case ntDocument:
         for (const TVnDOMNode* child : ANode->ChildrenView())
@@ -329,13 +493,25 @@ class JsonTreeWriter {
   /// attribute is one that Counts.
   void Attribute(const TVnDOMNode* AAttribute, bool APad) {
     const TVnDOMNode* owner = AAttribute->ParentNode();
+    if constexpr (kUtf8) {
+      // the made name serves unless a child element of the owner bears it
+      const auto piece =
+          Pieces.Get(NamePieces::AttributeName, owner ? owner->LocalNameView() : std::u16string_view(),
+                     AAttribute->LocalNameView());
+      if (!owner || owner->GetNodeType() != ntElement || !AsElement(owner).HasChildElements() ||
+          !HasChildNamed(AsElement(owner), piece.Name)) {
+        if (APad) Pad();
+        PutPiece(piece.Bytes);
+        return QuotedValue(AAttribute);
+      }
+    }
     Text.clear();
     if (owner) Text.append(owner->LocalNameView());
     Text += u'_';
     Text.append(AAttribute->LocalNameView());
     for (char16_t& c : Text)
       if (c == u'.') c = u'_';
-    if (owner && owner->GetNodeType() == ntElement) {
+    if (owner && owner->GetNodeType() == ntElement && AsElement(owner).HasChildElements()) {
       while (HasChildNamed(AsElement(owner), Text)) Text.insert(Text.begin(), u'_');
     }
     if (APad) Pad();
@@ -388,10 +564,12 @@ class JsonTreeWriter {
       const detail::CompactString* kept = KeptText(ANode);
       if (kept && kept->IsUtf8()) {
         const std::string_view bytes = kept->Utf8();
-        if (bytes.empty() || std::memchr(bytes.data(), '&', bytes.size()) == nullptr) {
-          O.Ascii("\"");
-          O.Advance(PutJSONFromUtf8(O.Reserve(bytes.size() * 6), bytes));
-          O.Ascii("\"");
+        // the quotes around: one byte before the text, one after
+        char* const out = O.Reserve(bytes.size() * 6 + 2);
+        *out = '"';
+        if (char* const last = PutJSONFromUtf8(out + 1, bytes)) {
+          *last = '"';
+          O.Advance(last + 1);
           return;
         }
       }
@@ -437,6 +615,10 @@ class JsonTreeWriter {
 
   // ---- pieces ----
   void Name(std::u16string_view ALocalName, bool AUnderscoreDots) {
+    if constexpr (kUtf8) {
+      const auto piece = Pieces.Get(AUnderscoreDots ? NamePieces::Member : NamePieces::ArrayName, ALocalName);
+      return PutPiece(piece.Bytes);
+    }
     if (AUnderscoreDots && ALocalName.find(u'.') != std::u16string_view::npos) {
       Text.assign(ALocalName);
       for (char16_t& c : Text)
@@ -448,13 +630,22 @@ class JsonTreeWriter {
   /// A name goes as it is, unless it holds what would end or break the JSON string: then it is
   /// escaped as values are, so that the output stays JSON.
   void QuotedName(std::u16string_view AName) {
-    if (std::any_of(AName.begin(), AName.end(), [](char16_t c) { return c == u'"' || c == u'\\' || c < 0x20; })) {
+    if (NeedsEscape(AName)) {
       O.Ascii("\"");
       Escape(AName);
       O.Ascii("\": ");
     } else {
       O.Framed("\"", AName, "\": ");
     }
+  }
+  /// A piece of NamePieces: most are short and go in one fixed-size copy.
+  void PutPiece(std::string_view APiece) {
+    char* const out = O.Reserve(APiece.size() + NamePieces::kSlack);
+    if (APiece.size() <= NamePieces::kSlack)
+      std::memcpy(out, APiece.data(), NamePieces::kSlack);
+    else
+      std::memcpy(out, APiece.data(), APiece.size());
+    O.Advance(out + APiece.size());
   }
   void Pad() {
     if (Formatted) O.Indent(static_cast<size_t>(Level));
@@ -472,7 +663,7 @@ class JsonTreeWriter {
     XsiSeen = false;
     for (const TVnDOMNode* a : AElement->AttributesView()) {
       bool xsi;
-      if (Counts(a, xsi)) Attrs.push_back(a);
+      if (Filter.Counts(a, xsi)) Attrs.push_back(a);
       XsiSeen = XsiSeen || xsi;
     }
   }
@@ -480,7 +671,8 @@ class JsonTreeWriter {
   /// Whether AElement has a child element of local name AName.
   bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
     GatherNames(AElement);
-    if (GroupName.size() <= 8) return std::find(GroupName.begin(), GroupName.end(), AName) != GroupName.end();
+    if (GroupName.size() <= 8)
+      return std::any_of(GroupName.begin(), GroupName.end(), [&](std::u16string_view n) { return SameName(n, AName); });
     return GroupOf.count(AName) != 0;
   }
 
@@ -495,13 +687,21 @@ class JsonTreeWriter {
     Group.assign(n, 0);
     GroupSize.clear();
     GroupName.clear();
-    GroupOf.clear();
+    if (!GroupOf.empty()) GroupOf.clear();  // clearing sweeps every bucket, even of an empty map
+    constexpr uint32_t kAhead = 8;
+    for (uint32_t i = 0; i < n && i < kAhead; ++i) __builtin_prefetch(elements[i]);
     for (uint32_t i = 0; i < n; ++i) {
-      const std::u16string_view name = elements[i]->LocalNameView();
+      if (i + kAhead < n) __builtin_prefetch(elements[i + kAhead]);
+      const auto* e = static_cast<const TVnDOMElement*>(elements[i]);
+      // The walk reaches these lists soon: asked for now, they load meanwhile.
+      __builtin_prefetch(e->AttributesView().begin());
+      __builtin_prefetch(e->CharNodesView().begin());
+      __builtin_prefetch(e->ElementsView().begin());
+      const std::u16string_view name = e->LocalNameView();
       uint32_t g = static_cast<uint32_t>(GroupName.size());
       if (g <= 8) {
         for (uint32_t k = 0; k < GroupName.size(); ++k)
-          if (GroupName[k] == name) {
+          if (SameName(GroupName[k], name)) {
             g = k;
             break;
           }
@@ -538,12 +738,16 @@ class JsonTreeWriter {
     Stack.push_back({Groups, AElement, at, cursor, at, true});
   }
 
+  static constexpr bool kUtf8 = std::is_same_v<Out, detail::Utf8Output>;
+
   Out& O;
   bool Formatted;
   Integer& Level;
   std::vector<Frame> Stack;
   std::vector<uint32_t> Plan;
   std::vector<const TVnDOMNode*> Attrs;
+  AttributeFilter Filter;
+  NamePieces Pieces;  // UTF-8 output only
   bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
   std::u16string Value16;
   std::u16string Text;

@@ -28,6 +28,17 @@ std::string ElementJSON(std::u16string_view AXml, bool AFormatted = false) {
   return test::U8(GetJSON(*doc->GetRootNode(), AFormatted));
 }
 
+/// The same from a tree loaded from UTF-8 bytes to UTF-8 output, which takes its own road.
+std::string LoadedJSON(std::u16string_view AXml) {
+  const std::string bytes = test::U8(AXml);
+  TVnMemoryStream in(bytes.data(), Int64(bytes.size()));
+  TVnDOMDocument doc;
+  doc.LoadFromStream(in);
+  TVnStringStream out(cVnCodePageUTF8);
+  SaveToJSONStream(*doc.GetRootNode(), out, cVnCodePageUTF8, false);
+  return std::string(out.GetBytesView());
+}
+
 struct Case {
   const char16_t* Xml;
   const char* Json;
@@ -52,12 +63,18 @@ const Case kShapes[] = {
     {u"<x id=\"1\"><x_id>2</x_id><_x_id>3</_x_id></x>", R"({"x": {"__x_id": "1","x_id": "2","_x_id": "3"}})"},
     // A name that would break the JSON string is escaped as values are.
     {u"<r><a\\b>1</a\\b></r>", R"({"r": {"a\\b": "1"}})"},
+    // Namespaces are told by their declarations' URIs, any case, not by prefixes.
+    {u"<r><a xmlns:p=\"HTTP://WWW.W3.ORG/2001/XMLSCHEMA\" p:k=\"1\">x</a><b xmlns:p=\"urn:o\" p:k=\"2\">y</b></r>",
+     R"({"r": {"a": "x","b": "y", "b_k": "2"}})"},
     // Strings are escaped for JSON; the stored references are decoded first.
     {u"<r><a>\"\\&lt;&#233;\t</a></r>", "{\"r\": {\"a\": \"\\\"\\\\<\xC3\xA9\\t\"}}"},
 };
 
 TEST(DomJsonWriter, ShapesNamesAndAttributes) {
-  for (const Case& c : kShapes) EXPECT_EQ(ElementJSON(c.Xml), c.Json) << test::U8(c.Xml);
+  for (const Case& c : kShapes) {
+    EXPECT_EQ(ElementJSON(c.Xml), c.Json) << test::U8(c.Xml);
+    EXPECT_EQ(LoadedJSON(c.Xml), c.Json) << test::U8(c.Xml);
+  }
 }
 
 const Case kTypedValues[] = {
@@ -75,7 +92,10 @@ const Case kTypedValues[] = {
 };
 
 TEST(DomJsonWriter, TypedValuesFollowXsiTypeAndNil) {
-  for (const Case& c : kTypedValues) EXPECT_EQ(ElementJSON(WithNs(c.Xml)), c.Json) << test::U8(c.Xml);
+  for (const Case& c : kTypedValues) {
+    EXPECT_EQ(ElementJSON(WithNs(c.Xml)), c.Json) << test::U8(c.Xml);
+    EXPECT_EQ(LoadedJSON(WithNs(c.Xml)), c.Json) << test::U8(c.Xml);
+  }
 }
 
 TEST(DomJsonWriter, EmptyTypeRaisesAndKeepsWhatWasWritten) {
