@@ -3,7 +3,7 @@
 // the loader's own road and a derived parser's (which hears every event) build the same tree
 // and fail alike; a loaded tree saves as XML that loads back, and then stays; its JSON, compact
 // and (for shallow trees) formatted, is read by the JSON document alike and loads through the
-// bridge again. Any exception but the library's own is a finding.
+// bridge again; UTF-8 output of a tree loaded from UTF-8 is the text form's bytes. Any exception but the library's own is a finding.
 #include <cstdint>
 #include <cstdio>
 #include <algorithm>
@@ -107,5 +107,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* AData, size_t ASize) {
     if (!failBridge.empty()) Finding("the tree's JSON doesn't load through the bridge: " + failBridge);
   }
   if (shallow && read[0] != read[1]) Finding("compact and formatted JSON read differently");
+
+  // A tree loaded from UTF-8 keeps its values as bytes, and UTF-8 output copies them on their
+  // own road: its bytes are those of the text form.
+  vn::TVnDOMDocument bytesTree;
+  vn::TVnStringStream xmlBytes(vn::UnicodeToUtf8(again.GetXML()), vn::cVnCodePageDefault);
+  bytesTree.LoadFromStream(xmlBytes);
+  if (vn::TVnDOMElement* r = bytesTree.GetRootNode()) {
+    vn::TVnStringStream out(vn::cVnCodePageUTF8);
+    vn::SaveToJSONStream(*r, out, vn::cVnCodePageUTF8, false);
+    if (std::string(out.GetBytesView()) != vn::UnicodeToUtf8(vn::GetJSON(*r)))
+      Finding("UTF-8 JSON output differs from the text form");
+  }
   return 0;
 }
