@@ -62,6 +62,9 @@ bool VnSetBits(const TTypeInfo* ASetType, std::u16string_view AText, std::u16str
   while (!rest.empty() && rest.back() == u' ') rest.remove_suffix(1);
   Int64 number = 0;
   if (StartsWithDigit(rest) && TryStrToInt64(rest, number)) {
+    // Only elements the type has: a bit beyond them has no name to write back.
+    for (Int64 ordinal = 0; ordinal < 64; ++ordinal)
+      if ((static_cast<UInt64>(number) >> ordinal & 1) && element && !InRange(element, ordinal)) return false;
     ABits = static_cast<UInt64>(number);
     return true;
   }

@@ -48,6 +48,7 @@ TEST(SerializerEnums, SetsBothWays) {
   UInt64 untouched = 99;
   EXPECT_FALSE(VnSetBits(colors, u"[Red,Purple]", u"co", untouched));
   EXPECT_FALSE(VnSetBits(colors, u"[Red,7]", u"co", untouched));
+  EXPECT_FALSE(VnSetBits(colors, u"8", u"co", untouched));  // a bit beyond the elements
   EXPECT_EQ(untouched, 99u);
 }
 
