@@ -178,7 +178,7 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
     a->FNodeValue.AssignIn(*FPool, AValue);
-  if (a->IsNamespace()) FDeclaredURIs.emplace_back(AValue);
+  if (AQName.size() >= 5 && a->IsNamespace()) FDeclaredURIs.emplace_back(AValue);
   if (!FSchemaInstance && IsSchemaInstanceURI(AValue)) FSchemaInstance = true;
 }
 
@@ -200,7 +200,8 @@ void TreeBuilder::AddAttributeUtf8(std::u16string_view AQName, std::string_view 
   } else {
     a->FNodeValue.AssignUtf8In(*FPool, AValue);
   }
-  if (a->IsNamespace()) FDeclaredURIs.emplace_back(DecodeUtf8Bytes(AValue, FDecoded));
+  // "xmlns" or a prefix "xmlns": shorter names declare nothing, and most names are short
+  if (AQName.size() >= 5 && a->IsNamespace()) FDeclaredURIs.emplace_back(DecodeUtf8Bytes(AValue, FDecoded));
   if (!FSchemaInstance && AValue.size() == std::size(cVnXSINamespaceURI) - 1 &&
       IsSchemaInstanceURI(DecodeUtf8Bytes(AValue, FDecoded)))
     FSchemaInstance = true;
