@@ -55,6 +55,9 @@ class TVnDOMNode : public TVnDOMObject {
   std::u16string_view LocalNameView() const noexcept { return FName.Local(); }
   std::u16string_view PrefixView() const noexcept { return FName.Prefix(); }
   std::u16string_view QualifiedNameView() const noexcept { return FName.Qualified(); }
+  /// The same for nodes that share their name record (nodes of one document with one qualified
+  /// name), different for different names: a key for remembering tests that depend on the name.
+  const void* NameKey() const noexcept { return FName.Key(); }
   /// The parent's setting, or DefaultPreserveCase with no parent.
   virtual bool GetPreserveSpace() const;
   /// The decoded value; empty on a plain node.

@@ -271,6 +271,11 @@ class NameRef {
   void Set(std::u16string_view AName, NameTable* ATable = nullptr);
   /// As Set through ATable, the record held by APool instead of counted here.
   void SetHeld(std::u16string_view AName, NameTable& ATable, NodePool& APool);
+  /// Takes ARec, which the pool of this node holds already, uncounted (a load's repeated names).
+  void TakeHeld(NameRec* ARec) noexcept {
+    Take(ARec);
+    FBits |= kHeld;
+  }
   void SetParts(std::u16string_view APrefix, std::u16string_view ALocal, NameTable* ATable = nullptr);
   void SetPrefix(std::u16string_view APrefix, NameTable* ATable = nullptr);
   /// A record that lives for the whole program (the fixed names "#text", "#comment", ...).
@@ -284,6 +289,9 @@ class NameRef {
   }
   /// Drops one count of a record, freeing it at 0; static records stay.
   static void Release(NameRec* ARec) noexcept;
+  /// The record's address: equal for names that share a record, so a search can remember what
+  /// it found out about a name without reading the name again.
+  const void* Key() const noexcept { return Rec(); }
 
  private:
   static constexpr uintptr_t kHeld = 1;

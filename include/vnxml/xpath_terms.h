@@ -176,6 +176,8 @@ class TVnXPathValueTerm : public TVnXPathBaseTerm {
  protected:
   /// The path, read once and run per candidate.
   detail::PathProgram& Program();
+  // A search for "*[@name]" tests its candidates with the program's own attribute step.
+  friend class detail::PathProgram;
   UnicodeString FPath;
   std::unique_ptr<detail::PathProgram> FProgram;
 };

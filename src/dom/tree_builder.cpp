@@ -2,6 +2,7 @@
 #include "dom/tree_builder.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 #if defined(__SSE2__)
@@ -63,6 +64,18 @@ bool MayBeXmlSpace(std::u16string_view AName) {
   return false;
 }
 
+// Waiting children carry their kind in the two low bits of the pointer (nodes are 8-aligned).
+constexpr uintptr_t kOtherKind = 0, kElementKind = 1, kCharKind = 2, kKindMask = 3;
+
+uintptr_t Tagged(TVnDOMNode* ANode, TVnDOMNodeType AType) noexcept {
+  uintptr_t kind = AType == ntElement ? kElementKind
+                   : AType == ntText || AType == ntCDATA || AType == ntComment ? kCharKind
+                                                                               : kOtherKind;
+  return reinterpret_cast<uintptr_t>(ANode) | kind;
+}
+
+TVnDOMNode* Untagged(uintptr_t AItem) noexcept { return reinterpret_cast<TVnDOMNode*>(AItem & ~kKindMask); }
+
 // The same failure for every event that arrives with no node to take it.
 [[noreturn]] void NoNodeForEvent() {
   throw EVnXMLParseError(cVnXMLErrInvalidTextAtRoot, UnicodeString(_cVnXMLInvalidTextAtRoot));
@@ -104,10 +117,23 @@ T* TreeBuilder::Make() {
 TVnDOMAttribute* TreeBuilder::MakeAttribute() { return Make<TVnDOMAttribute>(); }
 
 void TreeBuilder::SetName(TVnDOMNode* ANode, std::u16string_view AName) {
-  if (FNames)
-    ANode->FName.SetHeld(AName, *FNames, *FPool);
-  else
+  if (!FNames) {
     ANode->FName.Set(AName);
+    return;
+  }
+  if (AName.empty() || AName[0] == u':') {  // rare: left to the general rules
+    ANode->FName.SetHeld(AName, *FNames, *FPool);
+    return;
+  }
+  NameRec*& cached = FNameCache[(AName.size() * 31 + AName.front() * 7 + AName.back()) & (kNameCache - 1)];
+  if (cached && cached->Length == AName.size() &&
+      std::memcmp(cached->Chars, AName.data(), AName.size() * sizeof(char16_t)) == 0) {
+    // The pool holds a count on every record it gave out, for as long as this builder runs.
+    ANode->FName.TakeHeld(cached);
+    return;
+  }
+  ANode->FName.SetHeld(AName, *FNames, *FPool);
+  cached = const_cast<NameRec*>(static_cast<const NameRec*>(ANode->FName.Key()));
 }
 
 void TreeBuilder::SetCurrent(TVnDOMNode* ANode) {
@@ -152,7 +178,7 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
     a->FNodeValue.AssignIn(*FPool, AValue);
-  if (a->IsNamespace()) FDeclaredURIs.emplace_back(AValue);
+  if (AQName.size() >= 5 && a->IsNamespace()) FDeclaredURIs.emplace_back(AValue);
   if (!FSchemaInstance && IsSchemaInstanceURI(AValue)) FSchemaInstance = true;
 }
 
@@ -174,7 +200,8 @@ void TreeBuilder::AddAttributeUtf8(std::u16string_view AQName, std::string_view 
   } else {
     a->FNodeValue.AssignUtf8In(*FPool, AValue);
   }
-  if (a->IsNamespace()) FDeclaredURIs.emplace_back(DecodeUtf8Bytes(AValue, FDecoded));
+  // "xmlns" or a prefix "xmlns": shorter names declare nothing, and most names are short
+  if (AQName.size() >= 5 && a->IsNamespace()) FDeclaredURIs.emplace_back(DecodeUtf8Bytes(AValue, FDecoded));
   if (!FSchemaInstance && AValue.size() == std::size(cVnXSINamespaceURI) - 1 &&
       IsSchemaInstanceURI(DecodeUtf8Bytes(AValue, FDecoded)))
     FSchemaInstance = true;
@@ -196,7 +223,7 @@ void TreeBuilder::EnterElement() {
   if (parent == FTarget) {
     AppendToTarget(element);
   } else {
-    FWaiting.push_back(element);
+    FWaiting.push_back(Tagged(element, ntElement));
   }
   FPending = nullptr;
   // Open before joining: should the namespaces fail to resolve, the element is closed like any
@@ -239,17 +266,14 @@ void TreeBuilder::CloseElement() {
   auto* element = static_cast<TVnDOMElement*>(FCurrent);
   const uint32_t first = FOpen.back().Waiting;
   PopDeclarations(FOpen.back().Pushed);
-  TVnDOMNode* const* kids = FWaiting.data() + first;
+  const uintptr_t* kids = FWaiting.data() + first;
   const auto kidCount = static_cast<uint32_t>(FWaiting.size() - first);
   const uint32_t attributeCount = element->FAttrs.size();
   if (attributeCount + kidCount) {
     uint32_t elements = 0, chars = 0;
     for (uint32_t i = 0; i < kidCount; ++i) {
-      PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
-      if (list == &element->FElems)
-        ++elements;
-      else if (list == &element->FChars)
-        ++chars;
+      elements += (kids[i] & kKindMask) == kElementKind;
+      chars += (kids[i] & kKindMask) == kCharKind;
     }
     // One block of the pool for the child array and both typed views; attributes lead the
     // child list, as they do in every element.
@@ -260,15 +284,15 @@ void TreeBuilder::CloseElement() {
         FPool->Allocate(childBytes + elementBytes + (chars ? Array::BlockBytes(chars) : 0)));
     TVnDOMNode** all = element->FChildren.Adopt(block, attributeCount + kidCount);
     std::copy_n(element->FAttrs.begin(), attributeCount, all);
-    std::copy_n(kids, kidCount, all + attributeCount);
     TVnDOMNode** elems = elements ? element->FElems.Adopt(block + childBytes, elements) : nullptr;
     TVnDOMNode** texts = chars ? element->FChars.Adopt(block + childBytes + elementBytes, chars) : nullptr;
     for (uint32_t i = 0; i < kidCount; ++i) {
-      PtrVector<TVnDOMNode>* list = element->TypedListFor(kids[i]);
-      if (list == &element->FElems)
-        *elems++ = kids[i];
-      else if (list == &element->FChars)
-        *texts++ = kids[i];
+      TVnDOMNode* kid = Untagged(kids[i]);
+      all[attributeCount + i] = kid;
+      if ((kids[i] & kKindMask) == kElementKind)
+        *elems++ = kid;
+      else if ((kids[i] & kKindMask) == kCharKind)
+        *texts++ = kid;
     }
   }
   FWaiting.resize(first);
@@ -312,7 +336,7 @@ void TreeBuilder::Place(TVnDOMNode* ALeaf) {
   if (FCurrent == FTarget) {
     AppendToTarget(ALeaf);
   } else {
-    FWaiting.push_back(ALeaf);
+    FWaiting.push_back(Tagged(ALeaf, ALeaf->FNodeType));
     ALeaf->FParent = FCurrent;
   }
 }

@@ -140,12 +140,18 @@ class TreeBuilder {
   bool FSchemaInstance = false;       // the start tag declares the schema-instance namespace
   bool FMaybeSpace = false;           // the start tag has an attribute that may be "xml:space"
   std::vector<TVnDOMNode*> FAttributes;
-  std::vector<TVnDOMNode*> FWaiting;  // children of the open elements, innermost last
+  // Children of the open elements, innermost last, each with its kind in the low bits (see
+  // Tagged), so that closing sorts them into the typed views without reading them again.
+  std::vector<uintptr_t> FWaiting;
   struct Open {
     uint32_t Waiting;  // where the element's children start in FWaiting
     uint32_t Pushed;   // where its declarations start in FPushed
   };
   std::vector<Open> FOpen;
+  // Names this load has given, by length and end units: a load meets the same few names over
+  // and over, and a record that this load's pool holds already is given again without counting.
+  static constexpr size_t kNameCache = 64;
+  NameRec* FNameCache[kNameCache] = {};
   std::u16string FDecoded;  // UTF-8 that is not kept as it is, decoded
   std::string FQuoted;      // a UTF-8 value with its double quotes as references
 };

@@ -18,6 +18,8 @@ namespace vn::detail {
 class NodeSet {
  public:
   void Add(TVnDOMNode* ANode);
+  /// Adds ANodes, which hold no node twice, in order; cheaper than one by one into an empty set.
+  void AddDistinct(std::vector<TVnDOMNode*>& ANodes);
   bool Empty() const noexcept { return FItems.empty(); }
   std::vector<TVnDOMNode*>& Items() noexcept { return FItems; }
 
@@ -28,6 +30,7 @@ class NodeSet {
 
   std::vector<TVnDOMNode*> FItems;
   std::vector<TVnDOMNode*> FTable;  ///< empty while the list is short enough to search
+  bool FTableDue = false;            ///< items came in by AddDistinct: the table is made on the next Add
 };
 
 /// Remembers, per name text in the tree, whether it matched a step's name. Names in a document
@@ -55,7 +58,41 @@ class NameMemo {
   size_t FNext = 0;
 };
 
+/// Remembers a test that depends on a node's name alone, by the node's name record: one
+/// pointer comparison per node, without reading the name. Records are only made, never freed,
+/// while a selection runs, so what it remembers holds for one selection (Renew).
+class NameKeyMemo {
+ public:
+  /// Forgets everything unless ASelection is the selection it remembers for.
+  void Renew(uint64_t ASelection) noexcept {
+    if (FSelection == ASelection) return;
+    FSelection = ASelection;
+    FUsed = 0;
+    FNext = 0;
+  }
+  template <class F>
+  bool Test(const TVnDOMNode* ANode, F&& ATest) {
+    const void* key = ANode->NameKey();
+    for (uint32_t i = 0; i < FUsed; ++i)
+      if (FKeys[i] == key) return FResults[i];
+    bool result = ATest(ANode);
+    const uint32_t slot = FUsed < cSize ? FUsed++ : (FNext++ % cSize);
+    FKeys[slot] = key;
+    FResults[slot] = result;
+    return result;
+  }
+
+ private:
+  static constexpr uint32_t cSize = 8;
+  const void* FKeys[cSize] = {};
+  bool FResults[cSize] = {};
+  uint32_t FUsed = 0;
+  uint32_t FNext = 0;
+  uint64_t FSelection = 0;
+};
+
 struct PathStep;
+class PathProgram;
 
 /// The pairs of a step and a node that the step has run on, within one run into one result.
 class StepRuns {
@@ -127,6 +164,13 @@ struct PathStep {
   /// The nodes this step runs on may include a node and one of its descendants.
   bool FContextsNest = false;
   NameMemo FLocalMemo;
+  /// Of an attribute step: whether an attribute with a given name record passes it.
+  NameKeyMemo FAttributeMemo;
+  /// For a "//" search: whether the step is "*" with one filter that asks for an attribute by
+  /// name (-1: not yet known), and that filter's program and attribute step.
+  int8_t FAttributeSearch = -1;
+  PathProgram* FAttributeProgram = nullptr;
+  PathStep* FAttributeStep = nullptr;
 };
 
 /// Counts nested step runs and selections on this thread; too deep a nesting raises EVnDomSyntax.
@@ -173,6 +217,13 @@ class PathProgram {
   void Collect(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, std::vector<TVnDOMNode*>& ACands,
                size_t ALimit);
   void ApplyFilters(PathStep& AStep, std::vector<TVnDOMNode*>& ACands);
+  /// The filter AIndex of AStep, parsed on first use; its path when it only asks whether that exists.
+  TVnXPathValueTerm* ParseFilter(PathStep& AStep, size_t AIndex);
+  /// Whether AStep is "*" (any prefix or one) with a single filter "[@name]" and nothing behind
+  /// it, which a "//" search runs by testing each element's attributes in place.
+  bool IsAttributeSearch(PathStep& AStep);
+  /// The "//" walk of such a step from ANode: each element below is tested once, by its parent.
+  void RunAttributeSearch(PathStep& AStep, TVnDOMNode* ANode, PathRun& ARun);
   /// The one step of a path that is a plain name, "*", "@name", node() or text() from the
   /// context node, without filters: it runs without the machinery of a full selection.
   PathStep* SimpleStep();

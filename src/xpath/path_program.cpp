@@ -85,7 +85,21 @@ DepthGuard::~DepthGuard() { --tDepth; }
 
 uint64_t PathWork() noexcept { return tWork; }
 
+void NodeSet::AddDistinct(std::vector<TVnDOMNode*>& ANodes) {
+  if (!FItems.empty()) {
+    for (TVnDOMNode* n : ANodes) Add(n);
+    return;
+  }
+  FItems.swap(ANodes);
+  FTable.clear();
+  FTableDue = FItems.size() >= cLinearLimit;
+}
+
 void NodeSet::Add(TVnDOMNode* ANode) {
+  if (FTableDue) {
+    FTableDue = false;
+    Grow();
+  }
   if (FTable.empty()) {
     for (TVnDOMNode* n : FItems)
       if (n == ANode) return;
@@ -229,6 +243,10 @@ void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
   const bool skipLeaves = AStep.FForm == StepForm::Name || AStep.FForm == StepForm::Star ||
                           AStep.FForm == StepForm::Attribute || AStep.FForm == StepForm::Node ||
                           AStep.FForm == StepForm::Text || AStep.FForm == StepForm::AllChildren;
+  if (IsAttributeSearch(AStep)) {
+    RunAttributeSearch(AStep, ANode, ARun);
+    return;
+  }
   struct Searching {
     int& FCount;
     explicit Searching(int& ACount) : FCount(++ACount) {}
@@ -256,6 +274,79 @@ void PathProgram::RunStep(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
       stack.push_back(child);
     }
   }
+}
+
+bool PathProgram::IsAttributeSearch(PathStep& AStep) {
+  if (AStep.FAttributeSearch < 0) {
+    AStep.FAttributeSearch = 0;
+    if (AStep.FForm != StepForm::Star || AStep.FHasRest || AStep.FStartsWithSlash || AStep.FRestIsSlash ||
+        AStep.FFilters.size() != 1 || AStep.FBareIndexes[0] >= 0)
+      return false;
+    // A filter that does not parse fails where it always did: when a candidate meets it.
+    TVnXPathValueTerm* exists = nullptr;
+    try {
+      exists = ParseFilter(AStep, 0);
+    } catch (...) {
+      return false;
+    }
+    if (!exists) return false;
+    PathProgram& inner = exists->Program();
+    PathStep* attribute = inner.FAbsolute ? nullptr : inner.SimpleStep();
+    if (!attribute || attribute->FForm != StepForm::Attribute || attribute->FLocal == u"*") return false;
+    AStep.FAttributeProgram = &inner;
+    AStep.FAttributeStep = attribute;
+    AStep.FAttributeSearch = 1;
+  }
+  // Steps that remember where they ran, and soCreate, keep the general road.
+  return AStep.FAttributeSearch == 1 && !AStep.FRemember && !FCreateMissing;
+}
+
+void PathProgram::RunAttributeSearch(PathStep& AStep, TVnDOMNode* ANode, PathRun& ARun) {
+  // The general walk with RunStepAt inlined for this one form: the candidates of "*" at a node
+  // are its child elements (the root element at a document), each kept when the filter's
+  // attribute step finds something on it.
+  DepthGuard guard;
+  PathProgram& inner = *AStep.FAttributeProgram;
+  PathStep& attribute = *AStep.FAttributeStep;
+  const bool anyPrefix = AStep.FPrefix == u"*";
+  // Every element is a candidate once, from its one parent: what is found holds no node twice.
+  std::vector<TVnDOMNode*> found;
+  auto test = [&](TVnDOMNode* ACand) {
+    if (!anyPrefix && !FCollation->SameText(ACand->PrefixView(), AStep.FPrefix)) return;
+    if (inner.AnyMatch(attribute, ACand)) found.push_back(ACand);
+  };
+  std::vector<TVnDOMNode*> stack{ANode};
+  while (!stack.empty()) {
+    TVnDOMNode* node = stack.back();
+    stack.pop_back();
+    ++tWork;
+    TVnDOMElement* element = AsElement(node);
+    if (element) {
+      const auto& elements = element->ElementsView();
+      const uint32_t count = elements.size();
+      // Candidates are read node, attribute array, first attribute: each asked for ahead.
+      for (uint32_t i = 0; i < count && i < cPrefetchNode; ++i) __builtin_prefetch(elements[i]);
+      for (uint32_t i = 0; i < count; ++i) {
+        if (i + cPrefetchNode < count) __builtin_prefetch(elements[i + cPrefetchNode]);
+        if (i + cPrefetchArray < count) PrefetchArrays(elements[i + cPrefetchArray], false);
+        if (i + cPrefetchFirst < count) PrefetchArrays(elements[i + cPrefetchFirst], true);
+        test(elements[i]);
+      }
+      for (uint32_t i = count; i-- > 0;) stack.push_back(elements[i]);
+      continue;
+    }
+    if (node->GetNodeType() == ntDocument) {
+      if (TVnDOMElement* root = static_cast<TVnDOMDocument*>(node)->GetRootNode()) test(root);
+    }
+    const auto& children = node->ChildrenView();
+    for (size_t i = children.size(); i-- > 0;) {
+      TVnDOMNode* child = children[i];
+      TVnDOMNodeType type = child->GetNodeType();
+      if (type == ntAttribute || (type != ntElement && !child->HasChilds())) continue;
+      stack.push_back(child);
+    }
+  }
+  ARun.FResult.AddDistinct(found);
 }
 
 void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, PathRun& ARun) {
@@ -358,8 +449,18 @@ void PathProgram::Collect(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, 
   }
 }
 
+TVnXPathValueTerm* PathProgram::ParseFilter(PathStep& AStep, size_t AIndex) {
+  auto& equation = AStep.FEquations[AIndex];
+  if (!equation) {
+    equation = VnParseXPathFilter(AStep.FFilters[AIndex], FLocalNameMatch ? soLocalName : soQualifiedName, FCollation);
+    // A filter that only asks whether a path exists skips the Variant round trip.
+    if (!equation->GetSibling())
+      if (auto* has = dynamic_cast<TVnXPathHasNode*>(equation->GetTerm())) AStep.FExistsPaths[AIndex] = has->GetValuePath();
+  }
+  return AStep.FExistsPaths[AIndex];
+}
+
 void PathProgram::ApplyFilters(PathStep& AStep, std::vector<TVnDOMNode*>& ACands) {
-  TVnDOMSelectMatchOption match = FLocalNameMatch ? soLocalName : soQualifiedName;
   for (size_t f = 0; f < AStep.FFilters.size() && !ACands.empty(); ++f) {
     // A bare index keeps the candidate at that place; nothing else in it can fail or differ.
     if (Integer n = AStep.FBareIndexes[f]; n >= 0) {
@@ -371,17 +472,12 @@ void PathProgram::ApplyFilters(PathStep& AStep, std::vector<TVnDOMNode*>& ACands
       }
       continue;
     }
+    TVnXPathValueTerm* exists = ParseFilter(AStep, f);
     auto& equation = AStep.FEquations[f];
-    if (!equation) {
-      equation = VnParseXPathFilter(AStep.FFilters[f], match, FCollation);
-      // A filter that only asks whether a path exists skips the Variant round trip.
-      if (!equation->GetSibling())
-        if (auto* has = dynamic_cast<TVnXPathHasNode*>(equation->GetTerm())) AStep.FExistsPaths[f] = has->GetValuePath();
-    }
     const size_t count = ACands.size();
     size_t kept = 0;
     PrefetchStart(ACands);
-    if (TVnXPathValueTerm* exists = AStep.FExistsPaths[f]) {
+    if (exists) {
       for (size_t i = 0; i < count; ++i) {
         PrefetchAhead(ACands, i);
         if (exists->HasNodesFrom(ACands[i])) ACands[kept++] = ACands[i];
@@ -457,8 +553,16 @@ bool PathProgram::AnyMatch(PathStep& AStep, TVnDOMNode* ANode) {
   };
   TVnDOMElement* element = AsElement(ANode);
   if (AStep.FForm == StepForm::Attribute && element && AStep.FLocal != u"*") {
-    for (TVnDOMNode* a : element->AttributesView())
-      if (matches(a) && (FLocalNameMatch || !static_cast<TVnDOMAttribute*>(a)->IsNamespace())) return true;
+    // The test depends on the attribute's name alone, which its document shares between nodes.
+    auto passes = [&](const TVnDOMNode* a) {
+      return matches(a) && (FLocalNameMatch || !static_cast<const TVnDOMAttribute*>(a)->IsNamespace());
+    };
+    const auto& attributes = element->AttributesView();
+    // Outside a selection (a host evaluating a filter itself) the tree may change between calls.
+    if (tDepth == 0) return std::any_of(attributes.begin(), attributes.end(), passes);
+    AStep.FAttributeMemo.Renew(tSelection);
+    for (TVnDOMNode* a : attributes)
+      if (AStep.FAttributeMemo.Test(a, passes)) return true;
     return false;
   }
   if (AStep.FForm == StepForm::Name && element) {
