@@ -22,7 +22,7 @@
 //   (common/generics_rtti.h); a dictionary's Keys and Values are dynamic arrays.
 // - Reading: the text of a simple wrapper, a value list and an owning object list reads back in
 //   both notations, into the member's object or a new one of the member's class. A nil element
-//   of an object list keeps its place in XML; JSON drops it. A dictionary's text does not read
+//   of an object list keeps its place in both ("{}" in JSON). A dictionary's text does not read
 //   back: in XML its "item" elements meet the plain member lookup and raise "Failed to find a
 //   property or field with the name ...item!"; in JSON its pairs are passed over. Values that
 //   JSON writes as objects (enumerations, sets) are passed over inside a value list.

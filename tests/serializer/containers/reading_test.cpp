@@ -41,13 +41,15 @@ TEST(ContainerReading, EveryKindComesBackInBothNotations) {
          (b.Tone = new TToneBox())->Tone = toHigh;
        },
        true},
-      // JSON writes enumerations as objects, which a value list passes over, and drops nil elements.
-      {"enumerations, and a nil element",
+      {"nil elements keep their places",
        [](TBasket& b) {
-         (b.Tones = new TToneList())->Values = {toMid};
          (b.Items = new TItemList())->Add(nullptr);
+         b.Items->Add(new TItem(u"n", 1));
+         b.Items->Add(nullptr);
        },
-       false},
+       true},
+      // JSON writes enumerations as objects, which a value list passes over.
+      {"enumerations", [](TBasket& b) { (b.Tones = new TToneList())->Values = {toMid}; }, false},
   };
   for (const auto& [name, fill, json] : cases) {
     for (TVnDataSerializationFormatType format : {dsfXML, dsfJSON}) {
