@@ -9,6 +9,7 @@
 namespace vn::test {
 
 // Zones used by the date tests; POSIX rules need no tz database.
+inline constexpr const char* cZoneUTC = "UTC0";
 // Central Europe: +01:00, +02:00 from the last Sunday of March 02:00 to the last Sunday of October 03:00.
 inline constexpr const char* cZoneBerlin = "CET-1CEST,M3.5.0,M10.5.0/3";
 // Newfoundland: -03:30, -02:30 in summer; a negative offset with minutes.
