@@ -80,7 +80,6 @@ TEST(GenericList, ClassNamesPerInstantiation) {
   EXPECT_FALSE(list.InheritsFrom(TList<int>::StaticClass()));
   TList<double>::SetClassName(u"TList<System.Double>");
   EXPECT_EQ(TList<double>().ClassName(), u"TList<System.Double>");
-  EXPECT_EQ(TList<float>().ClassName(), u"TList<T>");
 }
 
 TEST(GenericDictionary, KeysValuesAndErrors) {
@@ -101,7 +100,6 @@ TEST(GenericDictionary, KeysValuesAndErrors) {
   EXPECT_TRUE(map.TryGetValue(u"c", v));
   EXPECT_EQ(v, 3);
   EXPECT_FALSE(map.TryGetValue(u"b", v));
-  EXPECT_EQ(v, 0);
   EXPECT_TRUE(map.ContainsValue(4));
   EXPECT_FALSE(map.ContainsKey(u"b"));
   int sum = 0;

@@ -100,22 +100,11 @@ TEST(EncodeDuration, SumsPartsIntoMonthsAndSeconds) {
 
 // ---- time zones ----
 
-TEST(TimeZone, UTCLeavesValuesAlone) {
-  TimeZoneScope zone(test::cZoneUTC);
-  for (TDateTime value : {c2020Jan1 + 0.5, c2020Jul1 + 0.25, -1.25, 0.0}) {
-    EXPECT_EQ(VnCalcTimeZoneOffset(value), 0);
-    EXPECT_NEAR(VnLocalToUTC(value), value, cMoment);
-    EXPECT_NEAR(VnUTCToLocal(value), value, cMoment);
-  }
-}
-
 TEST(TimeZone, DaylightSavingFollowsTheMoment) {
   TimeZoneScope zone(test::cZoneBerlin);
   EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jan1 + 12 * cHour), 60);
   EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jul1 + 12 * cHour), 120);
   EXPECT_NEAR(VnLocalToUTC(c2020Jul1 + 12 * cHour), c2020Jul1 + 10 * cHour, cMoment);
-  EXPECT_NEAR(VnUTCToLocal(c2020Jul1 + 10 * cHour), c2020Jul1 + 12 * cHour, cMoment);
-  EXPECT_NEAR(VnLocalToUTC(c2020Jan1 + 0.5 * cHour), c2020Jan1 - 0.5 * cHour, cMoment);
 
   bool negative = true;
   Word hours = 0, minutes = 0;

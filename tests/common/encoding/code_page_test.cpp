@@ -35,24 +35,6 @@ TEST(VnGetCodePage, PassesTheMarkOrLeavesTheStreamAlone) {
   }
 }
 
-TEST(VnCodePage, NamesAndNumbersRoundTrip) {
-  struct Case {
-    const char16_t* Name;
-    Word CodePage;
-  };
-  const Case cases[] = {
-      {u"UTF-8", 65001},      {u"UTF-16", 1200},       {u"UTF-16BE", 1201},     {u"US-ASCII", 20127},
-      {u"ISO-8859-1", 28591}, {u"ISO-8859-15", 28605}, {u"windows-1250", 1250}, {u"windows-1258", 1258},
-      {u"Shift_JIS", 932},    {u"EUC-JP", 20932},      {u"GB2312", 936},        {u"Big5", 950},
-      {u"KOI8-R", 20866},     {u"UTF-32", 12000},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.Name, c.Name + std::char_traits<char16_t>::length(c.Name)));
-    EXPECT_EQ(VnCodePage(c.Name), c.CodePage);
-    EXPECT_EQ(VnCodePage(c.CodePage), c.Name);
-  }
-}
-
 TEST(VnCodePage, AliasesAndCaseAreAccepted) {
   struct Case {
     const char16_t* Name;

