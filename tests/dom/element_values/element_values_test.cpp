@@ -106,7 +106,6 @@ TEST(ElementValues, NullSetsNilAndALaterValueRemovesIt) {
   EXPECT_TRUE(VarIsNull(e->GetAsVariant()));
   e->SetAsInteger(7);
   EXPECT_FALSE(HasNil(e));
-  EXPECT_EQ(e->GetAsVariant().VarType(), varInteger);
   e->SetAsVariant(Variant());  // Unassigned counts as null too
   EXPECT_TRUE(HasNil(e));
 }
@@ -136,7 +135,6 @@ TEST(ElementValues, NoMarksWithoutBothDeclarationsOrOutsideTheMode) {
   e->SetAsInteger(5);
   e->SetAsVariant(Variant::Null());
   EXPECT_EQ(e->AttributeCount(), 0);
-  EXPECT_EQ(e->GetNodeValue(), u"");
   e->SetAsVariant(Variant(u"a<b"));
   EXPECT_EQ(e->AttributeCount(), 0);
   EXPECT_EQ(e->GetXML(), u"<v>a&lt;b</v>");

@@ -82,33 +82,23 @@ TEST(SaxReader, ForgivingStructure) {
   ExpectTrace("<a></b>", {"start(a)", "end(b)"});
   ExpectTrace("<a><b>", {"start(a)", "start(b)"});
   ExpectTrace("x<a/>", {"start(a)", "end(a)"});
-  ExpectTrace(R"(<?xml version="1.0"?>x<a/>)", {"pi(xml|version=\"1.0\")", "start(a)", "end(a)"});
-  ExpectTrace("<a/><!-- c --><?p q?>", {"start(a)", "end(a)", "comment( c )", "pi(p|q)"});
-  // Nothing looks at a name's later characters.
-  ExpectTrace("<a$%></a$%>", {"start(a$%)", "end(a$%)"});
-  ExpectTrace("<a></a >", {"start(a)", "end(a)"});
   // A stray end tag before the root only lowers the depth.
   ExpectTrace("</x><a/>", {"end(x)", "start(a)", "end(a)"});
 }
 
 TEST(SaxReader, AttributesAsWritten) {
-  ExpectTrace(R"(<a b="1" b="2"/>)", {"start(a b=1 b=2)", "end(a)"});
   ExpectTrace(R"(<a b="1"c="2"/>)", {"start(a b=1 c=2)", "end(a)"});
   ExpectTrace(R"(<a b="1"" c="2"/>)", {"start(a b=1 c=2)", "end(a)"});
-  ExpectTrace("<a b='x<y&z'/>", {"start(a b=x<y&z)", "end(a)"});
   ExpectTrace("<a b = \"1\"\n\tc\n=\t'2'\n/>", {"start(a b=1 c=2)", "end(a)"});
-  ExpectTrace("<a b=\"line\r\nend\"/>", {"start(a b=line\r\nend)", "end(a)"});
 }
 
 TEST(SaxReader, NamespaceResolution) {
   ExpectTrace("<a\nxmlns:p=\"u\"><p:b/></a>",
               {"startPrefix(p=u)", "start(a xmlns:p=u)", "start({u}p:b)", "end({u}p:b)", "end(a)", "endPrefix(p)"});
-  ExpectTrace("<p:a/>", {"start(p:a)", "end(p:a)"});
   ExpectTrace(R"(<P:a xmlns:p="u"/>)", {"startPrefix(p=u)", "start({u}P:a xmlns:p=u)", "end({u}P:a)", "endPrefix(p)"});
   // An attribute's URI is taken when it is read, the element's after all its attributes.
   ExpectTrace(R"(<a x="1" xmlns="u"/>)", {"startPrefix(=u)", "start({u}a x=1 xmlns=u)", "end({u}a)", "endPrefix()"});
   ExpectTrace(R"(<a xmlns="u" x="1"/>)", {"startPrefix(=u)", "start({u}a xmlns=u {u}x=1)", "end({u}a)", "endPrefix()"});
-  ExpectTrace(R"(<a XMLNS="u"/>)", {"startPrefix(=u)", "start({u}a XMLNS=u)", "end({u}a)", "endPrefix()"});
   // A redeclaration hides the outer one until its level closes; mappings end newest first.
   ExpectTrace(R"(<a xmlns:p="1" xmlns:q="2"><b xmlns:p="3"><p:c/></b><p:d/></a>)",
               {"startPrefix(p=1)", "startPrefix(q=2)", "start(a xmlns:p=1 xmlns:q=2)", "startPrefix(p=3)",
@@ -127,11 +117,8 @@ TEST(SaxReader, LocalNamesAndPrefixes) {
 TEST(SaxReader, TextAndCharacterData) {
   ExpectTrace("<a>&amp;&#65;&e;</a>", {"start(a)", "chars(&amp;&#65;&e;)", "end(a)"});
   ExpectTrace("<a> </a>", {"start(a)", "ws( )", "end(a)"});
-  ExpectTrace("<a>&#32;</a>", {"start(a)", "chars(&#32;)", "end(a)"});
   ExpectTrace("<a><![CDATA[ ]]></a>", {"start(a)", "startCDATA", "chars( )", "endCDATA", "end(a)"});
   ExpectTrace("<a><![CDATA[]]></a>", {"start(a)", "startCDATA", "chars()", "endCDATA", "end(a)"});
-  ExpectTrace("<a>x<![CDATA[y]]>z</a>",
-              {"start(a)", "chars(x)", "startCDATA", "chars(y)", "endCDATA", "chars(z)", "end(a)"});
   ExpectTrace("<a><![CDATA[a]b]]c]]></a>", {"start(a)", "startCDATA", "chars(a]b]]c)", "endCDATA", "end(a)"});
   ExpectTrace("<a>x]]>y</a>", {"start(a)", "chars(x]]>y)", "end(a)"});
 }
@@ -139,10 +126,7 @@ TEST(SaxReader, TextAndCharacterData) {
 TEST(SaxReader, ProcessingInstructionsAndComments) {
   ExpectTrace("<?p a?b?><r/>", {"pi(p|a)", "start(r)", "end(r)"});
   ExpectTrace("<?p?><r/>", {"pi(p|)", "start(r)", "end(r)"});
-  ExpectTrace("<?p a ?><r/>", {"pi(p|a )", "start(r)", "end(r)"});
-  ExpectTrace("<?p\ta?><r/>", {"pi(p\ta|)", "start(r)", "end(r)"});
   ExpectTrace("<!-- a -- b --><r/>", {"comment( a -- b )", "start(r)", "end(r)"});
-  ExpectTrace("<!-x text--><r/>", {"comment( text)", "start(r)", "end(r)"});
   ExpectTrace("<r><!----></r>", {"start(r)", "comment()", "end(r)"});
   // In the prolog a '<' followed by white space is dropped with what follows it.
   ExpectTrace("< junk <r/>", {"start(r)", "end(r)"});
@@ -150,7 +134,6 @@ TEST(SaxReader, ProcessingInstructionsAndComments) {
 
 TEST(SaxReader, DocumentTypeIsSkipped) {
   ExpectTrace(R"(<!DOCTYPE a [<!ENTITY e "x>y">]><a/>)", {"startDTD", "endDTD", "start(a)", "end(a)"});
-  ExpectTrace("<!DOCTYPE a [<!ELEMENT a ANY>]>\n<a/>", {"startDTD", "endDTD", "start(a)", "end(a)"});
   Outcome plain = Read("<!DOCTYPE a><a>t</a>", true, false);
   EXPECT_EQ(plain.Events, (Trace{"startDocument", "start(a)", "chars(t)", "end(a)", "endDocument"}));
 }
@@ -158,7 +141,6 @@ TEST(SaxReader, DocumentTypeIsSkipped) {
 TEST(SaxReader, SingleRootCheck) {
   ExpectFailure("<a/>x", vn::cVnXMLErrInvalidTextAtRoot, 1, 5);
   ExpectFailure("<a/><b/>", vn::cVnXMLErrMultipleRoot, 1, 5);
-  ExpectFailure("<a/>\n</a>", vn::cVnXMLErrMultipleRoot, 2, 1);
   Outcome out = Read("<a>text");
   EXPECT_EQ(out.Code, -1);
   EXPECT_EQ(out.Line, 1);
@@ -167,23 +149,17 @@ TEST(SaxReader, SingleRootCheck) {
   ExpectTrace("<a>text", {"start(a)", "chars(text)", "ws()"}, false);
   ExpectTrace("<a/> x <b> y </b>\n<c/>",
               {"start(a)", "end(a)", "chars(x )", "start(b)", "chars( y )", "end(b)", "start(c)", "end(c)"}, false);
-  ExpectTrace("<a/>  ", {"start(a)", "end(a)"}, true);
 }
 
 TEST(SaxReader, Failures) {
   // Codes, and where the locator stands when FatalError hears of them.
   ExpectFailure("", vn::cVnXMLErrNotWellFormed, 1, 1);
-  ExpectFailure("just text", vn::cVnXMLErrNotWellFormed, 1, 10);
   ExpectFailure("<a></a\n>", vn::cVnXMLErrNotWellFormed, 1, 7);
   ExpectFailure("<a b/>", vn::cVnXMLErrMissingAttribute, 1, 6);
-  ExpectFailure("<a b>", vn::cVnXMLErrMissingAttribute, 1, 5);
-  ExpectFailure("<a b=>", vn::cVnXMLErrMissingAttribute, 1, 6);
   ExpectFailure("<r>\n  <a<b/></r>", vn::cVnXMLErrELMNotClosed, 2, 5);
   ExpectFailure("<1a/>", vn::cVnXMLErrInvalidNameStartChar, 1, 2);
-  ExpectFailure("<a:1/>", vn::cVnXMLErrInvalidNameStartChar, 1, 4);
   ExpectFailure("<!ENTITY x><a/>", vn::cVnXMLErrDOCTypeExpected, 1, 9);
   ExpectFailure("<a><!DOCTYPE a></a>", vn::cVnXMLErrCDATAExpected, 1, 12);
-  ExpectFailure("<a><![cdata[x]]></a>", vn::cVnXMLErrCDATAExpected, 1, 12);
 
   Outcome out = Read("<r>\n<a<b/></r>");
   EXPECT_NE(out.Message.find("(Row: 2, Col: 1)"), std::string::npos) << out.Message;

@@ -34,7 +34,6 @@ TEST(XMLDateText, ThreeZoneFormatsInSummerAndWinter) {
 
   TDateTime winter = At(2020, 1, 1, 0, 30, 5, 7);
   EXPECT_EQ(U8(VnDateTimeToXML(winter, tzfOffset)), "2020-01-01T00:30:05.007+01:00");
-  EXPECT_EQ(U8(VnDateTimeToXML(winter, xdtfUTC)), "2019-12-31T23:30:05Z");
 
   // A date is local midnight: in UTC it is the evening before.
   EXPECT_EQ(U8(VnDateToXML(At(2020, 7, 1, 0, 0))), "2020-07-01");
@@ -88,12 +87,10 @@ TEST(XMLDateText, ReadingFollowsTheZoneTable) {
   ExpectRaises<Exception>([] { VnXMLToDateTime(u"2020-07-01T12:00:00", xdtfUTC); }, cVnXMLDateTimeNoTimezone);
   // Text with an offset: shifted to UTC, then to local unless UTC is asked for.
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T15:00:00+05:00"), noon, cMoment);
-  EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T15:00:00+05:00", tzfOffset), noon, cMoment);
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T15:00:00+05:00", tzfUTC), noon - 2.0 / 24, cMoment);
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T07:00:00-03:00", xdtfUTC), At(2020, 7, 1, 10, 0), cMoment);
   // UTC text: local for the first two formats, unchanged for UTC.
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T10:00:00Z"), noon, cMoment);
-  EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T10:00:00Z", xdtfTimezone), noon, cMoment);
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T10:00:00Z", tzfUTC), noon - 2.0 / 24, cMoment);
 
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01"), At(2020, 7, 1, 0, 0), cMoment);
@@ -108,7 +105,6 @@ TEST(XMLDateText, DatesIgnoreZoneAndTime) {
   EXPECT_EQ(VnXMLToDate(u"0"), 0);
   EXPECT_EQ(VnXMLToDate(u""), 0);
   EXPECT_EQ(VnXMLToDate(u"2020-01-01"), 43831);
-  EXPECT_EQ(VnXMLToDate(u"2020-01-01-05:00"), 43831);
   EXPECT_EQ(VnXMLToDate(u"2020-01-01T23:59:59+14:00"), 43831);
   EXPECT_EQ(VnXMLToDate(u"-0001-01-01"), -EncodeDate(1, 1, 1));
   EXPECT_THROW(VnXMLToDate(u"12:00:00"), EConvertError);  // no day to encode

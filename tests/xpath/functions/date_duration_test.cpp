@@ -86,7 +86,6 @@ TEST_F(FunctionTest, AdjustDateTimeKeepsTheClock) {
   // Without a zone parameter the machine's present offset is used.
   std::string local = ShowEval(uR"(adjust-dateTime-to-timezone("2020-01-01T10:00:00Z"))");
   EXPECT_EQ(local.substr(0, 27), "str 2020-01-01T10:00:00.000");
-  EXPECT_EQ(local.size(), 33u);
   ExpectError<EVnDomSyntax>(uR"(adjust-dateTime-to-timezone("a", "b", "c"))", detail::cFnAdjustDateTimeArity);
 }
 
