@@ -2,6 +2,7 @@
 // loaded text that must give what decoding and encoding again would.
 #include <gtest/gtest.h>
 
+#include "json/json_roundtrip_oracle.h"
 #include "support/files.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
@@ -10,11 +11,7 @@
 namespace vn {
 namespace {
 
-std::string Saved(TVnJSONDocument& ADoc, bool AFormatted, Word ACodePage, bool ABOM) {
-  TVnMemoryStream stream;
-  ADoc.SaveToStream(stream, AFormatted, ACodePage, ABOM);
-  return std::string(static_cast<const char*>(stream.GetMemory()), static_cast<size_t>(stream.GetSize()));
-}
+using testing_support::SaveJSON;
 
 TEST(JsonWriter, CompactAndFormattedShapes) {
   struct Case {
@@ -67,7 +64,7 @@ TEST(JsonWriter, LoadedTextGoesThroughDecodeThenEncode) {
     TVnJSONDocument fromStream(bytes, cVnCodePageUTF8);
     EXPECT_EQ(fromStream.GetAsJSON(), c.Saved);
     // UTF-8 output writes loaded UTF-8 strings straight from their bytes
-    EXPECT_EQ(Saved(fromStream, false, cVnCodePageUTF8, false), UnicodeToUtf8(c.Saved));
+    EXPECT_EQ(SaveJSON(fromStream, false, cVnCodePageUTF8, false), UnicodeToUtf8(c.Saved));
   }
 }
 
@@ -86,15 +83,15 @@ TEST(JsonWriter, ValuesSetByCallers) {
 TEST(JsonWriter, CodePagesAndMarks) {
   TVnJSONDocument doc(u"{\"k\":\"\u00e9\u20ac\"}");
   const std::string text = "{\"k\": \"\xC3\xA9\\u20AC\"}";
-  EXPECT_EQ(Saved(doc, false, cVnCodePageUTF8, false), text);
-  EXPECT_EQ(Saved(doc, false, cVnCodePageUTF8, true), "\xEF\xBB\xBF" + text);
-  std::string wide = Saved(doc, false, cVnCodePageUTF16LE, true);
+  EXPECT_EQ(SaveJSON(doc, false, cVnCodePageUTF8, false), text);
+  EXPECT_EQ(SaveJSON(doc, false, cVnCodePageUTF8, true), "\xEF\xBB\xBF" + text);
+  std::string wide = SaveJSON(doc, false, cVnCodePageUTF16LE, true);
   ASSERT_EQ(wide.size(), 2 + 2 * 16u);
   EXPECT_EQ(wide.substr(0, 4), std::string("\xFF\xFE{\0", 4));
-  EXPECT_EQ(Saved(doc, false, cVnCodePageUTF16LE, false), wide.substr(2));
+  EXPECT_EQ(SaveJSON(doc, false, cVnCodePageUTF16LE, false), wide.substr(2));
   // any other code page: the text's bytes there, never a mark
-  EXPECT_EQ(Saved(doc, false, 28591, true), "{\"k\": \"\xE9\\u20AC\"}");
-  EXPECT_EQ(Saved(doc, true, 1252, false), "{ \r\n  \"k\": \"\xE9\\u20AC\"\r\n}");
+  EXPECT_EQ(SaveJSON(doc, false, 28591, true), "{\"k\": \"\xE9\\u20AC\"}");
+  EXPECT_EQ(SaveJSON(doc, true, 1252, false), "{ \r\n  \"k\": \"\xE9\\u20AC\"\r\n}");
 }
 
 TEST(JsonWriter, SaveToFileWritesUtf8WithMark) {
