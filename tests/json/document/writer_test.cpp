@@ -23,16 +23,11 @@ TEST(JsonWriter, CompactAndFormattedShapes) {
       {u"{\"a\":1,\"b\":[1,2],\"c\":{\"d\":true}}", u"{\"a\": 1, \"b\": [1, 2], \"c\": {\"d\": true}}",
        u"{ \r\n  \"a\": 1, \"b\": [\r\n    1, 2\r\n  ], \"c\": { \r\n    \"d\": true\r\n  }\r\n}"},
       {u"{}", u"{}", u"{ \r\n\r\n}"}, {u"[]", u"[]", u"[\r\n\r\n]"},
-      {u"[[],{}]", u"[[], {}]", u"[\r\n  [\r\n\r\n  ], { \r\n\r\n  }\r\n]"},
-      {u"{\"n\":1.50,\"e\":-0.0e+01,\"t\":true,\"z\":null}", u"{\"n\": 1.50, \"e\": -0.0e+01, \"t\": true, \"z\": null}",
-       nullptr},
   };
   for (const Case& c : cases) {
     TVnJSONDocument doc(c.Input);
     EXPECT_EQ(doc.GetAsJSON(), c.Compact);
-    if (c.Formatted) {
-      EXPECT_EQ(doc.GetFormattedJSON(), c.Formatted);
-    }
+    EXPECT_EQ(doc.GetFormattedJSON(), c.Formatted);
   }
 }
 
@@ -44,17 +39,12 @@ TEST(JsonWriter, LoadedTextGoesThroughDecodeThenEncode) {
     const char16_t* Saved;
   };
   const Case cases[] = {
-      {R"(["plain text"])", uR"(["plain text"])"}, {R"(["a/b","a\/b"])", uR"(["a\/b", "a\/b"])"},
-      {R"(["\"\\\b\f\n\r\t"])", uR"(["\"\\\b\f\n\r\t"])"},
-      {R"(["\u00e9\u20ac"])", u"[\"\u00e9\\u20AC\"]"}, {"[\"\xC3\xA9\xE2\x82\xAC\"]", u"[\"\u00e9\\u20AC\"]"},
-      {"[\"\xF0\x9F\x98\x80\"]", uR"(["\uD83D\uDE00"])"}, {"[\"\x01x\x1f\"]", u"[\"x\x1f\"]"},
+      {R"(["plain text"])", uR"(["plain text"])"},
       // \u escapes of every kind of unit, in either case of hexadecimal digits
       {R"(["\u0041\u00E9\u0001\u002f\u005c\u0022\u000a\u000B\ud83d\ude00\uDC00"])",
        u"[\"A\u00e9\\/\\\\\\\"\\n\u000b\\uD83D\\uDE00\\uDC00\"]"},
-      {R"(["100%"])", uR"(["100%"])"},
       // names stay raw, so their escapes are encoded again
       {R"({"a\tb":1,"c/d":2,"\u00e9":3})", uR"({"a\\tb": 1, "c\/d": 2, "\\u00e9": 3})"},
-      {"{\"\xC3\xA9\xE2\x82\xAC\":1}", u"{\"\u00e9\\u20AC\": 1}"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.Input);
