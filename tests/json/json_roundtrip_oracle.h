@@ -15,9 +15,9 @@
 
 namespace vn::testing_support {
 
-inline std::string SaveJSON(TVnJSONDocument& ADoc, bool AFormatted, Word ACodePage) {
+inline std::string SaveJSON(TVnJSONDocument& ADoc, bool AFormatted, Word ACodePage, bool ABOM = false) {
   TVnMemoryStream stream;
-  ADoc.SaveToStream(stream, AFormatted, ACodePage, false);
+  ADoc.SaveToStream(stream, AFormatted, ACodePage, ABOM);
   return std::string(static_cast<const char*>(stream.GetMemory()), static_cast<size_t>(stream.GetSize()));
 }
 

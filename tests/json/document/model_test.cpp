@@ -122,7 +122,6 @@ TEST(JsonModel, SimpleValuesReadAndWrite) {
     const char16_t* String;  // GetAsString
   };
   const Case cases[] = {
-      {[](TVnJSONBase& n) { n.SetAsDouble(0.25); }, u"0.25", u"0.25"},
       {[](TVnJSONBase& n) { n.SetAsInteger(-3); }, u"-3", u"-3"},
       {[](TVnJSONBase& n) { n.SetAsLargeInt(1LL << 40); }, u"1099511627776", u"1099511627776"},
       {[](TVnJSONBase& n) { n.SetAsBoolean(true); }, u"true", u"true"},

@@ -34,30 +34,14 @@ TEST(JsonPathFilter, ComparesAsIntegersFloatsBooleansOrTexts) {
       {u"?(@.p<10)", "abc"},
       {u"?(@.p >= 5)", "abc ABC"},
       {u"?(@.p>12.4)", "ABC"},
-      {u"?(@.p>$[0].p)", "ABC"},
       // texts: quoted or not, a quote on one side makes both texts
-      {u"?(@.n=='abc')", "abc"},
-      {u"?(@.n==abc)", "abc"},
-      {u"?(@.p=='5')", "abc"},
       {u"?(@.n=='abc')", "abc ABC", true},
-      {u"?(@.n!=abc)", "ABC x y"},
       {u"?(@.n<>abc)", "ABC x y"},
-      {u"?(@.n>'B')", "abc x y"},
       {u"?(@.n>'B')", "x y", true},
       // booleans, existence, negation
       {u"?(@.ok==true)", "abc"},
-      {u"?(@.ok==FALSE)", "ABC"},
-      {u"?(@.ok)", "abc ABC"},
-      {u"?(!@.ok)", "x y"},
-      {u"?(!!@.ok)", "abc ABC"},
       {u"?(!(@.n==abc) && @.p)", "ABC x"},
       {u"?(@.n==$[?(@.p==12.5)].n)", "ABC"},
-      // no precedence: a term joins the whole rest of its chain
-      {u"?(@.n==abc || @.n==y && @.n==y)", "y"},
-      {u"?((@.n==abc || @.n==y) && @.p)", "abc"},
-      // a comparison that can't be made is false for the whole filter, once it is reached
-      {u"?(@.p<10 || @.n==y)", "abc"},
-      {u"?(@.n==y || @.p<10)", "abc y"},
       {u"?(@.n==)", ""},
   };
   for (const Case& c : cases) {

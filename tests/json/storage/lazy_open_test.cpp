@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "json/json_roundtrip_oracle.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/json_document.h"
@@ -22,12 +23,6 @@ void OpenAll(TVnJSONBase* ANode) {
     work.pop_back();
     for (Integer i = 0; i < n->ChildCount(); ++i) work.push_back(n->Child(i));
   }
-}
-
-std::string Save(TVnJSONDocument& ADoc, bool AFormatted, Word ACodePage) {
-  TVnMemoryStream out;
-  ADoc.SaveToStream(out, AFormatted, ACodePage, false);
-  return std::string(static_cast<const char*>(out.GetMemory()), static_cast<size_t>(out.GetSize()));
 }
 
 void LoadBytes(TVnJSONDocument& ADoc, const std::string& AText, Word ACodePage) {
@@ -79,9 +74,9 @@ TEST(JsonStorage, OutputIsTheSameWhateverWasOpened) {
       half.GetRootValue()->Child(0);
       for (bool formatted : {false, true})
         for (Word out : {cVnCodePageUTF8, cVnCodePageUTF16LE, Word{1252}}) {
-          const std::string expected = Save(open, formatted, out);
-          EXPECT_EQ(Save(lazy, formatted, out), expected) << formatted << " " << out;
-          EXPECT_EQ(Save(half, formatted, out), expected) << formatted << " " << out;
+          const std::string expected = testing_support::SaveJSON(open, formatted, out);
+          EXPECT_EQ(testing_support::SaveJSON(lazy, formatted, out), expected) << formatted << " " << out;
+          EXPECT_EQ(testing_support::SaveJSON(half, formatted, out), expected) << formatted << " " << out;
         }
       EXPECT_EQ(lazy.GetRootValue()->GetAsJSON(), open.GetRootValue()->GetAsJSON());
     }
@@ -131,7 +126,7 @@ TEST(JsonStorage, TextOutgrowingTheStreamsSizeStillLoads) {
   doc.LoadFromStream(in, cVnCodePageUTF8, false);
   ASSERT_NE(doc.GetRootValue(), nullptr);
   EXPECT_EQ(doc.GetRootValue()->ChildCount(), 2000);
-  EXPECT_EQ(Utf8ToUnicode(Save(doc, false, cVnCodePageUTF8)), VnFormatJSON(Utf8ToUnicode(text)));
+  EXPECT_EQ(Utf8ToUnicode(testing_support::SaveJSON(doc, false, cVnCodePageUTF8)), VnFormatJSON(Utf8ToUnicode(text)));
   EXPECT_EQ(doc.GetRootValue()->Item(1999)->GetAsString(), std::u16string(40, u'a' + 1999 % 26));
 }
 
@@ -145,7 +140,7 @@ TEST(JsonStorage, MillionDeepTreeOpenedLevelByLevelSavesAndFrees) {
   TVnJSONBase* n = doc.GetRootValue();
   for (size_t i = 1; i < kDepth; ++i) n = n->Child(0);
   EXPECT_EQ(n->Child(0)->GetAsInteger(), 1);
-  EXPECT_EQ(Save(doc, false, cVnCodePageUTF8), text);
+  EXPECT_EQ(testing_support::SaveJSON(doc, false, cVnCodePageUTF8), text);
 }
 
 }  // namespace

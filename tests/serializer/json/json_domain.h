@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/message_of.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/string_list.h"
@@ -18,6 +19,7 @@
 namespace jsondomain {
 
 using namespace vn;
+using test::MessageOf;
 
 enum TTone : uint8_t { toLow, toMid, toHigh };
 VN_REGISTER_TYPE(TTone, u"uJSONTest") { b.Values({u"toLow", u"toMid", u"toHigh"}); }
@@ -80,95 +82,35 @@ class TShapes : public TObject {
     delete Data;
     delete Doc;
   }
-  Byte B = 0;
-  Word W = 0;
-  LongWord LW = 0;
-  UInt64 U64 = 0;
-  ShortInt SI = 0;
-  SmallInt SM = 0;
-  Integer I = 0;
-  Int64 I64 = 0;
-  Single F32 = 0;
-  Double F64 = 0;
-  Extended F80 = 0;
-  Char C = u'a';
-  UnicodeString S;
-  Boolean Flag = false;
-  TTone Tone = toLow;
-  TShade Shade = shLight;
-  TTones Tones;
-  TDate Day = 0;
-  TTime Clock = 0;
-  TDateTime Stamp = 0;
-  Variant V;
-  std::vector<Integer> Ints;
-  std::array<Integer, 3> Fixed{};
-  std::vector<UnicodeString> Words;
-  std::vector<TTone> ToneList;
-  TPoint Point;
-  std::vector<TPoint> Points;
-  TPet* Pet = nullptr;
-  TPet* Spare = nullptr;
-  std::vector<TPet*> Pets;
-  TStringList* Notes;
-  TMemoryStream* Data;
-  TValue Any;
-  VnJSONString Raw;
-  TVnJSONDocument* Doc = nullptr;
+  // clang-format off
+  Byte B = 0; Word W = 0; LongWord LW = 0; UInt64 U64 = 0; ShortInt SI = 0; SmallInt SM = 0; Integer I = 0;
+  Int64 I64 = 0; Single F32 = 0; Double F64 = 0; Extended F80 = 0; Char C = u'a'; UnicodeString S;
+  Boolean Flag = false; TTone Tone = toLow; TShade Shade = shLight; TTones Tones;
+  TDate Day = 0; TTime Clock = 0; TDateTime Stamp = 0; Variant V;
+  std::vector<Integer> Ints; std::array<Integer, 3> Fixed{}; std::vector<UnicodeString> Words;
+  std::vector<TTone> ToneList; TPoint Point; std::vector<TPoint> Points;
+  TPet* Pet = nullptr; TPet* Spare = nullptr; std::vector<TPet*> Pets; TStringList* Notes; TMemoryStream* Data;
+  TValue Any; VnJSONString Raw; TVnJSONDocument* Doc = nullptr;
+  // clang-format on
   Integer GetProp() const { return FProp; }
   void SetProp(Integer AValue) { FProp = AValue; }
   Integer FProp = 0;
 };
 VN_REGISTER_TYPE(TShapes, u"uJSONTest") {
   b.Published(u"Prop", &TShapes::GetProp, &TShapes::SetProp)
-      .Public(u"B", &TShapes::B)
-      .Public(u"W", &TShapes::W)
-      .Public(u"LW", &TShapes::LW)
-      .Public(u"U64", &TShapes::U64)
-      .Public(u"SI", &TShapes::SI)
-      .Public(u"SM", &TShapes::SM)
-      .Public(u"I", &TShapes::I)
-      .Public(u"I64", &TShapes::I64)
-      .Public(u"F32", &TShapes::F32)
-      .Public(u"F64", &TShapes::F64)
-      .Public(u"F80", &TShapes::F80)
-      .Public(u"C", &TShapes::C)
-      .Public(u"S", &TShapes::S)
-      .Public(u"Flag", &TShapes::Flag)
-      .Public(u"Tone", &TShapes::Tone)
-      .Public(u"Shade", &TShapes::Shade)
-      .Public(u"Tones", &TShapes::Tones)
-      .Public(u"Day", &TShapes::Day)
-      .OfType(u"TDate")
-      .Public(u"Clock", &TShapes::Clock)
-      .OfType(u"TTime")
-      .Public(u"Stamp", &TShapes::Stamp)
-      .OfType(u"TDateTime")
-      .Public(u"V", &TShapes::V)
-      .Public(u"Ints", &TShapes::Ints)
-      .Public(u"Fixed", &TShapes::Fixed)
-      .Public(u"Words", &TShapes::Words)
-      .Public(u"ToneList", &TShapes::ToneList)
-      .Public(u"Point", &TShapes::Point)
-      .Public(u"Points", &TShapes::Points)
-      .Public(u"Pet", &TShapes::Pet)
-      .Public(u"Spare", &TShapes::Spare)
-      .Public(u"Pets", &TShapes::Pets)
-      .Public(u"Notes", &TShapes::Notes)
-      .Public(u"Data", &TShapes::Data)
-      .Public(u"Any", &TShapes::Any)
-      .Public(u"Raw", &TShapes::Raw)
-      .Public(u"Doc", &TShapes::Doc);
-}
-
-/// The message of what ACall raises, or "<no exception>".
-inline UnicodeString MessageOf(auto ACall) {
-  try {
-    ACall();
-  } catch (const Exception& e) {
-    return e.Message();
-  }
-  return u"<no exception>";
+      .Public(u"B", &TShapes::B).Public(u"W", &TShapes::W).Public(u"LW", &TShapes::LW).Public(u"U64", &TShapes::U64)
+      .Public(u"SI", &TShapes::SI).Public(u"SM", &TShapes::SM).Public(u"I", &TShapes::I).Public(u"I64", &TShapes::I64)
+      .Public(u"F32", &TShapes::F32).Public(u"F64", &TShapes::F64).Public(u"F80", &TShapes::F80)
+      .Public(u"C", &TShapes::C).Public(u"S", &TShapes::S).Public(u"Flag", &TShapes::Flag)
+      .Public(u"Tone", &TShapes::Tone).Public(u"Shade", &TShapes::Shade).Public(u"Tones", &TShapes::Tones)
+      .Public(u"Day", &TShapes::Day).OfType(u"TDate")
+      .Public(u"Clock", &TShapes::Clock).OfType(u"TTime")
+      .Public(u"Stamp", &TShapes::Stamp).OfType(u"TDateTime")
+      .Public(u"V", &TShapes::V).Public(u"Ints", &TShapes::Ints).Public(u"Fixed", &TShapes::Fixed)
+      .Public(u"Words", &TShapes::Words).Public(u"ToneList", &TShapes::ToneList).Public(u"Point", &TShapes::Point)
+      .Public(u"Points", &TShapes::Points).Public(u"Pet", &TShapes::Pet).Public(u"Spare", &TShapes::Spare)
+      .Public(u"Pets", &TShapes::Pets).Public(u"Notes", &TShapes::Notes).Public(u"Data", &TShapes::Data)
+      .Public(u"Any", &TShapes::Any).Public(u"Raw", &TShapes::Raw).Public(u"Doc", &TShapes::Doc);
 }
 
 inline std::string ToJSON(TShapes& AObject) { return VnSerialize(dsfJSON, &AObject); }

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "common/message_of.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/xs_types.h"
 
@@ -11,15 +12,7 @@ namespace {
 
 using namespace vn;
 
-template <class F>
-UnicodeString MessageOf(F ACall) {
-  try {
-    ACall();
-  } catch (const Exception& e) {
-    return e.Message();
-  }
-  return u"(no exception)";
-}
+using test::MessageOf;
 
 TEST(XsRecords, UnassignedAndClearedRecordsAreNull) {
   TXsInteger<Integer> i;
@@ -96,7 +89,7 @@ TEST(XsRecords, IntegerFacetsInOrder) {
       x.Restrictions.*c.F = c.Bound;
     else
       x.Restrictions.Pattern = u"^[0-9]{2}$";
-    EXPECT_EQ(MessageOf([&] { x = c.Value; }), c.Message ? c.Message : u"(no exception)") << c.Value;
+    EXPECT_EQ(MessageOf([&] { x = c.Value; }), c.Message ? c.Message : u"(nothing raised)") << c.Value;
   }
   // Unsigned kinds compare unsigned: 2^63 is above 10, not below 1.
   TXsInteger<UInt64> big;
@@ -162,7 +155,7 @@ TEST(XsRecords, RationalFacetsAndText) {
     TXsRational<Double> r;
     if (c.Total >= 0) r.Restrictions.TotalDigits = Byte(c.Total);
     if (c.Fraction >= 0) r.Restrictions.FractionDigits = Byte(c.Fraction);
-    EXPECT_EQ(MessageOf([&] { r = c.Value; }), c.Message ? c.Message : u"(no exception)") << c.Value;
+    EXPECT_EQ(MessageOf([&] { r = c.Value; }), c.Message ? c.Message : u"(nothing raised)") << c.Value;
   }
   TXsRational<Double> bounded;
   bounded.Restrictions.MinExclusive = 0.0;
