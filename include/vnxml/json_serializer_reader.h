@@ -17,7 +17,8 @@
 // number; a simple member takes a string, number, boolean or null. Any other shape raises
 // EVnSerializeException cVnJSONShapeMismatch with the path of the member. Unknown members raise
 // the builder's message unless their name is reserved (className, parent, owner, type); a null
-// for a Variant member reads as Null, for a string member as empty. Every failure of the builder
+// for a Variant member reads as Null, for a string member as empty, for a floating-point member
+// as NaN (the writer gives null for an infinity or NaN). Every failure of the builder
 // or a conversion during a read comes out as EVnSerializeException with the path in front of
 // its own message (cVnJSONFailureAtPrefix, the path in quotes, a line end, the message); the
 // reader's own failures (text that is not JSON, text cut short) pass through as they are. Objects created for nil members are freed and unlinked again

@@ -1,5 +1,6 @@
 // TVnJSONDeserializer: the reader's events to the builder, the value conversions, and the look
 // ahead for the class name of a nil member.
+#include <limits>
 #include <memory>
 
 #include "serializer/short_decimal.h"
@@ -517,7 +518,11 @@ Int64 TVnJSONDeserializer::ValueToInt64(std::u16string_view AValue) {
   Int64 value = 0;
   return detail::ShortDecimal(AValue, value) ? value : VnXMLToInt64(AValue);
 }
-Extended TVnJSONDeserializer::ValueToFloat(std::u16string_view AValue) { return VnXMLToDouble(AValue); }
+Extended TVnJSONDeserializer::ValueToFloat(std::u16string_view AValue) {
+  // The writer gives null for an infinity or NaN, which JSON has no number for.
+  if (FNullValue) return std::numeric_limits<Extended>::quiet_NaN();
+  return VnXMLToDouble(AValue);
+}
 UnicodeString TVnJSONDeserializer::ValueToStr(std::u16string_view AValue) {
   // A null for a string member is the empty string, not the text "null".
   if (FNullValue) return {};

@@ -1,5 +1,6 @@
 // TVnXMLDeserializer: the SAX events of one deserializer's part of the text, and the value
 // conversions of XML.
+#include <cstring>
 #include <memory>
 
 #include "serializer/member_plan.h"
@@ -9,6 +10,7 @@
 #include "vnxml/common/text_parser.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/sax_reader.h"
+#include "vnxml/serializer_enums.h"
 #include "vnxml/xml_escape.h"
 #include "vnxml/xml_reflected_values.h"
 #include "vnxml/xml_serializer.h"
@@ -397,7 +399,23 @@ Variant TVnXMLDeserializer::ValueToVar(std::u16string_view AValue, std::u16strin
   return VnXMLToVariant(AValue, ADataType);
 }
 TValue TVnXMLDeserializer::ValueToVal(std::u16string_view AValue, std::u16string_view ADataType) {
-  return VnXMLToValue(AValue, ADataType);
+  // The writer drops the prefix that a type's hint names from enumeration and set names, so a
+  // boxed value of such a type is read with it put back, as a member of that type is.
+  const TVnTypeInfo* info = TVnTypes::GetTypeInfo(ADataType, tntQualifiedName, false, mtkUnknown);
+  const TVnTypeKind kind = info ? info->Kind() : vtkUnknown;
+  const UnicodeString prefix = kind == vtkEnumeration || kind == vtkSet ? VnEnumPrefix(info->Handle()) : UnicodeString();
+  if (prefix.empty()) return VnXMLToValue(AValue, ADataType);
+  const TTypeInfo* type = info->Handle();
+  if (kind == vtkEnumeration) {
+    const Int64 ordinal = VnEnumOrdinal(type, AValue, prefix);
+    if (ordinal < 0) throw Exception(cVnXMLToValueFailed, {AValue, info->Name()});
+    return TValue::FromOrdinal(type, ordinal);
+  }
+  UInt64 bits = 0;
+  if (!VnSetBits(type, AValue, prefix, bits)) throw Exception(cVnXMLToValueFailed, {AValue, info->Name()});
+  TValue value = TValue::Make(nullptr, type);
+  std::memcpy(value.GetReferenceToRawData(), &bits, type->Ops->Size < sizeof bits ? type->Ops->Size : sizeof bits);
+  return value;
 }
 
 }  // namespace vn

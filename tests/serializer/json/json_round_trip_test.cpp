@@ -5,6 +5,7 @@
 
 #include <cfloat>
 #include <climits>
+#include <limits>
 #include <functional>
 
 #include "json_domain.h"
@@ -36,6 +37,7 @@ const Shape kShapes[] = {
     {"single", [](TShapes& o) { o.F32 = 0.1f; }, R"("f32":0.1)"},
     {"double", [](TShapes& o) { o.F64 = -1e-300; }, R"("f64":-1E-300)"},
     {"extended", [](TShapes& o) { o.F80 = 3.14159265358979323846L; }, R"("f80":3.14159265358979)"},
+    {"NaN, which has no JSON number", [](TShapes& o) { o.F64 = std::numeric_limits<Double>::quiet_NaN(); }, R"("f64":null)"},
     {"char", [](TShapes& o) { o.C = u'\u00e9'; }, "\"c\":\"\xc3\xa9\""},
     {"string escapes", [](TShapes& o) { o.S = u"\"\\/\b\f\n\r\t"; }, R"("s":"\"\\\/\b\f\n\r\t")"},
     {"string beyond Latin-1", [](TShapes& o) { o.S = u"\u20ac\U0001F600"; }, R"("s":"\u20AC\uD83D\uDE00")"},

@@ -56,6 +56,9 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
   const std::unique_ptr<TAddress> owned(home);
   const std::pair<const char*, TValue> cases[] = {
       {"enumeration", TValue::From(kStaff)},
+      // Names written without the prefix their type's hint names.
+      {"enumeration of a prefixed type", TValue::From(clBlue)},
+      {"set of a prefixed type", TValue::From(TColors{clRed, clBlue})},
       {"record", TValue::From(TPoint{1, 2, u"a<b"})},
       {"array", TValue::From(std::vector<Integer>{3, 4})},
       {"object", TValue::FromObject(home)},
