@@ -138,6 +138,8 @@ bool HoldsDroppedChars(const TFzNode& ANode) {
     if (n->Next) todo.push_back(n->Next);
     for (const TFzNode* k : n->Kids)
       if (k) todo.push_back(k);
+    for (const TFzNode* k : *n->Bag)
+      if (k) todo.push_back(k);
   }
   return false;
 }
