@@ -11,6 +11,8 @@
 // in the created-objects list. When the read succeeds they belong to the host's members (or to
 // a list the caller passed). When it fails, every member that received one is reset to nil and
 // the objects are freed: a failed read never leaves the host linked to freed or half-read objects.
+// A dynamic array of objects read again over a longer one is shortened only over nil slots: the
+// objects beyond its new length stay in it, so none is dropped unfreed.
 #pragma once
 
 #include <memory>
@@ -128,6 +130,8 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   bool IsArraySerializer(TVnTypeKind* AKind = nullptr) const;
   /// Makes the next element current in an array deserializer; the address of its value, or nil.
   void* InitializeArrayElement(std::u16string_view AURI, std::u16string_view AName);
+  /// Whether a dynamic array of objects holds one at AIndex or beyond (kept when read again).
+  bool HoldsObjectsFrom(Int64 AIndex) const;
   /// A child of the class the registry gives for AType, with its helper (from AHint, or the
   /// registered one of a class), this deserializer as parent, and its start run. The child lives
   /// as long as this deserializer or until the next child.

@@ -286,6 +286,17 @@ bool TVnDeserializer::IsArraySerializer(TVnTypeKind* AKind) const {
   return true;
 }
 
+// An array of objects read again over a longer one keeps the objects beyond its new length: they
+// belong to the graph, and dropping their slots would lose them unfreed.
+bool TVnDeserializer::HoldsObjectsFrom(Int64 AIndex) const {
+  const TTypeInfo* arrayType = FInstanceTypeInfo->Handle();
+  if (FInstanceTypeInfo->ElementType()->Handle()->Kind != tkClass) return false;
+  const Int64 size = DynArraySize(FInstancePtr, arrayType);
+  for (Int64 i = AIndex; i < size; ++i)
+    if (*static_cast<TObject* const*>(arrayType->Ops->Element(FInstancePtr, static_cast<size_t>(i)))) return true;
+  return false;
+}
+
 void* TVnDeserializer::InitializeArrayElement(std::u16string_view, std::u16string_view AName) {
   if (!IsArraySerializer()) return nullptr;
   ReleaseChild();
@@ -296,7 +307,7 @@ void* TVnDeserializer::InitializeArrayElement(std::u16string_view, std::u16strin
   FMemberProp = nullptr;
   FMemberTypeInfo = element;
   if (arrayType->Kind == tkDynArray) {
-    DynArraySetLength(FInstancePtr, arrayType, FArrIdx + 1);
+    if (!HoldsObjectsFrom(FArrIdx + 1)) DynArraySetLength(FInstancePtr, arrayType, FArrIdx + 1);
   } else if (FArrIdx >= DynArraySize(FInstancePtr, arrayType)) {
     throw EVnSerializeException(cVnArrayFull, {GetPath(), IntToStr(static_cast<Int64>(FArrIdx))});
   }

@@ -135,6 +135,11 @@ TEST(XMLReader, CreatedObjectsGoToTheListAndTheMembers) {
   VnDeserialize(dsfXML, TValue::FromObject(&all), VnSerialize(dsfXML, &original), &created);
   EXPECT_EQ(created.GetCount(), 4);  // Home, Other, and the two places
   EXPECT_EQ(created.IndexOf(all.Home), 0);
+  // An array read again, shorter, keeps the objects beyond it: none is dropped unfreed.
+  TAll twice;
+  VnDeserialize(dsfXML, TValue::FromObject(&twice),
+                "<object><Places><TAddress/><TAddress/></Places><Places><TAddress/></Places></object>");
+  EXPECT_EQ(twice.Places.size(), 2u);
 }
 
 TEST(XMLReader, CreateFromTheClassTheTextNames) {
