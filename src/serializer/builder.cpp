@@ -1,5 +1,6 @@
 // TVnDeserializer: construction, ownership of created objects, the entry points, and the
 // choice of what receives the events. Member lookup and values: builder_members.cpp.
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -128,6 +129,15 @@ void TVnDeserializer::RecordLink(void* AInstance, TRttiField* AField, TRttiPrope
 }
 
 size_t TVnDeserializer::CreatedCount() { return Root()->FCreated.size(); }
+
+void TVnDeserializer::FreeIfCreated(TObject* AObject) noexcept {
+  TVnDeserializer* root = Root();
+  const auto it = std::find(root->FCreated.begin(), root->FCreated.end(), AObject);
+  if (!AObject || it == root->FCreated.end()) return;
+  root->FCreated.erase(it);
+  if (root->FCreatedObjs) root->FCreatedObjs->Extract(AObject);
+  delete AObject;
+}
 
 void TVnDeserializer::RollBack() noexcept {
   // Unlink first, newest first, while every object is still alive; then free.

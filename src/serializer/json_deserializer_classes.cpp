@@ -213,6 +213,8 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
       if (!CallerListsCreated() || !parent || !parent->GetInstanceTypeInfo() ||
           parent->GetInstanceTypeInfo()->GetKind() != tkClass || (!parent->GetMemberField() && !parent->GetMemberProp()))
         break;
+      // A member given twice keeps the later object; the one this read made before goes.
+      if (target->IsObject()) FreeIfCreated(target->AsObject());
       const TVnTypeInfo* made = type;
       TObject* object = TVnDeserializer::CreateInstance(made);
       *target = TValue::FromObject(object);

@@ -102,6 +102,8 @@ void TVnXMLValueDeserializer::ReadComplex(const TVnTypeInfo* AType) {
       if (!CallerListsCreated() || !parent || !parent->GetInstanceTypeInfo() ||
           parent->GetInstanceTypeInfo()->GetKind() != tkClass || (!parent->GetMemberField() && !parent->GetMemberProp()))
         break;
+      // A member given twice keeps the later object; the one this read made before goes.
+      if (target.IsObject()) FreeIfCreated(target.AsObject());
       const TVnTypeInfo* type = AType;
       TObject* made = TVnDeserializer::CreateInstance(type);
       target = TValue::FromObject(made);

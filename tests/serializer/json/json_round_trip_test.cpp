@@ -130,6 +130,14 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   EXPECT_TRUE(static_cast<TCat*>(listed.Any.AsObject())->Purrs);
   EXPECT_EQ(listed.Doc->GetAsJSON(), u"{\"className\": \"x\"}");
   created.Extract(listed.Doc);
+  // Given twice, the member keeps the later object; the earlier one is freed and unlisted.
+  TShapes twice;
+  TObjectList madeTwice(true);
+  VnDeserialize(dsfJSON, TValue::FromObject(&twice),
+                R"({"any":{"className":"TCat","name":"Tom"},"any":{"className":"TCat","name":"Kit"}})", &madeTwice);
+  ASSERT_EQ(madeTwice.GetCount(), 1);
+  EXPECT_EQ(twice.Any.AsObject(), madeTwice.GetItem(0));
+  EXPECT_EQ(static_cast<TCat*>(twice.Any.AsObject())->Name, u"Kit");
   // A failed read frees the object again and empties the value.
   TShapes failed;
   TObjectList none(false);

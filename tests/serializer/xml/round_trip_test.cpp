@@ -73,6 +73,18 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
     VnDeserialize(dsfXML, TValue::FromObject(&copy), text, &created);
     EXPECT_EQ(VnSerialize(dsfXML, &copy), text);
     EXPECT_EQ(created.GetCount(), value.IsObject() ? 1 : 0);
+    if (value.IsObject()) {
+      // Given twice, the member keeps the later object; the earlier one is freed and unlisted.
+      const size_t from = text.find("<Boxed"), to = text.find("</Boxed>") + 8;
+      TVnSerializedData twice = text;
+      twice.insert(to, text.substr(from, to - from));
+      twice.replace(twice.find("Rome"), 4, "Oslo");
+      TObjectList madeTwice(true);
+      TAll copyTwice;
+      VnDeserialize(dsfXML, TValue::FromObject(&copyTwice), twice, &madeTwice);
+      ASSERT_EQ(madeTwice.GetCount(), 1);
+      EXPECT_EQ(static_cast<TAddress*>(copyTwice.Boxed.AsObject())->City, u"Rome");
+    }
     // Without the caller's list no object is made for it, and the value stays empty.
     TAll unlisted;
     VnDeserialize(dsfXML, TValue::FromObject(&unlisted), text);
