@@ -2,13 +2,12 @@
 // read either succeeds or fails with the library's own exception; a failed read leaves no
 // created object linked to the target (and, under the sanitizers, none leaked). Every object
 // created is of a class the target's members allow; the TValue member takes any class its text
-// names, and the caller frees that one. What reads must survive its own output: the text
+// names, and the tree holding it frees it. What reads must survive its own output: the text
 // written from it reads again and writes the same text.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -62,6 +61,7 @@ class TTree : public TObject {
     for (TLeaf* leaf : Leaves) delete leaf;
     delete Notes;
     delete Bag;
+    if (Boxed.IsObject()) delete Boxed.AsObject();
   }
   /// An owning object list, read-only: its elements are made by the container helper.
   generics::TObjectList<TLeaf>* GetBag() const { return Bag; }
@@ -93,15 +93,20 @@ VN_REGISTER_TYPE(TTree, u"uFuzz") {
       .Published(u"Bag", &TTree::GetBag);
 }
 
-/// The object a TValue member took: the caller's to free, of any class its text names.
-std::unique_ptr<TObject> BoxedObject(const TTree& ATree) {
-  return std::unique_ptr<TObject>(ATree.Boxed.IsObject() ? ATree.Boxed.AsObject() : nullptr);
+/// The objects the TValue members of the chain took: each tree frees its own, of any class its
+/// text names.
+std::vector<const TObject*> BoxedObjects(const TTree& ATree) {
+  std::vector<const TObject*> boxed;
+  for (const TTree* t = &ATree; t; t = t->Next)
+    if (t->Boxed.IsObject()) boxed.push_back(t->Boxed.AsObject());
+  return boxed;
 }
 
 /// The created objects are all of classes the tree's members can hold.
-void CheckCreated(const TObjectList& ACreated, const TObject* ABoxed) {
+void CheckCreated(const TObjectList& ACreated, const TTree& ATree) {
+  const std::vector<const TObject*> boxed = BoxedObjects(ATree);
   for (TObject* object : ACreated) {
-    if (object != ABoxed && !object->Is<TLeaf>() && !object->Is<TTree>()) {
+    if (std::find(boxed.begin(), boxed.end(), object) == boxed.end() && !object->Is<TLeaf>() && !object->Is<TTree>()) {
       std::fprintf(stderr, "created an object of class %s\n", UnicodeToUtf8(object->ClassName()).c_str());
       std::abort();
     }
@@ -126,13 +131,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* AData, size_t ASize) {
     }
     return 0;
   }
-  const std::unique_ptr<TObject> boxed = BoxedObject(tree);
-  CheckCreated(created, boxed.get());
+  CheckCreated(created, tree);
   const TVnSerializedData first = VnSerialize(dsfXML, &tree);
   TTree again;
   TObjectList createdAgain(false);
   VnDeserialize(dsfXML, TValue::FromObject(&again), first, &createdAgain);
-  const std::unique_ptr<TObject> boxedAgain = BoxedObject(again);
   const TVnSerializedData second = VnSerialize(dsfXML, &again);
   if (first != second) {
     std::fprintf(stderr, "own output read back differently:\n%s\n%s\n", first.c_str(), second.c_str());

@@ -145,6 +145,8 @@ void TVnJSONValueDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16stri
   if (FCapture) return FCapture->Value(AType, AText);
   auto* target = static_cast<TValue*>(FInstancePtr);
   if (target) {
+    // A member given twice keeps the later value; an object this read made for it before goes.
+    if (target->IsObject()) FreeIfCreated(target->AsObject());
     switch (AType) {
       case jdtNumber:
         *target = IsFloatText(AText) ? TValue::From<Extended>(VnXMLToExtended(AText))
@@ -182,6 +184,7 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
   const TVnTypeInfo* type = TVnTypes::GetTypeInfo(name, tntSchemaName, false, mtkUnknown);
   if (!type) return;
   const Integer depth = detail::BoxedReadDepth(*this, cVnJSONNestingTooDeep, GetPath());
+  if (target->IsObject()) FreeIfCreated(target->AsObject());
   switch (type->Kind()) {
     case vtkEnumeration:
     case vtkSet: {
@@ -213,8 +216,6 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
       if (!CallerListsCreated() || !parent || !parent->GetInstanceTypeInfo() ||
           parent->GetInstanceTypeInfo()->GetKind() != tkClass || (!parent->GetMemberField() && !parent->GetMemberProp()))
         break;
-      // A member given twice keeps the later object; the one this read made before goes.
-      if (target->IsObject()) FreeIfCreated(target->AsObject());
       const TVnTypeInfo* made = type;
       TObject* object = TVnDeserializer::CreateInstance(made);
       *target = TValue::FromObject(object);

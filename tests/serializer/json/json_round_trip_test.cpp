@@ -138,6 +138,11 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   ASSERT_EQ(madeTwice.GetCount(), 1);
   EXPECT_EQ(twice.Any.AsObject(), madeTwice.GetItem(0));
   EXPECT_EQ(static_cast<TCat*>(twice.Any.AsObject())->Name, u"Kit");
+  TShapes textLast;
+  TObjectList madeThenText(true);
+  VnDeserialize(dsfJSON, TValue::FromObject(&textLast), R"({"any":{"className":"TCat"},"any":"x"})", &madeThenText);
+  EXPECT_EQ(madeThenText.GetCount(), 0);
+  EXPECT_EQ(textLast.Any.AsString(), u"x");
   // A failed read frees the object again and empties the value.
   TShapes failed;
   TObjectList none(false);

@@ -84,6 +84,13 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
       VnDeserialize(dsfXML, TValue::FromObject(&copyTwice), twice, &madeTwice);
       ASSERT_EQ(madeTwice.GetCount(), 1);
       EXPECT_EQ(static_cast<TAddress*>(copyTwice.Boxed.AsObject())->City, u"Rome");
+      // So does a later text: the object goes.
+      TObjectList madeThenText(true);
+      TAll textLast;
+      VnDeserialize(dsfXML, TValue::FromObject(&textLast), text.substr(0, to) + "<Boxed>x</Boxed>" + text.substr(to),
+                    &madeThenText);
+      EXPECT_EQ(madeThenText.GetCount(), 0);
+      EXPECT_EQ(textLast.Boxed.AsString(), u"x");
     }
     // Without the caller's list no object is made for it, and the value stays empty.
     TAll unlisted;
