@@ -1,6 +1,8 @@
 // TValue: typed copies, conversions, arrays and display text; enumeration and set names.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "shop_domain.h"
 #include "vnxml/common/currency.h"
 #include "vnxml/common/variant.h"
@@ -12,17 +14,13 @@ using namespace shop;
 
 TEST(TValueBasics, EmptyKindAndTypeInfo) {
   TValue empty = TValue::GetEmpty();
-  EXPECT_TRUE(empty.IsEmpty());
-  EXPECT_EQ(empty.Kind(), tkUnknown);
-  EXPECT_EQ(empty.TypeInfo(), nullptr);
-  EXPECT_EQ(empty.GetReferenceToRawData(), nullptr);
-  EXPECT_EQ(empty.ToString(), u"(empty)");
-  EXPECT_EQ(empty.AsObject(), nullptr);
+  EXPECT_EQ((std::tuple{empty.IsEmpty(), empty.Kind(), empty.TypeInfo(), empty.GetReferenceToRawData(),
+                        empty.ToString(), empty.AsObject()}),
+            std::tuple(true, tkUnknown, nullptr, nullptr, u"(empty)", nullptr));
 
   // A nil reference is empty yet keeps its type.
   TValue nilShop = TValue::From<TShop*>(nullptr);
-  EXPECT_TRUE(nilShop.IsEmpty());
-  EXPECT_EQ(nilShop.TypeInfo(), TypeInfoOf<TShop>());
+  EXPECT_EQ((std::tuple{nilShop.IsEmpty(), nilShop.TypeInfo()}), std::tuple(true, TypeInfoOf<TShop>()));
   EXPECT_TRUE(TValue::From(IPtr<IInterface>()).IsEmpty());
   EXPECT_TRUE(TValue::From(std::vector<TLine>{}).IsEmpty());
   EXPECT_FALSE(TValue::From<Integer>(0).IsEmpty());
@@ -47,10 +45,8 @@ TEST(TValueBasics, CopiesOwnTheirPayload) {
   // Objects are held by reference, not copied.
   TItem item;
   TValue v = TValue::From(&item);
-  EXPECT_EQ(v.AsObject(), &item);
-  EXPECT_EQ(v.AsClass(), TItem::StaticClass());
-  EXPECT_TRUE(v.IsType<TNamed*>());
-  EXPECT_EQ(v.AsType<TNamed*>(), &item);
+  EXPECT_EQ((std::tuple{v.AsObject(), v.AsClass(), v.IsType<TNamed*>(), v.AsType<TNamed*>()}),
+            std::tuple(&item, TItem::StaticClass(), true, &item));
 }
 
 TEST(TValueBasics, OrdinalsAndRanges) {
@@ -88,9 +84,8 @@ TEST(TValueBasics, ConversionsBetweenKinds) {
 
   // A TValue-typed target wraps the value; reading it back unwraps it.
   TValue wrapped = TValue::From<Integer>(8).Cast(TypeInfoOf<TValue>());
-  EXPECT_EQ(wrapped.TypeInfo(), TypeInfoOf<TValue>());
-  EXPECT_EQ(wrapped.AsType<TValue>().TypeInfo(), TypeInfoOf<Integer>());
-  EXPECT_EQ(wrapped.AsInteger(), 8);
+  EXPECT_EQ((std::tuple{wrapped.TypeInfo(), wrapped.AsType<TValue>().TypeInfo(), wrapped.AsInteger()}),
+            std::tuple(TypeInfoOf<TValue>(), TypeInfoOf<Integer>(), 8));
 }
 
 TEST(TValueBasics, VariantsBothWays) {
@@ -124,8 +119,7 @@ TEST(TValueBasics, InterfacesAreCounted) {
   TShop shop;
   TRttiField* service = TRttiContext::GetType(shop.ClassType())->GetField(u"Service");
   service->SetValue(&shop, TValue::From(intf));
-  EXPECT_EQ(shop.FService, intf);
-  EXPECT_EQ(service->GetValue(&shop).AsInterface(), intf);
+  EXPECT_EQ((std::tuple{shop.FService, service->GetValue(&shop).AsInterface()}), std::tuple(intf, intf));
 }
 
 TEST(TValueText, EnumerationsAndSets) {
@@ -138,12 +132,10 @@ TEST(TValueText, EnumerationsAndSets) {
   EXPECT_THROW(StringToSet(colors, u"clRed,clPink"), EPropertyConvertError);
 
   const TTypeInfo* color = TypeInfoOf<TColor>();
-  EXPECT_EQ(GetEnumName(color, 1), u"clGreen");
-  EXPECT_EQ(GetEnumName(color, 7), u"7");
-  EXPECT_EQ(GetEnumValue(color, u"CLBLUE"), 2);
-  EXPECT_EQ(GetEnumValue(color, u"clPink"), -1);
-  EXPECT_EQ(GetEnumValue(color, u""), -1);
-  EXPECT_EQ(GetEnumValue(TypeInfoOf<Integer>(), u"12"), 12);
+  EXPECT_EQ((std::tuple{GetEnumName(color, 1), GetEnumName(color, 7)}), std::tuple(u"clGreen", u"7"));
+  EXPECT_EQ((std::tuple{GetEnumValue(color, u"CLBLUE"), GetEnumValue(color, u"clPink"), GetEnumValue(color, u""),
+                        GetEnumValue(TypeInfoOf<Integer>(), u"12")}),
+            std::tuple(2, -1, -1, 12));
 
   const std::pair<TValue, const char16_t*> texts[] = {{TValue::From<Integer>(-3), u"-3"},
                                                       {TValue::From<Double>(0.5), u"0.5"},
