@@ -1,6 +1,7 @@
 // TStrings and TStringList: lines and objects, sorting and duplicates, names and values, text forms.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "common/message_of.h"
@@ -36,9 +37,9 @@ TEST(TStringList, LinesObjectsAndIndexErrors) {
   EXPECT_EQ(list.AddObject(u"two", &object), 1);
   list.Insert(0, u"zero");
   EXPECT_EQ(Lines(list), (L{u"zero", u"one", u"two"}));
-  EXPECT_EQ(list.GetObjects(2), &object);
-  EXPECT_EQ(list.IndexOfObject(&object), 2);
-  EXPECT_EQ(list.IndexOf(u"ONE"), 1);  // case-insensitive by default
+  // Case-insensitive by default.
+  EXPECT_EQ((std::tuple{list.GetObjects(2), list.IndexOfObject(&object), list.IndexOf(u"ONE")}),
+            std::tuple(&object, 2, 1));
   list.SetCaseSensitive(true);
   EXPECT_EQ(list.IndexOf(u"ONE"), -1);
   list.SetStrings(1, u"uno");
@@ -82,7 +83,7 @@ TEST(TStringList, SortedListsAndDuplicates) {
 
   TStringList unsorted;
   for (const char16_t* s : {u"c", u"a", u"b"}) unsorted.Add(s);
-  unsorted.CustomSort([](TStringList* AList, Integer A, Integer B) { return CompareStr(AList->GetStrings(B), AList->GetStrings(A)); });
+  unsorted.CustomSort([](TStringList* S, Integer A, Integer B) { return CompareStr((*S)[B], (*S)[A]); });
   EXPECT_EQ(Lines(unsorted), (L{u"c", u"b", u"a"}));
   unsorted.SetSorted(true);
   EXPECT_EQ(Lines(unsorted), (L{u"a", u"b", u"c"}));
@@ -91,13 +92,10 @@ TEST(TStringList, SortedListsAndDuplicates) {
 TEST(TStrings, NamesAndValues) {
   TStringList list;
   list.SetText(u"host=example\r\nport=80\r\nflag\r\nempty=\r\neq=a=b");
-  EXPECT_EQ(list.GetNames(0), u"host");
-  EXPECT_EQ(list.GetValueFromIndex(2), u"");  // no separator, no value
-  EXPECT_EQ(list.GetValueFromIndex(4), u"a=b");
-  EXPECT_EQ(list.GetValues(u"PORT"), u"80");
-  EXPECT_EQ(list.GetValues(u"flag"), u"");
-  EXPECT_EQ(list.IndexOfName(u"empty"), 3);
-  EXPECT_EQ(list.IndexOfName(u"flag"), -1);
+  // A line without separator has no value, and no name either.
+  EXPECT_EQ((std::tuple{list.GetNames(0), list.GetValueFromIndex(2), list.GetValueFromIndex(4), list.GetValues(u"PORT"),
+                        list.GetValues(u"flag"), list.IndexOfName(u"empty"), list.IndexOfName(u"flag")}),
+            std::tuple(u"host", u"", u"a=b", u"80", u"", 3, -1));
 
   list.SetValues(u"port", u"8080");
   list.SetValues(u"user", u"me");    // appended
@@ -145,7 +143,6 @@ TEST(TStrings, CommaTextQuotesWhatNeedsIt) {
   list.Clear();
   list.Add(u"");
   EXPECT_EQ(list.GetCommaText(), u"\"\"");  // a lone empty line must not vanish
-  list.Clear();
 }
 
 TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
@@ -178,8 +175,9 @@ TEST(TStrings, DelimitedTextWithStrictDelimiter) {
   list.SetStrictDelimiter(true);
   list.SetDelimitedText(u" a b ;'c;d';;e");
   EXPECT_EQ(Lines(list), (L{u" a b ", u"c;d", u"", u"e"}));
-  EXPECT_EQ(list.GetDelimitedText(), u" a b ;'c;d';;e");  // blanks need no quotes when strict
-  EXPECT_EQ(list.GetCommaText(), u"\" a b \",c;d,,e");   // the comma form keeps its own rules
+  // Blanks need no quotes when strict; the comma form keeps its own rules.
+  EXPECT_EQ((std::tuple{list.GetDelimitedText(), list.GetCommaText()}),
+            std::tuple(u" a b ;'c;d';;e", u"\" a b \",c;d,,e"));
 }
 
 TEST(TStringList, OwnedObjectsAreFreedWithTheirLines) {
@@ -204,17 +202,13 @@ TEST(TStringList, AssignCopiesLinesObjectsAndSettings) {
   TStringList source(dupAccept, true, true);
   source.SetDelimiter(u';');
   source.AddObject(u"b", &object);
-  source.Add(u"a");
-  source.Add(u"a");
+  for (int i = 0; i < 2; ++i) source.Add(u"a");
   TStringList copy;
   copy.Assign(&source);
   EXPECT_EQ(Lines(copy), (L{u"a", u"a", u"b"}));
-  EXPECT_EQ(copy.GetObjects(2), &object);
-  EXPECT_TRUE(copy.GetSorted());
-  EXPECT_TRUE(copy.GetCaseSensitive());
-  EXPECT_EQ(copy.GetDuplicates(), dupAccept);
-  EXPECT_EQ(copy.GetDelimiter(), u';');
-  EXPECT_TRUE(copy.Equals(source));
+  EXPECT_EQ((std::tuple{copy.GetObjects(2), copy.GetSorted(), copy.GetCaseSensitive(), copy.GetDuplicates(),
+                        copy.GetDelimiter(), copy.Equals(source)}),
+            std::tuple(&object, true, true, dupAccept, u';', true));
   copy.SetSorted(false);
   copy.Add(u"c");
   EXPECT_FALSE(copy.Equals(source));
