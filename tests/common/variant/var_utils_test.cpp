@@ -55,19 +55,15 @@ TEST(VnVarHelpers, FailuresGiveTheDefaultUnlessRaising) {
 }
 
 TEST(TVnTypes, VarMainTypeKind) {
-  struct Row {
-    Variant V;
-    int Kind;
-  };
-  const Row rows[] = {
+  const std::pair<Variant, int> rows[] = {
       {int8_t(1), 1}, {int16_t(1), 1}, {1, 1}, {int64_t(1), 1}, {uint8_t(1), 1}, {uint16_t(1), 1},
       {1u, 1}, {uint64_t(1), 1}, {1.0f, 2}, {1.0, 2}, {Currency(), 2}, {u"s", 3}, {"s", 3},
       {Variant::FromOleStr(u"s"), 3}, {true, 4}, {Variant::FromDate(1), 5}, {VarArrayOf({1}), 6},
       {VarArrayCreate({0, 1}, varByte), 6}, {Variant(), 0}, {Variant::Null(), 0},
       {Variant(IPtr<IInterface>()), 0}, {Variant::FromDispatch({}), 0}, {Variant::FromError(0), 0},
   };
-  for (const Row& r : rows)
-    EXPECT_EQ(TVnTypes::VarMainTypeKind(r.V), r.Kind) << testing::PrintToString(r.V);
+  for (const auto& [value, kind] : rows)
+    EXPECT_EQ(TVnTypes::VarMainTypeKind(value), kind) << testing::PrintToString(value);
 }
 
 }  // namespace

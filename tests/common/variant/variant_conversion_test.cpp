@@ -16,11 +16,7 @@ using test::ExpectOverflow;
 using test::ExpectRaise;
 
 TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
-  struct Row {
-    Variant V;
-    TVarType Type;
-  };
-  const Row rows[] = {
+  const std::pair<Variant, TVarType> rows[] = {
       {true, varBoolean}, {int8_t(-1), varShortInt}, {int16_t(-1), varSmallint}, {-1, varInteger},
       {int64_t(-1), varInt64}, {-1LL, varInt64}, {uint8_t(1), varByte}, {uint16_t(1), varWord},
       {1u, varLongWord}, {uint64_t(1), varUInt64}, {1ULL, varUInt64}, {1.5f, varSingle}, {1.5, varDouble},
@@ -29,7 +25,7 @@ TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
       {std::string("bytes"), varString}, {"bytes", varString}, {Variant::FromDate(1.5), varDate},
       {Variant::FromOleStr(u"x"), varOleStr}, {Variant::Null(), varNull}, {Variant::Unassigned(), varEmpty},
   };
-  for (const Row& r : rows) EXPECT_EQ(r.V.VarType(), r.Type) << test::U8(VarTypeAsText(r.Type));
+  for (const auto& [value, type] : rows) EXPECT_EQ(value.VarType(), type) << test::U8(VarTypeAsText(type));
 }
 
 TEST(VariantConversion, TextToNumbers) {
@@ -134,20 +130,15 @@ TEST(VariantConversion, EightBitStringsHoldBytes) {
 }
 
 TEST(VariantConversion, VarAsType) {
-  struct Row {
-    Variant From;
-    TVarType To;
-    Variant Expected;
-  };
-  const Row rows[] = {
+  const std::tuple<Variant, TVarType, Variant> rows[] = {
       {u"12", varInteger, 12}, {u"12", varByte, uint8_t(12)}, {12, varUString, u"12"}, {12, varOleStr, u"12"},
       {12, varString, "12"}, {u"1.5", varCurrency, Currency::FromRaw(15000)}, {1.25, varSingle, 1.25f},
       {true, varInt64, -1}, {u"True", varBoolean, true},
       {u"2024-02-29", varDate, Variant::FromDate(EncodeDate(2024, 2, 29))},
       {int64_t(5), varVariant, int64_t(5)},
   };
-  for (const Row& r : rows)
-    test::ExpectVariant(VarAsType(r.From, r.To), r.To == varVariant ? varInt64 : r.To, r.Expected);
+  for (const auto& [from, to, expected] : rows)
+    test::ExpectVariant(VarAsType(from, to), to == varVariant ? varInt64 : to, expected);
   EXPECT_EQ((std::tuple{VarIsEmpty(VarAsType(5, varEmpty)), VarIsNull(VarAsType(5, varNull))}), std::tuple(true, true));
   ExpectRaise<EVariantBadVarTypeError>([] { (void)VarAsType(5, 0x42); }, test::U8(cRtlVarBadType));
   ExpectCast([] { (void)VarAsType(VarArrayOf({1}), varInteger); }, u"Array Variant", u"Integer");

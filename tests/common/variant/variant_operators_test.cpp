@@ -21,12 +21,8 @@ const char* RelText(TVariantRelationship r) {
 }
 
 TEST(VariantComparison, Table) {
-  struct Row {
-    Variant A, B;
-    TVariantRelationship Expected;
-  };
   const double nan = std::nan("");
-  const Row rows[] = {
+  const std::tuple<Variant, Variant, TVariantRelationship> rows[] = {
       // numbers across kinds
       {1, 1.0, vrEqual}, {int8_t(-1), uint64_t(UINT64_MAX), vrLessThan},
       {uint64_t(UINT64_MAX), int64_t(-1), vrGreaterThan},
@@ -48,10 +44,10 @@ TEST(VariantComparison, Table) {
       {Variant::Null(), 1, vrNotEqual}, {Variant::Null(), Variant(), vrNotEqual},
       {u"", Variant::Null(), vrNotEqual},
   };
-  for (const Row& r : rows) {
-    TVariantRelationship got = VarCompareValue(r.A, r.B);
-    EXPECT_EQ(got, r.Expected) << testing::PrintToString(r.A) << " vs " << testing::PrintToString(r.B) << ": "
-                               << RelText(got);
+  for (const auto& [a, b, expected] : rows) {
+    TVariantRelationship got = VarCompareValue(a, b);
+    EXPECT_EQ(got, expected) << testing::PrintToString(a) << " vs " << testing::PrintToString(b) << ": "
+                             << RelText(got);
   }
 }
 
@@ -81,13 +77,8 @@ TEST(VariantComparison, FailuresAndInterfaces) {
 }
 
 TEST(VariantArithmetic, ResultKinds) {
-  struct Row {
-    Variant Result;
-    TVarType Type;
-    Variant Value;
-  };
   const Variant date = Variant::FromDate(EncodeDate(2024, 2, 28));
-  const Row rows[] = {
+  const std::tuple<Variant, TVarType, Variant> rows[] = {
       {Variant(1) + 2, varInteger, 3}, {Variant(int16_t(1)) + uint8_t(2), varInteger, 3},
       {Variant(INT32_MAX) + 1, varInt64, int64_t(2147483648LL)},  // grows rather than wraps
       {Variant(int64_t(1)) + 1, varInt64, int64_t(2)},
@@ -123,9 +114,10 @@ TEST(VariantArithmetic, ResultKinds) {
       {!Variant(true), varBoolean, false}, {!Variant(0), varInteger, -1},
       {!Variant(u"False"), varBoolean, true}, {!Variant(u"5"), varInteger, -6},
   };
-  for (size_t i = 0; i < std::size(rows); ++i) {
-    SCOPED_TRACE(i);
-    ExpectVariant(rows[i].Result, rows[i].Type, rows[i].Value);
+  size_t row = 0;
+  for (const auto& [result, type, value] : rows) {
+    SCOPED_TRACE(row++);
+    ExpectVariant(result, type, value);
   }
 }
 
