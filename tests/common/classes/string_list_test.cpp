@@ -112,18 +112,14 @@ TEST(TStrings, NamesAndValues) {
 
 TEST(TStrings, TextSplitsOnAnyLineEnd) {
   TStringList list;
-  struct Case {
-    const char16_t* Text;
-    L Lines;
-  };
-  const Case cases[] = {
+  const std::pair<const char16_t*, L> cases[] = {
       {u"", {}}, {u"a", {u"a"}}, {u"a\r\n", {u"a"}}, {u"\r\n", {u""}},
       {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}}, {u"a\n\nb", {u"a", u"", u"b"}},
       {u"a\r\r\nb", {u"a", u"", u"b"}},
   };
-  for (const auto& c : cases) {
-    list.SetText(c.Text);
-    EXPECT_EQ(Lines(list), c.Lines);
+  for (const auto& [text, lines] : cases) {
+    list.SetText(text);
+    EXPECT_EQ(Lines(list), lines);
   }
   list.SetText(u"x\ny");
   EXPECT_EQ(list.GetText(), u"x\r\ny\r\n");
@@ -147,11 +143,7 @@ TEST(TStrings, CommaTextQuotesWhatNeedsIt) {
 
 TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
   using namespace std::literals;
-  struct Case {
-    std::u16string_view Text;
-    L Lines;
-  };
-  const Case cases[] = {
+  const std::pair<std::u16string_view, L> cases[] = {
       {u"", {}}, {u"a,b", {u"a", u"b"}},
       {u"a b", {u"a", u"b"}},  // blanks separate too
       {u"  a , b  ", {u"a", u"b"}}, {u"\"a b\",c", {u"a b", u"c"}}, {u"\"x\"\"y\"", {u"x\"y"}},
@@ -160,9 +152,9 @@ TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
       {u"a\0b"sv, {u"a"}},
   };
   TStringList list;
-  for (const auto& c : cases) {
-    list.SetCommaText(c.Text);
-    EXPECT_EQ(Lines(list), c.Lines) << c.Text.size();
+  for (const auto& [text, lines] : cases) {
+    list.SetCommaText(text);
+    EXPECT_EQ(Lines(list), lines) << text.size();
   }
   list.SetCommaText(u"\"a b\",c,,\"d\"\"e\"");
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\"");
