@@ -5,6 +5,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "common/message_of.h"
@@ -18,15 +19,9 @@ std::string Narrow(std::u16string_view AText) { return std::string(AText.begin()
 
 // ---- options ----
 
-struct OptionCase {
-  std::u16string_view Pattern;
-  TRegExOptions Options;
-  std::u16string_view Input;
-  bool Expected;
-};
-
 TEST(TRegEx, OptionsChangeWhatMatches) {
-  const OptionCase cases[] = {
+  // Pattern, options, input, whether it matches.
+  const std::tuple<std::u16string_view, TRegExOptions, std::u16string_view, bool> cases[] = {
       {u"b", {}, u"ABC", false}, {u"b", {roIgnoreCase}, u"ABC", true}, {u"^b$", {}, u"a\nb", false},
       {u"^b$", {roMultiLine}, u"a\nb", true}, {u"a.b", {}, u"a\nb", false},
       {u"a.b", {roSingleLine}, u"a\nb", true}, {u"a b  c # comment", {}, u"abc", false},
@@ -35,8 +30,8 @@ TEST(TRegEx, OptionsChangeWhatMatches) {
       {u"\u00E9", {roIgnoreCase}, u"\u00C9", true},  // case folding beyond ASCII
       {u"", {}, u"anything", true},
   };
-  for (const OptionCase& c : cases)
-    EXPECT_EQ(TRegEx::IsMatch(c.Input, c.Pattern, c.Options), c.Expected) << Narrow(c.Pattern);
+  for (const auto& [pattern, options, input, expected] : cases)
+    EXPECT_EQ(TRegEx::IsMatch(input, pattern, options), expected) << Narrow(pattern);
 }
 
 TEST(TRegEx, ExplicitCaptureKeepsOnlyNamedGroups) {
@@ -50,8 +45,7 @@ TEST(TRegEx, ExplicitCaptureKeepsOnlyNamedGroups) {
 TEST(TRegEx, NotEmptySkipsEmptyMatches) {
   EXPECT_EQ(TRegEx(u"a*").Match(u"baa").GetIndex(), 1);
   const TMatch m = TRegEx(u"a*", {roNotEmpty}).Match(u"baa");
-  EXPECT_EQ(m.GetIndex(), 2);
-  EXPECT_EQ(m.GetValue(), u"aa");
+  EXPECT_EQ((std::tuple{m.GetIndex(), m.GetValue()}), std::tuple(2, u"aa"));
 }
 
 // ---- UTF-16 ----
@@ -79,25 +73,20 @@ TEST(TRegEx, LoneSurrogatesInTheInputDoNotFail) {
 TEST(TRegEx, MatchReportsPositionValueAndGroups) {
   const TMatch m = TRegEx::Match(u"x 12-ab y", u"(\\d+)-(?<word>\\w+)");
   ASSERT_TRUE(m.GetSuccess());
-  EXPECT_EQ(m.GetIndex(), 3);
-  EXPECT_EQ(m.GetLength(), 5);
-  EXPECT_EQ(m.GetValue(), u"12-ab");
+  EXPECT_EQ((std::tuple{m.GetIndex(), m.GetLength(), m.GetValue()}), std::tuple(3, 5, u"12-ab"));
   ASSERT_EQ(m.GetGroups().GetCount(), 3);
-  EXPECT_EQ(m.GetGroups()[1].GetValue(), u"12");
-  EXPECT_EQ(m.GetGroups()[1].GetIndex(), 3);
-  EXPECT_EQ(m.GetGroups()[u"word"].GetValue(), u"ab");
-  EXPECT_EQ(m.GetGroups()[u"word"].GetIndex(), 6);
+  const TGroup number = m.GetGroups()[1], word = m.GetGroups()[u"word"];
+  EXPECT_EQ((std::tuple{number.GetValue(), number.GetIndex(), word.GetValue(), word.GetIndex()}),
+            std::tuple(u"12", 3, u"ab", 6));
 
   const TMatch alternative = TRegEx::Match(u"b", u"(a)|(b)");
-  EXPECT_FALSE(alternative.GetGroups()[1].GetSuccess());
-  EXPECT_EQ(alternative.GetGroups()[1].GetIndex(), 0);
-  EXPECT_TRUE(alternative.GetGroups()[2].GetSuccess());
+  EXPECT_EQ((std::tuple{alternative.GetGroups()[1].GetSuccess(), alternative.GetGroups()[1].GetIndex(),
+                        alternative.GetGroups()[2].GetSuccess()}),
+            std::tuple(false, 0, true));
 
   const TMatch none = TRegEx::Match(u"abc", u"\\d");
-  EXPECT_FALSE(none.GetSuccess());
-  EXPECT_EQ(none.GetIndex(), 0);
-  EXPECT_EQ(none.GetValue(), u"");
-  EXPECT_FALSE(none.NextMatch().GetSuccess());
+  EXPECT_EQ((std::tuple{none.GetSuccess(), none.GetIndex(), none.GetValue(), none.NextMatch().GetSuccess()}),
+            std::tuple(false, 0, u"", false));
 }
 
 TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
@@ -114,10 +103,8 @@ TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
 TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
   const TMatchCollection all = TRegEx(u"x*").Matches(u"abc");
   ASSERT_EQ(all.GetCount(), 4);
-  for (Integer i = 0; i < all.GetCount(); ++i) {
-    EXPECT_EQ(all[i].GetIndex(), i + 1);
-    EXPECT_EQ(all[i].GetLength(), 0);
-  }
+  for (Integer i = 0; i < all.GetCount(); ++i)
+    EXPECT_EQ((std::tuple{all[i].GetIndex(), all[i].GetLength()}), std::tuple(i + 1, 0));
   EXPECT_EQ(TRegEx::Matches(u"one two  three", u"\\w+")[2].GetValue(), u"three");
   EXPECT_EQ(TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), 2);  // from a 1-based start position
   EXPECT_TRUE(TRegEx(u"c").IsMatch(u"abc", 3));
@@ -126,15 +113,9 @@ TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
 
 // ---- replacement ----
 
-struct ReplaceCase {
-  std::u16string_view Pattern;
-  std::u16string_view Input;
-  std::u16string_view Replacement;
-  std::u16string_view Expected;
-};
-
 TEST(TRegEx, ReplacementReferences) {
-  const ReplaceCase cases[] = {
+  // Pattern, input, replacement, result.
+  const std::tuple<std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view> cases[] = {
       {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
       {u"b+", u"abbc", u"[$0|$&|\\0]", u"a[bb|bb|bb]c"},
       {u"(?<y>\\d{4})-(\\d\\d)", u"2024-05", u"${2}/${y}", u"05/2024"}, {u"b", u"abc", u"$$\\\\", u"a$\\c"},
@@ -145,8 +126,8 @@ TEST(TRegEx, ReplacementReferences) {
       {u"b", u"abc", u"<$`|$'|$_>", u"a<a|c|abc>c"}, {u"x*", u"abc", u"-", u"-a-b-c-"},
       {u"b", u"abc", u"$", u"a$c"}, {u"b", u"abc", u"${", u"a${c"}, {u"\\s+", u"a  b\t\tc", u" ", u"a b c"},
   };
-  for (const ReplaceCase& c : cases)
-    EXPECT_EQ(TRegEx::Replace(c.Input, c.Pattern, c.Replacement), c.Expected) << Narrow(c.Replacement);
+  for (const auto& [pattern, input, replacement, expected] : cases)
+    EXPECT_EQ(TRegEx::Replace(input, pattern, replacement), expected) << Narrow(replacement);
 }
 
 TEST(TRegEx, ReplaceWithCountAndEvaluator) {
@@ -250,8 +231,9 @@ TEST(TRegEx, ConcurrentStaticCallsShareTheCache) {
 
 TEST(TRegEx, EscapeQuotesMetacharacters) {
   const UnicodeString text = u"a.b*c+(d)[e]{f}^$|?\\-#";
-  EXPECT_TRUE(TRegEx::IsMatch(text, u"^" + TRegEx::Escape(text) + u"$"));
-  EXPECT_FALSE(TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b")));
+  EXPECT_EQ((std::tuple{TRegEx::IsMatch(text, u"^" + TRegEx::Escape(text) + u"$"),
+                        TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b"))}),
+            std::tuple(true, false));
   EXPECT_EQ(TRegEx::Escape(u"*.txt?", true), u".*\\.txt.");
   EXPECT_TRUE(TRegEx::IsMatch(u"notes.txt", u"^" + TRegEx::Escape(u"*.tx?", true) + u"$"));
 }
