@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 #include "types_domain.h"
 #include "vnxml/common/classes.h"
@@ -48,7 +49,8 @@ std::vector<KindCase> KindCases() {
           {TypeInfoOf<bool>(), vtkBoolean, mtkBoolean, true}, {TypeInfoOf<TFruit>(), vtkEnumeration, U, true},
           {TypeInfoOf<TFruits>(), vtkSet, U, true},         {Named(u"TDate"), vtkDate, mtkDateTime, true},
           {Named(u"TTime"), vtkTime, mtkDateTime, true},    {Named(u"TDateTime"), vtkDateTime, mtkDateTime, true},
-          {TypeInfoOf<Variant>(), vtkVariant, U, true},     {TypeInfoOf<std::array<Integer, 2>>(), vtkStaticArray, mtkArray, false},
+          {TypeInfoOf<Variant>(), vtkVariant, U, true},
+          {TypeInfoOf<std::array<Integer, 2>>(), vtkStaticArray, mtkArray, false},
           {TypeInfoOf<std::vector<UnicodeString>>(), vtkDynArray, mtkArray, false},
           {TypeInfoOf<TPoint>(), vtkRecord, U, false},      {TypeInfoOf<TValue>(), vtkRecord, U, false},
           {TypeInfoOf<TBase>(), vtkClass, U, false},        {TypeInfoOf<IInterface>(), vtkInterface, U, false},
@@ -89,8 +91,7 @@ TEST(VnTypes, GenericNamesAreFoundBeforeTheirRecordWasAskedFor) {
   // The record of TBox<uTypesTest.TBase> is made here, by the schema lookup itself.
   const TVnTypeInfo* box = TVnTypes::GetTypeInfo(u"xsd:TBoxOfTBase", tntSchemaName, false, mtkUnknown);
   ASSERT_NE(box, nullptr);
-  EXPECT_EQ(box->Handle(), TypeInfoOf<TBaseBox>());
-  EXPECT_EQ(box->Name(), u"TBox<uTypesTest.TBase>");
+  EXPECT_EQ((std::tuple{box->Handle(), box->Name()}), std::tuple(TypeInfoOf<TBaseBox>(), u"TBox<uTypesTest.TBase>"));
 }
 
 TEST(VnTypes, LookupsByNameKind) {
@@ -111,13 +112,12 @@ TEST(VnTypes, LookupsByNameKind) {
 }
 
 TEST(VnTypes, ArrayOfNamesMakeArraysThatNoPlatformTypeBacks) {
-  const TVnTypeInfo* points = TVnTypes::GetTypeInfo(u"xsd:ArrayOfTPoint", tntSchemaName, true, mtkArray);
+  auto arrayOf = [](std::u16string_view AName) { return TVnTypes::GetTypeInfo(AName, tntSchemaName, true, mtkArray); };
+  const TVnTypeInfo* points = arrayOf(u"xsd:ArrayOfTPoint");
   ASSERT_NE(points, nullptr);
-  EXPECT_EQ(points->Kind(), vtkDynArray);
-  EXPECT_EQ(points->ElementType(), Info(TypeInfoOf<TPoint>()));
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOfTPoint", tntSchemaName, true, mtkArray), points);
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOfNothingKnown", tntSchemaName, true, mtkArray), nullptr);
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOf", tntSchemaName, true, mtkArray), nullptr);
+  EXPECT_EQ((std::tuple{points->Kind(), points->ElementType(), arrayOf(u"ArrayOfTPoint"),
+                        arrayOf(u"ArrayOfNothingKnown"), arrayOf(u"ArrayOf")}),
+            std::tuple(vtkDynArray, Info(TypeInfoOf<TPoint>()), points, nullptr, nullptr));
 
   // VirtualType: an array of the type, or the built-in type of a schema type.
   const TVnTypeInfo* base = Info(TypeInfoOf<TBase>());
@@ -125,8 +125,8 @@ TEST(VnTypes, ArrayOfNamesMakeArraysThatNoPlatformTypeBacks) {
   ASSERT_NE(bases, nullptr);
   EXPECT_EQ(bases->ElementType(), base);
   EXPECT_EQ(TVnTypes::GetTypeInfo(bases->SchemaName(), tntSchemaName, false, mtkUnknown), bases);
-  EXPECT_EQ(base->VirtualType(sdtInt), TypeInfoOf<Integer>());
-  EXPECT_EQ(base->VirtualType(sdtDuration), nullptr);
+  EXPECT_EQ((std::tuple{base->VirtualType(sdtInt), base->VirtualType(sdtDuration)}),
+            std::tuple(TypeInfoOf<Integer>(), nullptr));
   // A value of such a type is safe to make and to grow: it stores Variants.
   TValue v = TValue::Make(nullptr, bases->Handle());
   v.SetArrayLength(2);

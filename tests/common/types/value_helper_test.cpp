@@ -11,19 +11,16 @@ using namespace vn;
 using namespace typesdomain;
 
 TEST(ValueHelper, KindsAndNullOfValues) {
-  EXPECT_EQ(VnTypeInfo(TValue()), nullptr);
-  EXPECT_EQ(TypeKind(TValue::From<Word>(1)), vtkWord);
+  EXPECT_EQ((std::tuple{VnTypeInfo(TValue()), TypeKind(TValue::From<Word>(1))}), std::tuple(nullptr, vtkWord));
   // A Variant value counts by what it holds.
-  EXPECT_EQ(MainTypeKind(TValue::From(Variant(u"x"))), mtkString);
-  EXPECT_EQ(MainTypeKind(TValue::From(Variant(3))), mtkInteger);
+  EXPECT_EQ((std::tuple{MainTypeKind(TValue::From(Variant(u"x"))), MainTypeKind(TValue::From(Variant(3)))}),
+            std::tuple(mtkString, mtkInteger));
 
   TBase object;
-  EXPECT_TRUE(IsNull(TValue()));
-  EXPECT_TRUE(IsNull(TValue::FromObject(nullptr, TypeInfoOf<TBase>())));
-  EXPECT_TRUE(IsNull(TValue::From(Variant::Null())));
-  EXPECT_TRUE(IsNull(TValue::From(Variant())));
-  EXPECT_FALSE(IsNull(TValue::FromObject(&object)));
-  EXPECT_FALSE(IsNull(TValue::From<Integer>(0)));
+  const std::pair<TValue, bool> nulls[] = {
+      {TValue(), true}, {TValue::FromObject(nullptr, TypeInfoOf<TBase>()), true}, {TValue::From(Variant::Null()), true},
+      {TValue::From(Variant()), true}, {TValue::FromObject(&object), false}, {TValue::From<Integer>(0), false}};
+  for (const auto& [value, null] : nulls) EXPECT_EQ(IsNull(value), null) << UnicodeToUtf8(value.ToString());
 }
 
 /// ToType of AValue to T; EXPECTs success and gives the result.
