@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "shop_domain.h"
+#include "support/raises.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant.h"
@@ -48,12 +49,11 @@ using RttiMethods = RttiMembers;
 TEST(RttiTypes, LookupByNameAndClass) {
   TRttiType* item = TypeOfName(u"uShop.TItem");
   EXPECT_EQ(TypeOfName(u"tshop"), TypeOfName(u"USHOP.TSHOP"));  // short and qualified, any case
-  EXPECT_EQ(item->QualifiedName(), u"uShop.TItem");
-  EXPECT_EQ(TRttiContext::GetType(TItem::StaticClass()), item);
-  EXPECT_EQ(TRttiContext::FindType(u"uShop.TNoSuchType"), nullptr);
-  EXPECT_EQ(item->BaseType(), TypeOfName(u"uShop.TNamed"));
-  EXPECT_EQ(item->BaseType()->BaseType(), TypeOfName(u"System.TObject"));
-  EXPECT_EQ(item->BaseType()->BaseType()->BaseType(), nullptr);
+  EXPECT_EQ((std::tuple{item->QualifiedName(), TRttiContext::GetType(TItem::StaticClass()),
+                        TRttiContext::FindType(u"uShop.TNoSuchType")}),
+            std::tuple(u"uShop.TItem", item, nullptr));
+  EXPECT_EQ((std::tuple{item->BaseType(), item->BaseType()->BaseType(), item->BaseType()->BaseType()->BaseType()}),
+            std::tuple(TypeOfName(u"uShop.TNamed"), TypeOfName(u"System.TObject"), nullptr));
 
   // A class that was never registered still has a type, with its ancestors' members.
   TRttiType* special = TRttiContext::GetType(TSpecialItem::StaticClass());
@@ -65,21 +65,19 @@ TEST(RttiTypes, LookupByNameAndClass) {
 }
 
 TEST(RttiTypes, BuiltinsAreDistinctNamedTypes) {
-  EXPECT_EQ(TypeInfoOf<UnicodeString>()->Name, u"string");
-  EXPECT_EQ(TypeInfoOf<UnicodeString>()->QualifiedName, u"System.string");
-  EXPECT_EQ(FindTypeInfo(u"UnicodeString"), TypeInfoOf<UnicodeString>());
-  EXPECT_EQ(TypeInfoOf<VnXMLString>()->Name, u"VnXMLString");
-  EXPECT_EQ(TypeInfoOf<VnJSONString>()->Name, u"VnJSONString");
+  const TTypeInfo* string = TypeInfoOf<UnicodeString>();
+  EXPECT_EQ((std::tuple{string->Name, string->QualifiedName, FindTypeInfo(u"UnicodeString")}),
+            std::tuple(u"string", u"System.string", string));
+  EXPECT_EQ((std::tuple{TypeInfoOf<VnXMLString>()->Name, TypeInfoOf<VnJSONString>()->Name}),
+            std::tuple(u"VnXMLString", u"VnJSONString"));
   for (const char16_t* date : {u"TDateTime", u"TDate", u"TTime"}) {
     const TTypeInfo* t = FindTypeInfo(date);
     ASSERT_NE(t, nullptr);
-    EXPECT_EQ(t->Kind, tkFloat);
-    EXPECT_NE(t, TypeInfoOf<Double>());
+    EXPECT_EQ((std::tuple{t->Kind, t == TypeInfoOf<Double>()}), std::tuple(tkFloat, false)) << test::U8(date);
   }
   const TTypeInfo* boolean = TypeInfoOf<bool>();
-  EXPECT_EQ(boolean->Kind, tkEnumeration);
-  EXPECT_EQ(GetEnumName(boolean, 1), u"True");
-  EXPECT_EQ(GetEnumValue(boolean, u"false"), 0);
+  EXPECT_EQ((std::tuple{boolean->Kind, GetEnumName(boolean, 1), GetEnumValue(boolean, u"false")}),
+            std::tuple(tkEnumeration, u"True", 0));
 }
 
 TEST_F(RttiMembers, OwnFirstThenInheritedNamesMayRepeat) {
@@ -89,19 +87,17 @@ TEST_F(RttiMembers, OwnFirstThenInheritedNamesMayRepeat) {
   // The derived Name wins a lookup, whatever the case.
   TRttiProperty* name = item->GetProperty(u"NAME");
   ASSERT_NE(name, nullptr);
-  EXPECT_EQ(name->Parent(), item);
-  EXPECT_FALSE(name->IsWritable());
-  EXPECT_EQ(item->GetField(u"tag")->Parent(), TypeOfName(u"uShop.TNamed"));
-  EXPECT_EQ(item->GetField(u"Price"), nullptr);  // a property, not a field
-  EXPECT_EQ(item->GetIndexedProperty(u"Items"), nullptr);
+  EXPECT_EQ((std::tuple{name->Parent(), name->IsWritable(), item->GetField(u"tag")->Parent()}),
+            std::tuple(item, false, TypeOfName(u"uShop.TNamed")));
+  // Price is a property, not a field.
+  EXPECT_EQ((std::tuple{item->GetField(u"Price"), item->GetIndexedProperty(u"Items")}), std::tuple(nullptr, nullptr));
 }
 
 TEST_F(RttiMembers, VisibilityIsOrdered) {
   EXPECT_EQ(type, TypeOfName(u"uShop.TShop"));
-  EXPECT_EQ(type->GetField(u"Secret")->Visibility(), mvPrivate);
-  EXPECT_EQ(type->GetProperty(u"Internal")->Visibility(), mvProtected);
-  EXPECT_EQ(type->GetField(u"Address")->Visibility(), mvPublic);
-  EXPECT_EQ(type->GetProperty(u"Colors")->Visibility(), mvPublished);
+  EXPECT_EQ((std::tuple{type->GetField(u"Secret")->Visibility(), type->GetProperty(u"Internal")->Visibility(),
+                        type->GetField(u"Address")->Visibility(), type->GetProperty(u"Colors")->Visibility()}),
+            std::tuple(mvPrivate, mvProtected, mvPublic, mvPublished));
 }
 
 TEST_F(RttiMembers, AttributesInDeclaredOrder) {
@@ -274,10 +270,9 @@ TEST_F(RttiMethods, Constructors) {
 
 TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
   TSpecialItem special;
-  EXPECT_EQ(special.ClassName(), u"TSpecialItem");
-  EXPECT_TRUE(special.InheritsFrom(TNamed::StaticClass()));
-  EXPECT_FALSE(special.InheritsFrom(TShop::StaticClass()));
-  EXPECT_EQ(TItem().ClassInfo(), TypeInfoOf<TItem>());
+  EXPECT_EQ((std::tuple{special.ClassName(), special.InheritsFrom(TNamed::StaticClass()),
+                        special.InheritsFrom(TShop::StaticClass()), TItem().ClassInfo()}),
+            std::tuple(u"TSpecialItem", true, false, TypeInfoOf<TItem>()));
 
   EXPECT_EQ(GetClass(u"TItem"), nullptr);  // reflection does not register for GetClass
   RegisterClass(TItem::StaticClass());

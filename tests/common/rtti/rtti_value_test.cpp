@@ -96,10 +96,10 @@ TEST(TValueBasics, VariantsBothWays) {
   for (const auto& [value, type] : types) EXPECT_EQ(VarType(value.AsVariant()), type);
   EXPECT_THROW(TValue::From(TAddress{}).AsVariant(), EInvalidCast);
 
-  EXPECT_TRUE(TValue::FromVariant(Variant::Null()).IsEmpty());
-  EXPECT_EQ(TValue::FromVariant(Variant(5)).TypeInfo(), TypeInfoOf<Integer>());
-  EXPECT_EQ(TValue::FromVariant(Variant::FromDate(2.0)).TypeInfo(), FindTypeInfo(u"TDateTime"));
-  EXPECT_EQ(TValue::FromVariant(Variant(u"t")).AsString(), u"t");
+  EXPECT_EQ((std::tuple{TValue::FromVariant(Variant::Null()).IsEmpty(), TValue::FromVariant(Variant(5)).TypeInfo(),
+                        TValue::FromVariant(Variant::FromDate(2.0)).TypeInfo(),
+                        TValue::FromVariant(Variant(u"t")).AsString()}),
+            std::tuple(true, TypeInfoOf<Integer>(), FindTypeInfo(u"TDateTime"), u"t"));
   // A Variant-typed value converts through its content.
   EXPECT_EQ(TValue::From(Variant(12)).AsInteger(), 12);
   EXPECT_EQ(TValue::From<Integer>(4).AsType<Variant>().AsInteger(), 4);
@@ -124,11 +124,11 @@ TEST(TValueBasics, InterfacesAreCounted) {
 
 TEST(TValueText, EnumerationsAndSets) {
   const TTypeInfo* colors = TypeInfoOf<TColors>();
-  EXPECT_EQ(TValue::From(TColors{}).ToString(), u"[]");
-  EXPECT_EQ(TValue::From(TColors{clBlue, clRed}).ToString(), u"[clRed,clBlue]");
-  EXPECT_EQ(SetToString(colors, TColors{clGreen}.Bits()), u"clGreen");
-  EXPECT_EQ(StringToSet(colors, u"[clblue, clRed]"), (TColors{clRed, clBlue}.Bits()));
-  EXPECT_EQ(StringToSet(colors, u""), 0u);
+  EXPECT_EQ((std::tuple{TValue::From(TColors{}).ToString(), TValue::From(TColors{clBlue, clRed}).ToString(),
+                        SetToString(colors, TColors{clGreen}.Bits())}),
+            std::tuple(u"[]", u"[clRed,clBlue]", u"clGreen"));
+  EXPECT_EQ((std::tuple{StringToSet(colors, u"[clblue, clRed]"), StringToSet(colors, u"")}),
+            std::tuple(TColors{clRed, clBlue}.Bits(), 0u));
   EXPECT_THROW(StringToSet(colors, u"clRed,clPink"), EPropertyConvertError);
 
   const TTypeInfo* color = TypeInfoOf<TColor>();
