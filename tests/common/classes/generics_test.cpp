@@ -22,9 +22,7 @@ TEST(GenericList, OrderSearchAndErrors) {
   TList<int> list;
   list.AddRange({5, 3, 9});
   list.Insert(1, 7);  // 5 7 3 9
-  EXPECT_EQ(list.IndexOf(3), 2);
-  EXPECT_EQ(list.Remove(42), -1);
-  EXPECT_EQ(list.Remove(7), 1);
+  EXPECT_EQ((std::tuple{list.IndexOf(3), list.Remove(42), list.Remove(7)}), std::tuple(2, -1, 1));
   list.Add(5);
   EXPECT_EQ(list.LastIndexOf(5), 3);
   list.Sort();
@@ -74,9 +72,9 @@ TEST(GenericObjectList, OwnsAndFrees) {
 
 TEST(GenericList, ClassNamesPerInstantiation) {
   TObjectList<TTracked> list;
-  EXPECT_EQ(list.ClassName(), u"TObjectList<T>");
-  EXPECT_TRUE(list.InheritsFrom(TList<TTracked*>::StaticClass()));
-  EXPECT_FALSE(list.InheritsFrom(TList<int>::StaticClass()));
+  EXPECT_EQ((std::tuple{list.ClassName(), list.InheritsFrom(TList<TTracked*>::StaticClass()),
+                        list.InheritsFrom(TList<int>::StaticClass())}),
+            std::tuple(u"TObjectList<T>", true, false));
   TList<double>::SetClassName(u"TList<System.Double>");
   EXPECT_EQ(TList<double>().ClassName(), u"TList<System.Double>");
 }

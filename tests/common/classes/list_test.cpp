@@ -35,9 +35,8 @@ TEST(TList, NotifiesNonNilItemsThatComeAndGo) {
   EXPECT_EQ(list.Add(nullptr), 1);  // nil is stored but not told
   list.Insert(0, &b);
   list.SetItem(2, &c);            // replaces nil: only the newcomer is told
-  EXPECT_EQ(list.Remove(&a), 1);  // now [b, c]
-  EXPECT_EQ(list.Extract(&c), &c);
-  EXPECT_EQ(list.Extract(&c), nullptr);
+  // Remove leaves [b, c]; c is extracted once.
+  EXPECT_EQ((std::tuple{list.Remove(&a), list.Extract(&c), list.Extract(&c)}), std::tuple(1, &c, nullptr));
   using N = std::pair<void*, TListNotification>;
   EXPECT_EQ(list.Log,
             (std::vector<N>{{&a, lnAdded}, {&b, lnAdded}, {&c, lnAdded}, {&a, lnDeleted}, {&c, lnExtracted}}));

@@ -60,11 +60,8 @@ TEST(TStringList, SortedListsAndDuplicates) {
   for (const char16_t* s : {u"pear", u"Apple", u"banana", u"apple"}) list.Add(s);
   EXPECT_EQ(Lines(list), (L{u"Apple", u"banana", u"pear"}));  // "apple" equals "Apple": ignored
   Integer at = -1;
-  EXPECT_FALSE(list.Find(u"cherry", at));
-  EXPECT_EQ(at, 2);
-  EXPECT_TRUE(list.Find(u"PEAR", at));
-  EXPECT_EQ(at, 2);
-  EXPECT_EQ(list.IndexOf(u"BANANA"), 1);
+  EXPECT_EQ((std::tuple{list.Find(u"cherry", at), at}), std::tuple(false, 2));
+  EXPECT_EQ((std::tuple{list.Find(u"PEAR", at), at, list.IndexOf(u"BANANA")}), std::tuple(true, 2, 1));
   EXPECT_EQ(StringListErrorOf([&] { list.Insert(0, u"x"); }), cRtlSortedListError);
   EXPECT_EQ(StringListErrorOf([&] { list.SetStrings(0, u"x"); }), cRtlSortedListError);
 
