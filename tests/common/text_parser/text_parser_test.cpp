@@ -49,16 +49,13 @@ TEST(TextParser, EveryEncodingWalksAlike) {
   const std::u16string text = u"a\u00e9<b>\n\tc\u00ff\r\n\nend";
   Parsed ansi(text, cVnCodePageLatin1), u8(text, cVnCodePageUTF8), u16(text, cVnCodePageUTF16LE),
       u16be(text, cVnCodePageUTF16BE), u32(text, cVnCodePageUTF32LE);
-  EXPECT_EQ(ansi.P.GetCharacterSetType(), csAnsi);
-  EXPECT_EQ(u8.P.GetCharacterSetType(), csUTF8);
-  EXPECT_EQ(u32.P.GetCharacterSetType(), csUTF16);
+  EXPECT_EQ((std::tuple{ansi.P.GetCharacterSetType(), u8.P.GetCharacterSetType(), u32.P.GetCharacterSetType()}),
+            std::tuple(csAnsi, csUTF8, csUTF16));
 
   std::vector<Step> expected = Walk(u16.P);
   ASSERT_EQ(expected.size(), text.size() + 1);
-  EXPECT_EQ(expected[6], (Step{u'\t', 2, 1, 7}));
-  EXPECT_EQ(expected[10], (Step{u'\n', 2, 5, 11}));
-  EXPECT_EQ(expected[11], (Step{u'\n', 3, 1, 12}));
-  EXPECT_EQ(expected.back(), (Step{0, 4, 4, 16}));
+  EXPECT_EQ((std::tuple{expected[6], expected[10], expected[11], expected.back()}),
+            std::tuple(Step{u'\t', 2, 1, 7}, Step{u'\n', 2, 5, 11}, Step{u'\n', 3, 1, 12}, Step{0, 4, 4, 16}));
   for (Parsed* other : {&ansi, &u8, &u16be, &u32}) EXPECT_EQ(Walk(other->P), expected);
 
   // Going back restarts the line count; a position asked twice gives the same answer.
@@ -97,12 +94,11 @@ TEST(TextParser, SelectionsAcrossMarks) {
     p.SkipWhile(soNotEqual, u';');
     EXPECT_EQ(p.SelectedW(tpMark3, tpCurrent, true), u"\u00e9t\u00e9");
     EXPECT_FALSE(p.IsMarkSet(tpMark3));
-    EXPECT_EQ(p.Selected(tpMark3, tpCurrent, false), u"");  // a forgotten mark selects nothing
-    EXPECT_EQ(p.Selected(tpMark2, tpMark1, false), u"");    // nor does a span that runs backwards
-    EXPECT_EQ(p.Selected(tpMark1, tpCurrent, false), u"key = \u00e9t\u00e9");
-    EXPECT_EQ(p.Selected(tpCurrent, tpNext, false), u";");
-    EXPECT_EQ(p.Selected(tpPrev, tpCurrent, false), u"\u00e9");
-    EXPECT_EQ(p.GetPos(tpMark1), 0);
+    // A forgotten mark selects nothing, nor does a span that runs backwards.
+    EXPECT_EQ((std::tuple{p.Selected(tpMark3, tpCurrent, false), p.Selected(tpMark2, tpMark1, false),
+                          p.Selected(tpMark1, tpCurrent, false), p.Selected(tpCurrent, tpNext, false),
+                          p.Selected(tpPrev, tpCurrent, false), p.GetPos(tpMark1)}),
+              std::tuple(u"", u"", u"key = \u00e9t\u00e9", u";", u"\u00e9", 0));
     p.ClearMark(tpMark1);
     EXPECT_EQ(p.GetPos(tpMark1), -1);
   }
@@ -141,9 +137,7 @@ TEST(TextParser, SkipOperators) {
 TEST(TextParser, TheEndOfTheText) {
   std::string text = "ab";
   TVnTextParser p(text.data(), text.size(), cVnCodePageUTF8);
-  EXPECT_EQ(p.PrevCharW(), 0);
-  EXPECT_EQ(p.ReadCharA(), 'a');
-  EXPECT_EQ(p.PeekCharW(), 0);
+  EXPECT_EQ((std::tuple{p.PrevCharW(), p.ReadCharA(), p.PeekCharW()}), std::tuple(0, 'a', 0));
   p.NextChar();
   EXPECT_TRUE(p._GetEOF());
   // Reads at the end give NUL and don't raise.
