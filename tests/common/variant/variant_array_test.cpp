@@ -7,10 +7,7 @@
 namespace vn {
 namespace {
 
-using test::ExpectCast;
-using test::ExpectOverflow;
-using test::ExpectRaise;
-using test::ExpectVariant;
+using namespace test;  // the Variant checks of variant_test_support.h
 
 const std::string kBounds = test::U8(cRtlVarArrayBounds);
 
@@ -63,9 +60,9 @@ TEST(VariantArray, VarArrayOfKeepsEachKind) {
   ExpectVariant(a.GetItem(0), varInteger, 1);
   ExpectVariant(a.GetItem(1), varUString, u"a");
   ExpectVariant(a.GetItem(2), varBoolean, true);
-  EXPECT_TRUE(VarIsNull(a.GetItem(3)));
-  EXPECT_EQ(a.GetItem(4).GetItem(0).AsInteger(), 2);
-  EXPECT_EQ(VarArrayHighBound(VarArrayOf({}), 1), -1);
+  EXPECT_EQ((std::tuple{VarIsNull(a.GetItem(3)), a.GetItem(4).GetItem(0).AsInteger(),
+                        VarArrayHighBound(VarArrayOf({}), 1)}),
+            std::tuple(true, 2, -1));
 }
 
 TEST(VariantArray, CopiesAreIndependent) {

@@ -10,10 +10,7 @@
 namespace vn {
 namespace {
 
-using test::ExpectCast;
-using test::ExpectOverflow;
-using test::ExpectRaise;
-using test::ExpectVariant;
+using namespace test;  // the Variant checks of variant_test_support.h
 
 const char* RelText(TVariantRelationship r) {
   static const char* const kNames[] = {"vrEqual", "vrLessThan", "vrGreaterThan", "vrNotEqual"};
