@@ -32,12 +32,10 @@ struct TempDir : test::TempFile {
 TEST(MemoryStream, WriteSeekReadAndSize) {
   TMemoryStream m;
   m.WriteBuffer("hello world", 11);
-  EXPECT_EQ(m.GetSize(), 11);
-  EXPECT_EQ(m.Seek(-5, soEnd), 6);
   char buf[8] = {};
-  EXPECT_EQ(m.Read(buf, 8), 5);  // a short read at the end is not an error
-  EXPECT_EQ(std::string(buf, 5), "world");
-  EXPECT_EQ(m.Seek(-100, soCurrent), 0);  // clipped to the start
+  // A short read at the end is not an error; a seek before the start is clipped to it.
+  EXPECT_EQ((std::tuple{m.GetSize(), m.Seek(-5, soEnd), m.Read(buf, 8), std::string(buf, 5), m.Seek(-100, soCurrent)}),
+            std::tuple(11, 6, 5, "world", 0));
   m.Seek(2, soBeginning);
   m.WriteBuffer("LL", 2);  // overwrites in place
   EXPECT_EQ(ReadAll(m), "heLLo world");
@@ -90,8 +88,9 @@ TEST(MemoryStream, CopyFromAndLoadFromStream) {
   source.WriteBuffer(content.data(), static_cast<Int64>(content.size()));
 
   TMemoryStream all;
-  EXPECT_EQ(all.CopyFrom(&source, 0), static_cast<Int64>(content.size()));  // 0: everything from the start
-  EXPECT_EQ(ReadAll(all), content);
+  // 0 copies everything from the start.
+  EXPECT_EQ((std::tuple{all.CopyFrom(&source, 0), ReadAll(all)}),
+            std::tuple(static_cast<Int64>(content.size()), content));
 
   source.SetPosition(10);
   TMemoryStream part;
@@ -132,8 +131,8 @@ TEST(FileStream, CreateWriteReopenAndModes) {
   }
   {
     TFileStream f(name, fmOpenRead);
-    EXPECT_EQ(ReadAll(f), "0123");
-    EXPECT_EQ(f.Write("x", 1), 0);  // opened for reading only
+    // Opened for reading only.
+    EXPECT_EQ((std::tuple{ReadAll(f), f.Write("x", 1)}), std::tuple("0123", 0));
     EXPECT_THROW(f.WriteBuffer("x", 1), EWriteError);
   }
   {
