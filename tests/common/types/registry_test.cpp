@@ -61,11 +61,9 @@ TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
   for (const KindCase& c : KindCases()) {
     const TVnTypeInfo* info = Info(c.Type);
     SCOPED_TRACE(UnicodeToUtf8(c.Type->Name));
-    EXPECT_EQ(info->Kind(), c.Kind);
-    EXPECT_EQ(info->GetMainTypeKind(), c.Main);
-    EXPECT_EQ(info->GetIsSimpleType(), c.Simple);
-    EXPECT_EQ(info->Handle(), c.Type);
-    EXPECT_EQ(TVnTypes::GetTypeInfo(c.Type->RttiType), info);
+    EXPECT_EQ((std::tuple{info->Kind(), info->GetMainTypeKind(), info->GetIsSimpleType(), info->Handle(),
+                          TVnTypes::GetTypeInfo(c.Type->RttiType)}),
+              std::tuple(c.Kind, c.Main, c.Simple, c.Type, info));
   }
   // A class nobody registered gets its record too, found by its class.
   EXPECT_EQ(TVnTypes::GetTypeInfo(TLeaf::StaticClass())->Name(), u"TLeaf");
@@ -104,10 +102,10 @@ TEST(VnTypes, LookupsByNameKind) {
   // The main kind filters.
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"string", tntName, true, mtkString), Info(TypeInfoOf<UnicodeString>()));
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"Integer", tntName, true, mtkString), nullptr);
-  for (TVnTypeNameType kind : {tntName, tntQualifiedName, tntSchemaName}) {
-    EXPECT_EQ(TVnTypes::GetTypeInfo(u"TNoSuchType", kind, true, mtkUnknown), nullptr);
-    EXPECT_EQ(TVnTypes::GetTypeInfo(u"", kind, true, mtkUnknown), nullptr);
-  }
+  for (TVnTypeNameType kind : {tntName, tntQualifiedName, tntSchemaName})
+    EXPECT_EQ((std::tuple{TVnTypes::GetTypeInfo(u"TNoSuchType", kind, true, mtkUnknown),
+                          TVnTypes::GetTypeInfo(u"", kind, true, mtkUnknown)}),
+              std::tuple(nullptr, nullptr));
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"xsd:", tntSchemaName, true, mtkUnknown), nullptr);
 }
 
@@ -195,8 +193,7 @@ TEST(VnTypes, SerializerPairsOfTypeAncestorOrDefault) {
   // Descendants take the nearest registered ancestor's pair.
   EXPECT_EQ(serializerOf(leaf), pair);
   TVnTypes::RegisterTypeSerializers(TypeInfoOf<TDerived>(), kFormat, {other, nullptr});
-  EXPECT_EQ(serializerOf(leaf), other);
-  EXPECT_EQ(serializerOf(base), pair);
+  EXPECT_EQ((std::tuple{serializerOf(leaf), serializerOf(base)}), std::tuple(other, pair));
   // Other types and a nil type get the default, once there is one; other formats see nothing.
   EXPECT_EQ(TVnTypes::FindSerializers(Info(TypeInfoOf<TPoint>()), kFormat), nullptr);
   TVnTypes::RegisterTypeSerializers(nullptr, kFormat, {nullptr, other});
