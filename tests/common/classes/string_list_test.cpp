@@ -129,16 +129,15 @@ TEST(TStrings, TextSplitsOnAnyLineEnd) {
   EXPECT_EQ(list.GetText(), u"");
 }
 
-TEST(TStrings, CommaTextQuotesWhatNeedsIt) {
+TEST(TStrings, CommaTextQuotesWhatNeedsItAndReadsAsThePlatformDoes) {
   TStringList list;
   for (const char16_t* s : {u"a b", u"c", u"", u"d\"e", u"f,g", u"h\ti"}) list.Add(s);
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\",\"f,g\",\"h\ti\"");
   list.Clear();
   list.Add(u"");
   EXPECT_EQ(list.GetCommaText(), u"\"\"");  // a lone empty line must not vanish
-}
 
-TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
+  // Reading.
   using namespace std::literals;
   const std::pair<std::u16string_view, L> cases[] = {
       {u"", {}}, {u"a,b", {u"a", u"b"}},
@@ -148,7 +147,6 @@ TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
       {u"\"unclosed", {u"unclosed"}}, {u"\"q\"tail,z", {u"q", u"tail", u"z"}}, {u"\"\"", {u""}},
       {u"a\0b"sv, {u"a"}},
   };
-  TStringList list;
   for (const auto& [text, lines] : cases) {
     list.SetCommaText(text);
     EXPECT_EQ(Lines(list), lines) << text.size();
