@@ -26,11 +26,8 @@ struct Parsed {
       : Data(Bytes(AText, ACodePage)), P(Data.data(), Data.size(), ACodePage) {}
 };
 
-struct Step {
-  char16_t Char;
-  int Line, Col, Pos;
-  bool operator==(const Step&) const = default;
-};
+// The character, line, column and position the parser stands at.
+using Step = std::tuple<char16_t, int, int, int>;
 
 std::vector<Step> Walk(TVnTextParser& p) {
   std::vector<Step> steps;
