@@ -125,8 +125,7 @@ TEST_F(RttiMembers, ReadAndWriteObjectMembers) {
   TRttiField* opened = type->GetField(u"Opened");
   EXPECT_EQ(opened->FieldTypeInfo(), FindTypeInfo(u"TDateTime"));
   opened->SetValue(&shop, TValue::From<Double>(45000.5));
-  EXPECT_EQ(shop.FOpened, 45000.5);
-  EXPECT_EQ(VarType(opened->GetValue(&shop).AsVariant()), varDate);
+  EXPECT_EQ((std::tuple{shop.FOpened, VarType(opened->GetValue(&shop).AsVariant())}), std::tuple(45000.5, varDate));
 
   // A value is a copy: changing it leaves the object alone.
   TValue name = type->GetProperty(u"Name")->GetValue(&shop);

@@ -68,10 +68,9 @@ TEST(TValueBasics, OrdinalsAndRanges) {
 }
 
 TEST(TValueBasics, ConversionsBetweenKinds) {
-  EXPECT_EQ(TValue::From<Integer>(3).AsExtended(), 3.0L);
-  EXPECT_EQ(TValue::From<Single>(1.5f).AsExtended(), 1.5L);
-  EXPECT_EQ(TValue::From(Currency::FromRaw(12345)).AsExtended(), 1.2345L);
-  EXPECT_EQ(TValue::From<Double>(2.5).AsCurrency(), Currency::FromRaw(25000));
+  EXPECT_EQ((std::tuple{TValue::From<Integer>(3).AsExtended(), TValue::From<Single>(1.5f).AsExtended(),
+                        TValue::From(Currency::FromRaw(12345)).AsExtended(), TValue::From<Double>(2.5).AsCurrency()}),
+            std::tuple(3.0L, 1.5L, 1.2345L, Currency::FromRaw(25000)));
   EXPECT_THROW(TValue::From<Double>(2.5).AsInteger(), EInvalidCast);
   EXPECT_THROW(TValue::From<Integer>(1).AsString(), EInvalidCast);
   EXPECT_EQ(TValue::From(u'z').AsString(), u"z");
