@@ -115,14 +115,12 @@ TEST(VnObjectEx, AssignCopiesThroughAssignToOrNamesBothClasses) {
   EXPECT_EQ(b.X, 7);
 
   TOther other;
-  auto expectAssignError = [](TVnObjectEx& ADest, const TObject* ASource, const UnicodeString& AMessage) {
-    EXPECT_EQ(test::MessageOf<EConvertError>([&] { ADest.Assign(ASource); }), AMessage);
-  };
-  expectAssignError(other, &a, u"Cannot assign a TPoint to a TOther");
-  expectAssignError(a, &other, u"Cannot assign a TOther to a TPoint");
-  expectAssignError(a, nullptr, u"Cannot assign a nil to a TPoint");
   TObject plain;
-  expectAssignError(a, &plain, u"Cannot assign a TObject to a TPoint");
+  const std::tuple<TVnObjectEx*, const TObject*, const char16_t*> failures[] = {
+      {&other, &a, u"Cannot assign a TPoint to a TOther"}, {&a, &other, u"Cannot assign a TOther to a TPoint"},
+      {&a, nullptr, u"Cannot assign a nil to a TPoint"}, {&a, &plain, u"Cannot assign a TObject to a TPoint"}};
+  for (const auto& [dest, source, message] : failures)
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { dest->Assign(source); }), message);
 }
 
 TEST(VnComponent, CountsLikeAVnObjectAndLeavesItsOwnerWhenFreed) {
