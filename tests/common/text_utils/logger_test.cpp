@@ -13,12 +13,8 @@
 namespace vn {
 namespace {
 
-struct Record {
-  TVnLogLevel Level;
-  UnicodeString Name;
-  UnicodeString Message;
-  bool operator==(const Record&) const = default;
-};
+// A level, a logger name and a message, as the sink hears them.
+using Record = std::tuple<TVnLogLevel, UnicodeString, UnicodeString>;
 
 // Installs a recording sink for one test and restores the silent default afterwards.
 class LoggerTest : public ::testing::Test {
