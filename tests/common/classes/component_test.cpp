@@ -1,6 +1,7 @@
 // TPersistent's Assign protocol, TComponent ownership, names and notifications, and GetClass.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "common/message_of.h"
@@ -69,10 +70,12 @@ TEST(TPersistent, AssignFallsBackToAssignToThenFails) {
   EXPECT_EQ(list.GetText(), u"X=3\r\nY=-4\r\n");
 
   TPoint2 other;
-  EXPECT_EQ(MessageOf<EConvertError>([&] { other.Assign(&list); }), Format(cRtlAssignError, {u"TStringList", u"TPoint2"}));
-  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(nullptr); }), Format(cRtlAssignError, {u"nil", u"TStringList"}));
   TComponent component;
-  EXPECT_EQ(MessageOf<EConvertError>([&] { list.Assign(&component); }), Format(cRtlAssignError, {u"TComponent", u"TStringList"}));
+  const std::tuple<TPersistent*, TPersistent*, const char16_t*, const char16_t*> failures[] = {
+      {&other, &list, u"TStringList", u"TPoint2"}, {&list, nullptr, u"nil", u"TStringList"},
+      {&list, &component, u"TComponent", u"TStringList"}};
+  for (const auto& [dest, source, from, to] : failures)
+    EXPECT_EQ(MessageOf<EConvertError>([&] { dest->Assign(source); }), Format(cRtlAssignError, {from, to}));
   EXPECT_EQ(point.GetNamePath(), u"TPoint2");
 }
 
@@ -82,16 +85,14 @@ TEST(TComponent, OwnerFreesOwnedComponentsLastFirst) {
   auto* a = new TProbe(owner, &freed);
   auto* b = new TProbe(owner, &freed);
   new TProbe(a, &freed);  // a grandchild goes with its parent
-  EXPECT_EQ(owner->GetComponentCount(), 2);
-  EXPECT_EQ(owner->GetComponents(1), b);
-  EXPECT_EQ(b->GetComponentIndex(), 1);
+  EXPECT_EQ((std::tuple{owner->GetComponentCount(), owner->GetComponents(1), b->GetComponentIndex()}),
+            std::tuple(2, b, 1));
   std::vector<TComponent*> seen;
   for (TComponent* c : *owner) seen.push_back(c);
   EXPECT_EQ(seen, (std::vector<TComponent*>{a, b}));
 
   delete b;  // leaves its owner on the way out
-  EXPECT_EQ(owner->GetComponentCount(), 1);
-  EXPECT_EQ(freed, 1);
+  EXPECT_EQ((std::tuple{owner->GetComponentCount(), freed}), std::tuple(1, 1));
   delete owner;
   EXPECT_EQ(freed, 4);
 }
@@ -101,9 +102,8 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
   auto* a = new TComponent(&owner);
   auto* b = new TComponent(&owner);
   a->SetName(u"Alpha");
-  EXPECT_EQ(owner.FindComponent(u"ALPHA"), a);
-  EXPECT_EQ(owner.FindComponent(u"Beta"), nullptr);
-  EXPECT_EQ(owner.FindComponent(u""), nullptr);
+  EXPECT_EQ((std::tuple{owner.FindComponent(u"ALPHA"), owner.FindComponent(u"Beta"), owner.FindComponent(u"")}),
+            std::tuple(a, nullptr, nullptr));
   EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"alpha"); }), Format(cRtlDuplicateName, {u"alpha"}));
   EXPECT_EQ(MessageOf<EComponentError>([&] { b->SetName(u"1abc"); }), Format(cRtlInvalidName, {u"1abc"}));
   EXPECT_THROW(b->SetName(u"a b"), EComponentError);
@@ -119,12 +119,10 @@ TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
   TProbe first, second;
   auto* child = new TComponent(&first);
   ASSERT_EQ(first.Events.size(), 1u);
-  EXPECT_EQ(first.Events[0].Component, child);
-  EXPECT_EQ(first.Events[0].Operation, opInsert);
+  EXPECT_EQ((std::tuple{first.Events[0].Component, first.Events[0].Operation}), std::tuple(child, opInsert));
 
   second.InsertComponent(child);
-  EXPECT_EQ(child->GetOwner(), &second);
-  EXPECT_EQ(first.Events.back().Operation, opRemove);
+  EXPECT_EQ((std::tuple{child->GetOwner(), first.Events.back().Operation}), std::tuple(&second, opRemove));
 
   auto* named = new TComponent(&first);
   named->SetName(u"Dup");
@@ -144,8 +142,7 @@ TEST(TComponent, FreeNotificationTellsTheSurvivor) {
   watcher.Watched = target;
   watcher.FreeNotification(target);
   delete target;
-  EXPECT_EQ(watcher.Watched, nullptr);
-  EXPECT_EQ(freed, 1);
+  EXPECT_EQ((std::tuple{watcher.Watched, freed}), std::tuple(nullptr, 1));
   // The survivor no longer holds the freed one: its own destruction must not touch it (ASan checks).
 
   auto* other = new TProbe();

@@ -1,7 +1,9 @@
 // Generic containers: list order and errors, ownership of objects, dictionary keys and order.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <numeric>
+#include <tuple>
 
 #include "common/message_of.h"
 #include "tracked.h"
@@ -20,21 +22,16 @@ TEST(GenericList, OrderSearchAndErrors) {
   TList<int> list;
   list.AddRange({5, 3, 9});
   list.Insert(1, 7);  // 5 7 3 9
-  EXPECT_EQ(list.IndexOf(3), 2);
-  EXPECT_EQ(list.Remove(42), -1);
-  EXPECT_EQ(list.Remove(7), 1);
+  EXPECT_EQ((std::tuple{list.IndexOf(3), list.Remove(42), list.Remove(7)}), std::tuple(2, -1, 1));
   list.Add(5);
   EXPECT_EQ(list.LastIndexOf(5), 3);
   list.Sort();
   EXPECT_EQ(list.ToArray(), (std::vector<int>{3, 5, 5, 9}));
   Integer at = -1;
-  EXPECT_TRUE(list.BinarySearch(5, at));
-  EXPECT_EQ(at, 1);
-  EXPECT_FALSE(list.BinarySearch(6, at));
-  EXPECT_EQ(at, 3);
+  EXPECT_EQ((std::tuple{list.BinarySearch(5, at), at}), std::tuple(true, 1));
+  EXPECT_EQ((std::tuple{list.BinarySearch(6, at), at}), std::tuple(false, 3));
   list.Sort([](const int& a, const int& b) { return b - a; });
-  EXPECT_EQ(list.First(), 9);
-  EXPECT_EQ(std::accumulate(list.begin(), list.end(), 0), 22);
+  EXPECT_EQ((std::tuple{list.First(), std::accumulate(list.begin(), list.end(), 0)}), std::tuple(9, 22));
   list.Move(0, 3);
   list.Exchange(0, 1);
   list.DeleteRange(1, 2);
@@ -75,18 +72,16 @@ TEST(GenericObjectList, OwnsAndFrees) {
 
 TEST(GenericList, ClassNamesPerInstantiation) {
   TObjectList<TTracked> list;
-  EXPECT_EQ(list.ClassName(), u"TObjectList<T>");
-  EXPECT_TRUE(list.InheritsFrom(TList<TTracked*>::StaticClass()));
-  EXPECT_FALSE(list.InheritsFrom(TList<int>::StaticClass()));
+  EXPECT_EQ((std::tuple{list.ClassName(), list.InheritsFrom(TList<TTracked*>::StaticClass()),
+                        list.InheritsFrom(TList<int>::StaticClass())}),
+            std::tuple(u"TObjectList<T>", true, false));
   TList<double>::SetClassName(u"TList<System.Double>");
   EXPECT_EQ(TList<double>().ClassName(), u"TList<System.Double>");
 }
 
 TEST(GenericDictionary, KeysValuesAndErrors) {
   TDictionary<UnicodeString, int> map;
-  map.Add(u"b", 2);
-  map.Add(u"a", 1);
-  map.Add(u"c", 3);
+  for (const auto& [key, value] : {std::pair{u"b", 2}, {u"a", 1}, {u"c", 3}}) map.Add(key, value);
   EXPECT_EQ(test::MessageOf<EListError>([&] { map.Add(u"a", 9); }), cRtlDuplicateItem);
   EXPECT_EQ(test::MessageOf<EListError>([&] { map[u"zz"]; }), cRtlItemNotFound);
   EXPECT_THROW(map.SetItem(u"zz", 1), EListError);
@@ -97,17 +92,14 @@ TEST(GenericDictionary, KeysValuesAndErrors) {
   EXPECT_EQ(map.Keys(), (std::vector<UnicodeString>{u"a", u"c", u"d"}));  // insertion order
   EXPECT_EQ(map.Values(), (std::vector<int>{10, 3, 4}));
   int v = -1;
-  EXPECT_TRUE(map.TryGetValue(u"c", v));
-  EXPECT_EQ(v, 3);
-  EXPECT_FALSE(map.TryGetValue(u"b", v));
-  EXPECT_TRUE(map.ContainsValue(4));
-  EXPECT_FALSE(map.ContainsKey(u"b"));
+  EXPECT_EQ((std::tuple{map.TryGetValue(u"c", v), v}), std::tuple(true, 3));
+  EXPECT_EQ((std::tuple{map.TryGetValue(u"b", v), map.ContainsValue(4), map.ContainsKey(u"b")}),
+            std::tuple(false, true, false));
   int sum = 0;
   for (const auto& pair : map) sum += pair.Value;
   EXPECT_EQ(sum, 17);
-  EXPECT_EQ(map.ExtractPair(u"a").Value, 10);
-  EXPECT_EQ(map.Count(), 2);
-  EXPECT_EQ(map[u"d"], 4);  // the index still holds after removals in the middle
+  // The index still holds after removals in the middle.
+  EXPECT_EQ((std::tuple{map.ExtractPair(u"a").Value, map.Count(), map[u"d"]}), std::tuple(10, 2, 4));
 }
 
 TEST(GenericObjectDictionary, OwnershipsDecideWhatIsFreed) {
@@ -128,8 +120,7 @@ TEST(GenericObjectDictionary, OwnershipsDecideWhatIsFreed) {
   EXPECT_EQ(freed, 4);
   {
     TObjectDictionary<TTracked*, int> keys(doOwnsKeys);
-    keys.Add(new TTracked(&freed), 1);
-    keys.Add(new TTracked(&freed), 2);
+    for (int i = 0; i < 2; ++i) keys.Add(new TTracked(&freed), i);
   }
   EXPECT_EQ(freed, 6);
 }
@@ -151,8 +142,6 @@ TEST(TCriticalSection, ReentrantAndExclusive) {
       ++counter;
     }
   };
-  std::thread t1(work), t2(work);
-  t1.join();
-  t2.join();
+  for (std::thread& t : std::array{std::thread(work), std::thread(work)}) t.join();
   EXPECT_EQ(counter, 20000);
 }

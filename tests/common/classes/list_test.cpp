@@ -35,11 +35,11 @@ TEST(TList, NotifiesNonNilItemsThatComeAndGo) {
   EXPECT_EQ(list.Add(nullptr), 1);  // nil is stored but not told
   list.Insert(0, &b);
   list.SetItem(2, &c);            // replaces nil: only the newcomer is told
-  EXPECT_EQ(list.Remove(&a), 1);  // now [b, c]
-  EXPECT_EQ(list.Extract(&c), &c);
-  EXPECT_EQ(list.Extract(&c), nullptr);
+  // Remove leaves [b, c]; c is extracted once.
+  EXPECT_EQ((std::tuple{list.Remove(&a), list.Extract(&c), list.Extract(&c)}), std::tuple(1, &c, nullptr));
   using N = std::pair<void*, TListNotification>;
-  EXPECT_EQ(list.Log, (std::vector<N>{{&a, lnAdded}, {&b, lnAdded}, {&c, lnAdded}, {&a, lnDeleted}, {&c, lnExtracted}}));
+  EXPECT_EQ(list.Log,
+            (std::vector<N>{{&a, lnAdded}, {&b, lnAdded}, {&c, lnAdded}, {&a, lnDeleted}, {&c, lnExtracted}}));
   list.Log.clear();
   list.Add(&a);
   list.Clear();  // deletes from the end
@@ -61,8 +61,7 @@ TEST(TList, OrderOperations) {
   list.SetCount(6);
   EXPECT_EQ(list.GetItem(5), nullptr);
   list.Pack();
-  EXPECT_EQ(list.GetCount(), 4);
-  EXPECT_EQ(list.IndexOf(&v[1]), 1);
+  EXPECT_EQ((std::tuple{list.GetCount(), list.IndexOf(&v[1])}), std::tuple(4, 1));
 }
 
 TEST(TList, IndexErrorsCarryTheIndex) {
@@ -86,8 +85,7 @@ TEST(TObjectList, OwnedItemsAreFreedUnlessExtracted) {
   for (int id = 1; id <= 3; ++id) list->Add(id == 2 ? (b = new TTracked(&freed, id)) : new TTracked(&freed, id));
   list->Delete(0);
   EXPECT_EQ(freed, 1);
-  EXPECT_EQ(list->Extract(b), b);
-  EXPECT_EQ(freed, 1);
+  EXPECT_EQ((std::tuple{list->Extract(b), freed}), std::tuple(b, 1));
   list->SetItem(0, new TTracked(&freed, 4));  // replaces the third, which is freed
   EXPECT_EQ(freed, 2);
   int ids = 0;
@@ -104,12 +102,11 @@ TEST(TObjectList, NotOwningLeavesItemsAlone) {
   TTracked a(&freed), b(&freed);
   {
     TObjectList list(false);
-    list.Add(&a);
-    list.Add(&b);
+    for (TTracked* t : {&a, &b}) list.Add(t);
     list.Remove(&a);
-    EXPECT_EQ(list.FindInstanceOf(TTracked::StaticClass()), 0);
-    EXPECT_EQ(list.FindInstanceOf(TObject::StaticClass()), -1);
-    EXPECT_EQ(list.FindInstanceOf(TObject::StaticClass(), false), 0);
+    EXPECT_EQ((std::tuple{list.FindInstanceOf(TTracked::StaticClass()), list.FindInstanceOf(TObject::StaticClass()),
+                          list.FindInstanceOf(TObject::StaticClass(), false)}),
+              std::tuple(0, -1, 0));
   }
   EXPECT_EQ(freed, 0);
 }

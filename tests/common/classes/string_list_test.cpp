@@ -1,6 +1,7 @@
 // TStrings and TStringList: lines and objects, sorting and duplicates, names and values, text forms.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "common/message_of.h"
@@ -36,9 +37,9 @@ TEST(TStringList, LinesObjectsAndIndexErrors) {
   EXPECT_EQ(list.AddObject(u"two", &object), 1);
   list.Insert(0, u"zero");
   EXPECT_EQ(Lines(list), (L{u"zero", u"one", u"two"}));
-  EXPECT_EQ(list.GetObjects(2), &object);
-  EXPECT_EQ(list.IndexOfObject(&object), 2);
-  EXPECT_EQ(list.IndexOf(u"ONE"), 1);  // case-insensitive by default
+  // Case-insensitive by default.
+  EXPECT_EQ((std::tuple{list.GetObjects(2), list.IndexOfObject(&object), list.IndexOf(u"ONE")}),
+            std::tuple(&object, 2, 1));
   list.SetCaseSensitive(true);
   EXPECT_EQ(list.IndexOf(u"ONE"), -1);
   list.SetStrings(1, u"uno");
@@ -59,11 +60,8 @@ TEST(TStringList, SortedListsAndDuplicates) {
   for (const char16_t* s : {u"pear", u"Apple", u"banana", u"apple"}) list.Add(s);
   EXPECT_EQ(Lines(list), (L{u"Apple", u"banana", u"pear"}));  // "apple" equals "Apple": ignored
   Integer at = -1;
-  EXPECT_FALSE(list.Find(u"cherry", at));
-  EXPECT_EQ(at, 2);
-  EXPECT_TRUE(list.Find(u"PEAR", at));
-  EXPECT_EQ(at, 2);
-  EXPECT_EQ(list.IndexOf(u"BANANA"), 1);
+  EXPECT_EQ((std::tuple{list.Find(u"cherry", at), at}), std::tuple(false, 2));
+  EXPECT_EQ((std::tuple{list.Find(u"PEAR", at), at, list.IndexOf(u"BANANA")}), std::tuple(true, 2, 1));
   EXPECT_EQ(StringListErrorOf([&] { list.Insert(0, u"x"); }), cRtlSortedListError);
   EXPECT_EQ(StringListErrorOf([&] { list.SetStrings(0, u"x"); }), cRtlSortedListError);
 
@@ -82,7 +80,7 @@ TEST(TStringList, SortedListsAndDuplicates) {
 
   TStringList unsorted;
   for (const char16_t* s : {u"c", u"a", u"b"}) unsorted.Add(s);
-  unsorted.CustomSort([](TStringList* AList, Integer A, Integer B) { return CompareStr(AList->GetStrings(B), AList->GetStrings(A)); });
+  unsorted.CustomSort([](TStringList* S, Integer A, Integer B) { return CompareStr((*S)[B], (*S)[A]); });
   EXPECT_EQ(Lines(unsorted), (L{u"c", u"b", u"a"}));
   unsorted.SetSorted(true);
   EXPECT_EQ(Lines(unsorted), (L{u"a", u"b", u"c"}));
@@ -91,13 +89,10 @@ TEST(TStringList, SortedListsAndDuplicates) {
 TEST(TStrings, NamesAndValues) {
   TStringList list;
   list.SetText(u"host=example\r\nport=80\r\nflag\r\nempty=\r\neq=a=b");
-  EXPECT_EQ(list.GetNames(0), u"host");
-  EXPECT_EQ(list.GetValueFromIndex(2), u"");  // no separator, no value
-  EXPECT_EQ(list.GetValueFromIndex(4), u"a=b");
-  EXPECT_EQ(list.GetValues(u"PORT"), u"80");
-  EXPECT_EQ(list.GetValues(u"flag"), u"");
-  EXPECT_EQ(list.IndexOfName(u"empty"), 3);
-  EXPECT_EQ(list.IndexOfName(u"flag"), -1);
+  // A line without separator has no value, and no name either.
+  EXPECT_EQ((std::tuple{list.GetNames(0), list.GetValueFromIndex(2), list.GetValueFromIndex(4), list.GetValues(u"PORT"),
+                        list.GetValues(u"flag"), list.IndexOfName(u"empty"), list.IndexOfName(u"flag")}),
+            std::tuple(u"host", u"", u"a=b", u"80", u"", 3, -1));
 
   list.SetValues(u"port", u"8080");
   list.SetValues(u"user", u"me");    // appended
@@ -114,18 +109,14 @@ TEST(TStrings, NamesAndValues) {
 
 TEST(TStrings, TextSplitsOnAnyLineEnd) {
   TStringList list;
-  struct Case {
-    const char16_t* Text;
-    L Lines;
-  };
-  const Case cases[] = {
+  const std::pair<const char16_t*, L> cases[] = {
       {u"", {}}, {u"a", {u"a"}}, {u"a\r\n", {u"a"}}, {u"\r\n", {u""}},
       {u"a\r\nb\nc\rd", {u"a", u"b", u"c", u"d"}}, {u"a\n\nb", {u"a", u"", u"b"}},
       {u"a\r\r\nb", {u"a", u"", u"b"}},
   };
-  for (const auto& c : cases) {
-    list.SetText(c.Text);
-    EXPECT_EQ(Lines(list), c.Lines);
+  for (const auto& [text, lines] : cases) {
+    list.SetText(text);
+    EXPECT_EQ(Lines(list), lines);
   }
   list.SetText(u"x\ny");
   EXPECT_EQ(list.GetText(), u"x\r\ny\r\n");
@@ -138,23 +129,17 @@ TEST(TStrings, TextSplitsOnAnyLineEnd) {
   EXPECT_EQ(list.GetText(), u"");
 }
 
-TEST(TStrings, CommaTextQuotesWhatNeedsIt) {
+TEST(TStrings, CommaTextQuotesWhatNeedsItAndReadsAsThePlatformDoes) {
   TStringList list;
   for (const char16_t* s : {u"a b", u"c", u"", u"d\"e", u"f,g", u"h\ti"}) list.Add(s);
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\",\"f,g\",\"h\ti\"");
   list.Clear();
   list.Add(u"");
   EXPECT_EQ(list.GetCommaText(), u"\"\"");  // a lone empty line must not vanish
-  list.Clear();
-}
 
-TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
+  // Reading.
   using namespace std::literals;
-  struct Case {
-    std::u16string_view Text;
-    L Lines;
-  };
-  const Case cases[] = {
+  const std::pair<std::u16string_view, L> cases[] = {
       {u"", {}}, {u"a,b", {u"a", u"b"}},
       {u"a b", {u"a", u"b"}},  // blanks separate too
       {u"  a , b  ", {u"a", u"b"}}, {u"\"a b\",c", {u"a b", u"c"}}, {u"\"x\"\"y\"", {u"x\"y"}},
@@ -162,10 +147,9 @@ TEST(TStrings, CommaTextReadsAsThePlatformDoes) {
       {u"\"unclosed", {u"unclosed"}}, {u"\"q\"tail,z", {u"q", u"tail", u"z"}}, {u"\"\"", {u""}},
       {u"a\0b"sv, {u"a"}},
   };
-  TStringList list;
-  for (const auto& c : cases) {
-    list.SetCommaText(c.Text);
-    EXPECT_EQ(Lines(list), c.Lines) << c.Text.size();
+  for (const auto& [text, lines] : cases) {
+    list.SetCommaText(text);
+    EXPECT_EQ(Lines(list), lines) << text.size();
   }
   list.SetCommaText(u"\"a b\",c,,\"d\"\"e\"");
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\"");
@@ -178,8 +162,9 @@ TEST(TStrings, DelimitedTextWithStrictDelimiter) {
   list.SetStrictDelimiter(true);
   list.SetDelimitedText(u" a b ;'c;d';;e");
   EXPECT_EQ(Lines(list), (L{u" a b ", u"c;d", u"", u"e"}));
-  EXPECT_EQ(list.GetDelimitedText(), u" a b ;'c;d';;e");  // blanks need no quotes when strict
-  EXPECT_EQ(list.GetCommaText(), u"\" a b \",c;d,,e");   // the comma form keeps its own rules
+  // Blanks need no quotes when strict; the comma form keeps its own rules.
+  EXPECT_EQ((std::tuple{list.GetDelimitedText(), list.GetCommaText()}),
+            std::tuple(u" a b ;'c;d';;e", u"\" a b \",c;d,,e"));
 }
 
 TEST(TStringList, OwnedObjectsAreFreedWithTheirLines) {
@@ -204,17 +189,13 @@ TEST(TStringList, AssignCopiesLinesObjectsAndSettings) {
   TStringList source(dupAccept, true, true);
   source.SetDelimiter(u';');
   source.AddObject(u"b", &object);
-  source.Add(u"a");
-  source.Add(u"a");
+  for (int i = 0; i < 2; ++i) source.Add(u"a");
   TStringList copy;
   copy.Assign(&source);
   EXPECT_EQ(Lines(copy), (L{u"a", u"a", u"b"}));
-  EXPECT_EQ(copy.GetObjects(2), &object);
-  EXPECT_TRUE(copy.GetSorted());
-  EXPECT_TRUE(copy.GetCaseSensitive());
-  EXPECT_EQ(copy.GetDuplicates(), dupAccept);
-  EXPECT_EQ(copy.GetDelimiter(), u';');
-  EXPECT_TRUE(copy.Equals(source));
+  EXPECT_EQ((std::tuple{copy.GetObjects(2), copy.GetSorted(), copy.GetCaseSensitive(), copy.GetDuplicates(),
+                        copy.GetDelimiter(), copy.Equals(source)}),
+            std::tuple(&object, true, true, dupAccept, u';', true));
   copy.SetSorted(false);
   copy.Add(u"c");
   EXPECT_FALSE(copy.Equals(source));

@@ -74,13 +74,8 @@ TEST(DecodeISODateTime, RejectedTexts) {
       u"2020-01-01T10:00:00ZZ", u"123-01-01", u"123456-01-01", u"99999", u"2020-1-01", u"2020/01/01",
       u"20200101", u"--13", u"---32", u"--02-30", u"-", u"--", u"---", u"+2020-01-01",
   };
-  for (const char16_t* text : texts) {
-    SCOPED_TRACE(std::string(text, text + std::char_traits<char16_t>::length(text)));
-    EXPECT_THROW(VnDecodeISODateTime(text), EConvertError);
-  }
-}
-
-TEST(DecodeISODateTime, MessageNamesTheText) {
+  for (const char16_t* text : texts) EXPECT_THROW(VnDecodeISODateTime(text), EConvertError) << UnicodeToUtf8(text);
+  // The message names the text.
   const UnicodeString message = test::MessageOf<EConvertError>([] { VnDecodeISODateTime(u"2020-02-30"); });
   EXPECT_NE(message.find(u"'2020-02-30'"), UnicodeString::npos) << UnicodeToUtf8(message);
 }
@@ -89,8 +84,7 @@ TEST(DecodeISODateTime, MessageNamesTheText) {
 
 TEST(EncodeDuration, SumsPartsIntoMonthsAndSeconds) {
   TVnDuration d = VnEncodeDuration(1, 14, 2, 25, 61, 59, 250, true);
-  EXPECT_TRUE(d.Negative);
-  EXPECT_EQ(d.Months, 26);
+  EXPECT_EQ((std::tuple{d.Negative, d.Months}), std::tuple(true, 26));
   EXPECT_DOUBLE_EQ(d.Seconds, 2 * 86400.0 + 25 * 3600.0 + 61 * 60.0 + 59.25);
   // The largest parts a duration text can carry do not overflow.
   TVnDuration big = VnEncodeDuration(65535, 65535, 65535, 65535, 65535, 65535, 999, false);
@@ -100,71 +94,61 @@ TEST(EncodeDuration, SumsPartsIntoMonthsAndSeconds) {
 
 // ---- time zones ----
 
-TEST(TimeZone, DaylightSavingFollowsTheMoment) {
-  TimeZoneScope zone(test::cZoneBerlin);
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jan1 + 12 * cHour), 60);
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jul1 + 12 * cHour), 120);
-  EXPECT_NEAR(VnLocalToUTC(c2020Jul1 + 12 * cHour), c2020Jul1 + 10 * cHour, cMoment);
-
-  bool negative = true;
-  Word hours = 0, minutes = 0;
-  VnCalcTimeZoneOffset(c2020Jul1, negative, hours, minutes);
-  EXPECT_FALSE(negative);
-  EXPECT_EQ(hours, 2);
-  EXPECT_EQ(minutes, 0);
-}
-
-TEST(TimeZone, SpringSwitchSkipsAnHour) {
-  TimeZoneScope zone(test::cZoneBerlin);
-  // 01:59:59 CET, then 03:00 CEST at 01:00 UTC.
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Mar29 + 2 * cHour - cMinute), 60);
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Mar29 + 3 * cHour), 120);
-  EXPECT_NEAR(VnLocalToUTC(c2020Mar29 + 3 * cHour), c2020Mar29 + 1 * cHour, cMoment);
-  EXPECT_NEAR(VnUTCToLocal(c2020Mar29 + 1 * cHour), c2020Mar29 + 3 * cHour, cMoment);
-  EXPECT_NEAR(VnUTCToLocal(c2020Mar29 + 1 * cHour - cMinute), c2020Mar29 + 2 * cHour - cMinute, cMoment);
-  // 02:30 never shows on a clock: it is read with the offset before the switch.
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Mar29 + 2.5 * cHour), 60);
-  EXPECT_NEAR(VnLocalToUTC(c2020Mar29 + 2.5 * cHour), c2020Mar29 + 1.5 * cHour, cMoment);
-}
-
-TEST(TimeZone, AutumnSwitchRepeatsAnHour) {
-  TimeZoneScope zone(test::cZoneBerlin);
-  // 00:30 and 01:30 UTC both show 02:30; a local 02:30 means the first of them.
-  EXPECT_NEAR(VnUTCToLocal(c2020Oct25 + 0.5 * cHour), c2020Oct25 + 2.5 * cHour, cMoment);
-  EXPECT_NEAR(VnUTCToLocal(c2020Oct25 + 1.5 * cHour), c2020Oct25 + 2.5 * cHour, cMoment);
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Oct25 + 2.5 * cHour), 120);
-  EXPECT_NEAR(VnLocalToUTC(c2020Oct25 + 2.5 * cHour), c2020Oct25 + 0.5 * cHour, cMoment);
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Oct25 + 3 * cHour), 60);
-  EXPECT_NEAR(VnLocalToUTC(c2020Oct25 + 3 * cHour), c2020Oct25 + 2 * cHour, cMoment);
-}
-
-TEST(TimeZone, NegativeOffsetWithMinutes) {
-  TimeZoneScope zone(test::cZoneNewfoundland);
-  EXPECT_EQ(VnCalcTimeZoneOffset(c2020Jan1), -210);
+/// The sign, hours and minutes VnCalcTimeZoneOffset gives for a local moment.
+std::tuple<bool, Word, Word> OffsetParts(TDateTime ALocalTime) {
   bool negative = false;
   Word hours = 0, minutes = 0;
-  VnCalcTimeZoneOffset(c2020Jul1, negative, hours, minutes);
-  EXPECT_TRUE(negative);
-  EXPECT_EQ(hours, 2);
-  EXPECT_EQ(minutes, 30);
-  // Local midnight is already the next day in UTC.
-  EXPECT_NEAR(VnLocalToUTC(c2020Jan1 + 22 * cHour), c2020Jan1 + 1 + 1.5 * cHour, cMoment);
+  VnCalcTimeZoneOffset(ALocalTime, negative, hours, minutes);
+  return {negative, hours, minutes};
 }
 
-TEST(TimeZone, ValuesBefore1900CountTimeForwards) {
-  TimeZoneScope zone(test::cZoneBerlin);
-  // -1.25 is 1899-12-29 06:00; 05:00 UTC is -1.2083..., not -1.2916... as plain subtraction gives.
-  EXPECT_NEAR(VnLocalToUTC(-1.25), -(1 + 5 * cHour), cMoment);
-  EXPECT_NEAR(VnUTCToLocal(-(1 + 5 * cHour)), -1.25, cMoment);
-  // Crossing day 0: 1899-12-30 00:30 local is 1899-12-29 23:30 UTC.
-  EXPECT_NEAR(VnLocalToUTC(0.5 * cHour), -(1 + 23.5 * cHour), cMoment);
+TEST(TimeZone, OffsetsFollowTheMoment) {
+  const std::tuple<const char*, TDateTime, Integer> cases[] = {
+      {test::cZoneBerlin, c2020Jan1 + 12 * cHour, 60}, {test::cZoneBerlin, c2020Jul1 + 12 * cHour, 120},
+      // Spring: 01:59:59 CET, then 03:00 CEST; 02:30 never shows on a clock and takes the offset before.
+      {test::cZoneBerlin, c2020Mar29 + 2 * cHour - cMinute, 60}, {test::cZoneBerlin, c2020Mar29 + 3 * cHour, 120},
+      {test::cZoneBerlin, c2020Mar29 + 2.5 * cHour, 60},
+      // Autumn: a local 02:30 shows twice and means the first, in summer time.
+      {test::cZoneBerlin, c2020Oct25 + 2.5 * cHour, 120}, {test::cZoneBerlin, c2020Oct25 + 3 * cHour, 60},
+      {test::cZoneNewfoundland, c2020Jan1, -210}, {test::cZoneBerlin, INFINITY, 0}};
+  for (const auto& [zoneName, moment, minutes] : cases) {
+    TimeZoneScope zone(zoneName);
+    EXPECT_EQ(VnCalcTimeZoneOffset(moment), minutes) << zoneName << " " << moment;
+  }
+  TimeZoneScope berlin(test::cZoneBerlin);
+  EXPECT_EQ(OffsetParts(c2020Jul1), std::tuple(false, 2, 0));
+  TimeZoneScope newfoundland(test::cZoneNewfoundland);
+  EXPECT_EQ(OffsetParts(c2020Jul1), std::tuple(true, 2, 30));
 }
 
-TEST(TimeZone, UnrepresentableValuesPassThrough) {
-  TimeZoneScope zone(test::cZoneBerlin);
-  EXPECT_EQ(VnLocalToUTC(1e300), 1e300);
+TEST(TimeZone, ConversionsBothWays) {
+  const auto toUTC = VnLocalToUTC, toLocal = VnUTCToLocal;
+  const std::tuple<const char*, TDateTime (*)(TDateTime), TDateTime, TDateTime> cases[] = {
+      {test::cZoneBerlin, toUTC, c2020Jul1 + 12 * cHour, c2020Jul1 + 10 * cHour},
+      // Spring: 03:00 CEST is 01:00 UTC; a skipped 02:30 is read with the offset before the switch.
+      {test::cZoneBerlin, toUTC, c2020Mar29 + 3 * cHour, c2020Mar29 + 1 * cHour},
+      {test::cZoneBerlin, toLocal, c2020Mar29 + 1 * cHour, c2020Mar29 + 3 * cHour},
+      {test::cZoneBerlin, toLocal, c2020Mar29 + 1 * cHour - cMinute, c2020Mar29 + 2 * cHour - cMinute},
+      {test::cZoneBerlin, toUTC, c2020Mar29 + 2.5 * cHour, c2020Mar29 + 1.5 * cHour},
+      // Autumn: 00:30 and 01:30 UTC both show 02:30; a local 02:30 means the first of them.
+      {test::cZoneBerlin, toLocal, c2020Oct25 + 0.5 * cHour, c2020Oct25 + 2.5 * cHour},
+      {test::cZoneBerlin, toLocal, c2020Oct25 + 1.5 * cHour, c2020Oct25 + 2.5 * cHour},
+      {test::cZoneBerlin, toUTC, c2020Oct25 + 2.5 * cHour, c2020Oct25 + 0.5 * cHour},
+      {test::cZoneBerlin, toUTC, c2020Oct25 + 3 * cHour, c2020Oct25 + 2 * cHour},
+      // A negative offset with minutes: local 22:00 is already the next day in UTC.
+      {test::cZoneNewfoundland, toUTC, c2020Jan1 + 22 * cHour, c2020Jan1 + 1 + 1.5 * cHour},
+      // Before 1900 time still counts forwards: -1.25 is 1899-12-29 06:00, 05:00 UTC is -1.2083...,
+      // not -1.2916... as plain subtraction gives; 1899-12-30 00:30 local is 1899-12-29 23:30 UTC.
+      {test::cZoneBerlin, toUTC, -1.25, -(1 + 5 * cHour)},
+      {test::cZoneBerlin, toLocal, -(1 + 5 * cHour), -1.25},
+      {test::cZoneBerlin, toUTC, 0.5 * cHour, -(1 + 23.5 * cHour)},
+      // Values no clock shows pass through.
+      {test::cZoneBerlin, toUTC, 1e300, 1e300}};
+  for (const auto& [zoneName, convert, from, to] : cases) {
+    TimeZoneScope zone(zoneName);
+    EXPECT_NEAR(convert(from), to, cMoment) << zoneName << " " << from;
+  }
   EXPECT_TRUE(std::isnan(VnUTCToLocal(NAN)));
-  EXPECT_EQ(VnCalcTimeZoneOffset(INFINITY), 0);
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "common/message_of.h"
 #include "vnxml/common/encoding.h"
@@ -22,12 +24,14 @@ UnicodeString DecodeExact(Word ACodePage, std::string_view ABytes) {
   return TVnEncoding::GetEncoding(ACodePage)->GetString(std::string_view(block.get(), ABytes.size()));
 }
 
+// Bytes in a code page and the text they stand for.
+struct Case {
+  Word CodePage;
+  std::string Bytes;
+  std::u16string Text;
+};
+
 TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
-  struct Case {
-    Word CodePage;
-    std::string Bytes;
-    std::u16string Text;
-  };
   const Case cases[] = {
       {65001, "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"a\u00E9\u20AC\U0001F600"},
       {1200, std::string("a\0\xAC\x20=\xD8\0\xDE", 8), u"a\u20AC\U0001F600"},
@@ -49,42 +53,32 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
     EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes);
     EXPECT_EQ(TVnEncoding::ConvertA(c.Bytes, c.CodePage), c.Text);
   }
-  EXPECT_EQ(TVnEncoding::GetEncoding(0), TVnEncoding::UTF8());  // the 8-bit default
-  EXPECT_EQ(TVnEncoding::GetEncoding(1252), TVnEncoding::GetEncoding(1252));  // cached
-  EXPECT_EQ(TVnEncoding::UTF8()->GetPreamble(), "\xEF\xBB\xBF");
-  EXPECT_EQ(TVnEncoding::GetEncoding(1252)->GetPreamble(), "");
-}
-
-TEST(VnEncoding, UnknownCodePageRaises) {
+  // 0 is the 8-bit default; encodings are cached.
+  EXPECT_EQ((std::tuple{TVnEncoding::GetEncoding(0), TVnEncoding::GetEncoding(1252)}),
+            std::tuple(TVnEncoding::UTF8(), TVnEncoding::GetEncoding(1252)));
+  EXPECT_EQ((std::tuple{TVnEncoding::UTF8()->GetPreamble(), TVnEncoding::GetEncoding(1252)->GetPreamble()}),
+            std::tuple("\xEF\xBB\xBF", ""));
+  // An unknown code page raises, and again: failures aren't cached.
   EXPECT_EQ(test::MessageOf<EVnException>([] { TVnEncoding::GetEncoding(4); }), u"Unsupported code page 4");
-  // and again: failures aren't cached
   EXPECT_EQ(test::CodeOf<EVnException>([] { TVnEncoding::ConvertA("x", 4); }), cVnErrUnknownEncoding);
 }
 
 TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {
-  EXPECT_EQ(TVnEncoding::ConvertW(u"a\u4E2Db\U0001F600c", 1252), "a?b?c");
-  EXPECT_EQ(TVnEncoding::ConvertW(u"a\u0100b\U0001F600c", 28591), "a?b?c");
-  EXPECT_EQ(TVnEncoding::ConvertW(u"\u00E9", 20127), "?");
-  EXPECT_EQ(TVnEncoding::ConvertW(u"\u00E9\u0E01", 932), "??");
   // Lone surrogates can't be encoded as Unicode either.
-  EXPECT_EQ(TVnEncoding::ConvertW(u"a\xD800", 65001), "a\xEF\xBF\xBD");
-  EXPECT_EQ(TVnEncoding::ConvertW(u"\xDC00" u"a", 12000), std::string("\xFD\xFF\0\0a\0\0\0", 8));
+  const Case cases[] = {
+      {1252, "a?b?c", u"a\u4E2Db\U0001F600c"}, {28591, "a?b?c", u"a\u0100b\U0001F600c"}, {20127, "?", u"\u00E9"},
+      {932, "??", u"\u00E9\u0E01"}, {65001, "a\xEF\xBF\xBD", u"a\xD800"},
+      {12000, std::string("\xFD\xFF\0\0a\0\0\0", 8), u"\xDC00" u"a"}};
+  for (const Case& c : cases) EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes) << c.CodePage;
 }
 
 TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
-  struct Case {
-    Word CodePage;
-    std::string Bytes;
-    std::u16string Text;
-  };
   const Case cases[] = {
       // UTF-8: one U+FFFD per maximal bad subpart.
-      {65001, "\x80", u"\uFFFD"},
+      {65001, "\x80", u"\uFFFD"}, {65001, "\xF0\x9F\x98", u"\uFFFD"}, {65001, "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
       {65001, "a\xC3", u"a\uFFFD"},                 // truncated at the end
       {65001, "\xE2\x82", u"\uFFFD"},               // truncated three-byte sequence: one subpart
-      {65001, "\xF0\x9F\x98", u"\uFFFD"},
       {65001, "\xC0\xAF", u"\uFFFD\uFFFD"},         // overlong
-      {65001, "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
       {65001, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},  // an encoded surrogate
       {65001, "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
       {65001, "\xF5\xFF", u"\uFFFD\uFFFD"}, {65001, "\xC3(\xC3\xA9", u"\uFFFD(\u00E9"},
@@ -93,12 +87,10 @@ TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
       // UTF-16/32: a truncated tail is one replacement, lone surrogates stay as they are.
       {1200, "a", u"\uFFFD"}, {1200, std::string("a\0b", 3), u"a\uFFFD"},
       {1201, std::string("\0a\0", 3), u"a\uFFFD"}, {1200, std::string("\0\xD8", 2), u"\xD800"},
-      {12000, std::string("a\0\0\0b\0", 6), u"a\uFFFD"},
+      {12000, std::string("a\0\0\0b\0", 6), u"a\uFFFD"}, {20127, "a\x80", u"a\uFFFD"}, {20932, "\xC6", u"\uFFFD"},
       {12000, std::string("\0\0\x11\0", 4), u"\uFFFD"},  // beyond U+10FFFF
       {12001, std::string("\0\0\xD8\0", 4), u"\uFFFD"},  // a surrogate code point
-      {20127, "a\x80", u"a\uFFFD"},
       {932, "\x81", u"\uFFFD"},                     // a lead byte with nothing behind it
-      {20932, "\xC6", u"\uFFFD"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << c.CodePage << " " << testing::PrintToString(c.Bytes));
@@ -115,14 +107,16 @@ TEST(VnEncoding, Utf8DecoderAgreesWithIcuOnRandomInput) {
   UConverter* icu = ucnv_open("UTF-8", &err);
   ASSERT_TRUE(U_SUCCESS(err));
   std::mt19937 rng(42);
-  const uint8_t pieces[] = {'a', 0x80, 0xBF, 0xC2, 0xC3, 0xDF, 0xE0, 0xE2, 0xED, 0xEF, 0xF0, 0xF4, 0xF5, 0x9F, 0xA0, 0x90, 0x8F};
+  const uint8_t pieces[] = {'a',  0x80, 0xBF, 0xC2, 0xC3, 0xDF, 0xE0, 0xE2, 0xED,
+                            0xEF, 0xF0, 0xF4, 0xF5, 0x9F, 0xA0, 0x90, 0x8F};
   for (int round = 0; round < 2000; ++round) {
     std::string bytes(rng() % 40, '\0');
     for (char& b : bytes) b = static_cast<char>(pieces[rng() % sizeof(pieces)]);
     std::u16string expected(bytes.size() * 2 + 4, u'\0');
     err = U_ZERO_ERROR;
-    const int32_t n = ucnv_toUChars(icu, reinterpret_cast<UChar*>(expected.data()), static_cast<int32_t>(expected.size()),
-                                    bytes.data(), static_cast<int32_t>(bytes.size()), &err);
+    const int32_t n = ucnv_toUChars(icu, reinterpret_cast<UChar*>(expected.data()),
+                                    static_cast<int32_t>(expected.size()), bytes.data(),
+                                    static_cast<int32_t>(bytes.size()), &err);
     ASSERT_TRUE(U_SUCCESS(err));
     expected.resize(static_cast<size_t>(n));
     ASSERT_EQ(DecodeExact(65001, bytes), expected) << testing::PrintToString(bytes);
@@ -145,10 +139,7 @@ TEST(VnEncoding, Utf8RoundTripsEveryCodePoint) {
   const RawByteString utf8 = TVnEncoding::UTF8()->GetBytes(text);
   EXPECT_EQ(utf8, UnicodeToUtf8(text));
   EXPECT_EQ(DecodeExact(65001, utf8), text);
-}
-
-// ASCII whose length is a multiple of the encoder's block once read one unit past its end.
-TEST(VnEncoding, Utf8EncodingOfBlockSizedAsciiStopsAtTheEnd) {
+  // ASCII whose length is a multiple of the encoder's block once read one unit past its end.
   for (size_t n : {8u, 16u, 24u, 40u}) {
     std::unique_ptr<char16_t[]> block(new char16_t[n]);
     std::fill(block.get(), block.get() + n, u'a');
@@ -157,17 +148,14 @@ TEST(VnEncoding, Utf8EncodingOfBlockSizedAsciiStopsAtTheEnd) {
 }
 
 TEST(VnEncoding, Utf8CompletePrefixStopsBeforeAnUnfinishedCharacter) {
-  struct Case {
-    std::string Bytes;
-    size_t Prefix;
-  };
-  const Case cases[] = {
+  const std::pair<std::string, size_t> cases[] = {
       {"", 0},           {"abc", 3},           {"a\xC3", 1},        {"a\xC3\xA9", 3},   {"a\xE2\x82", 1},
       {"a\xF0\x9F\x98", 1}, {"a\xF0\x9F\x98\x80", 5}, {"a\x80", 2},  // a stray continuation byte isn't waited for
       {"a\xE0\x80", 3},  // can never become valid: decode it now
       {"a\xFF", 2},
   };
-  for (const Case& c : cases) EXPECT_EQ(detail::Utf8CompletePrefix(c.Bytes), c.Prefix) << testing::PrintToString(c.Bytes);
+  for (const auto& [bytes, prefix] : cases)
+    EXPECT_EQ(detail::Utf8CompletePrefix(bytes), prefix) << testing::PrintToString(bytes);
 }
 
 }  // namespace

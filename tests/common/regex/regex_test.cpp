@@ -2,9 +2,11 @@
 // failures, and the shared pattern cache under concurrent use.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "common/message_of.h"
@@ -18,15 +20,9 @@ std::string Narrow(std::u16string_view AText) { return std::string(AText.begin()
 
 // ---- options ----
 
-struct OptionCase {
-  std::u16string_view Pattern;
-  TRegExOptions Options;
-  std::u16string_view Input;
-  bool Expected;
-};
-
 TEST(TRegEx, OptionsChangeWhatMatches) {
-  const OptionCase cases[] = {
+  // Pattern, options, input, whether it matches.
+  const std::tuple<std::u16string_view, TRegExOptions, std::u16string_view, bool> cases[] = {
       {u"b", {}, u"ABC", false}, {u"b", {roIgnoreCase}, u"ABC", true}, {u"^b$", {}, u"a\nb", false},
       {u"^b$", {roMultiLine}, u"a\nb", true}, {u"a.b", {}, u"a\nb", false},
       {u"a.b", {roSingleLine}, u"a\nb", true}, {u"a b  c # comment", {}, u"abc", false},
@@ -35,30 +31,27 @@ TEST(TRegEx, OptionsChangeWhatMatches) {
       {u"\u00E9", {roIgnoreCase}, u"\u00C9", true},  // case folding beyond ASCII
       {u"", {}, u"anything", true},
   };
-  for (const OptionCase& c : cases)
-    EXPECT_EQ(TRegEx::IsMatch(c.Input, c.Pattern, c.Options), c.Expected) << Narrow(c.Pattern);
+  for (const auto& [pattern, options, input, expected] : cases)
+    EXPECT_EQ(TRegEx::IsMatch(input, pattern, options), expected) << Narrow(pattern);
 }
 
-TEST(TRegEx, ExplicitCaptureKeepsOnlyNamedGroups) {
+TEST(TRegEx, ExplicitCaptureAndNotEmptyShapeTheMatch) {
   const std::u16string pattern = u"(a)(?<n>b)(c)";
   EXPECT_EQ(TRegEx(pattern).Match(u"abc").GetGroups().GetCount(), 4);
   const TMatch explicitOnly = TRegEx(pattern, {roExplicitCapture}).Match(u"abc");
   ASSERT_EQ(explicitOnly.GetGroups().GetCount(), 2);
   EXPECT_EQ(explicitOnly.GetGroups()[u"n"].GetValue(), u"b");
-}
 
-TEST(TRegEx, NotEmptySkipsEmptyMatches) {
   EXPECT_EQ(TRegEx(u"a*").Match(u"baa").GetIndex(), 1);
   const TMatch m = TRegEx(u"a*", {roNotEmpty}).Match(u"baa");
-  EXPECT_EQ(m.GetIndex(), 2);
-  EXPECT_EQ(m.GetValue(), u"aa");
+  EXPECT_EQ((std::tuple{m.GetIndex(), m.GetValue()}), std::tuple(2, u"aa"));
 }
 
 // ---- UTF-16 ----
 
 TEST(TRegEx, SurrogatePairsAreOneCharacter) {
-  EXPECT_TRUE(TRegEx::IsMatch(u"\U0001F600", u"^.$"));
-  EXPECT_TRUE(TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}"));
+  EXPECT_EQ((std::tuple{TRegEx::IsMatch(u"\U0001F600", u"^.$"), TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}")}),
+            std::tuple(true, true));
   EXPECT_EQ(TRegEx::Replace(u"a\U0001F600b", u".", u"-"), u"---");
   // Positions and lengths count code units.
   const TMatch m = TRegEx::Match(u"\U0001F600bc", u"b.");
@@ -69,8 +62,7 @@ TEST(TRegEx, SurrogatePairsAreOneCharacter) {
 
 TEST(TRegEx, LoneSurrogatesInTheInputDoNotFail) {
   const std::u16string lone = u"a\xD800" u"b";
-  EXPECT_TRUE(TRegEx::IsMatch(lone, u"b"));
-  EXPECT_FALSE(TRegEx::IsMatch(u"\xDC00", u"x"));
+  EXPECT_EQ((std::tuple{TRegEx::IsMatch(lone, u"b"), TRegEx::IsMatch(u"\xDC00", u"x")}), std::tuple(true, false));
   EXPECT_EQ(TRegEx::Replace(lone, u"[ab]", u"x"), u"x\xD800x");
 }
 
@@ -79,33 +71,25 @@ TEST(TRegEx, LoneSurrogatesInTheInputDoNotFail) {
 TEST(TRegEx, MatchReportsPositionValueAndGroups) {
   const TMatch m = TRegEx::Match(u"x 12-ab y", u"(\\d+)-(?<word>\\w+)");
   ASSERT_TRUE(m.GetSuccess());
-  EXPECT_EQ(m.GetIndex(), 3);
-  EXPECT_EQ(m.GetLength(), 5);
-  EXPECT_EQ(m.GetValue(), u"12-ab");
+  EXPECT_EQ((std::tuple{m.GetIndex(), m.GetLength(), m.GetValue()}), std::tuple(3, 5, u"12-ab"));
   ASSERT_EQ(m.GetGroups().GetCount(), 3);
-  EXPECT_EQ(m.GetGroups()[1].GetValue(), u"12");
-  EXPECT_EQ(m.GetGroups()[1].GetIndex(), 3);
-  EXPECT_EQ(m.GetGroups()[u"word"].GetValue(), u"ab");
-  EXPECT_EQ(m.GetGroups()[u"word"].GetIndex(), 6);
+  const TGroup number = m.GetGroups()[1], word = m.GetGroups()[u"word"];
+  EXPECT_EQ((std::tuple{number.GetValue(), number.GetIndex(), word.GetValue(), word.GetIndex()}),
+            std::tuple(u"12", 3, u"ab", 6));
 
   const TMatch alternative = TRegEx::Match(u"b", u"(a)|(b)");
-  EXPECT_FALSE(alternative.GetGroups()[1].GetSuccess());
-  EXPECT_EQ(alternative.GetGroups()[1].GetIndex(), 0);
-  EXPECT_TRUE(alternative.GetGroups()[2].GetSuccess());
+  EXPECT_EQ((std::tuple{alternative.GetGroups()[1].GetSuccess(), alternative.GetGroups()[1].GetIndex(),
+                        alternative.GetGroups()[2].GetSuccess()}),
+            std::tuple(false, 0, true));
 
   const TMatch none = TRegEx::Match(u"abc", u"\\d");
-  EXPECT_FALSE(none.GetSuccess());
-  EXPECT_EQ(none.GetIndex(), 0);
-  EXPECT_EQ(none.GetValue(), u"");
-  EXPECT_FALSE(none.NextMatch().GetSuccess());
+  EXPECT_EQ((std::tuple{none.GetSuccess(), none.GetIndex(), none.GetValue(), none.NextMatch().GetSuccess()}),
+            std::tuple(false, 0, u"", false));
 }
 
 TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
-  TMatch m;
-  {
-    const std::u16string input = u"a1b22c333";
-    m = TRegEx(u"\\d+").Match(input);
-  }  // the match keeps its own copy of the input
+  // The input is a temporary: the match keeps its own copy of it.
+  TMatch m = TRegEx(u"\\d+").Match(std::u16string(u"a1b22c333"));
   std::vector<std::u16string> found;
   for (; m.GetSuccess(); m = m.NextMatch()) found.push_back(m.GetValue());
   EXPECT_EQ(found, (std::vector<std::u16string>{u"1", u"22", u"333"}));
@@ -114,10 +98,8 @@ TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
 TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
   const TMatchCollection all = TRegEx(u"x*").Matches(u"abc");
   ASSERT_EQ(all.GetCount(), 4);
-  for (Integer i = 0; i < all.GetCount(); ++i) {
-    EXPECT_EQ(all[i].GetIndex(), i + 1);
-    EXPECT_EQ(all[i].GetLength(), 0);
-  }
+  for (Integer i = 0; i < all.GetCount(); ++i)
+    EXPECT_EQ((std::tuple{all[i].GetIndex(), all[i].GetLength()}), std::tuple(i + 1, 0));
   EXPECT_EQ(TRegEx::Matches(u"one two  three", u"\\w+")[2].GetValue(), u"three");
   EXPECT_EQ(TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), 2);  // from a 1-based start position
   EXPECT_TRUE(TRegEx(u"c").IsMatch(u"abc", 3));
@@ -126,15 +108,9 @@ TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
 
 // ---- replacement ----
 
-struct ReplaceCase {
-  std::u16string_view Pattern;
-  std::u16string_view Input;
-  std::u16string_view Replacement;
-  std::u16string_view Expected;
-};
-
 TEST(TRegEx, ReplacementReferences) {
-  const ReplaceCase cases[] = {
+  // Pattern, input, replacement, result.
+  const std::tuple<std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view> cases[] = {
       {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
       {u"b+", u"abbc", u"[$0|$&|\\0]", u"a[bb|bb|bb]c"},
       {u"(?<y>\\d{4})-(\\d\\d)", u"2024-05", u"${2}/${y}", u"05/2024"}, {u"b", u"abc", u"$$\\\\", u"a$\\c"},
@@ -145,8 +121,8 @@ TEST(TRegEx, ReplacementReferences) {
       {u"b", u"abc", u"<$`|$'|$_>", u"a<a|c|abc>c"}, {u"x*", u"abc", u"-", u"-a-b-c-"},
       {u"b", u"abc", u"$", u"a$c"}, {u"b", u"abc", u"${", u"a${c"}, {u"\\s+", u"a  b\t\tc", u" ", u"a b c"},
   };
-  for (const ReplaceCase& c : cases)
-    EXPECT_EQ(TRegEx::Replace(c.Input, c.Pattern, c.Replacement), c.Expected) << Narrow(c.Replacement);
+  for (const auto& [pattern, input, replacement, expected] : cases)
+    EXPECT_EQ(TRegEx::Replace(input, pattern, replacement), expected) << Narrow(replacement);
 }
 
 TEST(TRegEx, ReplaceWithCountAndEvaluator) {
@@ -155,8 +131,7 @@ TEST(TRegEx, ReplaceWithCountAndEvaluator) {
   EXPECT_EQ(digits.Replace(u"1a2b3", u"#"), u"#a#b#");
   EXPECT_EQ(digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }),
             u"11a22b33");
-  EXPECT_EQ(TRegEx(u"\\w+").Replace(
-                u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1),
+  EXPECT_EQ(TRegEx(u"\\w+").Replace(u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1),
             u"AB cd");
 }
 
@@ -183,23 +158,18 @@ TEST(TRegEx, BadPatternsRaiseWithPcresMessage) {
             u"Error in regular expression at offset 4: missing closing parenthesis");
 }
 
-TEST(TRegEx, MisuseRaisesInsteadOfCrashing) {
-  EXPECT_THROW(TRegEx().IsMatch(u"a"), ERegularExpressionError);
-  EXPECT_THROW(TRegEx().Split(u"a"), ERegularExpressionError);
-  const TRegEx any(u"(a)");
-  EXPECT_THROW(any.IsMatch(u"abc", 0), ERegularExpressionError);
-  EXPECT_THROW(any.IsMatch(u"abc", 5), ERegularExpressionError);
+TEST(TRegEx, MisuseAndRunawayBacktrackingRaiseInsteadOfCrashing) {
+  const TRegEx none{}, any(u"(a)");
   EXPECT_FALSE(any.IsMatch(u"abc", 4));  // just behind the end is a valid start
   const TMatch m = any.Match(u"a");
-  EXPECT_THROW(m.GetGroups()[2], ERegularExpressionError);
-  EXPECT_THROW(m.GetGroups()[-1], ERegularExpressionError);
-  EXPECT_THROW(m.GetGroups()[u"nope"], ERegularExpressionError);
-  EXPECT_THROW(any.Matches(u"aa")[2], ERegularExpressionError);
-}
-
-TEST(TRegEx, RunawayBacktrackingStopsWithAnError) {
-  const std::u16string input = std::u16string(40, u'a') + u"b";
-  EXPECT_THROW(TRegEx::IsMatch(input, u"^(a|aa)+$"), ERegularExpressionError);
+  // No pattern, a start outside the input, a group or match that isn't there.
+  const std::function<void()> misuses[] = {
+      [&] { none.IsMatch(u"a"); },       [&] { none.Split(u"a"); },       [&] { any.IsMatch(u"abc", 0); },
+      [&] { any.IsMatch(u"abc", 5); },   [&] { m.GetGroups()[2]; },       [&] { m.GetGroups()[-1]; },
+      [&] { m.GetGroups()[u"nope"]; },   [&] { any.Matches(u"aa")[2]; }};
+  for (size_t i = 0; i < std::size(misuses); ++i) EXPECT_THROW(misuses[i](), ERegularExpressionError) << i;
+  // Runaway backtracking stops with an error too.
+  EXPECT_THROW(TRegEx::IsMatch(std::u16string(40, u'a') + u"b", u"^(a|aa)+$"), ERegularExpressionError);
 }
 
 TEST(TRegEx, ArbitraryPatternsCompileOrRaise) {
@@ -250,8 +220,9 @@ TEST(TRegEx, ConcurrentStaticCallsShareTheCache) {
 
 TEST(TRegEx, EscapeQuotesMetacharacters) {
   const UnicodeString text = u"a.b*c+(d)[e]{f}^$|?\\-#";
-  EXPECT_TRUE(TRegEx::IsMatch(text, u"^" + TRegEx::Escape(text) + u"$"));
-  EXPECT_FALSE(TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b")));
+  EXPECT_EQ((std::tuple{TRegEx::IsMatch(text, u"^" + TRegEx::Escape(text) + u"$"),
+                        TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b"))}),
+            std::tuple(true, false));
   EXPECT_EQ(TRegEx::Escape(u"*.txt?", true), u".*\\.txt.");
   EXPECT_TRUE(TRegEx::IsMatch(u"notes.txt", u"^" + TRegEx::Escape(u"*.tx?", true) + u"$"));
 }

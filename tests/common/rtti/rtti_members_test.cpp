@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <memory>
+#include <tuple>
 
 #include "shop_domain.h"
+#include "support/raises.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant.h"
@@ -26,88 +28,89 @@ std::vector<UnicodeString> Names(const auto& AMembers) {
   return names;
 }
 
-UnicodeString HintOf(const TRttiObject* AObject, size_t AIndex = 0) {
-  const auto& attrs = AObject->GetAttributes();
-  if (AIndex >= attrs.size()) return u"<none>";
-  auto* hint = CastObject<THint>(attrs[AIndex]);
-  return hint ? hint->FValue : u"<other>";
+std::vector<UnicodeString> Hints(const TRttiObject* AObject) {
+  std::vector<UnicodeString> hints;
+  for (auto* attribute : AObject->GetAttributes()) {
+    auto* hint = CastObject<THint>(attribute);
+    hints.push_back(hint ? hint->FValue : u"(other)");
+  }
+  return hints;
 }
+using V = std::vector<UnicodeString>;
+
+// A shop and its type, which most member tests read and write.
+class RttiMembers : public testing::Test {
+ protected:
+  TShop shop;
+  TRttiType* type = TRttiContext::GetType(TShop::StaticClass());
+};
+using RttiMethods = RttiMembers;
 
 TEST(RttiTypes, LookupByNameAndClass) {
   TRttiType* item = TypeOfName(u"uShop.TItem");
   EXPECT_EQ(TypeOfName(u"tshop"), TypeOfName(u"USHOP.TSHOP"));  // short and qualified, any case
-  EXPECT_EQ(item->QualifiedName(), u"uShop.TItem");
-  EXPECT_EQ(TRttiContext::GetType(TItem::StaticClass()), item);
-  EXPECT_EQ(TRttiContext::FindType(u"uShop.TNoSuchType"), nullptr);
-  EXPECT_EQ(item->BaseType(), TypeOfName(u"uShop.TNamed"));
-  EXPECT_EQ(item->BaseType()->BaseType(), TypeOfName(u"System.TObject"));
-  EXPECT_EQ(item->BaseType()->BaseType()->BaseType(), nullptr);
+  EXPECT_EQ((std::tuple{item->QualifiedName(), TRttiContext::GetType(TItem::StaticClass()),
+                        TRttiContext::FindType(u"uShop.TNoSuchType")}),
+            std::tuple(u"uShop.TItem", item, nullptr));
+  EXPECT_EQ((std::tuple{item->BaseType(), item->BaseType()->BaseType(), item->BaseType()->BaseType()->BaseType()}),
+            std::tuple(TypeOfName(u"uShop.TNamed"), TypeOfName(u"System.TObject"), nullptr));
 
   // A class that was never registered still has a type, with its ancestors' members.
   TRttiType* special = TRttiContext::GetType(TSpecialItem::StaticClass());
   ASSERT_NE(special, nullptr);
-  EXPECT_EQ(special->Name(), u"TSpecialItem");
-  EXPECT_EQ(special->BaseType(), item);
+  EXPECT_EQ((std::tuple{special->Name(), special->BaseType()}), std::tuple(u"TSpecialItem", item));
   // Naming it from C++ must not hand it its registered ancestor's names.
   EXPECT_EQ(TypeInfoOf<TSpecialItem*>()->Name, u"TSpecialItem");
   EXPECT_EQ(TypeOfName(u"uShop.TItem"), item);
 }
 
 TEST(RttiTypes, BuiltinsAreDistinctNamedTypes) {
-  EXPECT_EQ(TypeInfoOf<UnicodeString>()->Name, u"string");
-  EXPECT_EQ(TypeInfoOf<UnicodeString>()->QualifiedName, u"System.string");
-  EXPECT_EQ(FindTypeInfo(u"UnicodeString"), TypeInfoOf<UnicodeString>());
-  EXPECT_EQ(TypeInfoOf<VnXMLString>()->Name, u"VnXMLString");
-  EXPECT_EQ(TypeInfoOf<VnJSONString>()->Name, u"VnJSONString");
+  const TTypeInfo* string = TypeInfoOf<UnicodeString>();
+  EXPECT_EQ((std::tuple{string->Name, string->QualifiedName, FindTypeInfo(u"UnicodeString")}),
+            std::tuple(u"string", u"System.string", string));
+  EXPECT_EQ((std::tuple{TypeInfoOf<VnXMLString>()->Name, TypeInfoOf<VnJSONString>()->Name}),
+            std::tuple(u"VnXMLString", u"VnJSONString"));
   for (const char16_t* date : {u"TDateTime", u"TDate", u"TTime"}) {
     const TTypeInfo* t = FindTypeInfo(date);
     ASSERT_NE(t, nullptr);
-    EXPECT_EQ(t->Kind, tkFloat);
-    EXPECT_NE(t, TypeInfoOf<Double>());
+    EXPECT_EQ((std::tuple{t->Kind, t == TypeInfoOf<Double>()}), std::tuple(tkFloat, false)) << test::U8(date);
   }
   const TTypeInfo* boolean = TypeInfoOf<bool>();
-  EXPECT_EQ(boolean->Kind, tkEnumeration);
-  EXPECT_EQ(GetEnumName(boolean, 1), u"True");
-  EXPECT_EQ(GetEnumValue(boolean, u"false"), 0);
+  EXPECT_EQ((std::tuple{boolean->Kind, GetEnumName(boolean, 1), GetEnumValue(boolean, u"false")}),
+            std::tuple(tkEnumeration, u"True", 0));
 }
 
-TEST(RttiMembers, OwnFirstThenInheritedNamesMayRepeat) {
+TEST_F(RttiMembers, OwnFirstThenInheritedNamesMayRepeat) {
   TRttiType* item = TypeOfName(u"uShop.TItem");
-  EXPECT_EQ(Names(item->GetProperties()), (std::vector<UnicodeString>{u"Name", u"Price", u"Color", u"Name"}));
-  EXPECT_EQ(Names(item->GetFields()), std::vector<UnicodeString>{u"Tag"});
+  EXPECT_EQ(Names(item->GetProperties()), (V{u"Name", u"Price", u"Color", u"Name"}));
+  EXPECT_EQ(Names(item->GetFields()), V{u"Tag"});
   // The derived Name wins a lookup, whatever the case.
   TRttiProperty* name = item->GetProperty(u"NAME");
   ASSERT_NE(name, nullptr);
-  EXPECT_EQ(name->Parent(), item);
-  EXPECT_FALSE(name->IsWritable());
-  EXPECT_EQ(item->GetField(u"tag")->Parent(), TypeOfName(u"uShop.TNamed"));
-  EXPECT_EQ(item->GetField(u"Price"), nullptr);  // a property, not a field
-  EXPECT_EQ(item->GetIndexedProperty(u"Items"), nullptr);
+  EXPECT_EQ((std::tuple{name->Parent(), name->IsWritable(), item->GetField(u"tag")->Parent()}),
+            std::tuple(item, false, TypeOfName(u"uShop.TNamed")));
+  // Price is a property, not a field.
+  EXPECT_EQ((std::tuple{item->GetField(u"Price"), item->GetIndexedProperty(u"Items")}), std::tuple(nullptr, nullptr));
 }
 
-TEST(RttiMembers, VisibilityIsOrdered) {
-  TRttiType* shop = TypeOfName(u"uShop.TShop");
-  EXPECT_EQ(shop->GetField(u"Secret")->Visibility(), mvPrivate);
-  EXPECT_EQ(shop->GetProperty(u"Internal")->Visibility(), mvProtected);
-  EXPECT_EQ(shop->GetField(u"Address")->Visibility(), mvPublic);
-  EXPECT_EQ(shop->GetProperty(u"Colors")->Visibility(), mvPublished);
+TEST_F(RttiMembers, VisibilityIsOrdered) {
+  EXPECT_EQ(type, TypeOfName(u"uShop.TShop"));
+  EXPECT_EQ((std::tuple{type->GetField(u"Secret")->Visibility(), type->GetProperty(u"Internal")->Visibility(),
+                        type->GetField(u"Address")->Visibility(), type->GetProperty(u"Colors")->Visibility()}),
+            std::tuple(mvPrivate, mvProtected, mvPublic, mvPublished));
 }
 
-TEST(RttiMembers, AttributesInDeclaredOrder) {
+TEST_F(RttiMembers, AttributesInDeclaredOrder) {
   TRttiType* item = TypeOfName(u"uShop.TItem");
-  TRttiProperty* name = item->GetProperty(u"Name");
-  ASSERT_EQ(name->GetAttributes().size(), 2u);
-  EXPECT_EQ(HintOf(name, 0), u"first");
-  EXPECT_EQ(HintOf(name, 1), u"second");
-  EXPECT_EQ(HintOf(item->GetField(u"Tag")), u"tag");
-  EXPECT_TRUE(item->GetProperty(u"Price")->GetAttributes().empty());
-  EXPECT_EQ(HintOf(TypeOfName(u"uShop.TShop")), u"shop");
-  EXPECT_EQ(HintOf(TypeInfoOf<TColor>()->RttiType), u"cl");  // on an enumeration type
+  EXPECT_EQ(Hints(item->GetProperty(u"Name")), (V{u"first", u"second"}));
+  EXPECT_EQ(Hints(item->GetField(u"Tag")), V{u"tag"});
+  EXPECT_EQ(Hints(item->GetProperty(u"Price")), V{});
+  EXPECT_EQ(Hints(TypeOfName(u"uShop.TShop")), V{u"shop"});
+  EXPECT_EQ(Hints(TypeInfoOf<TColor>()->RttiType), V{u"cl"});  // on an enumeration type
 }
 
-TEST(RttiMembers, ReadAndWriteObjectMembers) {
-  TShop shop(u"Corner");
-  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+TEST_F(RttiMembers, ReadAndWriteObjectMembers) {
+  shop.SetName(u"Corner");
   EXPECT_EQ(type->GetProperty(u"Name")->GetValue(&shop).AsString(), u"Corner");
   type->GetProperty(u"Name")->SetValue(&shop, TValue::From(UnicodeString(u"Main")));
   EXPECT_EQ(shop.GetName(), u"Main");
@@ -122,8 +125,7 @@ TEST(RttiMembers, ReadAndWriteObjectMembers) {
   TRttiField* opened = type->GetField(u"Opened");
   EXPECT_EQ(opened->FieldTypeInfo(), FindTypeInfo(u"TDateTime"));
   opened->SetValue(&shop, TValue::From<Double>(45000.5));
-  EXPECT_EQ(shop.FOpened, 45000.5);
-  EXPECT_EQ(VarType(opened->GetValue(&shop).AsVariant()), varDate);
+  EXPECT_EQ((std::tuple{shop.FOpened, VarType(opened->GetValue(&shop).AsVariant())}), std::tuple(45000.5, varDate));
 
   // A value is a copy: changing it leaves the object alone.
   TValue name = type->GetProperty(u"Name")->GetValue(&shop);
@@ -135,9 +137,7 @@ TEST(RttiMembers, ReadAndWriteObjectMembers) {
   EXPECT_EQ(type->GetField(u"Secret")->GetValue(&shop).AsInteger(), 42);
 }
 
-TEST(RttiMembers, WritesConvertOrRefuse) {
-  TShop shop;
-  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+TEST_F(RttiMembers, WritesConvertOrRefuse) {
   EXPECT_THROW(type->GetProperty(u"Count")->SetValue(&shop, TValue::From<Integer>(1)), EPropertyError);
   EXPECT_THROW(type->GetField(u"Tag")->SetValue(&shop, TValue::From(UnicodeString(u"7"))), EInvalidCast);
   EXPECT_THROW(type->GetField(u"Tag")->GetValue(static_cast<TObject*>(nullptr)), EInvalidPointer);
@@ -160,7 +160,7 @@ TEST(RttiMembers, WritesConvertOrRefuse) {
   EXPECT_THROW(itemClass->SetValue(&shop, TValue::From<TClass>(TShop::StaticClass())), EInvalidCast);
 }
 
-TEST(RttiMembers, RecordsAtAnAddress) {
+TEST_F(RttiMembers, RecordsAtAnAddress) {
   TRttiType* address = TypeOfName(u"uShop.TAddress");
   TAddress a{u"High Street", 5};
   EXPECT_EQ(address->GetField(u"street")->GetValue(&a).AsString(), u"High Street");
@@ -168,8 +168,7 @@ TEST(RttiMembers, RecordsAtAnAddress) {
   EXPECT_EQ(a.Number, 9);
 
   // A record member of an object: its address inside the object takes writes.
-  TShop shop;
-  TRttiField* field = TRttiContext::GetType(shop.ClassType())->GetField(u"Address");
+  TRttiField* field = type->GetField(u"Address");
   void* inside = field->GetAddress(&shop);
   address->GetField(u"Street")->SetValue(inside, TValue::From(UnicodeString(u"Quay")));
   EXPECT_EQ(shop.FAddress.Street, u"Quay");
@@ -181,12 +180,10 @@ TEST(RttiMembers, RecordsAtAnAddress) {
   EXPECT_EQ(shop.FAddress.Number, 3);
 }
 
-TEST(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
-  TShop shop;
-  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+TEST_F(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
   TRttiField* lines = type->GetField(u"Lines");
-  EXPECT_EQ(lines->FieldType()->TypeKind(), tkDynArray);
-  EXPECT_EQ(lines->FieldType()->Name(), u"TArray<uShop.TLine>");
+  EXPECT_EQ((std::tuple{lines->FieldType()->TypeKind(), lines->FieldType()->Name()}),
+            std::tuple(tkDynArray, u"TArray<uShop.TLine>"));
   EXPECT_EQ(lines->FieldType()->GetElementType(), TypeOfName(u"uShop.TLine"));
 
   void* array = lines->GetAddress(&shop);
@@ -194,7 +191,8 @@ TEST(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
   EXPECT_EQ(DynArraySize(array, lines->FieldTypeInfo()), 2);
   TValue value = lines->GetValue(&shop);
   TValue line = value.GetArrayElement(1);
-  TypeOfName(u"uShop.TLine")->GetField(u"Sku")->SetValue(line.GetReferenceToRawData(), TValue::From(UnicodeString(u"A-1")));
+  TRttiField* sku = TypeOfName(u"uShop.TLine")->GetField(u"Sku");
+  sku->SetValue(line.GetReferenceToRawData(), TValue::From(UnicodeString(u"A-1")));
   value.SetArrayElement(1, line);
   lines->SetValue(&shop, value);
   EXPECT_EQ(shop.FLines[1].Sku, u"A-1");
@@ -202,29 +200,26 @@ TEST(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
   EXPECT_THROW(value.SetArrayElement(0, TValue::From<Integer>(1)), EInvalidCast);
 
   TRttiType* ratings = type->GetField(u"Ratings")->FieldType();
-  EXPECT_EQ(ratings->TypeKind(), tkArray);
-  EXPECT_EQ(ratings->Name(), u"array[0..2] of Integer");
+  EXPECT_EQ((std::tuple{ratings->TypeKind(), ratings->Name()}), std::tuple(tkArray, u"array[0..2] of Integer"));
   TValue r = type->GetField(u"Ratings")->GetValue(&shop);
   EXPECT_EQ(r.GetArrayLength(), 3);
   EXPECT_THROW(r.SetArrayLength(4), EInvalidCast);  // a static array keeps its size
 }
 
-TEST(RttiMembers, ElementMetaclassAndHandle) {
+TEST_F(RttiMembers, ElementMetaclassAndHandle) {
   TRttiType* colors = TRttiContext::GetType(TypeInfoOf<TColors>());
-  EXPECT_EQ(colors->TypeKind(), tkSet);
-  EXPECT_EQ(colors->QualifiedName(), u"uShop.TColors");
+  EXPECT_EQ((std::tuple{colors->TypeKind(), colors->QualifiedName()}), std::tuple(tkSet, u"uShop.TColors"));
   EXPECT_EQ(colors->GetElementType()->GetHandle(), TypeInfoOf<TColor>());
   TRttiType* itemClass = TRttiContext::GetType(TypeInfoOf<TClassRef<TItem>>());
-  EXPECT_EQ(itemClass->TypeKind(), tkClassRef);
-  EXPECT_EQ(itemClass->GetMetaclassType(), TItem::StaticClass());
+  EXPECT_EQ((std::tuple{itemClass->TypeKind(), itemClass->GetMetaclassType()}),
+            std::tuple(tkClassRef, TItem::StaticClass()));
   EXPECT_EQ(TypeOfName(u"uShop.TItem")->GetElementType(), nullptr);
 }
 
-TEST(RttiMembers, IndexedProperty) {
-  TShop shop;
+TEST_F(RttiMembers, IndexedProperty) {
   shop.Add(new TItem);
   shop.Add(new TItem);
-  TRttiIndexedProperty* items = TRttiContext::GetType(shop.ClassType())->GetIndexedProperty(u"items");
+  TRttiIndexedProperty* items = type->GetIndexedProperty(u"items");
   ASSERT_NE(items, nullptr);
   EXPECT_EQ(items->GetValue(&shop, TValue::From<Integer>(1)).AsObject(), shop.GetItem(1));
   auto* replacement = new TSpecialItem;
@@ -235,13 +230,11 @@ TEST(RttiMembers, IndexedProperty) {
   EXPECT_THROW(items->GetValue(&shop, TValue::From(UnicodeString(u"x"))), EInvalidCast);
 }
 
-TEST(RttiMethods, ParametersAndInvoke) {
-  TShop shop;
-  TRttiType* type = TRttiContext::GetType(shop.ClassType());
+TEST_F(RttiMethods, ParametersAndInvoke) {
   TRttiMethod* add = type->GetMethod(u"add");
   ASSERT_EQ(add->GetParameters().size(), 1u);
-  EXPECT_EQ(add->GetParameters()[0]->Name(), u"AItem");
-  EXPECT_EQ(add->GetParameters()[0]->ParamType(), TypeOfName(u"uShop.TItem"));
+  EXPECT_EQ((std::tuple{add->GetParameters()[0]->Name(), add->GetParameters()[0]->ParamType()}),
+            std::tuple(u"AItem", TypeOfName(u"uShop.TItem")));
   EXPECT_EQ(add->ReturnType(), TRttiContext::GetType(TypeInfoOf<Integer>()));
   auto* item = new TItem;
   item->FPrice = 2.5;
@@ -257,13 +250,13 @@ TEST(RttiMethods, ParametersAndInvoke) {
   EXPECT_EQ(motto->Invoke(TShop::StaticClass(), {}).AsString(), u"cheap");
 }
 
-TEST(RttiMethods, Constructors) {
-  TRttiMethod* create = TypeOfName(u"uShop.TShop")->GetMethod(u"Create");
+TEST_F(RttiMethods, Constructors) {
+  TRttiMethod* create = type->GetMethod(u"Create");
   ASSERT_TRUE(create->IsConstructor());
   ASSERT_EQ(create->GetParameters().size(), 1u);
-  std::unique_ptr<TObject> shop(create->Invoke(TShop::StaticClass(), {TValue::From(UnicodeString(u"New"))}).AsObject());
-  ASSERT_TRUE(shop->Is<TShop>());
-  EXPECT_EQ(static_cast<TShop*>(shop.get())->GetName(), u"New");
+  std::unique_ptr<TObject> made(create->Invoke(TShop::StaticClass(), {TValue::From(UnicodeString(u"New"))}).AsObject());
+  ASSERT_TRUE(made->Is<TShop>());
+  EXPECT_EQ(static_cast<TShop*>(made.get())->GetName(), u"New");
 
   // Without a constructor of its own a class finds TObject's, which builds the class asked for.
   TRttiMethod* inherited = TypeOfName(u"uShop.TItem")->GetMethod(u"Create");
@@ -271,15 +264,14 @@ TEST(RttiMethods, Constructors) {
   EXPECT_TRUE(inherited->GetParameters().empty());
   std::unique_ptr<TObject> item(inherited->Invoke(TSpecialItem::StaticClass(), {}).AsObject());
   EXPECT_EQ(item->ClassType(), TSpecialItem::StaticClass());
-  EXPECT_THROW(TypeOfName(u"uShop.TShop")->GetMethod(u"Add")->Invoke(TShop::StaticClass(), {}), EInvocationError);
+  EXPECT_THROW(type->GetMethod(u"Add")->Invoke(TShop::StaticClass(), {}), EInvocationError);
 }
 
 TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
   TSpecialItem special;
-  EXPECT_EQ(special.ClassName(), u"TSpecialItem");
-  EXPECT_TRUE(special.InheritsFrom(TNamed::StaticClass()));
-  EXPECT_FALSE(special.InheritsFrom(TShop::StaticClass()));
-  EXPECT_EQ(TItem().ClassInfo(), TypeInfoOf<TItem>());
+  EXPECT_EQ((std::tuple{special.ClassName(), special.InheritsFrom(TNamed::StaticClass()),
+                        special.InheritsFrom(TShop::StaticClass()), TItem().ClassInfo()}),
+            std::tuple(u"TSpecialItem", true, false, TypeInfoOf<TItem>()));
 
   EXPECT_EQ(GetClass(u"TItem"), nullptr);  // reflection does not register for GetClass
   RegisterClass(TItem::StaticClass());

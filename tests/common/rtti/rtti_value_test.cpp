@@ -1,6 +1,8 @@
 // TValue: typed copies, conversions, arrays and display text; enumeration and set names.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "shop_domain.h"
 #include "vnxml/common/currency.h"
 #include "vnxml/common/variant.h"
@@ -12,17 +14,13 @@ using namespace shop;
 
 TEST(TValueBasics, EmptyKindAndTypeInfo) {
   TValue empty = TValue::GetEmpty();
-  EXPECT_TRUE(empty.IsEmpty());
-  EXPECT_EQ(empty.Kind(), tkUnknown);
-  EXPECT_EQ(empty.TypeInfo(), nullptr);
-  EXPECT_EQ(empty.GetReferenceToRawData(), nullptr);
-  EXPECT_EQ(empty.ToString(), u"(empty)");
-  EXPECT_EQ(empty.AsObject(), nullptr);
+  EXPECT_EQ((std::tuple{empty.IsEmpty(), empty.Kind(), empty.TypeInfo(), empty.GetReferenceToRawData(),
+                        empty.ToString(), empty.AsObject()}),
+            std::tuple(true, tkUnknown, nullptr, nullptr, u"(empty)", nullptr));
 
   // A nil reference is empty yet keeps its type.
   TValue nilShop = TValue::From<TShop*>(nullptr);
-  EXPECT_TRUE(nilShop.IsEmpty());
-  EXPECT_EQ(nilShop.TypeInfo(), TypeInfoOf<TShop>());
+  EXPECT_EQ((std::tuple{nilShop.IsEmpty(), nilShop.TypeInfo()}), std::tuple(true, TypeInfoOf<TShop>()));
   EXPECT_TRUE(TValue::From(IPtr<IInterface>()).IsEmpty());
   EXPECT_TRUE(TValue::From(std::vector<TLine>{}).IsEmpty());
   EXPECT_FALSE(TValue::From<Integer>(0).IsEmpty());
@@ -47,10 +45,8 @@ TEST(TValueBasics, CopiesOwnTheirPayload) {
   // Objects are held by reference, not copied.
   TItem item;
   TValue v = TValue::From(&item);
-  EXPECT_EQ(v.AsObject(), &item);
-  EXPECT_EQ(v.AsClass(), TItem::StaticClass());
-  EXPECT_TRUE(v.IsType<TNamed*>());
-  EXPECT_EQ(v.AsType<TNamed*>(), &item);
+  EXPECT_EQ((std::tuple{v.AsObject(), v.AsClass(), v.IsType<TNamed*>(), v.AsType<TNamed*>()}),
+            std::tuple(&item, TItem::StaticClass(), true, &item));
 }
 
 TEST(TValueBasics, OrdinalsAndRanges) {
@@ -72,10 +68,9 @@ TEST(TValueBasics, OrdinalsAndRanges) {
 }
 
 TEST(TValueBasics, ConversionsBetweenKinds) {
-  EXPECT_EQ(TValue::From<Integer>(3).AsExtended(), 3.0L);
-  EXPECT_EQ(TValue::From<Single>(1.5f).AsExtended(), 1.5L);
-  EXPECT_EQ(TValue::From(Currency::FromRaw(12345)).AsExtended(), 1.2345L);
-  EXPECT_EQ(TValue::From<Double>(2.5).AsCurrency(), Currency::FromRaw(25000));
+  EXPECT_EQ((std::tuple{TValue::From<Integer>(3).AsExtended(), TValue::From<Single>(1.5f).AsExtended(),
+                        TValue::From(Currency::FromRaw(12345)).AsExtended(), TValue::From<Double>(2.5).AsCurrency()}),
+            std::tuple(3.0L, 1.5L, 1.2345L, Currency::FromRaw(25000)));
   EXPECT_THROW(TValue::From<Double>(2.5).AsInteger(), EInvalidCast);
   EXPECT_THROW(TValue::From<Integer>(1).AsString(), EInvalidCast);
   EXPECT_EQ(TValue::From(u'z').AsString(), u"z");
@@ -88,9 +83,8 @@ TEST(TValueBasics, ConversionsBetweenKinds) {
 
   // A TValue-typed target wraps the value; reading it back unwraps it.
   TValue wrapped = TValue::From<Integer>(8).Cast(TypeInfoOf<TValue>());
-  EXPECT_EQ(wrapped.TypeInfo(), TypeInfoOf<TValue>());
-  EXPECT_EQ(wrapped.AsType<TValue>().TypeInfo(), TypeInfoOf<Integer>());
-  EXPECT_EQ(wrapped.AsInteger(), 8);
+  EXPECT_EQ((std::tuple{wrapped.TypeInfo(), wrapped.AsType<TValue>().TypeInfo(), wrapped.AsInteger()}),
+            std::tuple(TypeInfoOf<TValue>(), TypeInfoOf<Integer>(), 8));
 }
 
 TEST(TValueBasics, VariantsBothWays) {
@@ -101,10 +95,10 @@ TEST(TValueBasics, VariantsBothWays) {
   for (const auto& [value, type] : types) EXPECT_EQ(VarType(value.AsVariant()), type);
   EXPECT_THROW(TValue::From(TAddress{}).AsVariant(), EInvalidCast);
 
-  EXPECT_TRUE(TValue::FromVariant(Variant::Null()).IsEmpty());
-  EXPECT_EQ(TValue::FromVariant(Variant(5)).TypeInfo(), TypeInfoOf<Integer>());
-  EXPECT_EQ(TValue::FromVariant(Variant::FromDate(2.0)).TypeInfo(), FindTypeInfo(u"TDateTime"));
-  EXPECT_EQ(TValue::FromVariant(Variant(u"t")).AsString(), u"t");
+  EXPECT_EQ((std::tuple{TValue::FromVariant(Variant::Null()).IsEmpty(), TValue::FromVariant(Variant(5)).TypeInfo(),
+                        TValue::FromVariant(Variant::FromDate(2.0)).TypeInfo(),
+                        TValue::FromVariant(Variant(u"t")).AsString()}),
+            std::tuple(true, TypeInfoOf<Integer>(), FindTypeInfo(u"TDateTime"), u"t"));
   // A Variant-typed value converts through its content.
   EXPECT_EQ(TValue::From(Variant(12)).AsInteger(), 12);
   EXPECT_EQ(TValue::From<Integer>(4).AsType<Variant>().AsInteger(), 4);
@@ -124,26 +118,23 @@ TEST(TValueBasics, InterfacesAreCounted) {
   TShop shop;
   TRttiField* service = TRttiContext::GetType(shop.ClassType())->GetField(u"Service");
   service->SetValue(&shop, TValue::From(intf));
-  EXPECT_EQ(shop.FService, intf);
-  EXPECT_EQ(service->GetValue(&shop).AsInterface(), intf);
+  EXPECT_EQ((std::tuple{shop.FService, service->GetValue(&shop).AsInterface()}), std::tuple(intf, intf));
 }
 
 TEST(TValueText, EnumerationsAndSets) {
   const TTypeInfo* colors = TypeInfoOf<TColors>();
-  EXPECT_EQ(TValue::From(TColors{}).ToString(), u"[]");
-  EXPECT_EQ(TValue::From(TColors{clBlue, clRed}).ToString(), u"[clRed,clBlue]");
-  EXPECT_EQ(SetToString(colors, TColors{clGreen}.Bits()), u"clGreen");
-  EXPECT_EQ(StringToSet(colors, u"[clblue, clRed]"), (TColors{clRed, clBlue}.Bits()));
-  EXPECT_EQ(StringToSet(colors, u""), 0u);
+  EXPECT_EQ((std::tuple{TValue::From(TColors{}).ToString(), TValue::From(TColors{clBlue, clRed}).ToString(),
+                        SetToString(colors, TColors{clGreen}.Bits())}),
+            std::tuple(u"[]", u"[clRed,clBlue]", u"clGreen"));
+  EXPECT_EQ((std::tuple{StringToSet(colors, u"[clblue, clRed]"), StringToSet(colors, u"")}),
+            std::tuple(TColors{clRed, clBlue}.Bits(), 0u));
   EXPECT_THROW(StringToSet(colors, u"clRed,clPink"), EPropertyConvertError);
 
   const TTypeInfo* color = TypeInfoOf<TColor>();
-  EXPECT_EQ(GetEnumName(color, 1), u"clGreen");
-  EXPECT_EQ(GetEnumName(color, 7), u"7");
-  EXPECT_EQ(GetEnumValue(color, u"CLBLUE"), 2);
-  EXPECT_EQ(GetEnumValue(color, u"clPink"), -1);
-  EXPECT_EQ(GetEnumValue(color, u""), -1);
-  EXPECT_EQ(GetEnumValue(TypeInfoOf<Integer>(), u"12"), 12);
+  EXPECT_EQ((std::tuple{GetEnumName(color, 1), GetEnumName(color, 7)}), std::tuple(u"clGreen", u"7"));
+  EXPECT_EQ((std::tuple{GetEnumValue(color, u"CLBLUE"), GetEnumValue(color, u"clPink"), GetEnumValue(color, u""),
+                        GetEnumValue(TypeInfoOf<Integer>(), u"12")}),
+            std::tuple(2, -1, -1, 12));
 
   const std::pair<TValue, const char16_t*> texts[] = {{TValue::From<Integer>(-3), u"-3"},
                                                       {TValue::From<Double>(0.5), u"0.5"},

@@ -1,7 +1,9 @@
 // TDateTime encoding, decoding (also before 1899-12-30), stepping and the clock.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <tuple>
 #include <ctime>
 
 #include "common/message_of.h"
@@ -26,36 +28,33 @@ Parts Decode(TDateTime AValue) {
 }  // namespace
 
 TEST(EncodeDate, SerialNumbers) {
-  struct Case {
-    Word Y, M, D;
-    double Serial;
-  };
-  const Case cases[] = {{1899, 12, 30, 0},  {1899, 12, 31, 1},  {1900, 1, 1, 2},       {1900, 3, 1, 61},
-                        {2000, 1, 1, 36526}, {2024, 2, 29, 45351}, {1, 1, 1, -693593}, {9999, 12, 31, 2958465}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(EncodeDate(c.Y, c.M, c.D), c.Serial) << c.Y << "-" << c.M << "-" << c.D;
-    EXPECT_EQ(Decode(c.Serial), (Parts{c.Y, c.M, c.D, 0, 0, 0, 0}));
+  // Year, month, day and the serial number.
+  const std::tuple<Word, Word, Word, double> cases[] = {
+      {1899, 12, 30, 0},   {1899, 12, 31, 1},    {1900, 1, 1, 2},    {1900, 3, 1, 61},
+      {2000, 1, 1, 36526}, {2024, 2, 29, 45351}, {1, 1, 1, -693593}, {9999, 12, 31, 2958465}};
+  for (const auto& [y, m, d, serial] : cases) {
+    EXPECT_EQ(EncodeDate(y, m, d), serial) << y << "-" << m << "-" << d;
+    EXPECT_EQ(Decode(serial), (Parts{y, m, d, 0, 0, 0, 0}));
   }
 }
 
 TEST(EncodeDate, InvalidArguments) {
-  const Word bad[][3] = {{0, 1, 1}, {10000, 1, 1}, {2023, 2, 29}, {1900, 2, 29}, {2000, 13, 1}, {2000, 0, 1}, {2000, 4, 31}};
+  const Word bad[][3] = {{0, 1, 1},    {10000, 1, 1}, {2023, 2, 29}, {1900, 2, 29},
+                         {2000, 13, 1}, {2000, 0, 1},  {2000, 4, 31}};
   for (const auto& b : bad) {
     TDateTime d = 0;
     EXPECT_FALSE(TryEncodeDate(b[0], b[1], b[2], d));
     EXPECT_EQ(test::MessageOf<EConvertError>([&] { EncodeDate(b[0], b[1], b[2]); }), cRtlDateEncodeError);
   }
-  EXPECT_TRUE(IsLeapYear(2000));
-  EXPECT_FALSE(IsLeapYear(1900));
-  EXPECT_EQ(DaysInAMonth(2024, 2), 29);
+  EXPECT_EQ((std::tuple{IsLeapYear(2000), IsLeapYear(1900), DaysInAMonth(2024, 2)}),
+            std::tuple(true, false, 29));
 }
 
 TEST(EncodeTime, RangeAndFractions) {
   EXPECT_EQ(EncodeTime(12, 0, 0, 0), 0.5);
   EXPECT_EQ(Decode(EncodeTime(23, 59, 59, 999)), (Parts{1899, 12, 30, 23, 59, 59, 999}));
-  EXPECT_THROW(EncodeTime(24, 0, 0, 0), EConvertError);
-  EXPECT_THROW(EncodeTime(0, 60, 0, 0), EConvertError);
-  EXPECT_THROW(EncodeTime(0, 0, 0, 1000), EConvertError);
+  for (const auto& [h, n, s, ms] : {std::array<Word, 4>{24, 0, 0, 0}, {0, 60, 0, 0}, {0, 0, 0, 1000}})
+    EXPECT_THROW(EncodeTime(h, n, s, ms), EConvertError) << h << ":" << n << ":" << s << "." << ms;
 }
 
 TEST(DecodeDateTime, NegativeValuesCountTimeForward) {
@@ -94,10 +93,9 @@ TEST(Clock, NowIsLocalTime) {
   std::tm local{};
   localtime_r(&t, &local);
   const TDateTime now = Now();
-  const TDateTime expected = EncodeDate(static_cast<Word>(local.tm_year + 1900), static_cast<Word>(local.tm_mon + 1),
-                                        static_cast<Word>(local.tm_mday)) +
-                             EncodeTime(static_cast<Word>(local.tm_hour), static_cast<Word>(local.tm_min),
-                                        static_cast<Word>(local.tm_sec), 0);
+  auto w = [](int APart) { return static_cast<Word>(APart); };
+  const TDateTime expected = EncodeDateTime(w(local.tm_year + 1900), w(local.tm_mon + 1), w(local.tm_mday),
+                                            w(local.tm_hour), w(local.tm_min), w(local.tm_sec), 0);
   EXPECT_NEAR(now, expected, 5.0 / 86400);
   EXPECT_EQ(Date(), std::trunc(Date()));
   EXPECT_LT(Time(), 1.0);

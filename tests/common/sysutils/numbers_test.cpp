@@ -3,6 +3,8 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 #include "common/message_of.h"
 #include "vnxml/common/rtl_messages.h"
@@ -19,17 +21,13 @@ UnicodeString ConvertErrorOf(F AFunc) { return test::MessageOf<EConvertError>(AF
 }  // namespace
 
 TEST(StrToInt, AcceptedForms) {
-  struct Case {
-    const char16_t* Text;
-    Int64 Expected;
-  };
-  const Case cases[] = {
+  const std::pair<const char16_t*, Int64> cases[] = {
       {u"0", 0},           {u"42", 42},       {u"+42", 42},         {u"-42", -42},
       {u"007", 7},         {u"$1F", 31},      {u"0x1f", 31},        {u"0X1F", 31},
       {u"x10", 16},        {u"-$10", -16},    {u"  12", 12},        {u"2147483647", 2147483647},
       {u"-2147483648", INT32_MIN},            {u"$FFFFFFFF", -1},   {u"$80000000", INT32_MIN},
   };
-  for (const auto& c : cases) EXPECT_EQ(StrToInt(c.Text), c.Expected) << UnicodeToUtf8(c.Text);
+  for (const auto& [text, expected] : cases) EXPECT_EQ(StrToInt(text), expected) << UnicodeToUtf8(text);
 }
 
 TEST(StrToInt, RefusedFormsRaiseThePlatformText) {
@@ -45,18 +43,17 @@ TEST(StrToInt, RefusedFormsRaiseThePlatformText) {
 }
 
 TEST(StrToInt64, RangeAndHex) {
-  EXPECT_EQ(StrToInt64(u"9223372036854775807"), INT64_MAX);
-  EXPECT_EQ(StrToInt64(u"-9223372036854775808"), INT64_MIN);
-  EXPECT_EQ(StrToInt64(u"$FFFFFFFFFFFFFFFF"), -1);
-  EXPECT_EQ(StrToInt64(u"$FFFFFFFF"), 4294967295LL);
-  EXPECT_THROW(StrToInt64(u"9223372036854775808"), EConvertError);
-  EXPECT_THROW(StrToInt64(u"99999999999999999999"), EConvertError);
+  EXPECT_EQ((std::tuple{StrToInt64(u"9223372036854775807"), StrToInt64(u"-9223372036854775808"),
+                        StrToInt64(u"$FFFFFFFFFFFFFFFF"), StrToInt64(u"$FFFFFFFF")}),
+            std::tuple(INT64_MAX, INT64_MIN, -1, 4294967295LL));
+  for (const char16_t* text : {u"9223372036854775808", u"99999999999999999999"})
+    EXPECT_THROW(StrToInt64(text), EConvertError) << UnicodeToUtf8(text);
   EXPECT_EQ(StrToInt64Def(u"", 5), 5);
 
-  EXPECT_EQ(StrToUInt64(u"18446744073709551615"), UINT64_MAX);
-  EXPECT_EQ(StrToUInt64(u"0x8000000000000000"), 0x8000000000000000ULL);
-  EXPECT_THROW(StrToUInt64(u"18446744073709551616"), EConvertError);
-  EXPECT_THROW(StrToUInt64(u"-1"), EConvertError);
+  EXPECT_EQ((std::tuple{StrToUInt64(u"18446744073709551615"), StrToUInt64(u"0x8000000000000000")}),
+            std::tuple(UINT64_MAX, 0x8000000000000000ULL));
+  for (const char16_t* text : {u"18446744073709551616", u"-1"})
+    EXPECT_THROW(StrToUInt64(text), EConvertError) << UnicodeToUtf8(text);
 }
 
 TEST(IntToStr, ExtremesAndBooleans) {
@@ -75,11 +72,7 @@ TEST(StrToBool, NumbersAndWords) {
 }
 
 TEST(FloatToStr, PlatformTable) {
-  struct Case {
-    Extended Value;
-    const char16_t* Expected;
-  };
-  const Case cases[] = {
+  const std::pair<Extended, const char16_t*> cases[] = {
       {0.0, u"0"}, {-0.0, u"0"}, {0.1, u"0.1"}, {1.0 / 3.0, u"0.333333333333333"},
       {2.0 / 3.0, u"0.666666666666667"}, {100.0, u"100"}, {-2.5, u"-2.5"}, {1e15, u"1E15"},
       {1e14, u"100000000000000"}, {999999999999999.0, u"999999999999999"}, {9999999999999999.0, u"1E16"},
@@ -90,25 +83,24 @@ TEST(FloatToStr, PlatformTable) {
       {std::numeric_limits<double>::quiet_NaN(), u"NAN"}, {std::numeric_limits<double>::infinity(), u"INF"},
       {-std::numeric_limits<double>::infinity(), u"-INF"},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(FloatToStr(c.Value), c.Expected) << static_cast<double>(c.Value);
+  for (const auto& [value, expected] : cases) EXPECT_EQ(FloatToStr(value), expected) << static_cast<double>(value);
+  // What FloatToStr writes reads back to the same text.
+  for (double v : {0.1, 1.0 / 7.0, 123.456, 6.02214076e23, 1e-300})
+    EXPECT_EQ(FloatToStr(StrToFloat(FloatToStr(v))), FloatToStr(v));
 }
 
 TEST(StrToFloat, AcceptedForms) {
-  struct Case {
-    const char16_t* Text;
-    double Expected;
-  };
-  const Case cases[] = {
+  const std::pair<const char16_t*, double> cases[] = {
       {u"0", 0.0},         {u"-1.5", -1.5},     {u"+2", 2.0},        {u".5", 0.5},
       {u"5.", 5.0},        {u"1E+3", 1000.0},   {u"2.5e-3", 0.0025}, {u"  7.25  ", 7.25},
       {u"1e-5000", 0.0},   {u"1e-99999999999999999999", 0.0},        {u"0e99999", 0.0},    {u"0.1", 0.1},
   };
-  for (const auto& c : cases) EXPECT_EQ(static_cast<double>(StrToFloat(c.Text)), c.Expected) << UnicodeToUtf8(c.Text);
+  for (const auto& [text, expected] : cases)
+    EXPECT_EQ(static_cast<double>(StrToFloat(text)), expected) << UnicodeToUtf8(text);
   // FloatToStr of the largest double reads back as an Extended just above it.
   EXPECT_EQ(StrToFloat(u"1.79769313486232E308"), 1.79769313486232e308L);
-  EXPECT_TRUE(std::isnan(StrToFloat(u"NAN")));
-  EXPECT_EQ(StrToFloat(u"-inf"), -std::numeric_limits<Extended>::infinity());
+  EXPECT_EQ((std::tuple{std::isnan(StrToFloat(u"NAN")), StrToFloat(u"-inf")}),
+            std::tuple(true, -std::numeric_limits<Extended>::infinity()));
 }
 
 TEST(StrToFloat, RefusedForms) {
@@ -124,26 +116,16 @@ TEST(StrToFloat, RefusedForms) {
   EXPECT_EQ(StrToFloatDef(u"x", 2.5), 2.5);
 }
 
-TEST(FloatToStr, RoundTripsThroughStrToFloat) {
-  for (double v : {0.1, 1.0 / 7.0, 123.456, 6.02214076e23, 1e-300})
-    EXPECT_EQ(FloatToStr(StrToFloat(FloatToStr(v))), FloatToStr(v));
-}
-
 TEST(Rounding, BankersRoundAndFriends) {
-  struct Case {
-    Extended Value;
-    Int64 Round, Trunc, Ceil, Floor;
-  };
-  const Case cases[] = {
+  // Value, then its Round, Trunc, Ceil and Floor.
+  const std::tuple<Extended, Int64, Int64, Int64, Int64> cases[] = {
       {0.5, 0, 0, 1, 0},     {1.5, 2, 1, 2, 1},     {2.5, 2, 2, 3, 2},   {-0.5, 0, 0, 0, -1},
       {-2.5, -2, -2, -2, -3}, {-2.6, -3, -2, -2, -3}, {7.0, 7, 7, 7, 7},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Round(c.Value), c.Round) << static_cast<double>(c.Value);
-    EXPECT_EQ(Trunc(c.Value), c.Trunc) << static_cast<double>(c.Value);
-    EXPECT_EQ(Ceil(c.Value), c.Ceil) << static_cast<double>(c.Value);
-    EXPECT_EQ(Floor(c.Value), c.Floor) << static_cast<double>(c.Value);
-  }
+  for (const auto& [value, round, trunc, ceil, floor] : cases)
+    EXPECT_EQ((std::tuple{Round(value), Trunc(value), Ceil(value), Floor(value)}),
+              std::tuple(round, trunc, ceil, floor))
+        << static_cast<double>(value);
   EXPECT_THROW(Round(1e30), EInvalidOp);
   EXPECT_THROW(Trunc(std::numeric_limits<Extended>::quiet_NaN()), EInvalidOp);
 }

@@ -26,12 +26,10 @@ TEST(Text, TrimAndCaseFolding) {
       {ansiUpper, u"ab\u00E4", u"AB\u00C4"}, {ansiUpper, u"stra\u00DFe", u"STRASSE"},
       {ansiLower, u"\u00C4\u0391", u"\u00E4\u03B1"}};
   for (const auto& [fn, in, out] : cases) EXPECT_EQ(fn(in), out) << UnicodeToUtf8(in);
-  EXPECT_EQ(TrimLeft(u"  x  "), u"x  ");
-  EXPECT_EQ(TrimRight(u"  x  "), u"  x");
-  EXPECT_TRUE(SameText(u"Hello", u"hELLO"));
-  EXPECT_FALSE(SameText(u"\u00C4", u"\u00E4"));
-  EXPECT_TRUE(AnsiSameText(u"\u00C4x", u"\u00E4X"));
-  EXPECT_FALSE(AnsiSameText(u"a", u"ab"));
+  EXPECT_EQ((std::tuple{TrimLeft(u"  x  "), TrimRight(u"  x  ")}), std::tuple(u"x  ", u"  x"));
+  EXPECT_EQ((std::tuple{SameText(u"Hello", u"hELLO"), SameText(u"\u00C4", u"\u00E4"),
+                        AnsiSameText(u"\u00C4x", u"\u00E4X"), AnsiSameText(u"a", u"ab")}),
+            std::tuple(true, false, true, false));
 }
 
 TEST(Text, ComparisonSigns) {
@@ -49,8 +47,7 @@ TEST(Text, ComparisonSigns) {
 }
 
 TEST(Text, QuotedAndDequoted) {
-  EXPECT_EQ(QuotedStr(u"it's"), u"'it''s'");
-  EXPECT_EQ(QuotedStr(u"", u'"'), u"\"\"");
+  EXPECT_EQ((std::tuple{QuotedStr(u"it's"), QuotedStr(u"", u'"')}), std::tuple(u"'it''s'", u"\"\""));
   const std::pair<const char16_t*, const char16_t*> cases[] = {
       {u"'abc'", u"abc"}, {u"'ab''c'", u"ab'c"}, {u"abc", u"abc"}, {u"'abc", u"'abc"}, {u"'abc'def", u"abc"},
       {u"''", u""},       {u"'", u""},           {u"", u""},       {u"abc'", u"abc'"}, {u"''''", u"'"}};
@@ -65,14 +62,10 @@ TEST(Text, PosCopyAndAffixes) {
   const std::tuple<Integer, Integer, const char16_t*> copies[] = {
       {2, 3, u"bcd"}, {0, 2, u"ab"}, {5, 100, u"ef"}, {7, 1, u""}, {2, -1, u""}};
   for (const auto& [index, count, part] : copies) EXPECT_EQ(Copy(u"abcdef", index, count), part) << index;
-  EXPECT_TRUE(StartsText(u"AB", u"abc"));
-  EXPECT_FALSE(StartsStr(u"AB", u"abc"));
-  EXPECT_TRUE(EndsText(u"BC", u"abc"));
-  EXPECT_FALSE(EndsText(u"abcd", u"abc"));
-  EXPECT_TRUE(EndsStr(u"", u"abc"));
-  EXPECT_TRUE(ContainsText(u"Hello World", u"lo w"));
-  EXPECT_EQ(StringOfChar(u'-', 3), u"---");
-  EXPECT_EQ(StringOfChar(u'-', -1), u"");
+  EXPECT_EQ((std::tuple{StartsText(u"AB", u"abc"), StartsStr(u"AB", u"abc"), EndsText(u"BC", u"abc"),
+                        EndsText(u"abcd", u"abc"), EndsStr(u"", u"abc"), ContainsText(u"Hello World", u"lo w")}),
+            std::tuple(true, false, true, false, true, true));
+  EXPECT_EQ((std::tuple{StringOfChar(u'-', 3), StringOfChar(u'-', -1)}), std::tuple(u"---", u""));
 }
 
 TEST(Text, StringReplaceFlagsDecideCountAndCase) {
@@ -88,14 +81,14 @@ TEST(Text, StringReplaceFlagsDecideCountAndCase) {
 }
 
 TEST(FileNames, SplitOnEitherSeparator) {
-  EXPECT_EQ(ExtractFileName(u"/tmp/dir/file.tar.gz"), u"file.tar.gz");
-  EXPECT_EQ(ExtractFilePath(u"/tmp/dir/file.tar.gz"), u"/tmp/dir/");
-  EXPECT_EQ(ExtractFileExt(u"/tmp/dir/file.tar.gz"), u".gz");
-  EXPECT_EQ(ExtractFileExt(u"/tmp/dir.d/file"), u"");
-  EXPECT_EQ(ExtractFileName(u"C:\\data\\a.xml"), u"a.xml");
-  EXPECT_EQ(ExtractFilePath(u"plain"), u"");
-  EXPECT_FALSE(FileExists(u""));
-  EXPECT_FALSE(FileExists(u"/"));  // a folder is not a file
-  EXPECT_TRUE(FileExists(u"" VNXML_SOURCE_DIR "/CMakeLists.txt"));
-  EXPECT_FALSE(FileExists(u"/nonexistent/x"));
+  const TextFn name = ExtractFileName, path = ExtractFilePath, ext = ExtractFileExt;
+  const std::tuple<TextFn, const char16_t*, const char16_t*> parts[] = {
+      {name, u"/tmp/dir/file.tar.gz", u"file.tar.gz"}, {path, u"/tmp/dir/file.tar.gz", u"/tmp/dir/"},
+      {ext, u"/tmp/dir/file.tar.gz", u".gz"}, {ext, u"/tmp/dir.d/file", u""}, {name, u"C:\\data\\a.xml", u"a.xml"},
+      {path, u"plain", u""}};
+  for (const auto& [fn, in, out] : parts) EXPECT_EQ(fn(in), out) << UnicodeToUtf8(in);
+  // A folder is not a file.
+  EXPECT_EQ((std::tuple{FileExists(u""), FileExists(u"/"), FileExists(u"" VNXML_SOURCE_DIR "/CMakeLists.txt"),
+                        FileExists(u"/nonexistent/x")}),
+            std::tuple(false, false, true, false));
 }

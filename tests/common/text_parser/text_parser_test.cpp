@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "support/files.h"
 
@@ -14,30 +15,19 @@ using namespace vn;
 
 namespace {
 
-std::string Utf16Bytes(std::u16string_view s, bool bigEndian) {
-  std::string out;
-  for (char16_t c : s) {
-    char lo = static_cast<char>(c & 0xFF), hi = static_cast<char>(c >> 8);
-    out += bigEndian ? std::string{hi, lo} : std::string{lo, hi};
-  }
-  return out;
+// The text in a code page's bytes; the parser then reads it from its own copy.
+std::string Bytes(std::u16string_view AText, Word ACodePage) {
+  return TVnEncoding::GetEncoding(ACodePage)->GetBytes(AText);
 }
-
-std::string Utf32Bytes(std::u16string_view s) {
-  std::string out;
-  for (size_t i = 0; i < s.size(); ++i) {
-    uint32_t c = s[i];
-    if (c >= 0xD800 && c < 0xDC00) c = 0x10000 + ((c - 0xD800) << 10) + (s[++i] - 0xDC00);
-    for (int b = 0; b < 4; ++b) out += static_cast<char>((c >> (8 * b)) & 0xFF);
-  }
-  return out;
-}
-
-struct Step {
-  char16_t Char;
-  int Line, Col, Pos;
-  bool operator==(const Step&) const = default;
+struct Parsed {
+  std::string Data;
+  TVnTextParser P;
+  Parsed(std::u16string_view AText, Word ACodePage)
+      : Data(Bytes(AText, ACodePage)), P(Data.data(), Data.size(), ACodePage) {}
 };
+
+// The character, line, column and position the parser stands at.
+using Step = std::tuple<char16_t, int, int, int>;
 
 std::vector<Step> Walk(TVnTextParser& p) {
   std::vector<Step> steps;
@@ -54,71 +44,44 @@ std::vector<Step> Walk(TVnTextParser& p) {
 TEST(TextParser, EveryEncodingWalksAlike) {
   // Latin-1 repertoire, so that the ANSI form holds it too.
   const std::u16string text = u"a\u00e9<b>\n\tc\u00ff\r\n\nend";
-  std::string latin1;
-  for (char16_t c : text) latin1 += static_cast<char>(c);
-  std::string utf8 = UnicodeToUtf8(text);
-  std::string le = Utf16Bytes(text, false), be = Utf16Bytes(text, true), utf32 = Utf32Bytes(text);
+  Parsed ansi(text, cVnCodePageLatin1), u8(text, cVnCodePageUTF8), u16(text, cVnCodePageUTF16LE),
+      u16be(text, cVnCodePageUTF16BE), u32(text, cVnCodePageUTF32LE);
+  EXPECT_EQ((std::tuple{ansi.P.GetCharacterSetType(), u8.P.GetCharacterSetType(), u32.P.GetCharacterSetType()}),
+            std::tuple(csAnsi, csUTF8, csUTF16));
 
-  TVnTextParser ansi(latin1.data(), latin1.size(), cVnCodePageLatin1);
-  TVnTextParser u8(utf8.data(), utf8.size(), cVnCodePageUTF8);
-  TVnTextParser u16(le.data(), le.size(), cVnCodePageUTF16LE);
-  TVnTextParser u16be(be.data(), be.size(), cVnCodePageUTF16BE);
-  TVnTextParser u32(utf32.data(), utf32.size(), cVnCodePageUTF32LE);
-  EXPECT_EQ(ansi.GetCharacterSetType(), csAnsi);
-  EXPECT_EQ(u8.GetCharacterSetType(), csUTF8);
-  EXPECT_EQ(u32.GetCharacterSetType(), csUTF16);
-
-  std::vector<Step> expected = Walk(u16);
+  std::vector<Step> expected = Walk(u16.P);
   ASSERT_EQ(expected.size(), text.size() + 1);
-  EXPECT_EQ(expected[6], (Step{u'\t', 2, 1, 7}));
-  EXPECT_EQ(expected[10], (Step{u'\n', 2, 5, 11}));
-  EXPECT_EQ(expected[11], (Step{u'\n', 3, 1, 12}));
-  EXPECT_EQ(expected.back(), (Step{0, 4, 4, 16}));
-  EXPECT_EQ(Walk(ansi), expected);
-  EXPECT_EQ(Walk(u8), expected);
-  EXPECT_EQ(Walk(u16be), expected);
-  EXPECT_EQ(Walk(u32), expected);
+  EXPECT_EQ((std::tuple{expected[6], expected[10], expected[11], expected.back()}),
+            std::tuple(Step{u'\t', 2, 1, 7}, Step{u'\n', 2, 5, 11}, Step{u'\n', 3, 1, 12}, Step{0, 4, 4, 16}));
+  for (Parsed* other : {&ansi, &u8, &u16be, &u32}) EXPECT_EQ(Walk(other->P), expected);
 
   // Going back restarts the line count; a position asked twice gives the same answer.
-  u8.First();
-  EXPECT_EQ(u8.GetLineNr(), 1);
-  u8.SkipWhile(soNotEqual, u'e');
-  EXPECT_EQ(u8.GetLineNr(), 4);
-  EXPECT_EQ(u8.GetColNr(), 1);
-  EXPECT_EQ(u8.GetLineNr(), 4);
+  u8.P.First();
+  EXPECT_EQ(u8.P.GetLineNr(), 1);
+  u8.P.SkipWhile(soNotEqual, u'e');
+  EXPECT_EQ((std::tuple{u8.P.GetLineNr(), u8.P.GetColNr(), u8.P.GetLineNr()}), std::tuple(4, 1, 4));
 }
 
 TEST(TextParser, BeyondTheBasicPlane) {
   // One UTF-8 sequence is one character, and counts two columns like its surrogate pair.
   const std::u16string text = u"x\U0001F600y\u20ACz";
-  std::string utf8 = UnicodeToUtf8(text);
-  std::string le = Utf16Bytes(text, false);
-  TVnTextParser u8(utf8.data(), utf8.size(), cVnCodePageUTF8);
-  TVnTextParser u16(le.data(), le.size(), cVnCodePageUTF16LE);
+  Parsed utf8(text, cVnCodePageUTF8), le(text, cVnCodePageUTF16LE);
+  TVnTextParser &u8 = utf8.P, &u16 = le.P;
   u8.NextChar();
   EXPECT_EQ(u8.CurrCharW(), char16_t(0xD83D));
   u8.NextChar();
-  EXPECT_EQ(u8.CurrCharW(), u'y');
-  EXPECT_EQ(u8.GetColNr(), 4);
-  EXPECT_EQ(u8.PrevCharW(), char16_t(0xD83D));
+  EXPECT_EQ((std::tuple{u8.CurrCharW(), u8.GetColNr(), u8.PrevCharW()}), std::tuple(u'y', 4, char16_t(0xD83D)));
   u16.SkipChars(3);
   EXPECT_EQ(u16.GetColNr(), 4);
   u8.SkipWhile(soNotEqual, u'\u20AC');  // a character beyond the bytes' reach
-  EXPECT_EQ(u8.CurrCharW(), u'\u20AC');
-  EXPECT_EQ(u8.PeekCharW(), u'z');
-  EXPECT_EQ(u8.PeekStringW(2), u"\u20ACz");
-  EXPECT_EQ(u8.PeekString(1), "\xE2\x82\xAC");
+  EXPECT_EQ((std::tuple{u8.CurrCharW(), u8.PeekCharW(), u8.PeekStringW(2), u8.PeekString(1)}),
+            std::tuple(u'\u20AC', u'z', u"\u20ACz", "\xE2\x82\xAC"));
 }
 
 TEST(TextParser, SelectionsAcrossMarks) {
   const std::u16string text = u"key = \u00e9t\u00e9;rest";
-  std::string latin1;
-  for (char16_t c : text) latin1 += static_cast<char>(c);
-  std::string utf8 = UnicodeToUtf8(text), le = Utf16Bytes(text, false);
-  TVnTextParser parsers[] = {{latin1.data(), latin1.size(), cVnCodePageLatin1},
-                             {utf8.data(), utf8.size(), cVnCodePageUTF8},
-                             {le.data(), le.size(), cVnCodePageUTF16LE}};
-  for (TVnTextParser& p : parsers) {
+  Parsed parsed[] = {{text, cVnCodePageLatin1}, {text, cVnCodePageUTF8}, {text, cVnCodePageUTF16LE}};
+  for (auto& [bytes, p] : parsed) {
     p.SetMark(tpMark1);
     p.SkipWhileSet(soNotInSet, TVnAnsiCharSet(" ="));
     p.SetMark(tpMark2);
@@ -128,23 +91,23 @@ TEST(TextParser, SelectionsAcrossMarks) {
     p.SkipWhile(soNotEqual, u';');
     EXPECT_EQ(p.SelectedW(tpMark3, tpCurrent, true), u"\u00e9t\u00e9");
     EXPECT_FALSE(p.IsMarkSet(tpMark3));
-    EXPECT_EQ(p.Selected(tpMark3, tpCurrent, false), u"");  // a forgotten mark selects nothing
-    EXPECT_EQ(p.Selected(tpMark2, tpMark1, false), u"");    // nor does a span that runs backwards
-    EXPECT_EQ(p.Selected(tpMark1, tpCurrent, false), u"key = \u00e9t\u00e9");
-    EXPECT_EQ(p.Selected(tpCurrent, tpNext, false), u";");
-    EXPECT_EQ(p.Selected(tpPrev, tpCurrent, false), u"\u00e9");
-    EXPECT_EQ(p.GetPos(tpMark1), 0);
+    // A forgotten mark selects nothing, nor does a span that runs backwards.
+    EXPECT_EQ((std::tuple{p.Selected(tpMark3, tpCurrent, false), p.Selected(tpMark2, tpMark1, false),
+                          p.Selected(tpMark1, tpCurrent, false), p.Selected(tpCurrent, tpNext, false),
+                          p.Selected(tpPrev, tpCurrent, false), p.GetPos(tpMark1)}),
+              std::tuple(u"", u"", u"key = \u00e9t\u00e9", u";", u"\u00e9", 0));
     p.ClearMark(tpMark1);
     EXPECT_EQ(p.GetPos(tpMark1), -1);
   }
   // SelectedA gives the bytes as they stand; UTF-16 comes as UTF-8.
-  parsers[0].SetMark(tpMark1);
-  parsers[0].SkipWhileSet(soNotInSet, TVnAnsiCharSet("r"));
-  EXPECT_EQ(parsers[0].SelectedA(tpMark1, tpCurrent, true), ";");
-  parsers[2].First();
-  parsers[2].SetMark(tpMark1);
-  parsers[2].SkipWhile(soNotEqual, u';');
-  EXPECT_EQ(parsers[2].SelectedA(tpMark1, tpCurrent, true), "key = \xC3\xA9t\xC3\xA9");
+  TVnTextParser &latin1 = parsed[0].P, &le = parsed[2].P;
+  latin1.SetMark(tpMark1);
+  latin1.SkipWhileSet(soNotInSet, TVnAnsiCharSet("r"));
+  EXPECT_EQ(latin1.SelectedA(tpMark1, tpCurrent, true), ";");
+  le.First();
+  le.SetMark(tpMark1);
+  le.SkipWhile(soNotEqual, u';');
+  EXPECT_EQ(le.SelectedA(tpMark1, tpCurrent, true), "key = \xC3\xA9t\xC3\xA9");
 }
 
 TEST(TextParser, SkipOperators) {
@@ -171,15 +134,11 @@ TEST(TextParser, SkipOperators) {
 TEST(TextParser, TheEndOfTheText) {
   std::string text = "ab";
   TVnTextParser p(text.data(), text.size(), cVnCodePageUTF8);
-  EXPECT_EQ(p.PrevCharW(), 0);
-  EXPECT_EQ(p.ReadCharA(), 'a');
-  EXPECT_EQ(p.PeekCharW(), 0);
+  EXPECT_EQ((std::tuple{p.PrevCharW(), p.ReadCharA(), p.PeekCharW()}), std::tuple(0, 'a', 0));
   p.NextChar();
   EXPECT_TRUE(p._GetEOF());
-  EXPECT_EQ(p.CurrCharW(), 0);  // reads at the end give NUL and don't raise
-  EXPECT_EQ(p.CurrCharA(), 0);
-  EXPECT_EQ(p.ReadCharW(), 0);
-  EXPECT_EQ(p.PeekString(3), "");
+  // Reads at the end give NUL and don't raise.
+  EXPECT_EQ((std::tuple{p.CurrCharW(), p.CurrCharA(), p.ReadCharW(), p.PeekString(3)}), std::tuple(0, 0, 0, ""));
   EXPECT_THROW(p.NextChar(), EVnTextParserEOF);
   EXPECT_THROW(p.CheckEOF(), EVnTextParserEOF);
   p.First();
@@ -189,18 +148,17 @@ TEST(TextParser, TheEndOfTheText) {
   EXPECT_TRUE(p._GetEOF());
 
   TVnTextParser empty(static_cast<const void*>(nullptr), 0, 0);
-  EXPECT_TRUE(empty._GetEOF());
-  EXPECT_EQ(empty.GetLineNr(), 1);
-  EXPECT_EQ(empty.Selected(tpCurrent, tpNext, false), u"");
+  EXPECT_EQ((std::tuple{empty._GetEOF(), empty.GetLineNr(), empty.Selected(tpCurrent, tpNext, false)}),
+            std::tuple(true, 1, u""));
 }
 
 TEST(TextParser, OddInput) {
   // A UTF-16 text cut in the middle of a unit, and one that starts on an odd address.
-  std::string le = Utf16Bytes(u"ab", false) + "c";
+  std::string le = Bytes(u"ab", cVnCodePageUTF16LE) + "c";
   TVnTextParser cut(le.data(), le.size(), cVnCodePageUTF16LE);
   cut.SkipChars(2);
   EXPECT_EQ(cut.CurrCharW(), u'\uFFFD');
-  std::string shifted = "x" + Utf16Bytes(u"<a>", false);
+  std::string shifted = "x" + Bytes(u"<a>", cVnCodePageUTF16LE);
   TVnTextParser odd(shifted.data() + 1, shifted.size() - 1, cVnCodePageUTF16LE);
   odd.SkipWhile(soNotEqual, u'>');
   EXPECT_EQ(odd.GetColNr(), 3);
@@ -217,8 +175,8 @@ TEST(TextParser, OddInput) {
   u8.First();
   EXPECT_EQ(u8.Selected(tpCurrent, tpMark1, false), u"a\uFFFD(\uFFFD\uFFFDz");
   // Switching an 8-bit text to UTF-16 afterwards, as a caller that sniffed NULs does.
-  std::string sniffed = Utf16Bytes(u"{\"k\"}", false);
-  TVnTextParser late(sniffed.data() + 0, sniffed.size(), 0);
+  std::string sniffed = Bytes(u"{\"k\"}", cVnCodePageUTF16LE);
+  TVnTextParser late(sniffed.data(), sniffed.size(), 0);
   late.SetCharacterSetType(csUTF16);
   late.SetContentCodePage(cVnCodePageUTF16LE);
   late.SkipWhile(soNotEqual, u'}');
@@ -235,13 +193,9 @@ TEST(TextParser, Streams) {
   EXPECT_EQ(inPlace.Cursor().Begin, static_cast<const Byte*>(mem.GetMemory()) + 4);
 
   const test::TempFile file("text_parser.txt", text);
-  auto* stream = new TFileStream(file.Name(), fmOpenRead);
-  {
-    TVnTextParser owning(stream, true, cVnCodePageUTF8);  // frees the stream with itself
-    owning.SkipWhile(soNotEqual, u' ');
-    EXPECT_EQ(owning.GetCurPos(), 7);
-    EXPECT_EQ(owning.Selected(tpPrev, tpNext, false), u"n ");
-  }
+  TVnTextParser owning(new TFileStream(file.Name(), fmOpenRead), true, cVnCodePageUTF8);  // frees the stream
+  owning.SkipWhile(soNotEqual, u' ');
+  EXPECT_EQ((std::tuple{owning.GetCurPos(), owning.Selected(tpPrev, tpNext, false)}), std::tuple(7, u"n "));
 }
 
 // UTF-8 selections decode sixteen ASCII bytes at a time and stop at a sequence wherever it

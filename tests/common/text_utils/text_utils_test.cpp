@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "vnxml/common/text_utils.h"
 
@@ -10,31 +11,23 @@ namespace {
 
 std::string Narrow(std::u16string_view AText) { return std::string(AText.begin(), AText.end()); }
 
-struct NormalizeCase {
-  std::u16string_view Input;
-  TVnNormalizationForm Form;
-  std::u16string_view Expected;
-};
-
 TEST(VnNormalizeString, GivesEachOfTheFourForms) {
-  const NormalizeCase cases[] = {
+  const std::tuple<std::u16string_view, TVnNormalizationForm, std::u16string_view> cases[] = {
       {u"", nfC, u""}, {u"plain", nfKD, u"plain"}, {u"e\u0301", nfC, u"\u00E9"}, {u"\u00E9", nfD, u"e\u0301"},
       {u"\uFB01", nfC, u"\uFB01"},  // a ligature survives canonical forms...
       {u"\uFB01", nfKC, u"fi"},     // ...but not compatibility forms
       {u"\uD55C", nfD, u"\u1112\u1161\u11AB"},  // Hangul syllable to jamo
       {u"a\xD800\u0301", nfC, u"a\xD800\u0301"},  // a lone surrogate passes through
   };
-  for (const NormalizeCase& c : cases)
-    EXPECT_EQ(VnNormalizeString(c.Input, c.Form), c.Expected) << Narrow(c.Input) << " form " << int(c.Form);
+  for (const auto& [input, form, expected] : cases)
+    EXPECT_EQ(VnNormalizeString(input, form), expected) << Narrow(input) << " form " << int(form);
   EXPECT_EQ(VnNormalizeString(u"e\u0301"), u"\u00E9");  // NFC unless told otherwise
 }
 
 TEST(VnNormalizeString, FormNamesAreExact) {
   TVnNormalizationForm form = nfC;
-  EXPECT_TRUE(VnNormalizationFormFromName(u"NFKD", form));
-  EXPECT_EQ(form, nfKD);
-  EXPECT_TRUE(VnNormalizationFormFromName(u"NFD", form));
-  EXPECT_EQ(form, nfD);
+  EXPECT_EQ((std::tuple{VnNormalizationFormFromName(u"NFKD", form), form}), std::tuple(true, nfKD));
+  EXPECT_EQ((std::tuple{VnNormalizationFormFromName(u"NFD", form), form}), std::tuple(true, nfD));
   for (std::u16string_view bad : {u"nfc", u"NFC ", u"", u"NFKX", u"FULLY-NORMALIZED"})
     EXPECT_FALSE(VnNormalizationFormFromName(bad, form)) << Narrow(bad);
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 #include "types_domain.h"
 #include "vnxml/common/classes.h"
@@ -48,7 +49,8 @@ std::vector<KindCase> KindCases() {
           {TypeInfoOf<bool>(), vtkBoolean, mtkBoolean, true}, {TypeInfoOf<TFruit>(), vtkEnumeration, U, true},
           {TypeInfoOf<TFruits>(), vtkSet, U, true},         {Named(u"TDate"), vtkDate, mtkDateTime, true},
           {Named(u"TTime"), vtkTime, mtkDateTime, true},    {Named(u"TDateTime"), vtkDateTime, mtkDateTime, true},
-          {TypeInfoOf<Variant>(), vtkVariant, U, true},     {TypeInfoOf<std::array<Integer, 2>>(), vtkStaticArray, mtkArray, false},
+          {TypeInfoOf<Variant>(), vtkVariant, U, true},
+          {TypeInfoOf<std::array<Integer, 2>>(), vtkStaticArray, mtkArray, false},
           {TypeInfoOf<std::vector<UnicodeString>>(), vtkDynArray, mtkArray, false},
           {TypeInfoOf<TPoint>(), vtkRecord, U, false},      {TypeInfoOf<TValue>(), vtkRecord, U, false},
           {TypeInfoOf<TBase>(), vtkClass, U, false},        {TypeInfoOf<IInterface>(), vtkInterface, U, false},
@@ -59,11 +61,9 @@ TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
   for (const KindCase& c : KindCases()) {
     const TVnTypeInfo* info = Info(c.Type);
     SCOPED_TRACE(UnicodeToUtf8(c.Type->Name));
-    EXPECT_EQ(info->Kind(), c.Kind);
-    EXPECT_EQ(info->GetMainTypeKind(), c.Main);
-    EXPECT_EQ(info->GetIsSimpleType(), c.Simple);
-    EXPECT_EQ(info->Handle(), c.Type);
-    EXPECT_EQ(TVnTypes::GetTypeInfo(c.Type->RttiType), info);
+    EXPECT_EQ((std::tuple{info->Kind(), info->GetMainTypeKind(), info->GetIsSimpleType(), info->Handle(),
+                          TVnTypes::GetTypeInfo(c.Type->RttiType)}),
+              std::tuple(c.Kind, c.Main, c.Simple, c.Type, info));
   }
   // A class nobody registered gets its record too, found by its class.
   EXPECT_EQ(TVnTypes::GetTypeInfo(TLeaf::StaticClass())->Name(), u"TLeaf");
@@ -89,8 +89,7 @@ TEST(VnTypes, GenericNamesAreFoundBeforeTheirRecordWasAskedFor) {
   // The record of TBox<uTypesTest.TBase> is made here, by the schema lookup itself.
   const TVnTypeInfo* box = TVnTypes::GetTypeInfo(u"xsd:TBoxOfTBase", tntSchemaName, false, mtkUnknown);
   ASSERT_NE(box, nullptr);
-  EXPECT_EQ(box->Handle(), TypeInfoOf<TBaseBox>());
-  EXPECT_EQ(box->Name(), u"TBox<uTypesTest.TBase>");
+  EXPECT_EQ((std::tuple{box->Handle(), box->Name()}), std::tuple(TypeInfoOf<TBaseBox>(), u"TBox<uTypesTest.TBase>"));
 }
 
 TEST(VnTypes, LookupsByNameKind) {
@@ -103,21 +102,20 @@ TEST(VnTypes, LookupsByNameKind) {
   // The main kind filters.
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"string", tntName, true, mtkString), Info(TypeInfoOf<UnicodeString>()));
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"Integer", tntName, true, mtkString), nullptr);
-  for (TVnTypeNameType kind : {tntName, tntQualifiedName, tntSchemaName}) {
-    EXPECT_EQ(TVnTypes::GetTypeInfo(u"TNoSuchType", kind, true, mtkUnknown), nullptr);
-    EXPECT_EQ(TVnTypes::GetTypeInfo(u"", kind, true, mtkUnknown), nullptr);
-  }
+  for (TVnTypeNameType kind : {tntName, tntQualifiedName, tntSchemaName})
+    EXPECT_EQ((std::tuple{TVnTypes::GetTypeInfo(u"TNoSuchType", kind, true, mtkUnknown),
+                          TVnTypes::GetTypeInfo(u"", kind, true, mtkUnknown)}),
+              std::tuple(nullptr, nullptr));
   EXPECT_EQ(TVnTypes::GetTypeInfo(u"xsd:", tntSchemaName, true, mtkUnknown), nullptr);
 }
 
 TEST(VnTypes, ArrayOfNamesMakeArraysThatNoPlatformTypeBacks) {
-  const TVnTypeInfo* points = TVnTypes::GetTypeInfo(u"xsd:ArrayOfTPoint", tntSchemaName, true, mtkArray);
+  auto arrayOf = [](std::u16string_view AName) { return TVnTypes::GetTypeInfo(AName, tntSchemaName, true, mtkArray); };
+  const TVnTypeInfo* points = arrayOf(u"xsd:ArrayOfTPoint");
   ASSERT_NE(points, nullptr);
-  EXPECT_EQ(points->Kind(), vtkDynArray);
-  EXPECT_EQ(points->ElementType(), Info(TypeInfoOf<TPoint>()));
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOfTPoint", tntSchemaName, true, mtkArray), points);
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOfNothingKnown", tntSchemaName, true, mtkArray), nullptr);
-  EXPECT_EQ(TVnTypes::GetTypeInfo(u"ArrayOf", tntSchemaName, true, mtkArray), nullptr);
+  EXPECT_EQ((std::tuple{points->Kind(), points->ElementType(), arrayOf(u"ArrayOfTPoint"),
+                        arrayOf(u"ArrayOfNothingKnown"), arrayOf(u"ArrayOf")}),
+            std::tuple(vtkDynArray, Info(TypeInfoOf<TPoint>()), points, nullptr, nullptr));
 
   // VirtualType: an array of the type, or the built-in type of a schema type.
   const TVnTypeInfo* base = Info(TypeInfoOf<TBase>());
@@ -125,8 +123,8 @@ TEST(VnTypes, ArrayOfNamesMakeArraysThatNoPlatformTypeBacks) {
   ASSERT_NE(bases, nullptr);
   EXPECT_EQ(bases->ElementType(), base);
   EXPECT_EQ(TVnTypes::GetTypeInfo(bases->SchemaName(), tntSchemaName, false, mtkUnknown), bases);
-  EXPECT_EQ(base->VirtualType(sdtInt), TypeInfoOf<Integer>());
-  EXPECT_EQ(base->VirtualType(sdtDuration), nullptr);
+  EXPECT_EQ((std::tuple{base->VirtualType(sdtInt), base->VirtualType(sdtDuration)}),
+            std::tuple(TypeInfoOf<Integer>(), nullptr));
   // A value of such a type is safe to make and to grow: it stores Variants.
   TValue v = TValue::Make(nullptr, bases->Handle());
   v.SetArrayLength(2);
@@ -195,8 +193,7 @@ TEST(VnTypes, SerializerPairsOfTypeAncestorOrDefault) {
   // Descendants take the nearest registered ancestor's pair.
   EXPECT_EQ(serializerOf(leaf), pair);
   TVnTypes::RegisterTypeSerializers(TypeInfoOf<TDerived>(), kFormat, {other, nullptr});
-  EXPECT_EQ(serializerOf(leaf), other);
-  EXPECT_EQ(serializerOf(base), pair);
+  EXPECT_EQ((std::tuple{serializerOf(leaf), serializerOf(base)}), std::tuple(other, pair));
   // Other types and a nil type get the default, once there is one; other formats see nothing.
   EXPECT_EQ(TVnTypes::FindSerializers(Info(TypeInfoOf<TPoint>()), kFormat), nullptr);
   TVnTypes::RegisterTypeSerializers(nullptr, kFormat, {nullptr, other});

@@ -2,6 +2,10 @@
 // messages, the instance a serializer takes, and parameters down a chain of serializers.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <tuple>
+#include <utility>
+
 #include "common/message_of.h"
 #include "types_domain.h"
 #include "vnxml/common/classes.h"
@@ -43,10 +47,8 @@ class TProbe : public TVnCustomSerializer {
 };
 
 void RegisterFakes() {
-  static const bool done = [] {
-    VnRegisterSerializer(kFake, TBase::StaticClass(), TFakeSerializer::StaticClass(), nullptr);
-    return true;
-  }();
+  static const bool done =
+      (VnRegisterSerializer(kFake, TBase::StaticClass(), TFakeSerializer::StaticClass(), nullptr), true);
   (void)done;
 }
 
@@ -55,16 +57,15 @@ TEST(SerializerFrame, OneCallSerializesAndFreesTheSerializer) {
   EXPECT_EQ(VnFindSerializerClassEx(kFake, TVnTypes::GetTypeInfo(TLeaf::StaticClass())),
             TFakeSerializer::StaticClass());
   TDerived object;
-  EXPECT_EQ(VnSerialize(kFake, &object), "TDerived:set");
-  EXPECT_EQ(VnSerialize(kFake, &object, TypeInfoOf<TBase>()), "TBase:set");
-  EXPECT_EQ(VnSerialize(kFake, TValue::FromObject(nullptr, TypeInfoOf<TDerived>())), "TDerived:nil");
-  EXPECT_EQ(TFakeSerializer::Live, 0);
+  EXPECT_EQ((std::tuple{VnSerialize(kFake, &object), VnSerialize(kFake, &object, TypeInfoOf<TBase>()),
+                        VnSerialize(kFake, TValue::FromObject(nullptr, TypeInfoOf<TDerived>())),
+                        TFakeSerializer::Live}),
+            std::tuple("TDerived:set", "TBase:set", "TDerived:nil", 0));
 
   // A serializer kept by the caller takes parameters before it runs.
   IPtr<IVnSerializer> s = VnCreateSerializer(kFake, TValue::FromObject(&object));
   s->SetParam(u"excluderoot", u"true");
-  EXPECT_EQ(s->GetInstancePtr(), &object);
-  EXPECT_EQ(TFakeSerializer::Live, 1);
+  EXPECT_EQ((std::tuple{s->GetInstancePtr(), TFakeSerializer::Live}), std::tuple(&object, 1));
   s = nullptr;
   EXPECT_EQ(TFakeSerializer::Live, 0);
 }
@@ -72,20 +73,17 @@ TEST(SerializerFrame, OneCallSerializesAndFreesTheSerializer) {
 TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
   RegisterFakes();
   TBase object;
-  auto expectMessage = [](auto ACall, const UnicodeString& AMessage) {
-    EXPECT_EQ(test::MessageOf<Exception>(ACall), AMessage);
-  };
-  expectMessage([&] { VnSerialize(kEmpty, TValue::FromObject(&object)); },
-                Format(cVnNoSerializerForValue, {u"Format2"}));
-  expectMessage([&] { VnSerialize(kEmpty, &object, TypeInfoOf<TBase>()); },
-                Format(cVnNoSerializerForType, {u"Format2", u"TBase"}));
-  expectMessage([&] { VnCreateDeserializer(kEmpty, TValue::From<Integer>(1)); },
-                Format(cVnNoDeserializerForValue, {u"Format2"}));
-  // The pair exists, but without a deserializer.
-  expectMessage([&] { VnDeserialize(kFake, &object, TypeInfoOf<TBase>(), TVnSerializedData("x")); },
-                Format(cVnNoDeserializerForType, {u"Format3", u"TBase"}));
-  expectMessage([&] { VnSerializeEx(kEmpty, nullptr, nullptr); },
-                Format(cVnNoSerializerForType, {u"Format2", u"nil"}));
+  // The fourth: the pair exists, but without a deserializer.
+  const std::pair<std::function<void()>, UnicodeString> cases[] = {
+      {[&] { VnSerialize(kEmpty, TValue::FromObject(&object)); }, Format(cVnNoSerializerForValue, {u"Format2"})},
+      {[&] { VnSerialize(kEmpty, &object, TypeInfoOf<TBase>()); },
+       Format(cVnNoSerializerForType, {u"Format2", u"TBase"})},
+      {[&] { VnCreateDeserializer(kEmpty, TValue::From<Integer>(1)); },
+       Format(cVnNoDeserializerForValue, {u"Format2"})},
+      {[&] { VnDeserialize(kFake, &object, TypeInfoOf<TBase>(), TVnSerializedData("x")); },
+       Format(cVnNoDeserializerForType, {u"Format3", u"TBase"})},
+      {[&] { VnSerializeEx(kEmpty, nullptr, nullptr); }, Format(cVnNoSerializerForType, {u"Format2", u"nil"})}};
+  for (const auto& [call, message] : cases) EXPECT_EQ(test::MessageOf<Exception>(call), message);
   EXPECT_EQ(TFakeSerializer::Live, 0);
 }
 
@@ -94,17 +92,16 @@ TEST(SerializerFrame, CreateTakesTheRightInstance) {
   TProbe number, text, instance, set;
   number.Create(TValue::From<Integer>(42));
   ASSERT_NE(number.GetInstancePtr(), nullptr);
-  EXPECT_EQ(*static_cast<Integer*>(number.GetInstancePtr()), 42);
-  EXPECT_EQ(number.GetInstanceTypeInfo(), TVnTypes::GetTypeInfo<Integer>());
+  EXPECT_EQ((std::tuple{*static_cast<Integer*>(number.GetInstancePtr()), number.GetInstanceTypeInfo()}),
+            std::tuple(42, TVnTypes::GetTypeInfo<Integer>()));
   text.Create(TValue::From<UnicodeString>(u"text"));
-  EXPECT_EQ(text.GetInstancePtr(), nullptr);
   instance.Create(TValue::FromObject(&object));
-  EXPECT_EQ(instance.GetInstancePtr(), &object);
+  EXPECT_EQ((std::tuple{text.GetInstancePtr(), instance.GetInstancePtr()}), std::tuple(nullptr, &object));
   // From an instance, a set is copied in and read from the copy afterwards.
   TFruits fruits{frPear};
   set.Create(&fruits, TypeInfoOf<TFruits>());
-  EXPECT_EQ(set.GetValue().AsOrdinal(), 2);
-  EXPECT_EQ(set.GetInstancePtr(), set.GetValue().GetReferenceToRawData());
+  EXPECT_EQ((std::tuple{set.GetValue().AsOrdinal(), set.GetInstancePtr()}),
+            std::tuple(2, set.GetValue().GetReferenceToRawData()));
   TProbe p;
   EXPECT_EQ(test::MessageOf<Exception>([&] { p.Create(TValue::From(IPtr<IInterface>())); }),
             Format(cVnValueCannotBeSerialized, {u"tkInterface"}));
@@ -118,8 +115,7 @@ TEST(SerializerFrame, AFailingCreateFreesTheNewSerializer) {
 }
 
 TEST(SerializerFrame, ParametersFallBackToTheParent) {
-  TProbe root;
-  TProbe child;
+  TProbe root, child;
   child.SetParent(&root);
   TStringList owner;
   root.SetParam(u"xsd-prefix", u"xs");
@@ -127,23 +123,20 @@ TEST(SerializerFrame, ParametersFallBackToTheParent) {
   root.SetObjParam(u"Owner", &owner);
   child.SetParam(u"xmlns", u"urn:b");
 
-  EXPECT_EQ(child.GetParam(u"xsd-prefix"), u"xs");
-  EXPECT_EQ(child.GetParam(u"xmlns"), u"urn:b");
-  EXPECT_EQ(child.GetParam(u"missing"), u"");
-  EXPECT_TRUE(child.HasParam(u"xsd-prefix"));
-  EXPECT_TRUE(child.HasParam(u"Owner"));
-  EXPECT_FALSE(child.HasParam(u"missing"));
-  EXPECT_EQ(child.GetObjParam(u"Owner"), &owner);
-  EXPECT_EQ(child.GetObjParam(u"Parent"), nullptr);
+  EXPECT_EQ((std::tuple{child.GetParam(u"xsd-prefix"), child.GetParam(u"xmlns"), child.GetParam(u"missing")}),
+            std::tuple(u"xs", u"urn:b", u""));
+  EXPECT_EQ((std::tuple{child.HasParam(u"xsd-prefix"), child.HasParam(u"Owner"), child.HasParam(u"missing"),
+                        child.GetObjParam(u"Owner"), child.GetObjParam(u"Parent")}),
+            std::tuple(true, true, false, &owner, nullptr));
 
   // SetParams copies names, values and objects.
   TStringList params;
   params.SetValues(u"excludenamespaces", u"true");
   params.AddObject(u"Parent", &owner);
   child.SetParams(params);
-  EXPECT_EQ(child.GetParam(u"excludenamespaces"), u"true");
-  EXPECT_EQ(child.GetObjParam(u"Parent"), &owner);
-  EXPECT_EQ(root.GetObjParam(u"Parent"), nullptr);
+  EXPECT_EQ((std::tuple{child.GetParam(u"excludenamespaces"), child.GetObjParam(u"Parent"),
+                        root.GetObjParam(u"Parent")}),
+            std::tuple(u"true", &owner, nullptr));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The value helper: what a TValue is in the registry's terms, and conversions through text.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "types_domain.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_type_info_value.h"
@@ -11,19 +13,16 @@ using namespace vn;
 using namespace typesdomain;
 
 TEST(ValueHelper, KindsAndNullOfValues) {
-  EXPECT_EQ(VnTypeInfo(TValue()), nullptr);
-  EXPECT_EQ(TypeKind(TValue::From<Word>(1)), vtkWord);
+  EXPECT_EQ((std::tuple{VnTypeInfo(TValue()), TypeKind(TValue::From<Word>(1))}), std::tuple(nullptr, vtkWord));
   // A Variant value counts by what it holds.
-  EXPECT_EQ(MainTypeKind(TValue::From(Variant(u"x"))), mtkString);
-  EXPECT_EQ(MainTypeKind(TValue::From(Variant(3))), mtkInteger);
+  EXPECT_EQ((std::tuple{MainTypeKind(TValue::From(Variant(u"x"))), MainTypeKind(TValue::From(Variant(3)))}),
+            std::tuple(mtkString, mtkInteger));
 
   TBase object;
-  EXPECT_TRUE(IsNull(TValue()));
-  EXPECT_TRUE(IsNull(TValue::FromObject(nullptr, TypeInfoOf<TBase>())));
-  EXPECT_TRUE(IsNull(TValue::From(Variant::Null())));
-  EXPECT_TRUE(IsNull(TValue::From(Variant())));
-  EXPECT_FALSE(IsNull(TValue::FromObject(&object)));
-  EXPECT_FALSE(IsNull(TValue::From<Integer>(0)));
+  const std::pair<TValue, bool> nulls[] = {
+      {TValue(), true}, {TValue::FromObject(nullptr, TypeInfoOf<TBase>()), true}, {TValue::From(Variant::Null()), true},
+      {TValue::From(Variant()), true}, {TValue::FromObject(&object), false}, {TValue::From<Integer>(0), false}};
+  for (const auto& [value, null] : nulls) EXPECT_EQ(IsNull(value), null) << UnicodeToUtf8(value.ToString());
 }
 
 /// ToType of AValue to T; EXPECTs success and gives the result.
@@ -43,25 +42,24 @@ bool Fails(const TValue& AValue) {
 TEST(ValueHelper, ToTypeReadsTextAndWritesNumbersAsText) {
   using S = UnicodeString;
   EXPECT_EQ(Converted<Integer>(TValue::From<S>(u" 42 ")), 42);
-  EXPECT_TRUE(Fails<Byte>(TValue::From<S>(u"300")));
-  EXPECT_TRUE(Fails<Integer>(TValue::From<S>(u"1.5")));
-  EXPECT_EQ(Converted<TFruit>(TValue::From<S>(u"frplum")), frPlum);
-  EXPECT_EQ(Converted<TFruit>(TValue::From<S>(u"1")), frPear);
-  EXPECT_TRUE(Fails<TFruit>(TValue::From<S>(u"frKiwi")));
-  EXPECT_TRUE(Fails<TFruit>(TValue::From<S>(u"3")));
+  EXPECT_EQ((std::tuple{Fails<Byte>(TValue::From<S>(u"300")), Fails<Integer>(TValue::From<S>(u"1.5")),
+                        Fails<TFruit>(TValue::From<S>(u"frKiwi")), Fails<TFruit>(TValue::From<S>(u"3"))}),
+            std::tuple(true, true, true, true));
+  EXPECT_EQ((std::tuple{Converted<TFruit>(TValue::From<S>(u"frplum")), Converted<TFruit>(TValue::From<S>(u"1"))}),
+            std::tuple(frPlum, frPear));
   EXPECT_EQ(Converted<TFruits>(TValue::From<S>(u"[frApple,frPlum]")).Bits(), 5u);
   EXPECT_EQ(Converted<Integer>(TValue::From(Variant(u"12"))), 12);  // a Variant is looked into
   EXPECT_EQ(Converted<UnicodeString>(TValue::From<TFruit>(frPear)), u"frPear");
   // Only a whole float becomes an integer: nothing is rounded behind the caller's back.
-  EXPECT_EQ(Converted<Integer>(TValue::From<Double>(2.0)), 2);
-  EXPECT_TRUE(Fails<Integer>(TValue::From<Double>(2.5)));
-  EXPECT_FALSE(Fails<Integer>(TValue()));  // the empty value gives the zero of any type
+  // The empty value gives the zero of any type.
+  EXPECT_EQ((std::tuple{Converted<Integer>(TValue::From<Double>(2.0)), Fails<Integer>(TValue::From<Double>(2.5)),
+                        Fails<Integer>(TValue())}),
+            std::tuple(2, true, false));
 
   EXPECT_EQ(ToInteger(TValue::From<UnicodeString>(u"15")), 15);
   EXPECT_THROW(ToInteger(TValue::From<UnicodeString>(u"abc")), EInvalidCast);
   EXPECT_THROW(ToByte(TValue::From<Integer>(-1)), EInvalidCast);
-  EXPECT_EQ(ToWideString(TValue()), u"");
-  EXPECT_EQ(ToWideString(TValue::From(Variant::Null())), u"");
+  EXPECT_EQ((std::tuple{ToWideString(TValue()), ToWideString(TValue::From(Variant::Null()))}), std::tuple(u"", u""));
 }
 
 }  // namespace

@@ -1,22 +1,20 @@
 // Variant arrays: bounds and dimensions, element conversion, copy by value, redim, byte arrays.
+#include <tuple>
+#include <vector>
+
 #include "variant_test_support.h"
 
 namespace vn {
 namespace {
 
-using test::ExpectCast;
-using test::ExpectOverflow;
-using test::ExpectRaise;
-using test::ExpectVariant;
+using namespace test;  // the Variant checks of variant_test_support.h
 
 const std::string kBounds = test::U8(cRtlVarArrayBounds);
 
 TEST(VariantArray, OneDimensionConvertsElementsToItsType) {
   Variant a = VarArrayCreate({1, 3}, varInteger);
-  EXPECT_EQ(a.VarType(), varArray | varInteger);
-  EXPECT_EQ(VarArrayDimCount(a), 1);
-  EXPECT_EQ(VarArrayLowBound(a, 1), 1);
-  EXPECT_EQ(VarArrayHighBound(a, 1), 3);
+  EXPECT_EQ((std::tuple{a.VarType(), VarArrayDimCount(a), VarArrayLowBound(a, 1), VarArrayHighBound(a, 1)}),
+            std::tuple(varArray | varInteger, 1, 1, 3));
   ExpectVariant(a.GetItem(2), varInteger, 0);
 
   a.SetItem(1, u"5");
@@ -40,9 +38,8 @@ TEST(VariantArray, OneDimensionConvertsElementsToItsType) {
 
 TEST(VariantArray, TwoDimensions) {
   Variant grid = VarArrayCreate({1, 2, -1, 1}, varVariant);
-  EXPECT_EQ(VarArrayDimCount(grid), 2);
-  EXPECT_EQ(VarArrayLowBound(grid, 2), -1);
-  EXPECT_EQ(VarArrayHighBound(grid, 2), 1);
+  EXPECT_EQ((std::tuple{VarArrayDimCount(grid), VarArrayLowBound(grid, 2), VarArrayHighBound(grid, 2)}),
+            std::tuple(2, -1, 1));
   for (Integer i = 1; i <= 2; ++i)
     for (Integer j = -1; j <= 1; ++j) VarArrayPut(grid, i * 10 + j, {i, j});
   for (Integer i = 1; i <= 2; ++i)
@@ -52,30 +49,27 @@ TEST(VariantArray, TwoDimensions) {
 
   // Growing the last dimension keeps every element at its indices.
   VarArrayRedim(grid, 3);
-  EXPECT_EQ(VarArrayHighBound(grid, 2), 3);
-  EXPECT_EQ(VarArrayGet(grid, {2, 1}).AsInteger(), 21);
-  EXPECT_EQ(VarArrayGet(grid, {1, -1}).AsInteger(), 9);
-  EXPECT_TRUE(VarIsEmpty(VarArrayGet(grid, {2, 3})));
+  EXPECT_EQ((std::tuple{VarArrayHighBound(grid, 2), VarArrayGet(grid, {2, 1}).AsInteger(),
+                        VarArrayGet(grid, {1, -1}).AsInteger(), VarIsEmpty(VarArrayGet(grid, {2, 3}))}),
+            std::tuple(3, 21, 9, true));
 }
 
 TEST(VariantArray, VarArrayOfKeepsEachKind) {
   Variant a = VarArrayOf({1, u"a", true, Variant::Null(), VarArrayOf({2})});
-  EXPECT_EQ(a.VarType(), varArray | varVariant);
-  EXPECT_EQ(VarArrayHighBound(a, 1), 4);
+  EXPECT_EQ((std::tuple{a.VarType(), VarArrayHighBound(a, 1)}), std::tuple(varArray | varVariant, 4));
   ExpectVariant(a.GetItem(0), varInteger, 1);
   ExpectVariant(a.GetItem(1), varUString, u"a");
   ExpectVariant(a.GetItem(2), varBoolean, true);
-  EXPECT_TRUE(VarIsNull(a.GetItem(3)));
-  EXPECT_EQ(a.GetItem(4).GetItem(0).AsInteger(), 2);
-  EXPECT_EQ(VarArrayHighBound(VarArrayOf({}), 1), -1);
+  EXPECT_EQ((std::tuple{VarIsNull(a.GetItem(3)), a.GetItem(4).GetItem(0).AsInteger(),
+                        VarArrayHighBound(VarArrayOf({}), 1)}),
+            std::tuple(true, 2, -1));
 }
 
 TEST(VariantArray, CopiesAreIndependent) {
   Variant a = VarArrayOf({1, 2});
   Variant b = a;
   b.SetItem(0, 10);
-  EXPECT_EQ(a.GetItem(0).AsInteger(), 1);
-  EXPECT_EQ(b.GetItem(0).AsInteger(), 10);
+  EXPECT_EQ((std::tuple{a.GetItem(0).AsInteger(), b.GetItem(0).AsInteger()}), std::tuple(1, 10));
   Variant c = a;
   VarArrayRedim(c, 0);
   EXPECT_EQ(VarArrayHighBound(a, 1), 1);
@@ -131,14 +125,12 @@ TEST(VariantArray, ByteArraysGiveTheirBytes) {
 
 TEST(VariantArray, BadCreationAndNonArrays) {
   const std::string create = test::U8(cRtlVarArrayCreate);
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({0}, varInteger); }, create);
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({}, varInteger); }, create);
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({5, 2}, varInteger); }, create);
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({0, 1}, varUString); }, create);
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({0, 1}, varEmpty); }, create);
-  // Bounds whose element count no memory could hold.
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({0, 1 << 20, 0, 1 << 20}, varByte); }, create);
-  ExpectRaise<EVariantArrayCreateError>([] { (void)VarArrayCreate({1, 2000000000}, varVariant); }, create);
+  // Odd or reversed bounds, types no array holds, and bounds whose element count no memory could hold.
+  const std::pair<std::vector<Integer>, TVarType> bad[] = {
+      {{0}, varInteger}, {{}, varInteger}, {{5, 2}, varInteger}, {{0, 1}, varUString}, {{0, 1}, varEmpty},
+      {{0, 1 << 20, 0, 1 << 20}, varByte}, {{1, 2000000000}, varVariant}};
+  for (const auto& [bounds, type] : bad)
+    ExpectRaise<EVariantArrayCreateError>([&] { (void)VarArrayCreate(bounds, type); }, create);
   Variant grow = VarArrayCreate({0, 0}, varInteger);
   ExpectRaise<EVariantArrayCreateError>([&] { VarArrayRedim(grow, 2000000000); }, create);
   EXPECT_EQ(VarArrayHighBound(grow, 1), 0);

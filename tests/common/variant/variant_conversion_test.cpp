@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <tuple>
+#include <utility>
 
 #include "variant_test_support.h"
 #include "vnxml/common/interfaced_object.h"
@@ -10,16 +11,10 @@
 namespace vn {
 namespace {
 
-using test::ExpectCast;
-using test::ExpectOverflow;
-using test::ExpectRaise;
+using namespace test;  // the Variant checks of variant_test_support.h
 
 TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
-  struct Row {
-    Variant V;
-    TVarType Type;
-  };
-  const Row rows[] = {
+  const std::pair<Variant, TVarType> rows[] = {
       {true, varBoolean}, {int8_t(-1), varShortInt}, {int16_t(-1), varSmallint}, {-1, varInteger},
       {int64_t(-1), varInt64}, {-1LL, varInt64}, {uint8_t(1), varByte}, {uint16_t(1), varWord},
       {1u, varLongWord}, {uint64_t(1), varUInt64}, {1ULL, varUInt64}, {1.5f, varSingle}, {1.5, varDouble},
@@ -28,21 +23,17 @@ TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
       {std::string("bytes"), varString}, {"bytes", varString}, {Variant::FromDate(1.5), varDate},
       {Variant::FromOleStr(u"x"), varOleStr}, {Variant::Null(), varNull}, {Variant::Unassigned(), varEmpty},
   };
-  for (const Row& r : rows) EXPECT_EQ(r.V.VarType(), r.Type) << test::U8(VarTypeAsText(r.Type));
+  for (const auto& [value, type] : rows) EXPECT_EQ(value.VarType(), type) << test::U8(VarTypeAsText(type));
 }
 
 TEST(VariantConversion, TextToNumbers) {
   // Integer text first (with hex forms), then float text rounded half to even.
-  EXPECT_EQ(Variant(u"42").AsInteger(), 42);
-  EXPECT_EQ(Variant(u"-42").AsInt64(), -42);
-  EXPECT_EQ(Variant(u"$1F").AsInteger(), 31);
-  EXPECT_EQ(Variant(u"2.5").AsInteger(), 2);
-  EXPECT_EQ(Variant(u"3.5").AsInteger(), 4);
-  EXPECT_EQ(Variant(u" 7 ").AsInteger(), 7);
-  EXPECT_EQ(Variant(u"9223372036854775807").AsInt64(), INT64_MAX);
-  EXPECT_EQ(Variant(u"18446744073709551615").AsUInt64(), UINT64_MAX);
+  for (const auto& [text, number] : {std::pair{u"42", 42}, {u"$1F", 31}, {u"2.5", 2}, {u"3.5", 4}, {u" 7 ", 7}})
+    EXPECT_EQ(Variant(text).AsInteger(), number) << test::U8(text);
+  EXPECT_EQ((std::tuple{Variant(u"-42").AsInt64(), Variant(u"9223372036854775807").AsInt64(),
+                        Variant(u"18446744073709551615").AsUInt64(), Variant(u"1.23456").AsCurrency().Raw()}),
+            std::tuple(-42, INT64_MAX, UINT64_MAX, 12346));
   EXPECT_DOUBLE_EQ(Variant(u"-1.25E2").AsDouble(), -125);
-  EXPECT_EQ(Variant(u"1.23456").AsCurrency().Raw(), 12346);
 
   ExpectCast([] { (void)Variant(u"abc").AsInteger(); }, u"UnicodeString", u"Integer");
   ExpectCast([] { (void)Variant(u"").AsInteger(); }, u"UnicodeString", u"Integer");
@@ -54,23 +45,18 @@ TEST(VariantConversion, TextToNumbers) {
 }
 
 TEST(VariantConversion, NumbersToText) {
-  EXPECT_EQ(Variant(-3).AsString(), u"-3");
-  EXPECT_EQ(Variant(uint64_t(UINT64_MAX)).AsString(), u"18446744073709551615");
-  EXPECT_EQ(Variant(0.1).AsString(), u"0.1");
   // A Single is written with its own precision, not with the noise of its double widening.
-  EXPECT_EQ(Variant(0.1f).AsString(), u"0.1");
-  EXPECT_EQ(Variant(Currency::FromRaw(-5)).AsString(), u"-0.0005");
-  EXPECT_EQ(Variant(Currency::FromRaw(1234500)).AsString(), u"123.45");
+  const std::pair<Variant, const char16_t*> texts[] = {
+      {-3, u"-3"}, {uint64_t(UINT64_MAX), u"18446744073709551615"}, {0.1, u"0.1"}, {0.1f, u"0.1"},
+      {Currency::FromRaw(-5), u"-0.0005"}, {Currency::FromRaw(1234500), u"123.45"}, {true, u"True"}, {false, u"False"}};
+  for (const auto& [value, text] : texts) EXPECT_EQ(value.AsString(), text);
   EXPECT_EQ(Variant(int16_t(7)).AsAnsiString(), "7");
   EXPECT_EQ(Variant(u"\u00e9").AsAnsiString(), "\xC3\xA9");
 }
 
 TEST(VariantConversion, BooleansAreMinusOneAndTrueText) {
-  EXPECT_EQ(Variant(true).AsInteger(), -1);
-  EXPECT_EQ(Variant(false).AsInteger(), 0);
-  EXPECT_DOUBLE_EQ(Variant(true).AsDouble(), -1);
-  EXPECT_EQ(Variant(true).AsString(), u"True");
-  EXPECT_EQ(Variant(false).AsString(), u"False");
+  EXPECT_EQ((std::tuple{Variant(true).AsInteger(), Variant(false).AsInteger(), Variant(true).AsDouble()}),
+            std::tuple(-1, 0, -1.0));
   for (const Variant& v : {Variant(u"true"), Variant(u"1"), Variant(2), Variant(Currency::FromRaw(1))})
     EXPECT_TRUE(v.AsBoolean()) << ::testing::PrintToString(v);
   for (const Variant& v : {Variant(u"FALSE"), Variant(u"0"), Variant(0.0)})
@@ -87,9 +73,8 @@ TEST(VariantConversion, NullRefusesEveryConversionAndEmptyIsZero) {
       {[&] { (void)null.AsBoolean(); }, u"Boolean"},  {[&] { (void)null.AsString(); }, u"UnicodeString"},
       {[&] { (void)null.AsDateTime(); }, u"Date"},    {[&] { (void)VarAsType(null, varInteger); }, u"Integer"}};
   for (const auto& [call, to] : refusals) ExpectCast(call, u"Null", to);
-  EXPECT_EQ(VarToStr(null), u"");
-  EXPECT_EQ(VarToStrDef(null, u"none"), u"none");
-  EXPECT_EQ(VarToStrDef(Variant(), u"none"), u"");
+  EXPECT_EQ((std::tuple{VarToStr(null), VarToStrDef(null, u"none"), VarToStrDef(Variant(), u"none")}),
+            std::tuple(u"", u"none", u""));
 
   const Variant empty;
   EXPECT_EQ(std::tuple(empty.AsInteger(), empty.AsDouble(), empty.AsString(), empty.AsBoolean(), empty.AsDateTime()),
@@ -107,28 +92,24 @@ TEST(VariantConversion, RangeChecks) {
   ExpectOverflow([] { (void)Variant(1e19).AsInt64(); }, u"Double", u"Int64");
   ExpectOverflow([] { (void)Variant(std::nan("")).AsInteger(); }, u"Double", u"Integer");
   ExpectOverflow([] { (void)Variant(1e16).AsCurrency(); }, u"Double", u"Currency");
-  EXPECT_EQ(Variant(-128).AsShortInt(), -128);
-  EXPECT_EQ(Variant(65535).AsWord(), 65535);
-  EXPECT_EQ(Variant(1e19).AsUInt64(), 10000000000000000000ULL);
-  EXPECT_EQ(Variant(2.5).AsInteger(), 2);  // half to even
-  EXPECT_EQ(Variant(Currency::FromRaw(35000)).AsInteger(), 4);
+  // Half to even.
+  EXPECT_EQ((std::tuple{Variant(-128).AsShortInt(), Variant(65535).AsWord(), Variant(1e19).AsUInt64(),
+                        Variant(2.5).AsInteger(), Variant(Currency::FromRaw(35000)).AsInteger()}),
+            std::tuple(-128, 65535, 10000000000000000000ULL, 2, 4));
   // Infinity has no Single range problem: it stays infinite.
   EXPECT_TRUE(std::isinf(Variant(std::numeric_limits<double>::infinity()).AsSingle()));
 }
 
 TEST(VariantConversion, DatesAsText) {
   const TDateTime stamp = EncodeDateTime(2024, 2, 29, 13, 5, 9, 0);
-  EXPECT_EQ(Variant::FromDate(stamp).AsString(), u"2024-02-29 13:05:09");
-  EXPECT_EQ(Variant::FromDate(EncodeDate(2024, 2, 29)).AsString(), u"2024-02-29");
-  EXPECT_EQ(Variant::FromDate(EncodeTime(6, 0, 0, 0)).AsString(), u"06:00:00");
-  EXPECT_EQ(Variant::FromDate(0).AsString(), u"1899-12-30");
-  EXPECT_EQ(Variant::FromDate(EncodeDateTime(2024, 1, 2, 3, 4, 5, 60)).AsString(), u"2024-01-02 03:04:05.060");
-
+  const std::pair<TDateTime, const char16_t*> texts[] = {
+      {stamp, u"2024-02-29 13:05:09"}, {EncodeDate(2024, 2, 29), u"2024-02-29"}, {EncodeTime(6, 0, 0, 0), u"06:00:00"},
+      {0, u"1899-12-30"}, {EncodeDateTime(2024, 1, 2, 3, 4, 5, 60), u"2024-01-02 03:04:05.060"},
+      {-1.25, u"1899-12-29 06:00:00"}};
   // Every text VarToStr writes reads back to the same date, before 1899 too.
-  for (TDateTime d : {stamp, EncodeDate(2024, 2, 29), EncodeTime(6, 0, 0, 0), -1.25,
-                      EncodeDateTime(2024, 1, 2, 3, 4, 5, 60)}) {
-    const UnicodeString text = Variant::FromDate(d).AsString();
-    EXPECT_NEAR(Variant(text).AsDateTime(), d, 1e-9) << test::U8(text);
+  for (const auto& [date, text] : texts) {
+    EXPECT_EQ(Variant::FromDate(date).AsString(), text);
+    EXPECT_NEAR(Variant(text).AsDateTime(), date, 1e-9) << test::U8(text);
   }
   EXPECT_NEAR(Variant(u"2024-02-29T13:05:09").AsDateTime(), stamp, 1e-9);
   EXPECT_DOUBLE_EQ(Variant(u"45000.5").AsDateTime(), 45000.5);
@@ -145,22 +126,16 @@ TEST(VariantConversion, EightBitStringsHoldBytes) {
 }
 
 TEST(VariantConversion, VarAsType) {
-  struct Row {
-    Variant From;
-    TVarType To;
-    Variant Expected;
-  };
-  const Row rows[] = {
+  const std::tuple<Variant, TVarType, Variant> rows[] = {
       {u"12", varInteger, 12}, {u"12", varByte, uint8_t(12)}, {12, varUString, u"12"}, {12, varOleStr, u"12"},
       {12, varString, "12"}, {u"1.5", varCurrency, Currency::FromRaw(15000)}, {1.25, varSingle, 1.25f},
       {true, varInt64, -1}, {u"True", varBoolean, true},
       {u"2024-02-29", varDate, Variant::FromDate(EncodeDate(2024, 2, 29))},
       {int64_t(5), varVariant, int64_t(5)},
   };
-  for (const Row& r : rows) test::ExpectVariant(VarAsType(r.From, r.To), r.To == varVariant ? varInt64 : r.To, r.Expected);
-
-  EXPECT_TRUE(VarIsEmpty(VarAsType(5, varEmpty)));
-  EXPECT_TRUE(VarIsNull(VarAsType(5, varNull)));
+  for (const auto& [from, to, expected] : rows)
+    test::ExpectVariant(VarAsType(from, to), to == varVariant ? varInt64 : to, expected);
+  EXPECT_EQ((std::tuple{VarIsEmpty(VarAsType(5, varEmpty)), VarIsNull(VarAsType(5, varNull))}), std::tuple(true, true));
   ExpectRaise<EVariantBadVarTypeError>([] { (void)VarAsType(5, 0x42); }, test::U8(cRtlVarBadType));
   ExpectCast([] { (void)VarAsType(VarArrayOf({1}), varInteger); }, u"Array Variant", u"Integer");
   ExpectCast([] { (void)VarAsType(1, varArray | varInteger); }, u"Integer", u"Array Integer");
@@ -172,16 +147,12 @@ TEST(VariantConversion, TypeNamesAndPredicates) {
   EXPECT_EQ(VarTypeAsText(0x42), u"$0042");
 
   // Booleans count as ordinal, hence numeric; a date is neither float nor numeric.
-  EXPECT_TRUE(VarIsNumeric(Variant(true)));
-  EXPECT_TRUE(VarIsOrdinal(Variant(uint64_t(1))));
-  EXPECT_TRUE(VarIsFloat(Variant(Currency())));
-  EXPECT_FALSE(VarIsFloat(Variant::FromDate(1)));
-  EXPECT_FALSE(VarIsNumeric(Variant::FromDate(1)));
-  EXPECT_FALSE(VarIsNumeric(Variant(u"1")));
-  EXPECT_TRUE(VarIsStr(Variant("a")));
-  EXPECT_TRUE(VarIsClear(Variant()));
-  EXPECT_TRUE(VarIsClear(Variant(IPtr<IInterface>())));
-  EXPECT_FALSE(VarIsClear(Variant::Null()));
+  const Variant date = Variant::FromDate(1);
+  EXPECT_EQ((std::tuple{VarIsNumeric(true), VarIsOrdinal(uint64_t(1)), VarIsFloat(Currency()), VarIsFloat(date),
+                        VarIsNumeric(date), VarIsNumeric(u"1"), VarIsStr("a")}),
+            std::tuple(true, true, true, false, false, false, true));
+  EXPECT_EQ((std::tuple{VarIsClear(Variant()), VarIsClear(IPtr<IInterface>()), VarIsClear(Variant::Null())}),
+            std::tuple(true, true, false));
 }
 
 TEST(VariantStorage, CopiesAndMovesKeepValuesAndInterfaceCountsExact) {
@@ -193,9 +164,10 @@ TEST(VariantStorage, CopiesAndMovesKeepValuesAndInterfaceCountsExact) {
     Variant copy = v;
     EXPECT_EQ(object->GetRefCount(), 3);
     Variant moved = std::move(copy);
-    EXPECT_EQ(object->GetRefCount(), 3);
-    EXPECT_TRUE(VarIsEmpty(copy));  // NOLINT(bugprone-use-after-move): moved-from is Unassigned
-    EXPECT_EQ(moved.AsInterface().Get(), intf.Get());
+    // The moved-from one is Unassigned.
+    // NOLINTNEXTLINE(bugprone-use-after-move)
+    EXPECT_EQ((std::tuple{object->GetRefCount(), VarIsEmpty(copy), moved.AsInterface().Get()}),
+              std::tuple(3, true, intf.Get()));
     moved = 5;  // releases
     EXPECT_EQ(object->GetRefCount(), 2);
     v = Variant::FromDispatch(intf);
@@ -216,21 +188,19 @@ TEST(VariantStorage, CopiesAndMovesKeepValuesAndInterfaceCountsExact) {
 }
 
 TEST(Currency, ExactDecimalsAndRounding) {
-  EXPECT_EQ(StrToCurr(u"1.5").Raw(), 15000);
-  EXPECT_EQ(StrToCurr(u"-0.0001").Raw(), -1);
-  EXPECT_EQ(StrToCurr(u"0.00015").Raw(), 2);   // tie goes to even
-  EXPECT_EQ(StrToCurr(u"0.00025").Raw(), 2);
-  EXPECT_EQ(StrToCurr(u"0.000251").Raw(), 3);
-  EXPECT_EQ(StrToCurr(u" 922337203685477.5807 ").Raw(), INT64_MAX);
-  EXPECT_EQ(StrToCurr(u"1e2").Raw(), 1000000);
+  // A tie goes to even.
+  const std::pair<const char16_t*, Int64> raws[] = {
+      {u"1.5", 15000}, {u"-0.0001", -1}, {u"0.00015", 2}, {u"0.00025", 2}, {u"0.000251", 3},
+      {u" 922337203685477.5807 ", INT64_MAX}, {u"1e2", 1000000}};
+  for (const auto& [text, raw] : raws) EXPECT_EQ(StrToCurr(text).Raw(), raw) << test::U8(text);
   ExpectRaise<EConvertError>([] { (void)StrToCurr(u"abc"); }, test::U8(Format(cRtlInvalidFloat, {u"abc"})));
   Currency c;
   EXPECT_FALSE(TryStrToCurr(u"922337203685477.5808", c));
 
-  EXPECT_EQ(CurrToStr(StrToCurr(u"1.5") * StrToCurr(u"1.5")), u"2.25");
-  EXPECT_EQ(CurrToStr(Currency::FromInt64(2) / Currency::FromInt64(3)), u"0.6667");
-  EXPECT_EQ(Currency::FromDouble(2.5).Round(), 2);
-  EXPECT_EQ(Currency::FromDouble(0.1).Raw(), 1000);
+  EXPECT_EQ((std::tuple{CurrToStr(StrToCurr(u"1.5") * StrToCurr(u"1.5")),
+                        CurrToStr(Currency::FromInt64(2) / Currency::FromInt64(3)), Currency::FromDouble(2.5).Round(),
+                        Currency::FromDouble(0.1).Raw()}),
+            std::tuple(u"2.25", u"0.6667", 2, 1000));
   ExpectRaise<EZeroDivide>([] { (void)(Currency::FromInt64(1) / Currency()); });
   ExpectRaise<EIntOverflow>([] { (void)(Currency::FromRaw(INT64_MAX) + Currency::FromRaw(1)); });
   ExpectRaise<EInvalidOp>([] { (void)Currency::FromDouble(1e20); });

@@ -1,5 +1,7 @@
 // Variant comparison and arithmetic: the platform's coercion and result kinds, failures included.
+#include <array>
 #include <cmath>
+#include <tuple>
 #include <limits>
 
 #include "variant_test_support.h"
@@ -8,10 +10,7 @@
 namespace vn {
 namespace {
 
-using test::ExpectCast;
-using test::ExpectOverflow;
-using test::ExpectRaise;
-using test::ExpectVariant;
+using namespace test;  // the Variant checks of variant_test_support.h
 
 const char* RelText(TVariantRelationship r) {
   static const char* const kNames[] = {"vrEqual", "vrLessThan", "vrGreaterThan", "vrNotEqual"};
@@ -19,12 +18,8 @@ const char* RelText(TVariantRelationship r) {
 }
 
 TEST(VariantComparison, Table) {
-  struct Row {
-    Variant A, B;
-    TVariantRelationship Expected;
-  };
   const double nan = std::nan("");
-  const Row rows[] = {
+  const std::tuple<Variant, Variant, TVariantRelationship> rows[] = {
       // numbers across kinds
       {1, 1.0, vrEqual}, {int8_t(-1), uint64_t(UINT64_MAX), vrLessThan},
       {uint64_t(UINT64_MAX), int64_t(-1), vrGreaterThan},
@@ -46,26 +41,22 @@ TEST(VariantComparison, Table) {
       {Variant::Null(), 1, vrNotEqual}, {Variant::Null(), Variant(), vrNotEqual},
       {u"", Variant::Null(), vrNotEqual},
   };
-  for (const Row& r : rows) {
-    TVariantRelationship got = VarCompareValue(r.A, r.B);
-    EXPECT_EQ(got, r.Expected) << testing::PrintToString(r.A) << " vs " << testing::PrintToString(r.B) << ": "
-                               << RelText(got);
+  for (const auto& [a, b, expected] : rows) {
+    TVariantRelationship got = VarCompareValue(a, b);
+    EXPECT_EQ(got, expected) << testing::PrintToString(a) << " vs " << testing::PrintToString(b) << ": "
+                             << RelText(got);
   }
 }
 
 TEST(VariantComparison, Operators) {
-  EXPECT_TRUE(Variant(1) == Variant(1.0));
-  EXPECT_TRUE(Variant(u"10") < Variant(u"9"));  // texts, not numbers
-  EXPECT_TRUE(Variant(10) > Variant(u"9.5"));  // a number
-  EXPECT_TRUE(Variant(3) >= Variant(u"3"));
-  EXPECT_TRUE(Variant::Null() == Variant::Null());
-  EXPECT_TRUE(Variant::Null() != 1);
-  EXPECT_FALSE(Variant::Null() == Variant());
-  // In ordering Null stands for Unassigned.
-  EXPECT_TRUE(Variant::Null() < 1);
-  EXPECT_TRUE(Variant::Null() <= Variant());
-  EXPECT_FALSE(Variant(std::nan("")) == Variant(std::nan("")));
-  EXPECT_FALSE(Variant(std::nan("")) < 1);
+  // Two texts compare as texts, a text against a number as numbers.
+  EXPECT_EQ((std::array{Variant(1) == Variant(1.0), Variant(u"10") < Variant(u"9"), Variant(10) > Variant(u"9.5"),
+                        Variant(3) >= Variant(u"3")}),
+            (std::array{true, true, true, true}));
+  // Null equals only Null, yet in ordering it stands for Unassigned; NaN equals nothing.
+  const Variant null = Variant::Null(), nan = std::nan("");
+  EXPECT_EQ((std::array{null == null, null != 1, null == Variant(), null < 1, null <= Variant(), nan == nan, nan < 1}),
+            (std::array{true, true, false, true, true, false, false}));
 }
 
 TEST(VariantComparison, FailuresAndInterfaces) {
@@ -76,21 +67,15 @@ TEST(VariantComparison, FailuresAndInterfaces) {
   ExpectRaise<EVariantInvalidOpError>([] { (void)(VarArrayOf({1}) == Variant(1)); }, test::U8(cRtlVarInvalidOp));
 
   IPtr<IInterface> a(new TInterfacedObject), b(new TInterfacedObject);
-  EXPECT_TRUE(Variant(a) == Variant(a));
-  EXPECT_FALSE(Variant(a) == Variant(b));
-  EXPECT_EQ(VarCompareValue(Variant(a), Variant(b)), vrNotEqual);
+  EXPECT_EQ((std::tuple{Variant(a) == Variant(a), Variant(a) == Variant(b), VarCompareValue(Variant(a), Variant(b))}),
+            std::tuple(true, false, vrNotEqual));
   ExpectRaise<EVariantInvalidOpError>([&] { (void)(Variant(a) < Variant(b)); });
   ExpectRaise<EVariantInvalidOpError>([&] { (void)(Variant(a) == Variant(1)); });
 }
 
 TEST(VariantArithmetic, ResultKinds) {
-  struct Row {
-    Variant Result;
-    TVarType Type;
-    Variant Value;
-  };
   const Variant date = Variant::FromDate(EncodeDate(2024, 2, 28));
-  const Row rows[] = {
+  const std::tuple<Variant, TVarType, Variant> rows[] = {
       {Variant(1) + 2, varInteger, 3}, {Variant(int16_t(1)) + uint8_t(2), varInteger, 3},
       {Variant(INT32_MAX) + 1, varInt64, int64_t(2147483648LL)},  // grows rather than wraps
       {Variant(int64_t(1)) + 1, varInt64, int64_t(2)},
@@ -126,9 +111,10 @@ TEST(VariantArithmetic, ResultKinds) {
       {!Variant(true), varBoolean, false}, {!Variant(0), varInteger, -1},
       {!Variant(u"False"), varBoolean, true}, {!Variant(u"5"), varInteger, -6},
   };
-  for (size_t i = 0; i < std::size(rows); ++i) {
-    SCOPED_TRACE(i);
-    ExpectVariant(rows[i].Result, rows[i].Type, rows[i].Value);
+  size_t row = 0;
+  for (const auto& [result, type, value] : rows) {
+    SCOPED_TRACE(row++);
+    ExpectVariant(result, type, value);
   }
 }
 

@@ -24,14 +24,6 @@ namespace vn::test {
 
 inline std::string U8(std::u16string_view s) { return UnicodeToUtf8(s); }
 
-/// The platform's cast failure text for two type names.
-inline std::string CastText(std::u16string_view AFrom, std::u16string_view ATo) {
-  return U8(Format(cRtlVarTypeCouldNotConvert, {AFrom, ATo}));
-}
-inline std::string OverflowText(std::u16string_view AFrom, std::u16string_view ATo) {
-  return U8(Format(cRtlVarTypeConvertOverflow, {AFrom, ATo}));
-}
-
 /// Runs AAction and expects exception E with the message AText (any message when empty).
 template <class E, class F>
 void ExpectRaise(F AAction, const std::string& AText = {}) {
@@ -48,11 +40,11 @@ void ExpectRaise(F AAction, const std::string& AText = {}) {
 /// A cast or overflow failure, with the platform's text for the two type names.
 template <class F>
 void ExpectCast(F AAction, std::u16string_view AFrom, std::u16string_view ATo) {
-  ExpectRaise<EVariantTypeCastError>(AAction, CastText(AFrom, ATo));
+  ExpectRaise<EVariantTypeCastError>(AAction, U8(Format(cRtlVarTypeCouldNotConvert, {AFrom, ATo})));
 }
 template <class F>
 void ExpectOverflow(F AAction, std::u16string_view AFrom, std::u16string_view ATo) {
-  ExpectRaise<EVariantOverflowError>(AAction, OverflowText(AFrom, ATo));
+  ExpectRaise<EVariantOverflowError>(AAction, U8(Format(cRtlVarTypeConvertOverflow, {AFrom, ATo})));
 }
 
 /// Same kind and same value (by the Variant's own equality).

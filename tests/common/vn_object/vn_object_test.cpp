@@ -2,6 +2,9 @@
 // and EVnException's code.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <tuple>
+
 #include "common/message_of.h"
 #include "vnxml/common/interfaced_object.h"
 #include "vnxml/common/vn_component.h"
@@ -46,10 +49,9 @@ TEST(VnObject, LastInterfaceFreesTheObjectThroughAnyOfItsInterfaces) {
     IPtr<IInterface> unknown = greeter.As<IInterface>();
     ASSERT_TRUE(counter && base && unknown);
     auto* object = static_cast<TGreeter*>(greeter->Implementor());
-    EXPECT_EQ(object->GetRefCount(), 4);  // one count, whichever interface holds it
-    EXPECT_EQ(base->Implementor(), object);
-    EXPECT_EQ(VnImplementor(counter.Get()), object);
-    EXPECT_EQ(counter->Next(), 1);
+    // One count, whichever interface holds it.
+    EXPECT_EQ((std::tuple{object->GetRefCount(), base->Implementor(), VnImplementor(counter.Get()), counter->Next()}),
+              std::tuple(4, object, object, 1));
     greeter = nullptr;
     counter = nullptr;
     base = nullptr;
@@ -66,8 +68,7 @@ TEST(VnObject, AutoDestroyOffLeavesTheObjectToItsCreator) {
     IPtr<IGreeter> held(object);
     IPtr<IVnObject> other = held.As<IVnObject>();
   }
-  EXPECT_FALSE(destroyed);
-  EXPECT_EQ(object->GetRefCount(), 0);
+  EXPECT_EQ((std::tuple{destroyed, object->GetRefCount()}), std::tuple(false, 0));
   // Turning it back on doesn't free by itself; the next count that reaches 0 does.
   object->SetAutoDestroy(true);
   EXPECT_FALSE(destroyed);
@@ -79,15 +80,14 @@ TEST(VnObject, UnknownInterfacesAndPlainObjects) {
   IPtr<IVnObject> plain(new TVnObject);
   EXPECT_FALSE(plain.As<IGreeter>());
   void* obj = reinterpret_cast<void*>(1);
-  EXPECT_EQ(plain->QueryInterface(ICounter::IID, &obj), E_NOINTERFACE);
-  EXPECT_EQ(obj, nullptr);
+  EXPECT_EQ((std::tuple{plain->QueryInterface(ICounter::IID, &obj), obj}), std::tuple(E_NOINTERFACE, nullptr));
   EXPECT_EQ(VnImplementor(plain.Get()), plain->Implementor());
   EXPECT_EQ(VnImplementor(nullptr), nullptr);
 
   // An object without IVnObject has no implementor to give.
   IPtr<IInterface> interfaced(new TInterfacedObject);
-  EXPECT_EQ(VnImplementor(interfaced.Get()), nullptr);
-  EXPECT_EQ(static_cast<TInterfacedObject*>(interfaced.Get())->GetRefCount(), 1);
+  auto* object = static_cast<TInterfacedObject*>(interfaced.Get());
+  EXPECT_EQ((std::tuple{VnImplementor(interfaced.Get()), object->GetRefCount()}), std::tuple(nullptr, 1));
 }
 
 class TPoint : public TVnObjectEx {
@@ -115,14 +115,12 @@ TEST(VnObjectEx, AssignCopiesThroughAssignToOrNamesBothClasses) {
   EXPECT_EQ(b.X, 7);
 
   TOther other;
-  auto expectAssignError = [](TVnObjectEx& ADest, const TObject* ASource, const UnicodeString& AMessage) {
-    EXPECT_EQ(test::MessageOf<EConvertError>([&] { ADest.Assign(ASource); }), AMessage);
-  };
-  expectAssignError(other, &a, u"Cannot assign a TPoint to a TOther");
-  expectAssignError(a, &other, u"Cannot assign a TOther to a TPoint");
-  expectAssignError(a, nullptr, u"Cannot assign a nil to a TPoint");
   TObject plain;
-  expectAssignError(a, &plain, u"Cannot assign a TObject to a TPoint");
+  const std::tuple<TVnObjectEx*, const TObject*, const char16_t*> failures[] = {
+      {&other, &a, u"Cannot assign a TPoint to a TOther"}, {&a, &other, u"Cannot assign a TOther to a TPoint"},
+      {&a, nullptr, u"Cannot assign a nil to a TPoint"}, {&a, &plain, u"Cannot assign a TObject to a TPoint"}};
+  for (const auto& [dest, source, message] : failures)
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { dest->Assign(source); }), message);
 }
 
 TEST(VnComponent, CountsLikeAVnObjectAndLeavesItsOwnerWhenFreed) {
@@ -130,8 +128,7 @@ TEST(VnComponent, CountsLikeAVnObjectAndLeavesItsOwnerWhenFreed) {
   auto* component = new TVnComponent(&owner);
   {
     IPtr<IVnObject> held(component);
-    EXPECT_EQ(held->Implementor(), component);
-    EXPECT_EQ(owner.GetComponentCount(), 1);
+    EXPECT_EQ((std::tuple{held->Implementor(), owner.GetComponentCount()}), std::tuple(component, 1));
   }
   // The count freed it, and its destructor took it out of the owner's list.
   EXPECT_EQ(owner.GetComponentCount(), 0);
@@ -145,18 +142,13 @@ TEST(VnComponent, CountsLikeAVnObjectAndLeavesItsOwnerWhenFreed) {
 VN_EXCEPTION(EVnTestError, EVnException)
 
 TEST(VnException, MessageFormatAndCode) {
-  const EVnException plain(u"plain");
-  EXPECT_EQ(plain.Message(), u"plain");
-  EXPECT_EQ(plain.GetCode(), 0);
   // A format with one integer argument stays a format, not a code.
-  const EVnException formatted(u"%d items", {5});
-  EXPECT_EQ(formatted.Message(), u"5 items");
-  EXPECT_EQ(formatted.GetCode(), 0);
+  const EVnException plain(u"plain"), formatted(u"%d items", {5});
   const EVnTestError coded(42, u"at %s", {u"x"});
-  EXPECT_EQ(coded.Message(), u"at x");
-  EXPECT_EQ(coded.GetCode(), 42);
-  EXPECT_STREQ(coded.what(), "at x");
-  EXPECT_EQ(coded.ClassName(), u"EVnTestError");
+  EXPECT_EQ((std::tuple{plain.Message(), plain.GetCode(), formatted.Message(), formatted.GetCode()}),
+            std::tuple(u"plain", 0, u"5 items", 0));
+  EXPECT_EQ((std::tuple{coded.Message(), coded.GetCode(), std::string(coded.what()), coded.ClassName()}),
+            std::tuple(u"at x", 42, "at x", u"EVnTestError"));
 }
 
 }  // namespace
