@@ -74,10 +74,8 @@ class FunctionsInFilters : public FunctionTest {
   std::string Names(std::u16string_view APath) {
     std::string result;
     auto list = CreateNodeList(FDoc.GetRootNode(), APath);
-    for (Integer i = 0; i < list->Count(); ++i) {
-      if (!result.empty()) result += ",";
-      result += UnicodeToUtf8(static_cast<TVnDOMElement*>(list->GetItem(i))->GetAttribute(u"n"));
-    }
+    for (TVnDOMNode* n : *list)
+      result += (result.empty() ? "" : ",") + UnicodeToUtf8(static_cast<TVnDOMElement*>(n)->GetAttribute(u"n"));
     return result;
   }
 };
