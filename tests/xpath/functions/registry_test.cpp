@@ -61,8 +61,7 @@ TEST_F(FunctionTest, DeepNestingIsRefused) {
   for (int i = 0; i < 5000; ++i) call += u"abs(";
   call += u"1" + UnicodeString(5000, u')');
   ExpectError<EVnDomSyntax>(call, cVnPathTooDeep);
-  UnicodeString modest = u"abs(abs(abs(abs(abs(abs(abs(abs(1))))))))";
-  EXPECT_EQ(ShowEval(modest), "int 1");
+  EXPECT_EQ(ShowEval(u"abs(abs(abs(abs(abs(abs(abs(abs(1))))))))"), "int 1");
 }
 
 class FunctionsInFilters : public FunctionTest {
