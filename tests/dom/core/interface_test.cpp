@@ -70,9 +70,8 @@ TEST(DomInterfaces, ReleasingEveryInterfaceLeavesNoHalfBehind) {
     IPtr<IVnDOMNode> first = list->GetItem(0);
     EXPECT_NE(item->GetDOMImpl(), nullptr);
   }
-  EXPECT_EQ(item->GetDOMImpl(), nullptr);
-  EXPECT_EQ(root->GetDOMImpl(), nullptr);
-  EXPECT_EQ(doc.GetDOMImpl(), nullptr);
+  for (TVnDOMNode* n : std::initializer_list<TVnDOMNode*>{item, root, &doc})
+    EXPECT_EQ(n->GetDOMImpl(), nullptr) << UnicodeToUtf8(n->GetQualifiedName());
 }
 
 TEST(DomInterfaces, NamedListsThroughInterfaces) {
