@@ -1,7 +1,6 @@
 // Elements: namespace declarations made on insertion, pending URIs, xml:space, lookups, text.
 #include <gtest/gtest.h>
 
-
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_messages.h"
@@ -39,13 +38,12 @@ TEST(DomElement, PendingURIAcrossDetachment) {
   TVnDOMElement* root = doc.CreateRootNode(u"root");
   TVnDOMElement* a = root->AddElement(u"v", u"p:a");
   IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
-  TVnDOMElement* other = root->AddElement(u"other");
+  root->AddElement(u"other");
   root->RemoveChild(a);
   EXPECT_EQ(a->GetNamespaceURI(), u"v");  // answered from the pending value now
   held->RemoveAttribute(u"xmlns:p");
   EXPECT_EQ(a->GetNamespaceURI(), u"v");
   held = nullptr;
-  (void)other;
 }
 
 TEST(DomElement, AttributeMovedKeepsItsURI) {

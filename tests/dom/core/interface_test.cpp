@@ -2,9 +2,7 @@
 // interfaces, and Transform through an XSLT processor.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-
+#include "support/files.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/dom.h"
@@ -72,9 +70,8 @@ TEST(DomInterfaces, ReleasingEveryInterfaceLeavesNoHalfBehind) {
     IPtr<IVnDOMNode> first = list->GetItem(0);
     EXPECT_NE(item->GetDOMImpl(), nullptr);
   }
-  EXPECT_EQ(item->GetDOMImpl(), nullptr);
-  EXPECT_EQ(root->GetDOMImpl(), nullptr);
-  EXPECT_EQ(doc.GetDOMImpl(), nullptr);
+  for (TVnDOMNode* n : std::initializer_list<TVnDOMNode*>{item, root, &doc})
+    EXPECT_EQ(n->GetDOMImpl(), nullptr) << UnicodeToUtf8(n->GetQualifiedName());
 }
 
 TEST(DomInterfaces, NamedListsThroughInterfaces) {
@@ -132,18 +129,14 @@ TEST(DomTransform, StyleSheetFromANodeAFileAndThroughTheInterface) {
   UnicodeString part = source->GetRootNode()->FirstElement()->Transform(sheet.GetRootNode());
   EXPECT_NE(part.find(u"<list><i>1=x &amp; y</i></list>"), UnicodeString::npos) << UnicodeToUtf8(part);
 
-  std::string path = ::testing::TempDir() + "vnxml_transform_sheet.xsl";
-  std::ofstream(path, std::ios::binary) << UnicodeToUtf8(kSheet);
-  EXPECT_EQ(source->Transform(Utf8ToUnicode(path)), result);
-  std::unique_ptr<TVnDOMDocument> out = source->TransformToDocument(Utf8ToUnicode(path));
-  std::remove(path.c_str());
+  const test::TempFile file("transform_sheet.xsl", UnicodeToUtf8(kSheet));
+  EXPECT_EQ(source->Transform(file.Name()), result);
+  std::unique_ptr<TVnDOMDocument> out = source->TransformToDocument(file.Name());
   ASSERT_TRUE(out->GetRootNode());
   EXPECT_EQ(out->GetRootNode()->ElementCount(), 2);
 
   IPtr<IVnDOMNode> src = source.release()->As<IVnDOMNode>();  // the interface owns it from here
-  auto sheetCopy = std::make_unique<TVnDOMDocument>();
-  sheetCopy->LoadXML(kSheet);
-  IPtr<IVnDOMNode> xsl = sheetCopy.release()->As<IVnDOMNode>();
+  IPtr<IVnDOMNode> xsl = TVnDOMDocument::FromXML(kSheet).release()->As<IVnDOMNode>();
   IPtr<IVnDOMDocument> asDoc = src->Transform(xsl);
   EXPECT_EQ(asDoc->GetRootNode()->LastElement()->GetText(), u"=z");
 }

@@ -3,6 +3,7 @@
 
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
+#include "vnxml/common/utf.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_messages.h"
 
@@ -35,19 +36,16 @@ TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
   auto doc = std::make_unique<TVnDOMDocument>();
   TVnDOMElement* root = doc->CreateRootNode(u"root");
   TVnDOMElement* child = root->AddElement(u"a")->AddElement(u"b");
+  TVnDOMNode* const chain[] = {child, root, doc.get()};
   {
     IPtr<IVnDOMElement> held = child->As<IVnDOMElement>();
     ASSERT_TRUE(held);
-    EXPECT_NE(child->GetDOMImpl(), nullptr);
-    EXPECT_NE(root->GetDOMImpl(), nullptr);
-    EXPECT_NE(doc->GetDOMImpl(), nullptr);
+    for (TVnDOMNode* n : chain) EXPECT_NE(n->GetDOMImpl(), nullptr) << UnicodeToUtf8(n->GetQualifiedName());
     EXPECT_EQ(TVnDOMObjectImpl::Node(held.Get())->GetDOMDocument(), doc.get());
   }
   // The last release leaves every node in the tree, without an interface half; the document,
   // which no interface ever held directly, stays its creator's.
-  EXPECT_EQ(child->GetDOMImpl(), nullptr);
-  EXPECT_EQ(root->GetDOMImpl(), nullptr);
-  EXPECT_EQ(doc->GetDOMImpl(), nullptr);
+  for (TVnDOMNode* n : chain) EXPECT_EQ(n->GetDOMImpl(), nullptr) << UnicodeToUtf8(n->GetQualifiedName());
   EXPECT_EQ(root->FirstElement()->FirstElement(), child);
 }
 

@@ -84,8 +84,7 @@ TEST(DomList, GetItemExByNumberNameAndDot) {
   EXPECT_EQ(list->GetItemEx(Variant(u"A"), coRaise), a);
   EXPECT_EQ(list->GetItemEx(Variant(u"b"), coReturnNil), nullptr);
   EXPECT_THROW(list->GetItemEx(Variant(u"b"), coRaise), EListError);
-  TVnDOMElement* b = list->GetItemEx(Variant(u"b"), coCreate);
-  ASSERT_NE(b, nullptr);
+  ASSERT_NE(list->GetItemEx(Variant(u"b"), coCreate), nullptr);
   EXPECT_THROW(list->GetItemEx(Variant(1.5), coRaise), EListError);
 }
 

@@ -2,9 +2,9 @@
 // selection, with no object call in between.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
 
+#include "support/files.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
@@ -16,12 +16,9 @@ namespace {
 constexpr char16_t kText[] = u"<r a=\"1\"><b>\u00e9</b></r>";
 
 TEST(DomDocumentInterface, EveryRoadInGivesTheSameTree) {
-  const UnicodeString file = Utf8ToUnicode(testing::TempDir()) + u"doc_interface.xml";
-  {
-    TVnDOMDocument writer;
-    writer.LoadXML(kText);
-    writer.SaveToFile(file);
-  }
+  const test::TempFile temp("doc_interface.xml");
+  const UnicodeString file = temp.Name();
+  TVnDOMDocument::FromXML(kText)->SaveToFile(file);
   // The 8-bit form names its code page: é is one byte, which UTF-8 would refuse.
   const std::string latin1 = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><r a=\"1\"><b>\xe9</b></r>";
   using Load = std::function<void(IVnDOMDocument&)>;
@@ -49,7 +46,6 @@ TEST(DomDocumentInterface, EveryRoadInGivesTheSameTree) {
     EXPECT_EQ(doc->SelectSingleElement(u"b", {})->GetText(), u"\u00e9");
     EXPECT_EQ(doc->GetDocumentURI(), std::string(r.Name) == "LoadFromFile" ? file : UnicodeString());
   }
-  std::remove(UnicodeToUtf8(file).c_str());
 }
 
 TEST(DomDocumentInterface, SettingsInstructionsAndSavedBytes) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "support/work_counter.h"
-#include "vnxml/common/utf.h"
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
 
@@ -47,7 +47,7 @@ TEST(DomHostile, ManyAttributes) {
   ExpectLinear(
       [](size_t n) {
         std::u16string s = u"<r";
-        for (size_t i = 0; i < n; ++i) s += u" a" + std::u16string(1, u'a' + i % 26) + Utf8ToUnicode(std::to_string(i)) + u"=\"v\"";
+        for (size_t i = 0; i < n; ++i) s += u" a" + std::u16string(1, u'a' + i % 26) + IntToStr(Integer(i)) + u"=\"v\"";
         s += u"/>";
         return std::pair{s, s.size() + 1};
       },
@@ -59,10 +59,7 @@ TEST(DomHostile, ManyNamespaceDeclarationsOverManyElements) {
   ExpectLinear(
       [](size_t n) {
         std::u16string s = u"<r";
-        for (size_t i = 0; i < 10000; ++i) {
-          auto k = Utf8ToUnicode(std::to_string(i));
-          s += u" xmlns:p" + k + u"=\"urn:" + k + u"\"";
-        }
+        for (Integer i = 0; i < 10000; ++i) s += u" xmlns:p" + IntToStr(i) + u"=\"urn:" + IntToStr(i) + u"\"";
         s += u">";
         size_t head = s.size();
         for (size_t i = 0; i < n; ++i) s += u"<p7:e/>";
@@ -73,9 +70,7 @@ TEST(DomHostile, ManyNamespaceDeclarationsOverManyElements) {
 }
 
 TEST(DomHostile, LongTextRun) {
-  std::u16string s = u"<r>";
-  s.append(50u << 20, u'x');
-  s += u"</r>";
+  const std::u16string s = u"<r>" + std::u16string(50u << 20, u'x') + u"</r>";
   LoadSaveFree(s, s.size());
 }
 
@@ -89,10 +84,7 @@ TEST(DomHostile, DeepNesting) {
   doc.LoadXML(s);
   TVnDOMNode* n = doc.GetRootNode();
   size_t levels = 0;
-  while (n && n->HasChilds()) {
-    n = n->ChildAt(0);
-    ++levels;
-  }
+  for (; n && n->HasChilds(); ++levels) n = n->ChildAt(0);
   EXPECT_EQ(levels, depth - 1);
   EXPECT_EQ(doc.GetXML().size(), depth * 7 - 2);  // the innermost is "<d />"
 }

@@ -189,11 +189,9 @@ TEST(DomLoad, InnerXMLParsesAFragment) {
 TEST(DomLoad, FilesRoundTripWithURI) {
   auto file = std::make_unique<test::TempFile>("doc.xml");
   const UnicodeString name = file->Name();
-  {
-    auto doc = TVnDOMDocument::FromXML(u"<a><b>\u00e9</b></a>");
-    doc->SetEncoding(u"ISO-8859-1");
-    doc->SaveToFile(name, true, false);
-  }
+  auto doc = TVnDOMDocument::FromXML(u"<a><b>\u00e9</b></a>");
+  doc->SetEncoding(u"ISO-8859-1");
+  doc->SaveToFile(name, true, false);
   TVnDOMDocument back(name, fmOpenRead);
   EXPECT_EQ(back.GetDocumentURI(), name);
   EXPECT_EQ(back.GetRootNode()->FindElement(u"b")->GetText(), u"\u00e9");

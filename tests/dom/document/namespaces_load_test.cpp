@@ -5,6 +5,7 @@
 #include <string>
 
 #include "alloc_counter.h"
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
@@ -110,7 +111,7 @@ TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
     SCOPED_TRACE(shape.Name);
     size_t work[2];
     for (size_t levels : {50000u, 100000u}) {
-      std::u16string text, tail;
+      std::u16string text;
       for (size_t i = 0; i < levels; ++i) text += shape.Open(Utf8ToUnicode(std::to_string(i)));
       for (size_t i = levels; i-- > 0;) text += shape.Close(Utf8ToUnicode(std::to_string(i)));
       work[levels == 100000u] = LoadWork(text, u"urn:n" + Utf8ToUnicode(std::to_string(levels - 1)));
@@ -122,7 +123,7 @@ TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
 
 TEST(DomNamespacesLoad, DeclarationChangesInOneDocumentKeepAnothersLookups) {
   std::u16string text = u"<r";
-  for (int i = 0; i < 40; ++i) text += u" xmlns:p" + Utf8ToUnicode(std::to_string(i)) + u"=\"urn:" + Utf8ToUnicode(std::to_string(i)) + u"\"";
+  for (int i = 0; i < 40; ++i) text += u" xmlns:p" + IntToStr(i) + u"=\"urn:" + IntToStr(i) + u"\"";
   text += u"><c/></r>";
   auto kept = TVnDOMDocument::FromXML(text);
   auto edited = TVnDOMDocument::FromXML(text);

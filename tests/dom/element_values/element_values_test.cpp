@@ -159,12 +159,10 @@ TEST(ElementValues, TypeAttributeDecidesTheVariantKind) {
   const Variant time = r->GetChildElementValue(u"t");
   EXPECT_EQ(time.VarType(), varDate);
   EXPECT_DOUBLE_EQ(time.AsDouble(), 0.5);
-  const Variant object = r->GetChildElementValue(u"o");
-  EXPECT_EQ(object.VarType(), varUString);
-  EXPECT_EQ(object.AsString(), u"<x/>");
-  const Variant binary = r->GetChildElementValue(u"b");
-  EXPECT_EQ(binary.VarType(), varString);
-  EXPECT_EQ(binary.AsAnsiString(), "QUJD");
+  EXPECT_EQ(r->GetChildElementValue(u"o").VarType(), varUString);
+  EXPECT_EQ(r->GetChildElementValue(u"o").AsString(), u"<x/>");
+  EXPECT_EQ(r->GetChildElementValue(u"b").VarType(), varString);
+  EXPECT_EQ(r->GetChildElementValue(u"b").AsAnsiString(), "QUJD");
   EXPECT_EQ(r->GetChildElementValue(u"u").AsString(), u"kept & as text");
   EXPECT_EQ(test::MessageOf<EVnDomException>([&] { r->GetChildElementValue(u"e"); }), cVnDomInvalidTypeInfo);
   EXPECT_THROW(r->GetElements()->GetItem(4)->GetAsValue(), EVnDomException);
@@ -207,8 +205,7 @@ TEST(ElementValues, EnumerationWithoutTextTakesTheValueAttribute) {
   const TValue a = children->GetItem(0)->GetAsValue();
   ASSERT_EQ(a.TypeInfo(), TypeInfoOf<TLevel>());
   EXPECT_EQ(a.AsOrdinal(), 1);
-  EXPECT_TRUE(children->GetItem(1)->GetAsValue().IsEmpty());
-  EXPECT_TRUE(children->GetItem(2)->GetAsValue().IsEmpty());
+  for (Integer i : {1, 2}) EXPECT_TRUE(children->GetItem(i)->GetAsValue().IsEmpty()) << i;
 }
 
 TEST(ElementValues, InterfaceFormsForwardToTheElement) {

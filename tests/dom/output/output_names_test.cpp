@@ -2,8 +2,6 @@
 // would read back differently is refused instead of written.
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -17,14 +15,11 @@ namespace {
 // The string form and a stream in another code page, each expected to refuse with AMessage (or
 // to pass when it is empty).
 void ExpectOutputs(TVnDOMDocument& ADoc, std::u16string_view AMessage) {
-  auto stream = [&] {
-    TVnStringStream s(cVnCodePageUTF8);
-    ADoc.SaveToStream(s, cVnCodePageUTF8, true, true);
-  };
-  auto text = [&] { (void)ADoc.GetXML(); };
   const UnicodeString expected = AMessage.empty() ? UnicodeString(u"(nothing raised)") : UnicodeString(AMessage);
-  for (const std::function<void()>& write : {std::function<void()>(text), std::function<void()>(stream)})
-    EXPECT_EQ(test::MessageOf<EVnDomInvalidCharacter>(write), expected);
+  EXPECT_EQ(test::MessageOf<EVnDomInvalidCharacter>([&] { (void)ADoc.GetXML(); }), expected);
+  TVnStringStream s(cVnCodePageUTF8);
+  EXPECT_EQ(test::MessageOf<EVnDomInvalidCharacter>([&] { ADoc.SaveToStream(s, cVnCodePageUTF8, true, true); }),
+            expected);
 }
 
 TEST(OutputNames, LoadSaveReloadGivesTheSameTreeOrTheSaveRefuses) {
@@ -92,11 +87,13 @@ TEST(OutputNames, TextsThatWouldEndTheirNodeEarlyAreRefused) {
   auto cdata = [](TVnDOMDocument& d, const char16_t* v) { d.GetRootNode()->AddCDATA(v); };
   auto comment = [](TVnDOMDocument& d, const char16_t* v) { d.GetRootNode()->AddComment(v); };
   auto instruction = [](TVnDOMDocument& d, const char16_t* v) { d.SetProcessingInstruction(u"pi", v); };
+  auto target = [](TVnDOMDocument& d, const char16_t* v) { d.SetProcessingInstruction(v, u"d"); };
   const Case cases[] = {
       {u"a]]b>", nullptr, cdata},      {u"a]]>b", cVnDomCDATANotWritable, cdata},
       {u"a--b-", nullptr, comment},    {u"a-->b", cVnDomCommentNotWritable, comment},
       {u"a>b", nullptr, instruction},  {u"a?b>", cVnDomInstructionNotWritable, instruction},
       {u"a?>b", cVnDomInstructionNotWritable, instruction}, {u" a", cVnDomInstructionNotWritable, instruction},
+      {u"p i", cVnDomInstructionTargetNotWritable, target}, {u"p?", cVnDomInstructionTargetNotWritable, target},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FValue));
@@ -104,12 +101,6 @@ TEST(OutputNames, TextsThatWouldEndTheirNodeEarlyAreRefused) {
     doc.CreateRootNode(u"r");
     c.FAdd(doc, c.FValue);
     ExpectOutputs(doc, c.FMessage ? Format(c.FMessage, {c.FValue}) : UnicodeString());
-  }
-  for (const char16_t* target : {u"p i", u"p?"}) {
-    TVnDOMDocument doc;
-    doc.CreateRootNode(u"r");
-    doc.SetProcessingInstruction(target, u"d");
-    ExpectOutputs(doc, Format(cVnDomInstructionTargetNotWritable, {target}));
   }
 }
 

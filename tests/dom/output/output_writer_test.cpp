@@ -130,17 +130,16 @@ TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
   // The line-start rules look back at the stream: through a file they must come out as in memory.
   const test::TempFile file("marks.xml");
   const UnicodeString name = file.Name();
-  const auto& path = file.Path;
   auto doc = TVnDOMDocument::FromXML(u"<a><b/><?p x?></a>");
   doc->SetCodePage(cVnCodePageUTF16LE);
   doc->SaveToFile(name, true, true);
-  EXPECT_EQ(ReadFile(path), ToMemory(*doc, cVnCodePageUTF16LE, true, true));
+  EXPECT_EQ(ReadFile(file.Path), ToMemory(*doc, cVnCodePageUTF16LE, true, true));
   doc->SetCodePage(cVnCodePageUTF8);
   doc->SaveToFile(name, true, true);
-  EXPECT_EQ(ReadFile(path), "\xEF\xBB\xBF\r\n<a>\r\n  <b />\r\n  <?p x?>\r\n</a>");
+  EXPECT_EQ(ReadFile(file.Path), "\xEF\xBB\xBF\r\n<a>\r\n  <b />\r\n  <?p x?>\r\n</a>");
   doc->SetEncoding(u"UTF-8");
   doc->SaveToFile(name, true, true);
-  EXPECT_EQ(ReadFile(path), ToMemory(*doc, cVnCodePageUTF8, true, true));
+  EXPECT_EQ(ReadFile(file.Path), ToMemory(*doc, cVnCodePageUTF8, true, true));
 }
 
 TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
@@ -193,8 +192,7 @@ TEST(DomOutputWriter, EachPieceIsConvertedOnItsOwn) {
   TVnDOMElement* r = doc->GetRootNode();
   // A surrogate pair split over two text nodes stays two broken characters.
   r->AddText(u"a\xD83D");
-  r->AddText(u"\xDE00"
-             u"b");
+  r->AddText(u"\xDE00" u"b");
   EXPECT_EQ(ToMemory(*doc, cVnCodePageUTF8, false), "<r>a\xEF\xBF\xBD\xEF\xBF\xBD" "b</r>");
   EXPECT_EQ(ToMemory(*doc, cVnCodePageUTF16LE, false).size(), 2u * 11);
   r->Clear();

@@ -166,11 +166,10 @@ TEST(SaxReaderFrame, EntryPoints) {
     RecordingReader r;
     r.Reader.ParseFile(file.Name(), fmOpenRead, u"file");
     EXPECT_EQ(chars(r), "chars(\xC3\xA9)");
-    RecordingReader unread;  // the same bytes through ParseBuffer: the mark isn't looked for
-    EXPECT_THROW(unread.Reader.ParseBuffer(bom.data(), static_cast<Int64>(bom.size()), 0, u""), EVnXMLParseError);
+    // The same bytes through ParseBuffer: the mark isn't looked for.
+    EXPECT_THROW(RecordingReader().Reader.ParseBuffer(bom.data(), Int64(bom.size()), 0, u""), EVnXMLParseError);
   }
-  RecordingReader missing;
-  EXPECT_THROW(missing.Reader.ParseFile(test::TempFile("missing.xml").Name(), fmOpenRead, u""), EFOpenError);
+  EXPECT_THROW(RecordingReader().Reader.ParseFile(test::TempFile("missing.xml").Name(), fmOpenRead, u""), EFOpenError);
 }
 
 TEST(XmlParser, EncodingDecision) {

@@ -70,6 +70,13 @@ void ExpectFailure(std::string_view AXml, int ACode, int ALine, int ACol, bool A
   EXPECT_EQ(out.Col, ACol) << AXml;
 }
 
+// The trace of 8-bit text read with the code page its declaration (or UTF-8) gives.
+Trace ReadBytes(std::string_view ABytes) {
+  RecordingReader r;
+  r.Reader.ParseBuffer(ABytes.data(), ABytes.size(), 0, u"");
+  return r.Events();
+}
+
 }  // namespace
 
 TEST(SaxReader, WorkedExample) {
@@ -134,17 +141,14 @@ TEST(SaxReader, ProcessingInstructionsAndComments) {
 
 TEST(SaxReader, DocumentTypeIsSkipped) {
   ExpectTrace(R"(<!DOCTYPE a [<!ENTITY e "x>y">]><a/>)", {"startDTD", "endDTD", "start(a)", "end(a)"});
-  Outcome plain = Read("<!DOCTYPE a><a>t</a>", true, false);
-  EXPECT_EQ(plain.Events, (Trace{"startDocument", "start(a)", "chars(t)", "end(a)", "endDocument"}));
+  EXPECT_EQ(Read("<!DOCTYPE a><a>t</a>", true, false).Events,
+            (Trace{"startDocument", "start(a)", "chars(t)", "end(a)", "endDocument"}));
 }
 
 TEST(SaxReader, SingleRootCheck) {
   ExpectFailure("<a/>x", vn::cVnXMLErrInvalidTextAtRoot, 1, 5);
   ExpectFailure("<a/><b/>", vn::cVnXMLErrMultipleRoot, 1, 5);
-  Outcome out = Read("<a>text");
-  EXPECT_EQ(out.Code, -1);
-  EXPECT_EQ(out.Line, 1);
-  EXPECT_EQ(out.Col, 4);
+  ExpectFailure("<a>text", -1, 1, 4);
   // Without the check, white space between top-level items vanishes and text is delivered.
   ExpectTrace("<a>text", {"start(a)", "chars(text)", "ws()"}, false);
   ExpectTrace("<a/> x <b> y </b>\n<c/>",
@@ -161,18 +165,15 @@ TEST(SaxReader, Failures) {
   ExpectFailure("<!ENTITY x><a/>", vn::cVnXMLErrDOCTypeExpected, 1, 9);
   ExpectFailure("<a><!DOCTYPE a></a>", vn::cVnXMLErrCDATAExpected, 1, 12);
 
-  Outcome out = Read("<r>\n<a<b/></r>");
-  EXPECT_NE(out.Message.find("(Row: 2, Col: 1)"), std::string::npos) << out.Message;
-  out = Read("<:a/>");
-  EXPECT_EQ(out.Message, "The current character \":\" is only a valid NameStartChar when NameSpaces are not supported!");
-  out = Read("<a></a\n>");
-  EXPECT_EQ(out.Message, "The document is not wellformed!\r\n\">\" expected, but \"\n\" found!");
-  out = Read("<a><![CDATX[x]]></a>");
-  EXPECT_EQ(out.Message, "![CDATA[ expected, but \"![CDATX[\" found");
-  out = Read("<!DOCTYPE\na><a/>");
-  EXPECT_EQ(out.Code, vn::cVnXMLErrDOCTypeExpected);
+  const std::string rowCol = Read("<r>\n<a<b/></r>").Message;
+  EXPECT_NE(rowCol.find("(Row: 2, Col: 1)"), std::string::npos) << rowCol;
+  EXPECT_EQ(Read("<:a/>").Message,
+            "The current character \":\" is only a valid NameStartChar when NameSpaces are not supported!");
+  EXPECT_EQ(Read("<a></a\n>").Message, "The document is not wellformed!\r\n\">\" expected, but \"\n\" found!");
+  EXPECT_EQ(Read("<a><![CDATX[x]]></a>").Message, "![CDATA[ expected, but \"![CDATX[\" found");
+  EXPECT_EQ(Read("<!DOCTYPE\na><a/>").Code, vn::cVnXMLErrDOCTypeExpected);
   // StartDocument went out before the failure, EndDocument never does.
-  out = Read("");
+  Outcome out = Read("");
   EXPECT_EQ(out.Events.front(), "startDocument");
   for (const auto& e : out.Events) EXPECT_NE(e, "endDocument");
 }
@@ -191,20 +192,14 @@ TEST(SaxReader, EndOfTextInsideConstructs) {
       {"<r>\n<a", 2, 3},                 // the attribute list that never began
       {"<!DOCTYPE r [\n<!ELEMENT r>", 1, 2},
   };
-  for (const Case& c : cases) {
-    Outcome out = Read(c.Xml);
-    EXPECT_EQ(out.Code, -1) << c.Xml;
-    EXPECT_EQ(out.Line, c.Line) << c.Xml;
-    EXPECT_EQ(out.Col, c.Col) << c.Xml;
-  }
+  for (const Case& c : cases) ExpectFailure(c.Xml, -1, c.Line, c.Col);
 }
 
 TEST(SaxReader, HandlersAndFailurePath) {
   vn::TVnSAXXMLReader reader;
   EXPECT_EQ(vn::test::CodeOf<vn::EVnXMLParseError>([&] { reader.Parse(u"<a/>", u""); }), vn::cVnXMLErrNoContentHandler);
-  vn::test::SaxRecorder* rec = new vn::test::SaxRecorder;
-  vn::IPtr<vn::test::SaxRecorder> keep(rec);
-  reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(rec));
+  vn::IPtr<vn::test::SaxRecorder> rec(new vn::test::SaxRecorder);
+  reader.SetContentHandler(vn::IPtr<vn::IVnSAXContentHandler>(rec.Get()));
   EXPECT_EQ(vn::test::CodeOf<vn::EVnXMLParseError>([&] { reader.Parse(u"<a/>", u""); }), vn::cVnXMLErrNoErrorHandler);
   EXPECT_TRUE(rec->Events.empty());  // neither reached a handler
 
@@ -222,28 +217,16 @@ TEST(SaxReader, HandlersAndFailurePath) {
 
 TEST(SaxReader, EncodingsOfTheSource) {
   // The declaration decides for 8-bit text without a code page.
-  RecordingReader latin;
-  std::string bytes = "<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'>\xE0</a>";
-  latin.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u"");
-  EXPECT_EQ(latin.Events()[2], "start(a v=\xC3\xA9)");
-  EXPECT_EQ(latin.Events()[3], "chars(\xC3\xA0)");
-
-  RecordingReader cp1252;
-  bytes = "<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>";
-  cp1252.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u"");
-  EXPECT_EQ(cp1252.Events()[3], "chars(\xE2\x82\xAC)");
-
+  const Trace latin = ReadBytes("<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'>\xE0</a>");
+  EXPECT_EQ(latin[2], "start(a v=\xC3\xA9)");
+  EXPECT_EQ(latin[3], "chars(\xC3\xA0)");
+  EXPECT_EQ(ReadBytes("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>")[3], "chars(\xE2\x82\xAC)");
   // Multi-byte UTF-8 in names, values and text; a name may start with a non-ASCII letter.
-  RecordingReader utf8;
-  bytes = "<\xC3\xA9l a='\xE2\x82\xAC'>\xF0\x9F\x98\x80</\xC3\xA9l>";
-  utf8.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u"");
-  EXPECT_EQ(utf8.Events(), (Trace{"startDocument", "start(\xC3\xA9l a=\xE2\x82\xAC)", "chars(\xF0\x9F\x98\x80)",
-                                  "end(\xC3\xA9l)", "endDocument"}));
+  EXPECT_EQ(ReadBytes("<\xC3\xA9l a='\xE2\x82\xAC'>\xF0\x9F\x98\x80</\xC3\xA9l>"),
+            (Trace{"startDocument", "start(\xC3\xA9l a=\xE2\x82\xAC)", "chars(\xF0\x9F\x98\x80)", "end(\xC3\xA9l)",
+                   "endDocument"}));
 
   // A surrogate can't start a name, in UTF-16 and in UTF-8 alike.
-  RecordingReader wide;
-  EXPECT_THROW(wide.Reader.Parse(u"<\U0001F600/>", u""), vn::EVnXMLParseError);
-  RecordingReader astral;
-  bytes = "<\xF0\x9F\x98\x80/>";
-  EXPECT_THROW(astral.Reader.ParseBuffer(bytes.data(), bytes.size(), 0, u""), vn::EVnXMLParseError);
+  EXPECT_THROW(RecordingReader().Reader.Parse(u"<\U0001F600/>", u""), vn::EVnXMLParseError);
+  EXPECT_THROW(ReadBytes("<\xF0\x9F\x98\x80/>"), vn::EVnXMLParseError);
 }

@@ -95,18 +95,15 @@ TEST(XMLDateText, ReadingFollowsTheZoneTable) {
 
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01"), At(2020, 7, 1, 0, 0), cMoment);
   EXPECT_NEAR(VnXMLToDateTime(u"12:00:00.250"), EncodeTime(12, 0, 0, 250), cMoment);
-  EXPECT_EQ(VnXMLToDateTime(u"0"), 0);
-  EXPECT_EQ(VnXMLToDateTime(u""), 0);
+  for (const char16_t* zero : {u"0", u""}) EXPECT_EQ(VnXMLToDateTime(zero), 0) << U8(zero);
   EXPECT_THROW(VnXMLToDateTime(u"2020-07-01T25:00:00"), EConvertError);
 }
 
 TEST(XMLDateText, DatesIgnoreZoneAndTime) {
   TimeZoneScope zone(test::cZoneBerlin);
-  EXPECT_EQ(VnXMLToDate(u"0"), 0);
-  EXPECT_EQ(VnXMLToDate(u""), 0);
-  EXPECT_EQ(VnXMLToDate(u"2020-01-01"), 43831);
-  EXPECT_EQ(VnXMLToDate(u"2020-01-01T23:59:59+14:00"), 43831);
-  EXPECT_EQ(VnXMLToDate(u"-0001-01-01"), -EncodeDate(1, 1, 1));
+  for (const auto& [text, day] : {std::pair{u"0", TDateTime(0)}, {u"", 0}, {u"2020-01-01", 43831},
+                                  {u"2020-01-01T23:59:59+14:00", 43831}, {u"-0001-01-01", -EncodeDate(1, 1, 1)}})
+    EXPECT_EQ(VnXMLToDate(text), day) << U8(text);
   EXPECT_THROW(VnXMLToDate(u"12:00:00"), EConvertError);  // no day to encode
   EXPECT_THROW(VnXMLToDate(u"2020-02-30"), EConvertError);
   EXPECT_EQ(VnXMLToDateDef(u"2020-02-30", 7), 7);

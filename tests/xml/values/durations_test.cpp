@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "vnxml/common/sysutils.h"
@@ -36,23 +38,18 @@ TEST(DurationToXML, Parts) {
 }
 
 TEST(XMLToDuration, MonthsBeforeTMinutesAfter) {
-  TVnDuration d = VnXMLToDuration(u"P1Y2MT3M");
-  EXPECT_FALSE(d.Negative);
-  EXPECT_EQ(d.Months, 14);
-  EXPECT_DOUBLE_EQ(d.Seconds, 180);
-
-  d = VnXMLToDuration(u"-P1DT2H3M4.5S");
-  EXPECT_TRUE(d.Negative);
-  EXPECT_EQ(d.Months, 0);
-  EXPECT_DOUBLE_EQ(d.Seconds, 86400 + 7200 + 180 + 4.5);
-
-  // Order is free, a repeated part keeps its last value, and fractions past milliseconds drop.
-  d = VnXMLToDuration(u"PT5M1D2Y3Y");
-  EXPECT_EQ(d.Months, 36);
-  EXPECT_DOUBLE_EQ(d.Seconds, 86400 + 300);
-  EXPECT_DOUBLE_EQ(VnXMLToDuration(u"PT0.12345S").Seconds, 0.123);
-  EXPECT_DOUBLE_EQ(VnXMLToDuration(u"PT65535S").Seconds, 65535);
-  EXPECT_EQ(VnXMLToDuration(u"P").Months, 0);
+  const std::tuple<const char16_t*, bool, Integer, double> cases[] = {
+      {u"P1Y2MT3M", false, 14, 180}, {u"-P1DT2H3M4.5S", true, 0, 86400 + 7200 + 180 + 4.5},
+      // Order is free, a repeated part keeps its last value, and fractions past milliseconds drop.
+      {u"PT5M1D2Y3Y", false, 36, 86400 + 300}, {u"PT0.12345S", false, 0, 0.123}, {u"PT65535S", false, 0, 65535},
+      {u"P", false, 0, 0}};
+  for (const auto& [text, negative, months, seconds] : cases) {
+    SCOPED_TRACE(U8(text));
+    const TVnDuration d = VnXMLToDuration(text);
+    EXPECT_EQ(d.Negative, negative);
+    EXPECT_EQ(d.Months, months);
+    EXPECT_DOUBLE_EQ(d.Seconds, seconds);
+  }
 }
 
 TEST(XMLToDuration, RoundTrip) {

@@ -27,7 +27,8 @@ TEST_F(FunctionTest, DurationErrorsNameTheirFunction) {
                    u"An invalid parameter was passed to fn:hours-from-duration(arg)");
   ExpectXPathError(u"seconds-from-duration(@missing)", u"FORG0006",
                    u"An invalid parameter was passed to fn:seconds-from-duration(arg)");
-  ExpectError<EVnDomSyntax>(u"days-from-duration()", u"The \"fn:days-from-duration(arg)\" function must have 1 parameter!");
+  ExpectError<EVnDomSyntax>(u"days-from-duration()",
+                            u"The \"fn:days-from-duration(arg)\" function must have 1 parameter!");
 }
 
 TEST_F(FunctionTest, DateAndTimeParts) {

@@ -74,6 +74,11 @@ class FunctionTest : public ::testing::Test {
     EXPECT_EQ(UnicodeToUtf8(test::MessageOf<E>([&] { Eval(AExpr); })), UnicodeToUtf8(AMessage)) << UnicodeToUtf8(AExpr);
   }
 
+  /// Each call of the table is refused while the filter is parsed, with the message given.
+  void ExpectSyntaxErrors(std::initializer_list<std::pair<const char16_t*, std::u16string_view>> ARows) {
+    for (const auto& [expr, message] : ARows) ExpectError<EVnDomSyntax>(expr, message);
+  }
+
   /// "code: message" of the EVnXPathException that AAction raises.
   template <class F>
   static std::string XPathFailure(F&& AAction) {

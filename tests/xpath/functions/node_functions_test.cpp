@@ -4,9 +4,8 @@
 #include <tuple>
 #include <vector>
 
-#include "vnxml/common/sysutils.h"
-
 #include "vnxml/common/logger.h"
+#include "vnxml/common/sysutils.h"
 
 namespace vn::testing {
 namespace {
@@ -44,12 +43,9 @@ TEST_F(FunctionTest, NodeArgumentMustBeOneNode) {
       {u"base-uri(1)", cFnCodeType, cFnArgMustBeNode, u"fn:base-uri(arg)"},
       {u"document-uri(1)", cFnCodeType, cFnArgMustBeNode, u"fn:document-uri(arg)"}};
   for (const auto& [expr, code, message, function] : cases) ExpectXPathError(expr, code, Format(message, {function}));
-  ExpectError<EVnDomSyntax>(u"node-name(a, b)", cFnNodeNameArity);
-  ExpectError<EVnDomSyntax>(u"nilled(a, b)", cFnNilledArity);
-  ExpectError<EVnDomSyntax>(u"string(a, b)", cFnStringArity);
-  ExpectError<EVnDomSyntax>(u"data(a, b)", cFnDataArity);
-  ExpectError<EVnDomSyntax>(u"base-uri(a, b)", cFnBaseUriArity);
-  ExpectError<EVnDomSyntax>(u"document-uri(a, b)", cFnDocumentUriArity);
+  ExpectSyntaxErrors({{u"node-name(a, b)", cFnNodeNameArity}, {u"nilled(a, b)", cFnNilledArity},
+                      {u"string(a, b)", cFnStringArity}, {u"data(a, b)", cFnDataArity},
+                      {u"base-uri(a, b)", cFnBaseUriArity}, {u"document-uri(a, b)", cFnDocumentUriArity}});
 }
 
 // string() refuses a sequence or an array while the filter is parsed.

@@ -25,10 +25,8 @@ TEST_F(FunctionTest, NumericFunctionValues) {
 TEST_F(FunctionTest, NegativeNumbersRoundTowardsEvenAndFloorDown) {
   FItem->SetAttribute(u"m", u"-2.5");
   FItem->SetAttribute(u"k", u"-1.1");
-  EXPECT_EQ(ShowEval(u"round(number(@m))"), "int -2");
-  EXPECT_EQ(ShowEval(u"floor(number(@k))"), "int -2");
-  EXPECT_EQ(ShowEval(u"ceiling(number(@k))"), "int -1");
-  EXPECT_EQ(ShowEval(u"abs(number(@m))"), "float 2.5");
+  ExpectShown({{u"round(number(@m))", "int -2"}, {u"floor(number(@k))", "int -2"},
+               {u"ceiling(number(@k))", "int -1"}, {u"abs(number(@m))", "float 2.5"}});
 }
 
 TEST_F(FunctionTest, NumberOfTextThatIsNoNumberRaises) {
@@ -50,21 +48,16 @@ TEST_F(FunctionTest, BooleanFunctions) {
       {uR"(not(""))", "bool true"},
   });
   // A path or a call has no truth of its own here.
-  ExpectXPathError(u"boolean(@a)", u"FORG0006", detail::cFnBooleanInvalid);
-  ExpectXPathError(u"boolean(true())", u"FORG0006", detail::cFnBooleanInvalid);
-  ExpectXPathError(u"not(c)", u"FORG0006", detail::cFnBooleanInvalid);
+  for (const char16_t* expr : {u"boolean(@a)", u"boolean(true())", u"not(c)"})
+    ExpectXPathError(expr, u"FORG0006", detail::cFnBooleanInvalid);
 }
 
 TEST_F(FunctionTest, NumericAndBooleanArityErrors) {
   using namespace detail;
-  ExpectError<EVnDomSyntax>(u"abs()", cFnAbsArity);
-  ExpectError<EVnDomSyntax>(u"ceiling(1, 2)", cFnCeilingArity);
-  ExpectError<EVnDomSyntax>(u"floor()", cFnFloorArity);
-  ExpectError<EVnDomSyntax>(u"round()", cFnRoundArity);
-  ExpectError<EVnDomSyntax>(u"half-to-even(1, 2)", cFnHalfToEvenArity);
-  ExpectError<EVnDomSyntax>(u"number(1, 2)", cFnNumberArity);
-  ExpectError<EVnDomSyntax>(u"boolean()", cFnBooleanArity);
-  ExpectError<EVnDomSyntax>(u"not(1, 2)", cFnBooleanArity);
+  ExpectSyntaxErrors({{u"abs()", cFnAbsArity}, {u"ceiling(1, 2)", cFnCeilingArity}, {u"floor()", cFnFloorArity},
+                      {u"round()", cFnRoundArity}, {u"half-to-even(1, 2)", cFnHalfToEvenArity},
+                      {u"number(1, 2)", cFnNumberArity}, {u"boolean()", cFnBooleanArity},
+                      {u"not(1, 2)", cFnBooleanArity}});
 }
 
 }  // namespace

@@ -61,8 +61,7 @@ TEST_F(FunctionTest, DeepNestingIsRefused) {
   for (int i = 0; i < 5000; ++i) call += u"abs(";
   call += u"1" + UnicodeString(5000, u')');
   ExpectError<EVnDomSyntax>(call, cVnPathTooDeep);
-  UnicodeString modest = u"abs(abs(abs(abs(abs(abs(abs(abs(1))))))))";
-  EXPECT_EQ(ShowEval(modest), "int 1");
+  EXPECT_EQ(ShowEval(u"abs(abs(abs(abs(abs(abs(abs(abs(1))))))))"), "int 1");
 }
 
 class FunctionsInFilters : public FunctionTest {
@@ -74,10 +73,8 @@ class FunctionsInFilters : public FunctionTest {
   std::string Names(std::u16string_view APath) {
     std::string result;
     auto list = CreateNodeList(FDoc.GetRootNode(), APath);
-    for (Integer i = 0; i < list->Count(); ++i) {
-      if (!result.empty()) result += ",";
-      result += UnicodeToUtf8(static_cast<TVnDOMElement*>(list->GetItem(i))->GetAttribute(u"n"));
-    }
+    for (TVnDOMNode* n : *list)
+      result += (result.empty() ? "" : ",") + UnicodeToUtf8(static_cast<TVnDOMElement*>(n)->GetAttribute(u"n"));
     return result;
   }
 };

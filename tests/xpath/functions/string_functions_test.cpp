@@ -73,32 +73,23 @@ TEST_F(FunctionTest, RegularExpressions) {
 
 TEST_F(FunctionTest, StringArityAndArgumentErrors) {
   using namespace detail;
-  ExpectError<EVnDomSyntax>(u"string-to-codepoints()", cFnStringToCodepointsArity);
-  ExpectError<EVnDomSyntax>(uR"(compare("a"))", cFnCompareTooFew);
-  ExpectError<EVnDomSyntax>(uR"(compare("a", "b", "c", "d"))", cFnCompareTooMany);
-  ExpectError<EVnDomSyntax>(uR"(compare("a", "b", "urn:none"))", u"The collation \"urn:none\" is not supported!");
-  ExpectError<EVnDomSyntax>(uR"(codepoint-equal("a"))", cFnCodepointEqualArity);
-  ExpectError<EVnDomSyntax>(u"string-join()", cFnStringJoinTooFew);
-  ExpectError<EVnDomSyntax>(uR"(string-join("a", "b", "c"))", cFnStringJoinTooMany);
-  ExpectError<EVnDomSyntax>(uR"(substring("a", 1, 1, 1))", cFnSubstringArity);
-  ExpectError<EVnDomSyntax>(uR"(string-length("a", "b"))", cFnStringLengthArity);
-  ExpectError<EVnDomSyntax>(uR"(normalize-space("a", "b"))", cFnNormalizeSpaceArity);
-  ExpectError<EVnDomSyntax>(u"normalize-unicode()", cFnNormalizeUnicodeArity);
-  ExpectError<EVnDomSyntax>(uR"(normalize-unicode("a", "nfc"))", cFnNormalizeUnicodeForm);
-  ExpectError<EVnDomSyntax>(u"simplify()", cFnSimplifyArity);
-  ExpectError<EVnDomSyntax>(uR"(upper-case("a", "b"))", cFnUpperCaseArity);
-  ExpectError<EVnDomSyntax>(u"lower-case()", cFnLowerCaseArity);
-  ExpectError<EVnDomSyntax>(uR"(translate("a", "b"))", cFnTranslateArity);
-  ExpectError<EVnDomSyntax>(uR"(contains("a"))", cFnContainsArity);
-  ExpectError<EVnDomSyntax>(uR"(starts-with("a"))", cFnStartsWithArity);
-  ExpectError<EVnDomSyntax>(uR"(ends-with("a"))", cFnEndsWithArity);
-  ExpectError<EVnDomSyntax>(uR"(substring-before("a"))", cFnSubstringBeforeArity);
-  ExpectError<EVnDomSyntax>(uR"(substring-after("a"))", cFnSubstringAfterArity);
-  ExpectError<EVnDomSyntax>(uR"(matches("a"))", cFnMatchesArity);
-  ExpectError<EVnDomSyntax>(uR"(replace("a", "b"))", cFnReplaceArity);
-  ExpectError<EVnDomSyntax>(u"tokenize()", cFnTokenizeArity);
-  ExpectError<EVnDomSyntax>(uR"(codepoints-to-string("ab"))", cFnCodepointsToStringList);
-  ExpectError<EVnDomSyntax>(uR"(codepoints-to-string((1), (2)))", cFnCodepointsToStringArity);
+  ExpectSyntaxErrors({
+      {u"string-to-codepoints()", cFnStringToCodepointsArity}, {uR"(compare("a"))", cFnCompareTooFew},
+      {uR"(compare("a", "b", "c", "d"))", cFnCompareTooMany},
+      {uR"(compare("a", "b", "urn:none"))", u"The collation \"urn:none\" is not supported!"},
+      {uR"(codepoint-equal("a"))", cFnCodepointEqualArity}, {u"string-join()", cFnStringJoinTooFew},
+      {uR"(string-join("a", "b", "c"))", cFnStringJoinTooMany}, {uR"(substring("a", 1, 1, 1))", cFnSubstringArity},
+      {uR"(string-length("a", "b"))", cFnStringLengthArity}, {uR"(normalize-space("a", "b"))", cFnNormalizeSpaceArity},
+      {u"normalize-unicode()", cFnNormalizeUnicodeArity}, {u"simplify()", cFnSimplifyArity},
+      {uR"(normalize-unicode("a", "nfc"))", cFnNormalizeUnicodeForm}, {uR"(upper-case("a", "b"))", cFnUpperCaseArity},
+      {u"lower-case()", cFnLowerCaseArity}, {uR"(translate("a", "b"))", cFnTranslateArity},
+      {uR"(contains("a"))", cFnContainsArity}, {uR"(starts-with("a"))", cFnStartsWithArity},
+      {uR"(ends-with("a"))", cFnEndsWithArity}, {uR"(substring-before("a"))", cFnSubstringBeforeArity},
+      {uR"(substring-after("a"))", cFnSubstringAfterArity}, {uR"(matches("a"))", cFnMatchesArity},
+      {uR"(replace("a", "b"))", cFnReplaceArity}, {u"tokenize()", cFnTokenizeArity},
+      {uR"(codepoints-to-string("ab"))", cFnCodepointsToStringList},
+      {uR"(codepoints-to-string((1), (2)))", cFnCodepointsToStringArity},
+  });
 }
 
 }  // namespace

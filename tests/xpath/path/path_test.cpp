@@ -206,12 +206,6 @@ TEST(PathLimits, DeepTreesAndLongPathsEndInOrder) {
   EXPECT_THROW(Sel(&doc, nested), Exception);
 }
 
-}  // namespace
-}  // namespace vn
-
-namespace vn {
-namespace {
-
 // Hosts call the members; they must give what the engine gives, on nodes, elements and documents.
 TEST(PathMembers, NodesElementsAndDocumentsSelectThroughTheirMembers) {
   auto doc = test::LoadDoc(cShop);
