@@ -1,5 +1,6 @@
 // TVnTypeInfo: what the kinds of a record mean, and its schema name.
 #include "vnxml/common/vn_type_info.h"
+#include "vnxml/common/vn_types.h"
 
 namespace vn {
 
@@ -18,6 +19,11 @@ TVnMainTypeKind TVnTypeInfo::GetMainTypeKind() const noexcept {
   if (FKind >= vtkDate && FKind <= vtkDateTime) return mtkDateTime;
   if (FKind == vtkStaticArray || FKind == vtkDynArray) return mtkArray;
   return mtkUnknown;
+}
+
+const TVnTypeInfo* TVnTypeInfo::StoredElementType() const {
+  if (!FElementType || !FHandle->ElementType || FElementType->FHandle == FHandle->ElementType) return FElementType;
+  return TVnTypes::GetTypeInfo(FHandle->ElementType);
 }
 
 UnicodeString TVnTypeInfo::SchemaName(std::u16string_view APrefix) const {

@@ -275,7 +275,7 @@ void TVnDeserializer::DeserializeStartType() {
     if (!FParentDeserializer) VnAssert(false, cVnParentIsArray);
     if (!FParentDeserializer->FMemberTypeInfo) VnAssert(false, cVnParentMemberTypeUnset);
     FArrIdx = -1;
-    FMemberTypeInfo = FInstanceTypeInfo->ElementType();
+    FMemberTypeInfo = FInstanceTypeInfo->StoredElementType();
   }
 }
 
@@ -290,7 +290,7 @@ bool TVnDeserializer::IsArraySerializer(TVnTypeKind* AKind) const {
 // belong to the graph, and dropping their slots would lose them unfreed.
 bool TVnDeserializer::HoldsObjectsFrom(Int64 AIndex) const {
   const TTypeInfo* arrayType = FInstanceTypeInfo->Handle();
-  if (FInstanceTypeInfo->ElementType()->Handle()->Kind != tkClass) return false;
+  if (FInstanceTypeInfo->StoredElementType()->Handle()->Kind != tkClass) return false;
   const Int64 size = DynArraySize(FInstancePtr, arrayType);
   for (Int64 i = AIndex; i < size; ++i)
     if (*static_cast<TObject* const*>(arrayType->Ops->Element(FInstancePtr, static_cast<size_t>(i)))) return true;
@@ -301,8 +301,12 @@ void* TVnDeserializer::InitializeArrayElement(std::u16string_view, std::u16strin
   if (!IsArraySerializer()) return nullptr;
   ReleaseChild();
   const TTypeInfo* arrayType = FInstanceTypeInfo->Handle();
-  const TVnTypeInfo* element = FInstanceTypeInfo->ElementType();
+  const TVnTypeInfo* element = FInstanceTypeInfo->StoredElementType();
   ++FArrIdx;
+  // An array of no platform type stores Variants: an object named as its element would have
+  // nothing to own it.
+  if (element != FInstanceTypeInfo->ElementType() && FInstanceTypeInfo->ElementType()->GetKind() == tkClass)
+    throw EVnSerializeException(cVnBoxedObjectUnowned, {GetPath()});
   FMemberField = nullptr;
   FMemberProp = nullptr;
   FMemberTypeInfo = element;

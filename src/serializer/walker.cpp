@@ -212,10 +212,10 @@ void TVnSerializer::WalkArray() {
   // arrays or renamed array properties are written like any other.
   if (!FInstancePtr) return;
   const TTypeInfo* arrayType = FInstanceTypeInfo->Handle();
-  const TVnTypeInfo* element = FInstanceTypeInfo->ElementType();
+  const TVnTypeInfo* element = FInstanceTypeInfo->StoredElementType();
   if (!element) return;
   const TTypeInfo* elementType = element->Handle();
-  const UnicodeString elementName = element->SchemaName();
+  const UnicodeString elementName = FInstanceTypeInfo->ElementType()->SchemaName();
   const NativeInt count = DynArraySize(FInstancePtr, arrayType);
   const bool isTValue = IsTValueType(element);
   for (NativeInt i = 0; i < count; ++i) {

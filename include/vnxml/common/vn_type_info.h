@@ -97,6 +97,9 @@ class TVnTypeInfo {
   TVnSchemaDataType SchemaType() const noexcept { return FSchemaType; }
   /// The element's record for arrays and sets; nullptr for other kinds.
   const TVnTypeInfo* ElementType() const noexcept { return FElementType; }
+  /// What the array holds as it is stored: ElementType, except for an array of no platform type,
+  /// which stores Variants whatever its elements are named after; walks over its slots use this.
+  const TVnTypeInfo* StoredElementType() const;
   /// A type record for ASchemaType with no platform type behind it: sdtArray gives an array of
   /// this type, the other schema types the built-in type that stands for them (nullptr if none).
   const TTypeInfo* VirtualType(TVnSchemaDataType ASchemaType) const;
