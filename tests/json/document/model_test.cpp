@@ -103,12 +103,9 @@ TEST(JsonModel, VariantsBecomeValuesByMainKind) {
   Variant list = VarArrayCreate({0, 1}, varVariant);
   VarArrayPut(list, Variant(1), {0});
   VarArrayPut(list, Variant(u"x"), {1});
-  object.AddMember(u"i", Variant(7));
-  object.AddMember(u"f", Variant(1.5));
-  object.AddMember(u"s", Variant(u"a/b"));
-  object.AddMember(u"b", Variant(true));
-  object.AddMember(u"l", list);
-  object.AddMember(u"n", Variant::Null());
+  const std::pair<const char16_t*, Variant> members[] = {{u"i", Variant(7)}, {u"f", Variant(1.5)},
+      {u"s", Variant(u"a/b")}, {u"b", Variant(true)}, {u"l", list}, {u"n", Variant::Null()}};
+  for (const auto& [name, value] : members) object.AddMember(name, value);
   EXPECT_EQ(object.GetAsJSON(),
             u"{\"i\": 7, \"f\": 1.5, \"s\": \"a\\/b\", \"b\": true, \"l\": [1, \"x\"], \"n\": null}");
   EXPECT_EQ(object.FindMember(u"i")->GetValueObj()->GetJSONType(), jdtNumber);
@@ -220,11 +217,10 @@ TEST(JsonModel, FreeStandingNodesDieWithTheirLastInterface) {
 
 TEST(JsonModel, DeepTreesSaveAndFreeWithoutRecursion) {
   // built by hand through the operations, 300,000 levels: a recursive walk would overflow the stack
-  auto doc = std::make_unique<TVnJSONDocument>();
-  TVnJSONBase* node = doc->CreateRootValue(jdtArray);
+  TVnJSONDocument doc;  // freed at the end
+  TVnJSONBase* node = doc.CreateRootValue(jdtArray);
   for (int i = 0; i < 100000; ++i) node = node->AddValue(jdtObject)->AddMember(u"k", jdtArray)->GetValueObj();
-  EXPECT_EQ(doc->GetAsJSON().size(), 100000 * 9 + 2);
-  doc.reset();
+  EXPECT_EQ(doc.GetAsJSON().size(), 100000 * 9 + 2);
 }
 
 TEST(JsonModel, CommonHooksMakeADocument) {
