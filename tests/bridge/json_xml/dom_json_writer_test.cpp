@@ -40,10 +40,7 @@ std::string LoadedJSON(std::u16string_view AXml) {
   return std::string(out.GetBytesView());
 }
 
-struct Case {
-  const char16_t* Xml;
-  const char* Json;
-};
+struct Case { const char16_t* Xml; const char* Json; };
 
 const Case kShapes[] = {
     {u"<root a=\"1\"><x>1</x><y>2</y><y>3</y></root>", R"({"root": {"root_a": "1","x": "1","y": ["2","3"]}})"},

@@ -29,10 +29,7 @@ std::string XmlOf(TVnDOMNode& ANode) {
   return xml;
 }
 
-struct Case {
-  const char* Json;
-  const char* Xml;
-};
+struct Case { const char* Json; const char* Xml; };
 
 class HearingParser : public TVnDOMParser {
  public:

@@ -44,10 +44,8 @@ struct Traced {
   }
 };
 
-struct Outcome {
-  std::string Trace;
-  std::string Error;  // class and code of what the parse raised, empty when nothing
-};
+// Error: class and code of what the parse raised, empty when nothing
+struct Outcome { std::string Trace; std::string Error; };
 
 Outcome Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
   Traced t;
@@ -61,10 +59,7 @@ Outcome Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
   return run;
 }
 
-struct Case {
-  const char* Json;
-  const char* Xml;
-};
+struct Case { const char* Json; const char* Xml; };
 
 const Case kMapping[] = {
     {R"({"a":1,"b":[true,null],"c":{"d":"x"}})",

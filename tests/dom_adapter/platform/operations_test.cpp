@@ -37,11 +37,7 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
   IPtr<IDOMElement> root = doc->get_documentElement();
   IPtr<IDOMNodeList> kids = root->get_childNodes();  // the attribute stands first
   // E element, A attr, C character data, T text, S cdata, M comment, P pi, D document
-  struct Case {
-    IPtr<IDOMNode> Node;
-    DOMNodeType Type;
-    std::string Answered;
-  } cases[] = {
+  struct Case { IPtr<IDOMNode> Node; DOMNodeType Type; std::string Answered; } cases[] = {
       {doc, ntDocument, "D"}, {root, ntElement, "E"}, {kids->get_item(0), ntAttribute, "A"},
       {kids->get_item(1), ntText, "CT"}, {kids->get_item(2), ntCDATA, "CTS"},
       {kids->get_item(3), ntComment, "CM"}, {doc->get_firstChild(), ntProcessingInstruction, "P"},
@@ -203,11 +199,7 @@ TEST(PlatformDOM, LookupsAndRefusals) {
 TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
   using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
   const char* unchanged = "<r a=\"1\">t<e /></r>";
-  struct Case {
-    Edit Call;
-    const char* Class;
-    const char* After;
-  } cases[] = {
+  struct Case { Edit Call; const char* Class; const char* After; } cases[] = {
       {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast", unchanged},
       {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest",
        unchanged},

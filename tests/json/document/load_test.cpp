@@ -18,10 +18,8 @@ namespace {
 // A subclass takes the handler's road: it might have its own forms of what the handler calls.
 class THandlerRoadDocument : public TVnJSONDocument {};
 
-struct Outcome {
-  UnicodeString Tree;
-  UnicodeString Failure;  // class, code and message; empty when the load went through
-};
+// Failure: class, code and message; empty when the load went through
+struct Outcome { UnicodeString Tree; UnicodeString Failure; };
 
 Outcome Load(TVnJSONDocument& ADoc, std::string_view ABytes, Word ACodePage) {
   Outcome out;
@@ -85,11 +83,8 @@ TEST(JsonLoad, HandlerRules) {
   reader.SetErrorHandler(nullptr);
 
   const UnicodeString cut = Format(_cVnJSONNotWellFormed, {cVnJSONValueStartExpected, u""});
-  struct Case {
-    const char16_t* Input;
-    const char16_t* Tree;     // of the document afterwards
-    const char16_t* Failure;  // message
-  };
+  // Tree: of the document afterwards; Failure: message
+  struct Case { const char16_t* Input; const char16_t* Tree; const char16_t* Failure; };
   const Case cases[] = {
       {u"[1][2]", u"[2]", u"(nothing raised)"}, {u"5", u"", u"oeps?"},
       {u"{\"a\":[1,{\"b\":", u"{\"a\": [1, {\"b\": null}]}", cut.c_str()},

@@ -113,11 +113,8 @@ TEST(JsonModel, VariantsBecomeValuesByMainKind) {
 }
 
 TEST(JsonModel, SimpleValuesReadAndWrite) {
-  struct Case {
-    std::function<void(TVnJSONBase&)> Set;
-    const char16_t* Text;    // as saved
-    const char16_t* String;  // GetAsString
-  };
+  // Text: as saved; String: GetAsString
+  struct Case { std::function<void(TVnJSONBase&)> Set; const char16_t* Text; const char16_t* String; };
   const Case cases[] = {
       {[](TVnJSONBase& n) { n.SetAsInteger(-3); }, u"-3", u"-3"},
       {[](TVnJSONBase& n) { n.SetAsLargeInt(1LL << 40); }, u"1099511627776", u"1099511627776"},

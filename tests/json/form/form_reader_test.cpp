@@ -17,10 +17,7 @@ namespace {
 
 using FormReader = vntest::RecordingReader<TVnFormURLEncodedJSONReader, true>;
 
-struct Case {
-  const char* Text;
-  const char* Trace;
-};
+struct Case { const char* Text; const char* Trace; };
 
 const Case kForms[] = {
     {"a=1&b=2", "< { m:a s:1 /m m:b s:2 /m } >"}, {"a=1&a=2", "< { m:a s:1 /m m:a s:2 /m } >"},
@@ -67,11 +64,8 @@ TEST(FormReader, KeysAndValuesBuildOneObject) {
   }
 }
 
-struct Failure {
-  const char* Text;
-  const char* Trace;  // ends with the place of the failure, !line:col
-  UnicodeString Message;
-};
+// Trace: ends with the place of the failure, !line:col
+struct Failure { const char* Text; const char* Trace; UnicodeString Message; };
 
 TEST(FormReader, FailuresReachTheErrorHandlerWithTheirPlace) {
   auto mark = [](std::u16string_view found) { return Format(cVnFormOpeningMarkExpected, {UnicodeString(found)}); };

@@ -16,11 +16,7 @@ UnicodeString CharFault(std::u16string_view AExpected, std::u16string_view AFoun
 TEST(JsonPathFailure, MalformedPathsAndFilters) {
   TVnJSONDocument doc(u"{\"list\":[{\"a\":1,\"o\":{}},2],\"s\":\"t\"}");
   const UnicodeString invalid(_cVnJSONInvalidPath), complex(_cVnJSONScriptExprTooComplex);
-  struct Case {
-    const char16_t* FPath;
-    Integer FCode;
-    UnicodeString FMessage;
-  };
+  struct Case { const char16_t* FPath; Integer FCode; UnicodeString FMessage; };
   const Case cases[] = {
       {u"", 13, invalid}, {u"  ", 13, invalid}, {u"list", 13, invalid}, {u"$.list | ", 13, invalid},
       {u"$x", 14, CharFault(u". or [", u"x")}, {u"$.list[0", 14, CharFault(u"]", u"")},

@@ -15,10 +15,7 @@ using vntest::RecordingJsonReader;
 
 namespace {
 
-struct Case {
-  const char* Text;
-  const char* Trace;
-};
+struct Case { const char* Text; const char* Trace; };
 
 // Traces end with !line:col when the parse failed; -1:-1 marks the end of text coming too early.
 const Case kLanguage[] = {
@@ -72,11 +69,7 @@ TEST(JsonReader, CutAnywhere) {
   }
 }
 
-struct Failure {
-  const char* Text;
-  std::u16string_view Expected;
-  std::u16string_view Found;
-};
+struct Failure { const char* Text; std::u16string_view Expected; std::u16string_view Found; };
 
 TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
   const Failure failures[] = {
@@ -103,11 +96,8 @@ TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
 }
 
 TEST(JsonReader, EncodingDecision) {
-  struct Enc {
-    std::string Bytes;
-    Word CodePage;
-    const char* Trace;  // "" for the encoding failure, raised before StartDocument
-  };
+  // Trace: "" for the encoding failure, raised before StartDocument
+  struct Enc { std::string Bytes; Word CodePage; const char* Trace; };
   using namespace std::string_literals;
   const Enc cases[] = {
       {"[\0001\000]\000"s, 0, "< [ n:1 ] >"},           // NUL pattern of UTF-16LE

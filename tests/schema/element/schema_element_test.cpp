@@ -38,11 +38,7 @@ struct Fixture {
 };
 
 TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
-  struct Case {
-    const char16_t* Start;
-    std::vector<Integer> Created;
-    const char* Expected;
-  } cases[] = {
+  struct Case { const char16_t* Start; std::vector<Integer> Created; const char* Expected; } cases[] = {
       {u"<r><c/></r>", {1, 0}, "<r><a /><b /><c /></r>"},  // no earlier row exists: at the front
       {u"<r><x/><a/><y/></r>", {2, 1}, "<r><x /><a /><b /><c /><y /></r>"},
   };
@@ -54,12 +50,7 @@ TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
 }
 
 TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
-  struct Case {
-    TVnDOMNodeType Type;
-    Integer MinOccurs;
-    bool Required;
-    const char* Expected;
-  } cases[] = {
+  struct Case { TVnDOMNodeType Type; Integer MinOccurs; bool Required; const char* Expected; } cases[] = {
       {ntElement, 0, false, "<r />"},   {ntElement, 1, false, "<r><x /></r>"},
       {ntElement, 2, false, "<r />"},   {ntElement, 0, true, "<r><x /></r>"},
       {ntAttribute, 1, false, "<r />"}, {ntAttribute, 0, true, "<r x=\"\" />"},
@@ -87,10 +78,7 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
   const TDateTime day = EncodeDate(1999, 10, 20);
   const TGUID guid = TGUID::Parse("01234567-89ab-cdef-0123-456789abcdef");
   // Each case writes through one accessor and reads back through an alias of it.
-  struct Case {
-    const char16_t* Stored;
-    std::function<bool(TTestSchema&)> WriteRead;
-  } cases[] = {
+  struct Case { const char16_t* Stored; std::function<bool(TTestSchema&)> WriteRead; } cases[] = {
       {u"255", [](auto& s) { return s.SetByteValue(0, 255), s.GetUnsignedByteValue(0) == 255; }},
       {u"-32768", [](auto& s) { return s.SetShortValue(0, -32768), s.GetShortValue(0) == -32768; }},
       {u"-7", [](auto& s) { return s.SetIntegerValue(0, -7), s.GetIntValue(0) == -7; }},

@@ -22,10 +22,7 @@ struct TBox {
 };
 VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner).Public(u"Pet", &TBox::Pet); }
 
-struct BadText {
-  const char* Text;
-  UnicodeString Message;
-};
+struct BadText { const char* Text; UnicodeString Message; };
 
 TEST(JSONBadInput, FailsNamingTheMember) {
   const BadText cases[] = {

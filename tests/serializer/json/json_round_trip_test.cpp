@@ -14,11 +14,8 @@
 namespace jsondomain {
 namespace {
 
-struct Shape {
-  const char* Name;
-  std::function<void(TShapes&)> Set;
-  const char* Fragment;  ///< what the text must hold
-};
+// Fragment: what the text must hold
+struct Shape { const char* Name; std::function<void(TShapes&)> Set; const char* Fragment; };
 
 TPet* NewPet(TPet* APet, const char16_t* AName) {
   APet->Name = AName;

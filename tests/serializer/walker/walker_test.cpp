@@ -108,10 +108,7 @@ TEST(Walker, ParametersAndRootShapes) {
   EXPECT_EQ(simple.find("<Point>"), std::string::npos);
   EXPECT_EQ(Bare(all.Home, u"excluderoot"), "<City>Rome</City><Zip>100</Zip>");
 
-  struct Case {
-    TValue Value;
-    const char* Text;
-  } cases[] = {
+  struct Case { TValue Value; const char* Text; } cases[] = {
       {TValue::From<Integer>(5), "5"}, {TValue::From<UnicodeString>(u"a<b"), "a&lt;b"},
       {TValue::From(std::vector<Integer>{}), "<array></array>"},
       {TValue::From(std::vector<Integer>{1, 2}), "<array><int>1</int><int>2</int></array>"},

@@ -76,10 +76,8 @@ TEST(XMLDOMMembers, DocumentsAndElementsStandInTheirElementAndReadBack) {
 
 TEST(XMLDOMMembers, MarkupThatDoesNotLoadAndElementsNeverMade) {
   const std::string head = "<object xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">";
-  struct Case {
-    const char* Inner;
-    std::u16string Expected;  ///< the start of the message
-  } cases[] = {
+  // Expected: the start of the message
+  struct Case { const char* Inner; std::u16string Expected; } cases[] = {
       {"<Doc xsi:type=\"xsd:TVnDOMDocument\"><a/><b/></Doc>", u"Deserialization failure at \"Doc\"\r\n"},
       {"<Doc xsi:type=\"xsd:TVnDOMDocument\">text</Doc>", u"Deserialization failure at \"Doc\"\r\n"},
       {"<Part><x/></Part>", u"Not supported"},

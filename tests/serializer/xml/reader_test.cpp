@@ -81,10 +81,8 @@ TEST(XMLReader, EnumerationTextsAndEmptyTexts) {
 
 TEST(XMLReader, BadTextRaisesTheRightFailure) {
   const std::string setFailure = "Exception: " + U8(Format(cVnFailedToSetValue, {u"abc"}));
-  struct Case {
-    const char* Inner;
-    std::string Expected;  // the whole text, or its start when it ends in "..."
-  } cases[] = {
+  // Expected: the whole text, or its start when it ends in "..."
+  struct Case { const char* Inner; std::string Expected; } cases[] = {
       {"<Nope>1</Nope>", "EVnSerializeException: " + U8(Format(cVnUnknownMember, {u"uSerial.TAll", u"Nope"}))},
       {"<I32>abc</I32>", setFailure + "..."}, {"<Kind>abc</Kind>", setFailure + "..."},
       {"<U8>300</U8>", "Exception: " + U8(Format(cVnFailedToSetValue, {u"300"})) + "..."},

@@ -53,12 +53,7 @@ void Read(TVnDataSerializationFormatType AFormat, TXsHolder& AHolder, const std:
   VnDeserialize(AFormat, TValue::FromObject(&AHolder), AText);
 }
 
-struct Row {
-  const char* Name;
-  std::function<void(TXsHolder&)> Set;
-  const char* Xml;
-  const char* Json;
-};
+struct Row { const char* Name; std::function<void(TXsHolder&)> Set; const char* Xml; const char* Json; };
 
 const Row kRows[] = {
     {"boolean", [](TXsHolder& h) { h.Flag = true; }, R"(<Flag xsi:type="xsd:boolean">true</Flag>)", R"("flag":true)"},

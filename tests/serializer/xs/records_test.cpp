@@ -134,11 +134,7 @@ TEST(XsRecords, OnlyTheirOwnKindsOfT) {
 }
 
 TEST(XsRecords, RationalFacetsAndText) {
-  struct Case {
-    int Total, Fraction;
-    Double Value;
-    const char16_t* Message;
-  };
+  struct Case { int Total, Fraction; Double Value; const char16_t* Message; };
   const Case cases[] = {
       {3, -1, 12.5, nullptr}, {3, -1, 123.4, cVnXsTotalDigits},    {3, -1, -12.5, cVnXsTotalDigits},
       {-1, 2, 1.25, nullptr}, {-1, 2, 1.255, cVnXsFractionDigits}, {-1, 0, 3, nullptr},
