@@ -31,10 +31,7 @@ std::string XmlOf(TVnDOMNode& ANode) {
 
 struct Case { const char* Json; const char* Xml; };
 
-class HearingParser : public TVnDOMParser {
- public:
-  using TVnDOMParser::TVnDOMParser;
-};
+struct HearingParser : TVnDOMParser { using TVnDOMParser::TVnDOMParser; };
 
 // Every road builds the same tree: the loader's own, a derived parser (which hears every
 // event), a UTF-16 string, a stream with a byte-order mark, and a fragment in an element.

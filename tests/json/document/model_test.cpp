@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 
 #include "common/message_of.h"
 #include "vnxml/common/json_doc_hooks.h"
@@ -186,19 +185,18 @@ TEST(JsonModel, InterfacesShareTheNodesCount) {
   EXPECT_EQ(doc.GetAsJSON(), u"{\"b\": [1], \"c\": null}");
 }
 
-TEST(JsonModel, ADocumentHeldByInterfaceDiesWithIt) {
-  IPtr<IVnJSONDocument> doc(static_cast<IVnJSONDocument*>(new TVnJSONDocument(u"{\"a\":[true]}")));
-  IPtr<IVnJSONBase> asBase = doc.As<IVnJSONBase>();
+TEST(JsonModel, DocumentsAndNodesHeldByInterfaceDieWithTheLast) {
+  IPtr<IVnJSONDocument> held(static_cast<IVnJSONDocument*>(new TVnJSONDocument(u"{\"a\":[true]}")));
+  IPtr<IVnJSONBase> asBase = held.As<IVnJSONBase>();
   ASSERT_TRUE(asBase);
-  EXPECT_EQ(doc->GetRootValueIntf()->GetMemberEx(u"a")->GetValue()->GetItem(0)->GetAsBoolean(), true);
+  EXPECT_EQ(held->GetRootValueIntf()->GetMemberEx(u"a")->GetValue()->GetItem(0)->GetAsBoolean(), true);
   // a node held past its document's end survives on its own
-  IPtr<IVnJSONBase> survivor = doc->GetRootValueIntf();
-  doc = nullptr;
+  IPtr<IVnJSONBase> survivor = held->GetRootValueIntf();
+  held = nullptr;
   asBase = nullptr;
   EXPECT_EQ(survivor->GetAsJSON(), u"{\"a\": [true]}");
-}
 
-TEST(JsonModel, FreeStandingNodesDieWithTheirLastInterface) {
+  // free-standing nodes die with their last interface too
   IPtr<IVnJSONArray> array(static_cast<IVnJSONArray*>(new TVnJSONArray(nullptr)));
   // without an owner the array lists nodes without owning them
   TVnJSONDocument doc(u"[1,2]");

@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "json/json_roundtrip_oracle.h"
 #include "vnxml/common/utf.h"
@@ -14,16 +13,6 @@
 
 namespace vn {
 namespace {
-
-// Opens every container below ANode, top down (the order a caller walking the tree takes).
-void OpenAll(TVnJSONBase* ANode) {
-  std::vector<TVnJSONBase*> work{ANode};
-  while (!work.empty()) {
-    TVnJSONBase* n = work.back();
-    work.pop_back();
-    for (Integer i = 0; i < n->ChildCount(); ++i) work.push_back(n->Child(i));
-  }
-}
 
 void LoadBytes(TVnJSONDocument& ADoc, const std::string& AText, Word ACodePage) {
   TVnMemoryStream in(AText.data(), static_cast<Int64>(AText.size()));
@@ -63,7 +52,7 @@ TEST(JsonStorage, OutputIsTheSameWhateverWasOpened) {
       SCOPED_TRACE(std::string(text) + " @" + std::to_string(cp));
       TVnJSONDocument lazy, open, half;
       for (TVnJSONDocument* doc : {&lazy, &open, &half}) LoadBytes(*doc, text, cp);
-      OpenAll(&open);
+      testing_support::TreeDepth(open);  // its walk, top down as a caller's, opens every container
       half.GetRootValue()->Child(0);  // half open: the root's first child only
       for (bool formatted : {false, true})
         for (Word out : {cVnCodePageUTF8, cVnCodePageUTF16LE, Word{1252}}) {

@@ -3,7 +3,6 @@
 // the same text again.
 #include <gtest/gtest.h>
 
-#include <cfloat>
 #include <climits>
 #include <limits>
 #include <functional>
@@ -58,6 +57,10 @@ const Shape kShapes[] = {
     {"object of the declared class", [](TShapes& o) { o.Pet = NewPet(new TPet, u"Rex"); }, R"("pet":{"className":"TPet","name":"Rex","legs":4,"friend":{}})"},
     {"object of a subclass", [](TShapes& o) { o.Pet = NewPet(new TCat, u"Tom"); }, R"("pet":{"className":"TCat","purrs":false,"name":"Tom")"},
     {"array of objects", [](TShapes& o) { o.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")}; }, R"("pets":[{"className":"TPet","name":"a","legs":4,"friend":{}},{"className":"TCat")"},
+    // created objects have the class the text names
+    {"object and array of objects",
+     [](TShapes& o) { o.Pet = NewPet(new TCat, u"Tom"); o.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")}; },
+     R"("pet":{"className":"TCat")"},
     {"string list", [](TShapes& o) { o.Notes->Add(u"a"); o.Notes->Add(u"b\n"); }, R"("notes":{"className":"StringList","items":["a","b\n"]})"},
     {"stream", [](TShapes& o) { o.Data->WriteBuffer("\0\1\xff", 3); }, R"("data":{"className":"TMemoryStream","data":"AAH/"})"},
     {"TValue integer", [](TShapes& o) { o.Any = TValue::From<Int64>(5); }, R"("any":5)"},
@@ -83,14 +86,6 @@ TEST(JSONRoundTrip, TextShowsEachMemberAndReadsBackToTheSameText) {
     FromJSON(copy, text);
     EXPECT_EQ(ToJSON(copy), text);
   }
-}
-
-TEST(JSONRoundTrip, CreatedObjectsHaveTheClassTheTextNames) {
-  TShapes source, copy;
-  source.Pet = NewPet(new TCat, u"Tom");
-  source.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")};
-  FromJSON(copy, ToJSON(source));
-  EXPECT_EQ(ToJSON(copy), ToJSON(source));  // class names and all
 }
 
 TEST(JSONRoundTrip, TValueNumbersKeepTheirKind) {
