@@ -11,6 +11,7 @@
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/string_list.h"
 #include "vnxml/serializer.h"
+#include "domain_support.h"
 
 namespace serialdomain {
 
@@ -31,7 +32,7 @@ struct TPoint {
   UnicodeString Label;
   bool operator==(const TPoint&) const = default;
 };
-VN_REGISTER_TYPE(TPoint, u"uSerial") { b.Public(u"X", &TPoint::X).Public(u"Y", &TPoint::Y).Public(u"Label", &TPoint::Label); }
+VN_REGISTER_TYPE(TPoint, u"uSerial") { b VN_TEST_PUBLIC(TPoint, X, Y, Label); }
 
 class TAddress : public TObject {
   VN_DECLARE_CLASS(TAddress, TObject)
@@ -39,7 +40,7 @@ class TAddress : public TObject {
   UnicodeString City;
   Integer Zip = 0;
 };
-VN_REGISTER_TYPE(TAddress, u"uSerial") { b.Public(u"City", &TAddress::City).Public(u"Zip", &TAddress::Zip); }
+VN_REGISTER_TYPE(TAddress, u"uSerial") { b VN_TEST_PUBLIC(TAddress, City, Zip); }
 
 class TPostBox : public TAddress {
   VN_DECLARE_CLASS(TPostBox, TAddress)
@@ -61,13 +62,7 @@ class TChain : public TObject {
   TChain() = default;
   TChain(const TChain&) = delete;
   TChain& operator=(const TChain&) = delete;
-  ~TChain() override {
-    while (TChain* next = Next) {
-      Next = next->Next;
-      next->Next = nullptr;
-      delete next;
-    }
-  }
+  ~TChain() override { test::DeleteChain(Next, &TChain::Next); }
   TChain* Next = nullptr;
   Integer Value = 0;
 };
@@ -78,53 +73,20 @@ class TAll : public TObject {
   VN_DECLARE_CLASS(TAll, TObject)
  public:
   TAll() : Notes(new TStringList()) {}
-  ~TAll() override {
-    delete Home;
-    delete Other;
-    delete Missing;
-    for (TAddress* place : Places) delete place;
-    delete Notes;
-  }
+  ~TAll() override { test::DeleteAll(Home, Other, Missing, Places, Notes); }
   TAll(const TAll&) = delete;
   TAll& operator=(const TAll&) = delete;
 
-  Integer I32 = 0;
-  Cardinal U32 = 0;
-  ShortInt I8 = 0;
-  SmallInt I16 = 0;
-  Byte U8 = 0;
-  Word U16 = 0;
-  Int64 I64 = 0;
-  UInt64 U64 = 0;
-  Single F32 = 0;
-  Double F64 = 0;
-  Extended F80 = 0;
-  Currency Money;
-  bool Flag = false;
-  char16_t Letter = u'a';
-  UnicodeString Text;
-  AnsiString Ansi;
-  VnXMLString Markup;
-  TKind Kind = kNone;
-  TColor Color = clRed;
-  TColors Colors;
-  TDateTime When = 0;
-  TDateTime Day = 0;
-  TDateTime Clock = 0;
-  Variant Any;
-  TValue Boxed;
-  TPoint Point;
-  TAddress* Home = nullptr;
-  TAddress* Other = nullptr;
-  TAddress* Missing = nullptr;
-  std::vector<Integer> Numbers;
-  std::vector<UnicodeString> Words;
-  std::array<Integer, 3> Triple{};
-  std::vector<TPoint> Points;
-  std::vector<TAddress*> Places;
-  std::vector<std::vector<Integer>> Grid;
-  TStringList* Notes;
-  UnicodeString Hidden;
+  // clang-format off
+  Integer I32 = 0; Cardinal U32 = 0; ShortInt I8 = 0; SmallInt I16 = 0; Byte U8 = 0; Word U16 = 0; Int64 I64 = 0;
+  UInt64 U64 = 0; Single F32 = 0; Double F64 = 0; Extended F80 = 0; Currency Money; bool Flag = false;
+  char16_t Letter = u'a'; UnicodeString Text; AnsiString Ansi; VnXMLString Markup; TKind Kind = kNone;
+  TColor Color = clRed; TColors Colors; TDateTime When = 0; TDateTime Day = 0; TDateTime Clock = 0; Variant Any;
+  TValue Boxed; TPoint Point; TAddress* Home = nullptr; TAddress* Other = nullptr; TAddress* Missing = nullptr;
+  std::vector<Integer> Numbers; std::vector<UnicodeString> Words; std::array<Integer, 3> Triple{};
+  std::vector<TPoint> Points; std::vector<TAddress*> Places; std::vector<std::vector<Integer>> Grid;
+  TStringList* Notes; UnicodeString Hidden;
+  // clang-format on
 
   const UnicodeString& GetTitle() const { return FTitle; }
   void SetTitle(const UnicodeString& AValue) { FTitle = AValue; }
@@ -134,20 +96,11 @@ class TAll : public TObject {
 };
 VN_REGISTER_TYPE(TAll, u"uSerial") {
   b.Published(u"Title", &TAll::GetTitle, &TAll::SetTitle)
-      .Public(u"I32", &TAll::I32).Public(u"U32", &TAll::U32).Public(u"I8", &TAll::I8).Public(u"I16", &TAll::I16)
-      .Public(u"U8", &TAll::U8).Public(u"U16", &TAll::U16).Public(u"I64", &TAll::I64).Public(u"U64", &TAll::U64)
-      .Public(u"F32", &TAll::F32).Public(u"F64", &TAll::F64).Public(u"F80", &TAll::F80)
-      .Public(u"Money", &TAll::Money).Public(u"Flag", &TAll::Flag).Public(u"Letter", &TAll::Letter)
-      .Public(u"Text", &TAll::Text).Public(u"Ansi", &TAll::Ansi).Public(u"Markup", &TAll::Markup)
-      .Public(u"Kind", &TAll::Kind).Public(u"Color", &TAll::Color).Public(u"Colors", &TAll::Colors)
-      .Public(u"When", &TAll::When).OfType(u"TDateTime")
+      VN_TEST_PUBLIC(TAll, I32, U32, I8, I16, U8, U16, I64, U64, F32, F64, F80, Money, Flag, Letter, Text, Ansi, Markup,
+                     Kind, Color, Colors, When).OfType(u"TDateTime")
       .Public(u"Day", &TAll::Day).OfType(u"TDate")
       .Public(u"Clock", &TAll::Clock).OfType(u"TTime")
-      .Public(u"Any", &TAll::Any).Public(u"Boxed", &TAll::Boxed).Public(u"Point", &TAll::Point)
-      .Public(u"Home", &TAll::Home).Public(u"Other", &TAll::Other).Public(u"Missing", &TAll::Missing)
-      .Public(u"Numbers", &TAll::Numbers).Public(u"Words", &TAll::Words).Public(u"Triple", &TAll::Triple)
-      .Public(u"Points", &TAll::Points).Public(u"Places", &TAll::Places).Public(u"Grid", &TAll::Grid)
-      .Public(u"Notes", &TAll::Notes)
+      VN_TEST_PUBLIC(TAll, Any, Boxed, Point, Home, Other, Missing, Numbers, Words, Triple, Points, Places, Grid, Notes)
       .Public(u"Hidden", &TAll::Hidden).Attr<SerializerHint>(shoDoNotSerialize);
 }
 
@@ -214,47 +167,33 @@ inline void ExpectSameAddress(const TAddress* A, const TAddress* B) {
   }
 }
 
-/// Every member of A equals B's, each reported by name.
+/// Each listed member of A equals B's; a failure tells the member's place in the list.
+template <class T, class... M>
+void ExpectSameMembers(const T& A, const T& B, M T::*... AMembers) {
+  int place = 0;
+  const auto same = [&](auto AMember) {
+    ++place;
+    EXPECT_EQ(A.*AMember, B.*AMember) << "member " << place;
+  };
+  (same(AMembers), ...);
+}
+
+/// Every member of A equals B's.
 inline void ExpectSame(const TAll& A, const TAll& B) {
   EXPECT_EQ(A.GetTitle(), B.GetTitle());
-  EXPECT_EQ(A.I32, B.I32);
-  EXPECT_EQ(A.U32, B.U32);
-  EXPECT_EQ(A.I8, B.I8);
-  EXPECT_EQ(A.I16, B.I16);
-  EXPECT_EQ(A.U8, B.U8);
-  EXPECT_EQ(A.U16, B.U16);
-  EXPECT_EQ(A.I64, B.I64);
-  EXPECT_EQ(A.U64, B.U64);
-  EXPECT_EQ(A.F32, B.F32);
-  EXPECT_EQ(A.F64, B.F64);
-  EXPECT_EQ(A.F80, B.F80);
+  ExpectSameMembers(A, B, &TAll::I32, &TAll::U32, &TAll::I8, &TAll::I16, &TAll::U8, &TAll::U16, &TAll::I64,
+                    &TAll::U64, &TAll::F32, &TAll::F64, &TAll::F80, &TAll::Flag, &TAll::Letter, &TAll::Text,
+                    &TAll::Ansi, &TAll::Markup, &TAll::Kind, &TAll::Color, &TAll::Colors, &TAll::When, &TAll::Day,
+                    &TAll::Clock, &TAll::Point, &TAll::Numbers, &TAll::Words, &TAll::Triple, &TAll::Points,
+                    &TAll::Grid);
   EXPECT_EQ(A.Money.Raw(), B.Money.Raw());
-  EXPECT_EQ(A.Flag, B.Flag);
-  EXPECT_EQ(A.Letter, B.Letter);
-  EXPECT_EQ(A.Text, B.Text);
-  EXPECT_EQ(A.Ansi, B.Ansi);
-  EXPECT_EQ(A.Markup, B.Markup);
-  EXPECT_EQ(A.Kind, B.Kind);
-  EXPECT_EQ(A.Color, B.Color);
-  EXPECT_TRUE(A.Colors == B.Colors);
-  EXPECT_EQ(A.When, B.When);
-  EXPECT_EQ(A.Day, B.Day);
-  EXPECT_EQ(A.Clock, B.Clock);
   EXPECT_EQ(A.Any.VarType(), B.Any.VarType());
   EXPECT_EQ(VarToStr(A.Any), VarToStr(B.Any));
   EXPECT_EQ(A.Boxed.ToString(), B.Boxed.ToString());
   EXPECT_EQ(A.Boxed.TypeInfo(), B.Boxed.TypeInfo());
-  EXPECT_EQ(A.Point, B.Point);
-  ExpectSameAddress(A.Home, B.Home);
-  ExpectSameAddress(A.Other, B.Other);
-  ExpectSameAddress(A.Missing, B.Missing);
-  EXPECT_EQ(A.Numbers, B.Numbers);
-  EXPECT_EQ(A.Words, B.Words);
-  EXPECT_EQ(A.Triple, B.Triple);
-  EXPECT_EQ(A.Points, B.Points);
+  for (TAddress* TAll::*place : {&TAll::Home, &TAll::Other, &TAll::Missing}) ExpectSameAddress(A.*place, B.*place);
   ASSERT_EQ(A.Places.size(), B.Places.size());
   for (size_t i = 0; i < A.Places.size(); ++i) ExpectSameAddress(A.Places[i], B.Places[i]);
-  EXPECT_EQ(A.Grid, B.Grid);
   EXPECT_EQ(A.Notes->GetText(), B.Notes->GetText());
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <span>
 
 #include "support/raises.h"
 #include "vnxml/common/code_page.h"
@@ -39,10 +40,7 @@ std::string LoadedJSON(std::u16string_view AXml) {
   return std::string(out.GetBytesView());
 }
 
-struct Case {
-  const char16_t* Xml;
-  const char* Json;
-};
+struct Case { const char16_t* Xml; const char* Json; };
 
 const Case kShapes[] = {
     {u"<root a=\"1\"><x>1</x><y>2</y><y>3</y></root>", R"({"root": {"root_a": "1","x": "1","y": ["2","3"]}})"},
@@ -70,13 +68,6 @@ const Case kShapes[] = {
     {u"<r><a>\"\\&lt;&#233;\t</a></r>", "{\"r\": {\"a\": \"\\\"\\\\<\xC3\xA9\\t\"}}"},
 };
 
-TEST(DomJsonWriter, ShapesNamesAndAttributes) {
-  for (const Case& c : kShapes) {
-    EXPECT_EQ(ElementJSON(c.Xml), c.Json) << test::U8(c.Xml);
-    EXPECT_EQ(LoadedJSON(c.Xml), c.Json) << test::U8(c.Xml);
-  }
-}
-
 const Case kTypedValues[] = {
     {u"<r><a>12</a></r>", R"({"r": {"a": "12"}})"},  // no xsi:type: a string
     {u"<r><a xsi:type=\"xsd:int\">12</a><b xsi:type=\"xsd:int\">12</b><b xsi:type=\"xsd:long\">-3</b></r>",
@@ -91,11 +82,15 @@ const Case kTypedValues[] = {
     {u"<r><a xsi:type=\"xsd:int\" k=\"v\">1</a></r>", R"({"r": {"a": 1, "a_k": "v"}})"},
 };
 
-TEST(DomJsonWriter, TypedValuesFollowXsiTypeAndNil) {
-  for (const Case& c : kTypedValues) {
-    EXPECT_EQ(ElementJSON(WithNs(c.Xml)), c.Json) << test::U8(c.Xml);
-    EXPECT_EQ(LoadedJSON(WithNs(c.Xml)), c.Json) << test::U8(c.Xml);
-  }
+// Typed values go in with the schema namespaces on the root.
+TEST(DomJsonWriter, ShapesNamesAttributesAndTypedValues) {
+  using Table = std::pair<std::span<const Case>, bool>;
+  for (const auto& [cases, typed] : {Table(kShapes, false), Table(kTypedValues, true)})
+    for (const Case& c : cases) {
+      const std::u16string xml = typed ? WithNs(c.Xml) : std::u16string(c.Xml);
+      EXPECT_EQ(ElementJSON(xml), c.Json) << test::U8(c.Xml);
+      EXPECT_EQ(LoadedJSON(xml), c.Json) << test::U8(c.Xml);
+    }
 }
 
 TEST(DomJsonWriter, EmptyTypeRaisesAndKeepsWhatWasWritten) {
@@ -115,14 +110,13 @@ TEST(DomJsonWriter, FormattedAndDocumentForms) {
             "{\r\n  \"r\": {\r\n    \"p\": [\r\n      {\r\n        \"p_k\": \"1\",\r\n        \"q\": \"1\"\r\n"
             "      },\r\n      null\r\n    ],\r\n    \"a\": \"x\", \r\n    \"a_v\": \"2\"\r\n  }\r\n}");
   auto doc = TVnDOMDocument::FromXML(u"<?xml version=\"1.0\"?><!--c--><r><a>1</a></r>");
-  for (const bool formatted : {false, true}) {
+  for (const bool formatted : {false, true})
     for (const bool bom : {false, true}) {
       TVnStringStream stream(cVnCodePageUTF8);
       SaveToJSONStream(*doc, stream, formatted, bom);
       const std::string body = formatted ? "  \"r\": {\r\n    \"a\": \"1\"\r\n  }" : R"("r": {"a": "1"})";
       EXPECT_EQ(stream.GetAString(), (bom ? std::string(cVnUTF8) : "") + body);
     }
-  }
   // A node form: an attribute alone, and a text node, which writes nothing.
   TVnDOMElement* a = doc->GetRootNode()->FirstElement();
   a->SetAttribute(u"k", u"v");

@@ -29,15 +29,9 @@ std::string XmlOf(TVnDOMNode& ANode) {
   return xml;
 }
 
-struct Case {
-  const char* Json;
-  const char* Xml;
-};
+struct Case { const char* Json; const char* Xml; };
 
-class HearingParser : public TVnDOMParser {
- public:
-  using TVnDOMParser::TVnDOMParser;
-};
+struct HearingParser : TVnDOMParser { using TVnDOMParser::TVnDOMParser; };
 
 // Every road builds the same tree: the loader's own, a derived parser (which hears every
 // event), a UTF-16 string, a stream with a byte-order mark, and a fragment in an element.
@@ -91,15 +85,13 @@ TEST(JsonDomLoad, FailuresKeepWhatWasBuilt) {
 // JSON through both bridges, root and all: what keeps its shape and what doesn't.
 TEST(JsonDomLoad, TripThroughBothBridges) {
   const Case kTrips[] = {
-      {R"({"a":"x"})", R"({"object": {"a": "x"}})"},
-      {R"([1])", R"({"array": {"array": "1"}})"},
+      {R"({"a":"x"})", R"({"object": {"a": "x"}})"}, {R"([1])", R"({"array": {"array": "1"}})"},
       {R"({"a.b":1,"c d":2})", R"({"object": {"a_b": "1","c_d": "2"}})"},
       {R"({"a":"x\ny"})", R"({"object": {"a": "x\\ny"}})"},
       {R"({"n":1.5,"t":true,"z":null})", R"({"object": {"n": "1.5","t": "true","z": null}})"},
       {R"({"a":[1,2]})", R"({"object": {"aArray": {"a": ["1","2"]}}})"},
       {R"({"a":[1]})", R"({"object": {"aArray": {"a": "1"}}})"},
-      {R"({"a":[]})", R"({"object": {"aArray": null}})"},
-      {R"({"a":{}})", R"({"object": {"a": null}})"},
+      {R"({"a":[]})", R"({"object": {"aArray": null}})"}, {R"({"a":{}})", R"({"object": {"a": null}})"},
   };
   for (const Case& c : kTrips) {
     TVnDOMDocument doc;

@@ -3,9 +3,8 @@
 // positions, encodings and the component's entry points. Depth: json_dom_load_test.cpp.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
+#include "common/message_of.h"
+#include "support/files.h"
 #include "support/raises.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/stream.h"
@@ -45,10 +44,8 @@ struct Traced {
   }
 };
 
-struct Outcome {
-  std::string Trace;
-  std::string Error;  // class and code of what the parse raised, empty when nothing
-};
+// Error: class and code of what the parse raised, empty when nothing
+struct Outcome { std::string Trace; std::string Error; };
 
 Outcome Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
   Traced t;
@@ -62,10 +59,7 @@ Outcome Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
   return run;
 }
 
-struct Case {
-  const char* Json;
-  const char* Xml;
-};
+struct Case { const char* Json; const char* Xml; };
 
 const Case kMapping[] = {
     {R"({"a":1,"b":[true,null],"c":{"d":"x"}})",
@@ -112,8 +106,7 @@ TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
     const char* Error;
   } kFailures[] = {
       {"5", "|!1:2", "EVnJSONParseError 2"},  // no bracket at all
-      {"", "|!1:1", "EVnJSONParseError 2"},
-      {"{} 5", "|<object>!1:4", "EVnJSONParseError 2"},
+      {"", "|!1:1", "EVnJSONParseError 2"}, {"{} 5", "|<object>!1:4", "EVnJSONParseError 2"},
       {"{}xy{}", "|<object>!1:4", "EVnJSONParseError 2"},
       {R"({"a":tru})", R"(|<object>!1:10)", "EVnJSONParseError 2"},  // behind the wrong letter
       {R"({"a":"\q"})", R"(|<object>!1:8)", "EVnJSONParseError 2"},
@@ -143,13 +136,11 @@ TEST(SaxJsonReader, ReadsEveryEncodingAlike) {
   const std::string bytes(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
   EXPECT_EQ(Parse(bytes, cVnCodePageUTF16LE).Trace, expected);
   EXPECT_EQ(Parse(bytes, 0).Trace, expected);  // the NUL pattern tells UTF-16
-  const auto path = std::filesystem::temp_directory_path() / "vnxml_sax_parser_utf16.json";
   const std::u16string marked = u"\uFEFF  " + wide;
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(marked.data()), std::streamsize(marked.size() * 2));
+  const test::TempFile file("sax_parser_utf16.json", {reinterpret_cast<const char*>(marked.data()), marked.size() * 2});
   Traced t(true);
-  t.Parser.ParseFile(Utf8ToUnicode(path.string()), fmOpenRead);
+  t.Parser.ParseFile(file.Name(), fmOpenRead);
   EXPECT_EQ(t.Trace, "[[" + expected + "]]");  // the wrapping entries fire around ParseStream too
-  std::filesystem::remove(path);
 }
 
 // ParseStream stands on the first character above the blank: "<" is XML, anything else JSON;
@@ -163,10 +154,7 @@ TEST(SaxParser, FirstCharacterPicksTheReader) {
   for (const Case& c : kCases) {
     Traced t(true);
     TVnStringStream stream{std::string(c.Json), cVnCodePageUTF8};
-    try {
-      t.Parser.ParseStream(stream, cVnCodePageUTF8);
-    } catch (const EVnException&) {
-    }
+    test::MessageOf<EVnException>([&] { t.Parser.ParseStream(stream, cVnCodePageUTF8); });  // the trace tells
     EXPECT_EQ(t.Trace, c.Xml) << c.Json;
     EXPECT_EQ(t.Parser.GetReader(), nullptr);
   }

@@ -2,9 +2,9 @@
 // which interfaces, document creation, loading, child and attribute edits, refusals.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
 
+#include "support/files.h"
 #include "support/raises.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
@@ -36,34 +36,25 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
   IPtr<IDOMDocument> doc = Load(u"<?pi d?><r a=\"1\">t<![CDATA[c]]><!--m--><e/></r>");
   IPtr<IDOMElement> root = doc->get_documentElement();
   IPtr<IDOMNodeList> kids = root->get_childNodes();  // the attribute stands first
-  struct Case {
-    IPtr<IDOMNode> Node;
-    DOMNodeType Type;
-    std::string
-        Answered;  // E element, A attr, C character data, T text, S cdata, M comment, P pi, D document
-  } cases[] = {
-      {doc, ntDocument, "D"},
-      {root, ntElement, "E"},
-      {kids->get_item(0), ntAttribute, "A"},
-      {kids->get_item(1), ntText, "CT"},
-      {kids->get_item(2), ntCDATA, "CTS"},
-      {kids->get_item(3), ntComment, "CM"},
-      {doc->get_firstChild(), ntProcessingInstruction, "P"},
+  // E element, A attr, C character data, T text, S cdata, M comment, P pi, D document
+  struct Case { IPtr<IDOMNode> Node; DOMNodeType Type; std::string Answered; } cases[] = {
+      {doc, ntDocument, "D"}, {root, ntElement, "E"}, {kids->get_item(0), ntAttribute, "A"},
+      {kids->get_item(1), ntText, "CT"}, {kids->get_item(2), ntCDATA, "CTS"},
+      {kids->get_item(3), ntComment, "CM"}, {doc->get_firstChild(), ntProcessingInstruction, "P"},
   };
+  using Answering = bool (*)(const IPtr<IDOMNode>&);
+  const std::pair<char, Answering> kinds[] = {
+      {'E', Answers<IDOMElement>}, {'A', Answers<IDOMAttr>}, {'C', Answers<IDOMCharacterData>},
+      {'T', Answers<IDOMText>},    {'S', Answers<IDOMCDATASection>}, {'M', Answers<IDOMComment>},
+      {'P', Answers<IDOMProcessingInstruction>},
+      {'D', [](const IPtr<IDOMNode>& n) { return Answers<IDOMDocument>(n) && Answers<IDOMDocumentType>(n); }}};
   for (const Case& c : cases) {
     std::string answered;
-    if (Answers<IDOMElement>(c.Node)) answered += 'E';
-    if (Answers<IDOMAttr>(c.Node)) answered += 'A';
-    if (Answers<IDOMCharacterData>(c.Node)) answered += 'C';
-    if (Answers<IDOMText>(c.Node)) answered += 'T';
-    if (Answers<IDOMCDATASection>(c.Node)) answered += 'S';
-    if (Answers<IDOMComment>(c.Node)) answered += 'M';
-    if (Answers<IDOMProcessingInstruction>(c.Node)) answered += 'P';
-    if (Answers<IDOMDocument>(c.Node) && Answers<IDOMDocumentType>(c.Node)) answered += 'D';
+    for (const auto& [letter, answers] : kinds)
+      if (answers(c.Node)) answered += letter;
     EXPECT_EQ(answered, c.Answered) << int(c.Type);
     EXPECT_EQ(c.Node->get_nodeType(), c.Type);
-    EXPECT_TRUE(Answers<IDOMNodeEx>(c.Node) && Answers<IDOMNodeSelect>(c.Node) &&
-                Answers<IDOMPersist>(c.Node));
+    EXPECT_TRUE(Answers<IDOMNodeEx>(c.Node) && Answers<IDOMNodeSelect>(c.Node) && Answers<IDOMPersist>(c.Node));
   }
   // Both ways between the library's interfaces and these, to the same object.
   IPtr<IVnDOMElement> own = root.As<IVnDOMElement>();
@@ -139,12 +130,11 @@ TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
   EXPECT_EQ(XML(doc), "<a><c />text</a>");
 
   // A file adds to what the document holds, as loading a file does everywhere in the library.
-  std::u16string file = u"platform_dom_saved.xml";
-  persist->save(file);
+  const test::TempFile file("platform_dom_saved.xml");
+  persist->save(file.Name());
   IPtr<IDOMDocument> again = GetDOM()->createDocument(u"", u"", nullptr);
-  EXPECT_EQ(again.As<IDOMPersist>()->load(file), -1);
+  EXPECT_EQ(again.As<IDOMPersist>()->load(file.Name()), -1);
   EXPECT_EQ(XML(again), "<a><c />text</a>");
-  std::remove(U8(file).c_str());
 }
 
 TEST(PlatformDOM, ChildEditsAndSiblings) {
@@ -155,8 +145,7 @@ TEST(PlatformDOM, ChildEditsAndSiblings) {
   } cases[] = {
       {u"<r><a/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
        "<r><n /></r>"},
-      {u"<r a=\"1\"/>",
-       [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
+      {u"<r a=\"1\"/>", [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
        "<r a=\"1\" a=\"2\" />"},
       {u"<r a=\"1\" b=\"2\"/>", [](auto, auto r) { r->removeAttributeNode(r->getAttributeNode(u"a")); },
        "<r b=\"2\" />"},
@@ -209,23 +198,17 @@ TEST(PlatformDOM, LookupsAndRefusals) {
 
 TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
   using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
-  struct Case {
-    Edit Call;
-    const char* Class;
-    const char* After;
-  } cases[] = {
-      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast",
-       "<r a=\"1\">t<e /></r>"},
-      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); },
-       "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
-      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest",
-       "<r a=\"1\">t<e /></r>"},
-      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", "<r a=\"1\">t<e /></r>"},
-      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed",
-       "<r a=\"1\">t<e /></r>"},
-      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", "<r a=\"1\">t<e /></r>"},
+  const char* unchanged = "<r a=\"1\">t<e /></r>";
+  struct Case { Edit Call; const char* Class; const char* After; } cases[] = {
+      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast", unchanged},
+      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest",
+       unchanged},
+      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest", unchanged},
+      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", unchanged},
+      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed", unchanged},
+      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", unchanged},
       // A node without children has no first child: the list's First refuses.
-      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", "<r a=\"1\">t<e /></r>"},
+      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", unchanged},
       // The old root goes before the new one fails the cast.
       {[](auto d, auto) { d->set_documentElement(nullptr); }, "EInvalidCast", ""},
   };

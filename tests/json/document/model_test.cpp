@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 
 #include "common/message_of.h"
 #include "vnxml/common/json_doc_hooks.h"
@@ -103,12 +102,9 @@ TEST(JsonModel, VariantsBecomeValuesByMainKind) {
   Variant list = VarArrayCreate({0, 1}, varVariant);
   VarArrayPut(list, Variant(1), {0});
   VarArrayPut(list, Variant(u"x"), {1});
-  object.AddMember(u"i", Variant(7));
-  object.AddMember(u"f", Variant(1.5));
-  object.AddMember(u"s", Variant(u"a/b"));
-  object.AddMember(u"b", Variant(true));
-  object.AddMember(u"l", list);
-  object.AddMember(u"n", Variant::Null());
+  const std::pair<const char16_t*, Variant> members[] = {{u"i", Variant(7)}, {u"f", Variant(1.5)},
+      {u"s", Variant(u"a/b")}, {u"b", Variant(true)}, {u"l", list}, {u"n", Variant::Null()}};
+  for (const auto& [name, value] : members) object.AddMember(name, value);
   EXPECT_EQ(object.GetAsJSON(),
             u"{\"i\": 7, \"f\": 1.5, \"s\": \"a\\/b\", \"b\": true, \"l\": [1, \"x\"], \"n\": null}");
   EXPECT_EQ(object.FindMember(u"i")->GetValueObj()->GetJSONType(), jdtNumber);
@@ -116,11 +112,8 @@ TEST(JsonModel, VariantsBecomeValuesByMainKind) {
 }
 
 TEST(JsonModel, SimpleValuesReadAndWrite) {
-  struct Case {
-    std::function<void(TVnJSONBase&)> Set;
-    const char16_t* Text;    // as saved
-    const char16_t* String;  // GetAsString
-  };
+  // Text: as saved; String: GetAsString
+  struct Case { std::function<void(TVnJSONBase&)> Set; const char16_t* Text; const char16_t* String; };
   const Case cases[] = {
       {[](TVnJSONBase& n) { n.SetAsInteger(-3); }, u"-3", u"-3"},
       {[](TVnJSONBase& n) { n.SetAsLargeInt(1LL << 40); }, u"1099511627776", u"1099511627776"},
@@ -192,19 +185,18 @@ TEST(JsonModel, InterfacesShareTheNodesCount) {
   EXPECT_EQ(doc.GetAsJSON(), u"{\"b\": [1], \"c\": null}");
 }
 
-TEST(JsonModel, ADocumentHeldByInterfaceDiesWithIt) {
-  IPtr<IVnJSONDocument> doc(static_cast<IVnJSONDocument*>(new TVnJSONDocument(u"{\"a\":[true]}")));
-  IPtr<IVnJSONBase> asBase = doc.As<IVnJSONBase>();
+TEST(JsonModel, DocumentsAndNodesHeldByInterfaceDieWithTheLast) {
+  IPtr<IVnJSONDocument> held(static_cast<IVnJSONDocument*>(new TVnJSONDocument(u"{\"a\":[true]}")));
+  IPtr<IVnJSONBase> asBase = held.As<IVnJSONBase>();
   ASSERT_TRUE(asBase);
-  EXPECT_EQ(doc->GetRootValueIntf()->GetMemberEx(u"a")->GetValue()->GetItem(0)->GetAsBoolean(), true);
+  EXPECT_EQ(held->GetRootValueIntf()->GetMemberEx(u"a")->GetValue()->GetItem(0)->GetAsBoolean(), true);
   // a node held past its document's end survives on its own
-  IPtr<IVnJSONBase> survivor = doc->GetRootValueIntf();
-  doc = nullptr;
+  IPtr<IVnJSONBase> survivor = held->GetRootValueIntf();
+  held = nullptr;
   asBase = nullptr;
   EXPECT_EQ(survivor->GetAsJSON(), u"{\"a\": [true]}");
-}
 
-TEST(JsonModel, FreeStandingNodesDieWithTheirLastInterface) {
+  // free-standing nodes die with their last interface too
   IPtr<IVnJSONArray> array(static_cast<IVnJSONArray*>(new TVnJSONArray(nullptr)));
   // without an owner the array lists nodes without owning them
   TVnJSONDocument doc(u"[1,2]");
@@ -220,11 +212,10 @@ TEST(JsonModel, FreeStandingNodesDieWithTheirLastInterface) {
 
 TEST(JsonModel, DeepTreesSaveAndFreeWithoutRecursion) {
   // built by hand through the operations, 300,000 levels: a recursive walk would overflow the stack
-  auto doc = std::make_unique<TVnJSONDocument>();
-  TVnJSONBase* node = doc->CreateRootValue(jdtArray);
+  TVnJSONDocument doc;  // freed at the end
+  TVnJSONBase* node = doc.CreateRootValue(jdtArray);
   for (int i = 0; i < 100000; ++i) node = node->AddValue(jdtObject)->AddMember(u"k", jdtArray)->GetValueObj();
-  EXPECT_EQ(doc->GetAsJSON().size(), 100000 * 9 + 2);
-  doc.reset();
+  EXPECT_EQ(doc.GetAsJSON().size(), 100000 * 9 + 2);
 }
 
 TEST(JsonModel, CommonHooksMakeADocument) {

@@ -2,11 +2,8 @@
 // round-trip oracle, compact and formatted, in UTF-8 and UTF-16.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "json/json_roundtrip_oracle.h"
+#include "support/files.h"
 #include "vnxml/common/utf.h"
 
 namespace vn {
@@ -14,7 +11,7 @@ namespace {
 
 std::vector<std::filesystem::path> CorpusFiles() {
   namespace fs = std::filesystem;
-  const fs::path root = VNXML_CORPORA_DIR;
+  const fs::path root = test::Corpora();
   std::vector<fs::path> files;
   for (const char* dir : {"conformance/json-test-suite", "conformance/tricky-json"})
     for (const auto& e : fs::recursive_directory_iterator(root / dir))
@@ -32,8 +29,7 @@ TEST(JsonRoundTrip, CorpusFilesLoadAndSaveToAFixedPoint) {
     try {
       if (path.parent_path().filename() == "perf") {
         // The reader takes no white space after a top-level object; these files end in a line end.
-        std::ifstream in(path, std::ios::binary);
-        std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        std::string bytes = test::ReadFile(path);
         while (!bytes.empty() && static_cast<unsigned char>(bytes.back()) <= ' ') bytes.pop_back();
         TVnStringStream stream(bytes, cVnCodePageUTF8);
         doc.LoadFromStream(stream, cVnCodePageUTF8, false);

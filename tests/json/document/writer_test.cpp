@@ -14,11 +14,7 @@ namespace {
 using testing_support::SaveJSON;
 
 TEST(JsonWriter, CompactAndFormattedShapes) {
-  struct Case {
-    const char16_t* Input;
-    const char16_t* Compact;
-    const char16_t* Formatted;
-  };
+  struct Case { const char16_t* Input; const char16_t* Compact; const char16_t* Formatted; };
   const Case cases[] = {
       {u"{\"a\":1,\"b\":[1,2],\"c\":{\"d\":true}}", u"{\"a\": 1, \"b\": [1, 2], \"c\": {\"d\": true}}",
        u"{ \r\n  \"a\": 1, \"b\": [\r\n    1, 2\r\n  ], \"c\": { \r\n    \"d\": true\r\n  }\r\n}"},
@@ -34,10 +30,8 @@ TEST(JsonWriter, CompactAndFormattedShapes) {
 TEST(JsonWriter, LoadedTextGoesThroughDecodeThenEncode) {
   // Each input once as UTF-16 text and once as UTF-8 bytes: the copy-through of plain text
   // and the long way must agree with what a decoded string gives.
-  struct Case {
-    const char* Input;     // UTF-8, one string value or a name
-    const char16_t* Saved;
-  };
+  // Input: UTF-8, one string value or a name
+  struct Case { const char* Input; const char16_t* Saved; };
   const Case cases[] = {
       {R"(["plain text"])", uR"(["plain text"])"},
       // \u escapes of every kind of unit, in either case of hexadecimal digits

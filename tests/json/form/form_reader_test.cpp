@@ -15,34 +15,9 @@ using vntest::JsonRecorder;
 
 namespace {
 
-struct FormReader {
-  JsonRecorder Rec;  // outlives the reader, which holds it
-  TVnFormURLEncodedJSONReader Reader;
-  UnicodeString Failure;
-  FormReader() {
-    Reader.SetContentHandler(IPtr<IVnJSONContentHandler>(&Rec));
-    Reader.SetErrorHandler(IPtr<IVnJSONErrorHandler>(&Rec));
-  }
-  template <class F>
-  std::string Run(F&& AParse) {
-    Rec.Trace.clear();
-    Failure.clear();
-    try {
-      AParse(Reader);
-    } catch (const Exception& e) {
-      Failure = e.Message();
-    }
-    return Rec.Trace;
-  }
-  std::string Read(std::string_view AText) {
-    return Run([&](TVnJSONReader& r) { r.Parse(AText, 65001, u"t"); });
-  }
-};
+using FormReader = vntest::RecordingReader<TVnFormURLEncodedJSONReader, true>;
 
-struct Case {
-  const char* Text;
-  const char* Trace;
-};
+struct Case { const char* Text; const char* Trace; };
 
 const Case kForms[] = {
     {"a=1&b=2", "< { m:a s:1 /m m:b s:2 /m } >"}, {"a=1&a=2", "< { m:a s:1 /m m:a s:2 /m } >"},
@@ -54,8 +29,7 @@ const Case kForms[] = {
     {"a[0]=1&a[1]=2&a[1]=3&", "< { m:a [ s:1 s:2 s:3 ] /m } >"},  // the same index goes on
     {"a[][x]=1&a[][y]=2", "< { m:a [ { m:x s:1 /m m:y s:2 /m } ] /m } >"},
     {"a[0][x]=1&a[2][x]=2", "< { m:a [ { m:x s:1 /m } { m:x s:2 /m } ] /m } >"},
-    {"a[0][x]=1&a[0][y]=2&a[1][x]=3&b=4",
-     "< { m:a [ { m:x s:1 /m m:y s:2 /m } { m:x s:3 /m } ] /m m:b s:4 /m } >"},
+    {"a[0][x]=1&a[0][y]=2&a[1][x]=3&b=4", "< { m:a [ { m:x s:1 /m m:y s:2 /m } { m:x s:3 /m } ] /m m:b s:4 /m } >"},
     {"a[0][0]=1&a[0][1]=2&a[1][0]=3", "< { m:a [ [ s:1 s:2 ] [ s:3 ] ] /m } >"},
     {"a[b]", "< { m:a { m:b s: /m } /m } >"},
     // Values: "+" and escapes decode, control characters and raw line breaks drop out, the
@@ -90,11 +64,8 @@ TEST(FormReader, KeysAndValuesBuildOneObject) {
   }
 }
 
-struct Failure {
-  const char* Text;
-  const char* Trace;  // ends with the place of the failure, !line:col
-  UnicodeString Message;
-};
+// Trace: ends with the place of the failure, !line:col
+struct Failure { const char* Text; const char* Trace; UnicodeString Message; };
 
 TEST(FormReader, FailuresReachTheErrorHandlerWithTheirPlace) {
   auto mark = [](std::u16string_view found) { return Format(cVnFormOpeningMarkExpected, {UnicodeString(found)}); };
@@ -141,42 +112,32 @@ TEST(FormReader, HandlersAndEntryPoints) {
   EXPECT_EQ(values, "\xC3\xA9 1;2;");
 
   // So does the document's.
-  TVnJSONDocument doc;
-  TVnMemoryStream form(text.data(), Int64(text.size()));
-  doc.LoadFromStream(form, 65001, true);
-  EXPECT_EQ(UnicodeToUtf8(doc.GetAsJSON()), "{\"a\": {\"\xC3\xA9\": [\"\xC3\xA9 1\", \"2\"]}}");
+  auto load = [](const std::string& AForm) {
+    TVnMemoryStream form(AForm.data(), Int64(AForm.size()));
+    TVnJSONDocument doc;
+    doc.LoadFromStream(form, 65001, true);
+    return UnicodeToUtf8(doc.GetAsJSON());
+  };
+  EXPECT_EQ(load(text), "{\"a\": {\"\xC3\xA9\": [\"\xC3\xA9 1\", \"2\"]}}");
   // Form values are no JSON text: their quotes are escaped when the tree is saved.
-  const std::string quoted = "q=%22x%22&r=%7B%22d%22%3A1%2C%22e%22%3A%22a+long+value%22%7D";
-  TVnMemoryStream quotedForm(quoted.data(), Int64(quoted.size()));
-  TVnJSONDocument quotedDoc;
-  quotedDoc.LoadFromStream(quotedForm, 65001, true);
-  EXPECT_EQ(UnicodeToUtf8(quotedDoc.GetAsJSON()), R"({"q": "\"x\"", "r": "{\"d\":1,\"e\":\"a long value\"}"})");
+  EXPECT_EQ(load("q=%22x%22&r=%7B%22d%22%3A1%2C%22e%22%3A%22a+long+value%22%7D"),
+            R"({"q": "\"x\"", "r": "{\"d\":1,\"e\":\"a long value\"}"})");
   // A value that starts like JSON goes on unescaped; the document decodes it as it stores it,
   // so a backslash-u that names no code fails there, though the reader took it.
-  const std::string escaped = "a=[%5Cu12zz";
-  TVnMemoryStream escapedForm(escaped.data(), Int64(escaped.size()));
-  EXPECT_EQ(r.Read(escaped), "< { m:a s:[\\u12zz /m } >");
-  EXPECT_THROW(TVnJSONDocument().LoadFromStream(escapedForm, 65001, true), EConvertError);
+  EXPECT_EQ(r.Read("a=[%5Cu12zz"), "< { m:a s:[\\u12zz /m } >");
+  EXPECT_THROW(load("a=[%5Cu12zz"), EConvertError);
 }
 
 TEST(FormReader, DeepAndWideKeysReadWithoutRecursion) {
   // A key of many levels, then a pair that closes them all: the close walks a list.
-  constexpr int kDepth = 100000;
+  constexpr size_t kDepth = 100000;
   std::string text = "a";
-  for (int i = 0; i < kDepth; ++i) text += i % 2 ? "[x]" : "[]";
+  for (size_t i = 0; i < kDepth; ++i) text += i % 2 ? "[x]" : "[]";
   text += "=1&b=2";
-  struct Counter : JsonRecorder {
-    int Opened = 0, Closed = 0;
-    void StartObject() override { ++Opened; }
-    void StartArray() override { ++Opened; }
-    void EndObject() override { ++Closed; }
-    void EndArray() override { ++Closed; }
-  } counter;
-  TVnFormURLEncodedJSONReader reader;
-  reader.SetContentHandler(IPtr<IVnJSONContentHandler>(&counter));
-  reader.Parse(std::string_view(text), 65001);
-  EXPECT_EQ(counter.Opened, kDepth + 1);
-  EXPECT_EQ(counter.Closed, counter.Opened);
+  vntest::RecordingReader<TVnFormURLEncodedJSONReader, false, vntest::JsonCounter> r;
+  r.Reader.Parse(std::string_view(text), 65001);
+  EXPECT_EQ(r.Rec.Opened, kDepth + 1);
+  EXPECT_EQ(r.Rec.Closed, r.Rec.Opened);
 }
 
 }  // namespace

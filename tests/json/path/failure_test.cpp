@@ -16,32 +16,18 @@ UnicodeString CharFault(std::u16string_view AExpected, std::u16string_view AFoun
 TEST(JsonPathFailure, MalformedPathsAndFilters) {
   TVnJSONDocument doc(u"{\"list\":[{\"a\":1,\"o\":{}},2],\"s\":\"t\"}");
   const UnicodeString invalid(_cVnJSONInvalidPath), complex(_cVnJSONScriptExprTooComplex);
-  struct Case {
-    const char16_t* FPath;
-    Integer FCode;
-    UnicodeString FMessage;
-  };
+  struct Case { const char16_t* FPath; Integer FCode; UnicodeString FMessage; };
   const Case cases[] = {
-      {u"", 13, invalid},
-      {u"  ", 13, invalid},
-      {u"list", 13, invalid},
-      {u"$.list | ", 13, invalid},
-      {u"$x", 14, CharFault(u". or [", u"x")},
-      {u"$.list[0", 14, CharFault(u"]", u"")},
+      {u"", 13, invalid}, {u"  ", 13, invalid}, {u"list", 13, invalid}, {u"$.list | ", 13, invalid},
+      {u"$x", 14, CharFault(u". or [", u"x")}, {u"$.list[0", 14, CharFault(u"]", u"")},
       {u"$.list[0]@", 15, Format(_cVnJSONInvalidCharInPath2, {u"@"})},
       {u"$.list[0]$", 15, Format(_cVnJSONInvalidCharInPath2, {u"$"})},
-      {u"$.list[(abc)]", 17, complex},
-      {u"$.list[(@.length)]", 17, complex},
-      {u"$.list[?@.a]", 14, CharFault(u"?(", u"?@")},
-      {u"$.list[?(@.a & @.b)]", 14, CharFault(u"&", u" ")},
-      {u"$.list[?(@.a |)]", 14, CharFault(u"|", u"")},
-      {u"$.list[?(@.a = 1)]", 14, CharFault(u"=", u" ")},
-      {u"$.list[?(@.a !x)]", 14, CharFault(u"=", u"x")},
-      {u"$.list[?(@.a))]", 17, complex},
+      {u"$.list[(abc)]", 17, complex}, {u"$.list[(@.length)]", 17, complex},
+      {u"$.list[?@.a]", 14, CharFault(u"?(", u"?@")}, {u"$.list[?(@.a & @.b)]", 14, CharFault(u"&", u" ")},
+      {u"$.list[?(@.a |)]", 14, CharFault(u"|", u"")}, {u"$.list[?(@.a = 1)]", 14, CharFault(u"=", u" ")},
+      {u"$.list[?(@.a !x)]", 14, CharFault(u"=", u"x")}, {u"$.list[?(@.a))]", 17, complex},
       // reached only when evaluated: empty terms, a path without start, a container as a text
-      {u"$.list[?()]", 17, complex},
-      {u"$.list[?(@.a==2 ||)]", 17, complex},
-      {u"$.list[?(a)]", 13, invalid},
+      {u"$.list[?()]", 17, complex}, {u"$.list[?(@.a==2 ||)]", 17, complex}, {u"$.list[?(a)]", 13, invalid},
       {u"$.list[?(@.o==1)]", 9, Format(_cVnJSONMethodNotSupported, {u"TVnJSONObject", u"GetValue"})},
       {u"$.list[?(@.a==$x)]", 14, CharFault(u". or [", u"x")},
       {u"$.nope", 11, UnicodeString(_cVnJSONInvalidPathNoNodes)},

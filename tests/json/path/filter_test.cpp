@@ -27,29 +27,19 @@ TEST(JsonPathFilter, ComparesAsIntegersFloatsBooleansOrTexts) {
   struct Case {
     const char16_t* FFilter;
     const char* FExpected;
-    bool FCaseInsensitive = false;
+    TVnJDOCSelectOptions FOptions = {};
   };
   const Case cases[] = {
       // numbers; a missing or non-numeric operand drops the candidate
-      {u"?(@.p<10)", "abc"},
-      {u"?(@.p >= 5)", "abc ABC"},
-      {u"?(@.p>12.4)", "ABC"},
+      {u"?(@.p<10)", "abc"}, {u"?(@.p >= 5)", "abc ABC"}, {u"?(@.p>12.4)", "ABC"},
       // texts: quoted or not, a quote on one side makes both texts
-      {u"?(@.n=='abc')", "abc ABC", true},
-      {u"?(@.n<>abc)", "ABC x y"},
-      {u"?(@.n>'B')", "x y", true},
+      {u"?(@.n=='abc')", "abc ABC", {jsoCaseInsensitive}}, {u"?(@.n<>abc)", "ABC x y"},
+      {u"?(@.n>'B')", "x y", {jsoCaseInsensitive}},
       // booleans, existence, negation
-      {u"?(@.ok==true)", "abc"},
-      {u"?(!(@.n==abc) && @.p)", "ABC x"},
-      {u"?(@.n==$[?(@.p==12.5)].n)", "ABC"},
-      {u"?(@.n==)", ""},
+      {u"?(@.ok==true)", "abc"}, {u"?(!(@.n==abc) && @.p)", "ABC x"},
+      {u"?(@.n==$[?(@.p==12.5)].n)", "ABC"}, {u"?(@.n==)", ""},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(Names(doc, c.FFilter, c.FCaseInsensitive ? TVnJDOCSelectOptions{jsoCaseInsensitive}
-                                                       : TVnJDOCSelectOptions{}),
-              c.FExpected)
-        << UnicodeToUtf8(c.FFilter);
-  }
+  for (const Case& c : cases) EXPECT_EQ(Names(doc, c.FFilter, c.FOptions), c.FExpected) << UnicodeToUtf8(c.FFilter);
   // A filter keeps each node once per step; other items may repeat one.
   EXPECT_EQ(Names(doc, u"?(@.p), ?(@.ok)"), "abc ABC x");
   EXPECT_EQ(Names(doc, u"0, ?(@.p)"), "abc ABC x");
@@ -87,12 +77,8 @@ bool Reference(const std::vector<int>& ATerms, const std::u16string& AOps, size_
     return ATerms[k] == 1;
   };
   bool v = value(AStart);
-  for (size_t k = AStart; k + 1 < ATerms.size(); ++k) {
-    if (AOps[k] == u'&')
-      v = v && Reference(ATerms, AOps, k + 1, AError);
-    else
-      v = v || Reference(ATerms, AOps, k + 1, AError);
-  }
+  for (size_t k = AStart; k + 1 < ATerms.size(); ++k)
+    v = AOps[k] == u'&' ? v && Reference(ATerms, AOps, k + 1, AError) : v || Reference(ATerms, AOps, k + 1, AError);
   return v;
 }
 

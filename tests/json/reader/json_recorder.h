@@ -45,21 +45,42 @@ class JsonRecorder : public vn::TVnObject, public vn::IVnJSONContentHandler, pub
   void Add(const std::string& t) { Trace += Trace.empty() ? t : " " + t; }
 };
 
-/// A reader wired to a recorder; Read gives the trace and swallows the reader's own failures.
-struct RecordingJsonReader {
-  JsonRecorder Rec;  // outlives the reader, which holds it
-  vn::TVnJSONReader Reader;
-  RecordingJsonReader() {
+/// Counts containers and values instead of recording them: for very deep input.
+struct JsonCounter : JsonRecorder {
+  size_t Opened = 0, Closed = 0, Values = 0;
+  void StartArray() override { ++Opened; }
+  void StartObject() override { ++Opened; }
+  void EndArray() override { ++Closed; }
+  void EndObject() override { ++Closed; }
+  void StartMember(std::u16string_view) override {}
+  void EndMember() override {}
+  void Value(vn::TVnJSONSimpleDataType, std::u16string_view) override { ++Values; }
+};
+
+/// A reader of class R wired to a handler H; Read gives the trace and swallows the reader's own
+/// failures (with AAny, any of the library's), keeping the message in Failure.
+template <class R = vn::TVnJSONReader, bool AAny = false, class H = JsonRecorder>
+struct RecordingReader {
+  H Rec;  // outlives the reader, which holds it
+  R Reader;
+  vn::UnicodeString Failure;
+  RecordingReader() {
     Reader.SetContentHandler(vn::IPtr<vn::IVnJSONContentHandler>(&Rec));
     Reader.SetErrorHandler(vn::IPtr<vn::IVnJSONErrorHandler>(&Rec));
   }
   template <class F>
   std::string Run(F&& AParse) {
     Rec.Trace.clear();
+    Failure.clear();
     try {
       AParse(Reader);
-    } catch (const vn::EVnJSONException&) {
-    } catch (const vn::EVnTextParserEOF&) {
+    } catch (const vn::EVnJSONException& e) {
+      Failure = e.Message();
+    } catch (const vn::EVnTextParserEOF& e) {
+      Failure = e.Message();
+    } catch (const vn::Exception& e) {
+      if (!AAny) throw;
+      Failure = e.Message();
     }
     return Rec.Trace;
   }
@@ -67,5 +88,6 @@ struct RecordingJsonReader {
     return Run([&](vn::TVnJSONReader& r) { r.Parse(AText, ACodePage, u"t"); });
   }
 };
+using RecordingJsonReader = RecordingReader<>;
 
 }  // namespace vntest

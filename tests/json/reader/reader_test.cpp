@@ -4,6 +4,7 @@
 
 #include "common/message_of.h"
 #include "json_recorder.h"
+#include "support/raises.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
@@ -14,10 +15,7 @@ using vntest::RecordingJsonReader;
 
 namespace {
 
-struct Case {
-  const char* Text;
-  const char* Trace;
-};
+struct Case { const char* Text; const char* Trace; };
 
 // Traces end with !line:col when the parse failed; -1:-1 marks the end of text coming too early.
 const Case kLanguage[] = {
@@ -71,11 +69,7 @@ TEST(JsonReader, CutAnywhere) {
   }
 }
 
-struct Failure {
-  const char* Text;
-  std::u16string_view Expected;
-  std::u16string_view Found;
-};
+struct Failure { const char* Text; std::u16string_view Expected; std::u16string_view Found; };
 
 TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
   const Failure failures[] = {
@@ -86,16 +80,13 @@ TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
       {"[trux1]", u"e", u"1"}, {"{\"a\":1,}", u"\"", u""},
   };
   for (const Failure& f : failures) {
+    SCOPED_TRACE(f.Text);
     RecordingJsonReader r;
-    try {
-      r.Reader.Parse(std::string_view(f.Text), 65001, u"");
-      ADD_FAILURE() << "no failure for " << f.Text;
-    } catch (const EVnJSONParseError& e) {
-      EXPECT_EQ(e.GetCode(), cVnJSONErrNotWellFormed);
-      UnicodeString want = Format(_cVnJSONNotWellFormed, {UnicodeString(f.Expected), UnicodeString(f.Found)});
-      EXPECT_EQ(e.Message(), want) << f.Text;
-      EXPECT_EQ(r.Rec.FatalMessage, want) << "the error handler hears the same text";
-    }
+    const auto parse = [&] { r.Reader.Parse(std::string_view(f.Text), 65001, u""); };
+    const UnicodeString want = Format(_cVnJSONNotWellFormed, {UnicodeString(f.Expected), UnicodeString(f.Found)});
+    test::ExpectRaises<EVnJSONParseError>(parse, want);
+    EXPECT_EQ(test::CodeOf<EVnJSONParseError>(parse), cVnJSONErrNotWellFormed);
+    EXPECT_EQ(r.Rec.FatalMessage, want) << "the error handler hears the same text";
   }
   // An end of text is the scanner's exception; the locator then says -1.
   RecordingJsonReader r;
@@ -105,11 +96,8 @@ TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
 }
 
 TEST(JsonReader, EncodingDecision) {
-  struct Enc {
-    std::string Bytes;
-    Word CodePage;
-    const char* Trace;  // "" for the encoding failure, raised before StartDocument
-  };
+  // Trace: "" for the encoding failure, raised before StartDocument
+  struct Enc { std::string Bytes; Word CodePage; const char* Trace; };
   using namespace std::string_literals;
   const Enc cases[] = {
       {"[\0001\000]\000"s, 0, "< [ n:1 ] >"},           // NUL pattern of UTF-16LE
@@ -170,34 +158,22 @@ TEST(JsonReader, LocatorAndHandlerChecks) {
 // Depth costs no call stack: a million levels of arrays, objects, or both alternating.
 TEST(JsonReader, MillionLevelsDeep) {
   constexpr size_t kDepth = 1000000;
-  struct Counter : vntest::JsonRecorder {
-    size_t Opened = 0, Closed = 0, Values = 0;
-    void StartArray() override { ++Opened; }
-    void StartObject() override { ++Opened; }
-    void EndArray() override { ++Closed; }
-    void EndObject() override { ++Closed; }
-    void StartMember(std::u16string_view) override {}
-    void EndMember() override {}
-    void Value(TVnJSONSimpleDataType, std::u16string_view) override { ++Values; }
-  };
   for (int shape = 0; shape < 3; ++shape) {
     std::string text;
     text.reserve(kDepth * 6 + 8);
     for (size_t i = 0; i < kDepth; ++i) text += (shape == 0 || (shape == 2 && i % 2)) ? "[" : "{\"a\":";
     text += "1";
     for (size_t i = kDepth; i-- > 0;) text += (shape == 0 || (shape == 2 && i % 2)) ? "]" : "}";
-    Counter c;
-    TVnJSONReader reader;
-    reader.SetContentHandler(IPtr<IVnJSONContentHandler>(&c));
-    reader.SetErrorHandler(IPtr<IVnJSONErrorHandler>(&c));
-    reader.Parse(std::string_view(text), 65001, u"");
+    vntest::RecordingReader<TVnJSONReader, false, vntest::JsonCounter> r;
+    vntest::JsonCounter& c = r.Rec;
+    r.Reader.Parse(std::string_view(text), 65001, u"");
     EXPECT_EQ(c.Opened, kDepth);
     EXPECT_EQ(c.Closed, kDepth);
     EXPECT_EQ(c.Values, 1u);
     // The last bracket cut off: every container still fires its end, then the step past the
     // outermost one meets the end of the text.
     c.Opened = c.Closed = 0;
-    EXPECT_THROW(reader.Parse(std::string_view(text).substr(0, text.size() - 1), 65001, u""), EVnTextParserEOF);
+    EXPECT_THROW(r.Reader.Parse(std::string_view(text).substr(0, text.size() - 1), 65001, u""), EVnTextParserEOF);
     EXPECT_EQ(c.Closed, kDepth);
   }
 }

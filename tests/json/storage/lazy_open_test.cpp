@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "json/json_roundtrip_oracle.h"
 #include "vnxml/common/utf.h"
@@ -14,16 +13,6 @@
 
 namespace vn {
 namespace {
-
-// Opens every container below ANode, top down (the order a caller walking the tree takes).
-void OpenAll(TVnJSONBase* ANode) {
-  std::vector<TVnJSONBase*> work{ANode};
-  while (!work.empty()) {
-    TVnJSONBase* n = work.back();
-    work.pop_back();
-    for (Integer i = 0; i < n->ChildCount(); ++i) work.push_back(n->Child(i));
-  }
-}
 
 void LoadBytes(TVnJSONDocument& ADoc, const std::string& AText, Word ACodePage) {
   TVnMemoryStream in(AText.data(), static_cast<Int64>(AText.size()));
@@ -43,10 +32,7 @@ class ShortSizedStream : public TStream {
   }
   Int64 Write(const void*, Int64) override { return 0; }
   Int64 Seek(Int64 AOffset, TSeekOrigin AOrigin) override {
-    if (AOrigin == soBeginning) FPos = AOffset;
-    else if (AOrigin == soCurrent) FPos += AOffset;
-    else FPos = static_cast<Int64>(FText.size()) + AOffset;
-    return FPos;
+    return FPos = AOffset + (AOrigin == soBeginning ? 0 : AOrigin == soCurrent ? FPos : Int64(FText.size()));
   }
   Int64 GetSize() override { return 1; }
 
@@ -64,14 +50,10 @@ TEST(JsonStorage, OutputIsTheSameWhateverWasOpened) {
   for (const char* text : texts) {
     for (Word cp : {cVnCodePageUTF8, Word{1252}}) {
       SCOPED_TRACE(std::string(text) + " @" + std::to_string(cp));
-      TVnJSONDocument lazy, open;
-      LoadBytes(lazy, text, cp);
-      LoadBytes(open, text, cp);
-      OpenAll(&open);
-      // half open: the root's first child only
-      TVnJSONDocument half;
-      LoadBytes(half, text, cp);
-      half.GetRootValue()->Child(0);
+      TVnJSONDocument lazy, open, half;
+      for (TVnJSONDocument* doc : {&lazy, &open, &half}) LoadBytes(*doc, text, cp);
+      testing_support::TreeDepth(open);  // its walk, top down as a caller's, opens every container
+      half.GetRootValue()->Child(0);  // half open: the root's first child only
       for (bool formatted : {false, true})
         for (Word out : {cVnCodePageUTF8, cVnCodePageUTF16LE, Word{1252}}) {
           const std::string expected = testing_support::SaveJSON(open, formatted, out);

@@ -31,11 +31,7 @@ TEST(JsonValues, StrToJSON) {
 }
 
 TEST(JsonValues, JSONtoStr) {
-  struct Case {
-    std::u16string_view In;
-    TVnJSONDataType Type;
-    std::u16string_view Out;
-  };
+  struct Case { std::u16string_view In; TVnJSONDataType Type; std::u16string_view Out; };
   const Case cases[] = {
       {u"", jdtString, u""}, {u"\\\"\\/\\\\\\b\\f\\n\\r\\t", jdtString, u"\"/\\\b\f\n\r\t"},
       {u"\\u00e9\\u00E9", jdtString, u"\u00E9\u00E9"}, {u"\\uD83D\\uDE00", jdtString, u"\U0001F600"},

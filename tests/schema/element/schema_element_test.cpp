@@ -25,38 +25,32 @@ struct TTestSchema : TVnXMLSchemaElement {
   using TVnXMLSchemaElement::TVnXMLSchemaElement;
 };
 
+// A document's root wrapped, with element rows from index 0 named AElements.
 struct Fixture {
-  explicit Fixture(std::u16string_view AXML) : Doc(TVnDOMDocument::FromXML(AXML)) {}
+  explicit Fixture(std::u16string_view AXML, std::initializer_list<const char16_t*> AElements = {})
+      : Doc(TVnDOMDocument::FromXML(AXML)) {
+    Integer index = 0;
+    for (const char16_t* name : AElements) Schema.AddSchemaInfo(index++, ntElement, name);
+  }
   std::unique_ptr<TVnDOMDocument> Doc;
   TTestSchema Schema{Doc->GetRootNode()->As<IVnDOMElement>()};
   std::string XML() { return U8(Schema.GetXML()); }
 };
 
 TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
-  struct Case {
-    const char16_t* Start;
-    std::vector<Integer> Created;
-    const char* Expected;
-  } cases[] = {
+  struct Case { const char16_t* Start; std::vector<Integer> Created; const char* Expected; } cases[] = {
       {u"<r><c/></r>", {1, 0}, "<r><a /><b /><c /></r>"},  // no earlier row exists: at the front
       {u"<r><x/><a/><y/></r>", {2, 1}, "<r><x /><a /><b /><c /><y /></r>"},
   };
   for (const Case& c : cases) {
-    Fixture f(c.Start);
-    for (const char16_t* name : {u"a", u"b", u"c"})
-      f.Schema.AddSchemaInfo(static_cast<Integer>(name[0] - u'a'), ntElement, name);
+    Fixture f(c.Start, {u"a", u"b", u"c"});
     for (Integer i : c.Created) ASSERT_TRUE(f.Schema.GetNodeByIndex(i, true));
     EXPECT_EQ(f.XML(), c.Expected) << U8(c.Start);
   }
 }
 
 TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
-  struct Case {
-    TVnDOMNodeType Type;
-    Integer MinOccurs;
-    bool Required;
-    const char* Expected;
-  } cases[] = {
+  struct Case { TVnDOMNodeType Type; Integer MinOccurs; bool Required; const char* Expected; } cases[] = {
       {ntElement, 0, false, "<r />"},   {ntElement, 1, false, "<r><x /></r>"},
       {ntElement, 2, false, "<r />"},   {ntElement, 0, true, "<r><x /></r>"},
       {ntAttribute, 1, false, "<r />"}, {ntAttribute, 0, true, "<r x=\"\" />"},
@@ -73,8 +67,7 @@ TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
 }
 
 TEST(SchemaElement, EmptyValueOnAMissingNodeCreatesNothing) {
-  Fixture f(u"<r/>");
-  f.Schema.AddSchemaInfo(0, ntElement, u"s");
+  Fixture f(u"<r/>", {u"s"});
   f.Schema.AddSchemaInfo(1, ntAttribute, u"t");
   f.Schema.SetStringValue(0, u"");
   f.Schema.SetStringValue(1, u"");
@@ -85,25 +78,17 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
   const TDateTime day = EncodeDate(1999, 10, 20);
   const TGUID guid = TGUID::Parse("01234567-89ab-cdef-0123-456789abcdef");
   // Each case writes through one accessor and reads back through an alias of it.
-  struct Case {
-    const char16_t* Stored;
-    std::function<bool(TTestSchema&)> WriteRead;
-  } cases[] = {
+  struct Case { const char16_t* Stored; std::function<bool(TTestSchema&)> WriteRead; } cases[] = {
       {u"255", [](auto& s) { return s.SetByteValue(0, 255), s.GetUnsignedByteValue(0) == 255; }},
       {u"-32768", [](auto& s) { return s.SetShortValue(0, -32768), s.GetShortValue(0) == -32768; }},
       {u"-7", [](auto& s) { return s.SetIntegerValue(0, -7), s.GetIntValue(0) == -7; }},
       {u"-9223372036854775808",
        [](auto& s) { return s.SetInt64Value(0, INT64_MIN), s.GetLongValue(0) == INT64_MIN; }},
-      {u"65535",
-       [](auto& s) { return s.SetUnsignedShortValue(0, 65535), s.GetUnsignedShortValue(0) == 65535; }},
+      {u"65535", [](auto& s) { return s.SetUnsignedShortValue(0, 65535), s.GetUnsignedShortValue(0) == 65535; }},
       {u"4294967295",
-       [](auto& s) {
-         return s.SetNonNegativeIntegerValue(0, UINT32_MAX), s.GetUnsignedIntValue(0) == UINT32_MAX;
-       }},
+       [](auto& s) { return s.SetNonNegativeIntegerValue(0, UINT32_MAX), s.GetUnsignedIntValue(0) == UINT32_MAX; }},
       {u"18446744073709551615",
-       [](auto& s) {
-         return s.SetUnsignedLongValue(0, UINT64_MAX), s.GetUnsignedLongValue(0) == UINT64_MAX;
-       }},
+       [](auto& s) { return s.SetUnsignedLongValue(0, UINT64_MAX), s.GetUnsignedLongValue(0) == UINT64_MAX; }},
       {u"1.5", [](auto& s) { return s.SetDecimalValue(0, 1.5), s.GetFloatValue(0) == 1.5; }},
       {u"0.25", [](auto& s) { return s.SetDoubleValue(0, 0.25L), s.GetDoubleValue(0) == 0.25L; }},
       {u"true", [](auto& s) { return s.SetBooleanValue(0, true), s.GetBooleanValue(0); }},
@@ -112,13 +97,11 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
        [&](auto& s) { return s.SetTimeInstantValue(0, day + 0.5), s.GetDatetimeValue(0) == day + 0.5; }},
       {u"{01234567-89AB-CDEF-0123-456789ABCDEF}",
        [&](auto& s) { return s.SetGuidValue(0, guid), s.GetGuidValue(0) == guid; }},
-      {u"QUJD",
-       [](auto& s) { return s.SetBase64binaryValue(0, "QUJD"), s.GetBase64binaryValue(0) == "QUJD"; }},
+      {u"QUJD", [](auto& s) { return s.SetBase64binaryValue(0, "QUJD"), s.GetBase64binaryValue(0) == "QUJD"; }},
       {u"a<b", [](auto& s) { return s.SetAnyUriValue(0, u"a<b"), s.GetLanguageValue(0) == u"a<b"; }},
   };
   for (const Case& c : cases) {
-    Fixture f(u"<r/>");
-    f.Schema.AddSchemaInfo(0, ntElement, u"v");
+    Fixture f(u"<r/>", {u"v"});
     EXPECT_TRUE(c.WriteRead(f.Schema)) << U8(c.Stored);
     EXPECT_EQ(U8(f.Doc->GetRootNode()->FirstElement()->GetNodeValue()), U8(c.Stored));
   }
@@ -130,9 +113,7 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
 }
 
 TEST(SchemaElement, MissingNodesReadAsZeroAndStringsDecodeTwice) {
-  Fixture f(u"<r><s>&amp;amp;</s></r>");
-  f.Schema.AddSchemaInfo(0, ntElement, u"missing");
-  f.Schema.AddSchemaInfo(1, ntElement, u"s");
+  Fixture f(u"<r><s>&amp;amp;</s></r>", {u"missing", u"s"});
   EXPECT_EQ(f.Schema.GetIntValue(0), 0);
   EXPECT_EQ(f.Schema.GetDatetimeValue(0), 0.0);
   EXPECT_EQ(f.Schema.GetStringValue(0), u"");
@@ -144,8 +125,7 @@ TEST(SchemaElement, MissingNodesReadAsZeroAndStringsDecodeTwice) {
 }
 
 TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
-  Fixture f(u"<r><n>abc</n></r>");
-  f.Schema.AddSchemaInfo(0, ntElement, u"n");
+  Fixture f(u"<r><n>abc</n></r>", {u"n"});
   UnicodeString v;
   for (auto call : std::initializer_list<std::function<void()>>{
            [&] { f.Schema.GetValue(9, v); }, [&] { f.Schema.SetValue(9, u"x"); },
@@ -161,8 +141,7 @@ TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
 }
 
 TEST(SchemaElement, NamesMatchWithAndWithoutPrefix) {
-  Fixture f(u"<r xmlns:p=\"u\"><p:b>1</p:b></r>");
-  f.Schema.AddSchemaInfo(0, ntElement, u"p:b");
+  Fixture f(u"<r xmlns:p=\"u\"><p:b>1</p:b></r>", {u"p:b"});
   EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.GetNode(u"").Get()), f.Doc->GetRootNode());
   EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.FindNode(u"").Get()), f.Doc->GetRootNode());
   ASSERT_TRUE(f.Schema.FindNode(u"b"));
@@ -174,9 +153,7 @@ TEST(SchemaElement, NamesMatchWithAndWithoutPrefix) {
 }
 
 TEST(SchemaElement, EventFiresOncePerRowAndMayReadItsOwnRow) {
-  Fixture f(u"<r><a>1</a><b>2</b></r>");
-  f.Schema.AddSchemaInfo(0, ntElement, u"a");
-  f.Schema.AddSchemaInfo(1, ntElement, u"b");
+  Fixture f(u"<r><a>1</a><b>2</b></r>", {u"a", u"b"});
   std::vector<UnicodeString> fired;
   f.Schema.FOnGetValue = [&](TVnXMLSchemaElement* ASender, TVnXMLSchemaInfo* AInfo) {
     fired.push_back(AInfo->FName);
@@ -206,8 +183,7 @@ TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
 }
 
 TEST(SchemaElement, ClearAndAssignKeepTheTable) {
-  Fixture from(u"<r><a>1</a></r>"), to(u"<r><a>2</a><z/></r>");
-  for (Fixture* f : {&from, &to}) f->Schema.AddSchemaInfo(0, ntElement, u"a");
+  Fixture from(u"<r><a>1</a></r>", {u"a"}), to(u"<r><a>2</a><z/></r>", {u"a"});
   to.Schema.FArrayElements.Add(0, TValue::FromObject(new TObject()));  // disposed by Clear
   to.Schema.FSubElements.Add(new TTestSchema(to.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
   to.Schema.Assign(&from.Schema);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/message_of.h"
+#include "serializer/domain_support.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/common/generics.h"
 #include "vnxml/common/string_list.h"
@@ -99,11 +100,6 @@ class TToneBox : public TVnCustomSimpleType {
 };
 VN_REGISTER_TYPE(TToneBox, u"uBox") {}
 
-template <class... T>
-void DeleteAll(T*... AObjects) {
-  (delete AObjects, ...);
-}
-
 /// Owns every container it holds; each is a published property, as helpers run for properties.
 class TBasket : public TObject {
   VN_DECLARE_CLASS(TBasket, TObject)
@@ -112,22 +108,14 @@ class TBasket : public TObject {
   TBasket(const TBasket&) = delete;
   TBasket& operator=(const TBasket&) = delete;
   ~TBasket() override {
-    DeleteAll(Items, Plain, Ints, Int64s, Floats, Texts, Flags, Tones, Lines, Price, Tone, Notes, ById, ByItem);
+    test::DeleteAll(Items, Plain, Ints, Int64s, Floats, Texts, Flags, Tones, Lines, Price, Tone, Notes, ById, ByItem);
   }
-  TItemList* Items = nullptr;
-  TObjectList* Plain = nullptr;
-  TIntList* Ints = nullptr;
-  TInt64List* Int64s = nullptr;
-  TFloatList* Floats = nullptr;
-  TTextList* Texts = nullptr;
-  TFlagList* Flags = nullptr;
-  TToneList* Tones = nullptr;
-  TStringList* Lines = nullptr;
-  TMoney* Price = nullptr;
-  TToneBox* Tone = nullptr;
-  TTextMap* Notes = nullptr;
-  TItemMap* ById = nullptr;
-  TItemKeys* ByItem = nullptr;
+  // clang-format off
+  TItemList* Items = nullptr; TObjectList* Plain = nullptr; TIntList* Ints = nullptr; TInt64List* Int64s = nullptr;
+  TFloatList* Floats = nullptr; TTextList* Texts = nullptr; TFlagList* Flags = nullptr; TToneList* Tones = nullptr;
+  TStringList* Lines = nullptr; TMoney* Price = nullptr; TToneBox* Tone = nullptr; TTextMap* Notes = nullptr;
+  TItemMap* ById = nullptr; TItemKeys* ByItem = nullptr;
+  // clang-format on
 };
 #define CONTAINERS_PROPERTY(Name) Published(u"" #Name, &TBasket::Name, &TBasket::Name)
 VN_REGISTER_TYPE(TBasket, u"uBox") {
@@ -156,9 +144,7 @@ VN_REGISTER_TYPE(TBareList, u"uBox") {}
 
 /// The text of AObject in AFormat.
 inline std::string Text(TVnDataSerializationFormatType AFormat, TObject& AObject) {
-  IPtr<IVnSerializer> s = VnCreateSerializer(AFormat, TValue::FromObject(&AObject));
-  s->SetParam(u"xmlns", u"urn:box");
-  return s->Serialize();
+  return test::SerializeWith(AFormat, TValue::FromObject(&AObject), {{u"xmlns", u"urn:box"}});
 }
 inline void Read(TVnDataSerializationFormatType AFormat, TObject& ATarget, const std::string& AText) {
   VnDeserialize(AFormat, TValue::FromObject(&ATarget), AText);

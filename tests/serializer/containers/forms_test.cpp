@@ -11,12 +11,7 @@ namespace {
 
 using namespace containersdomain;
 
-struct FormCase {
-  const char* Name;
-  std::function<void(TBasket&)> Fill;
-  const char* Xml;
-  const char* Json;
-};
+struct FormCase { const char* Name; std::function<void(TBasket&)> Fill; const char* Xml; const char* Json; };
 
 TEST(ContainerForms, EachKindInBothNotations) {
   const FormCase cases[] = {

@@ -46,9 +46,8 @@ TEST(SerializerEnums, SetsBothWays) {
     EXPECT_EQ(read, bits) << UnicodeToUtf8(text);
   }
   UInt64 untouched = 99;
-  EXPECT_FALSE(VnSetBits(colors, u"[Red,Purple]", u"co", untouched));
-  EXPECT_FALSE(VnSetBits(colors, u"[Red,7]", u"co", untouched));
-  EXPECT_FALSE(VnSetBits(colors, u"8", u"co", untouched));  // a bit beyond the elements
+  for (const char16_t* bad : {u"[Red,Purple]", u"[Red,7]", u"8"})  // "8": a bit beyond the elements
+    EXPECT_FALSE(VnSetBits(colors, bad, u"co", untouched)) << UnicodeToUtf8(bad);
   EXPECT_EQ(untouched, 99u);
 }
 

@@ -13,15 +13,9 @@ namespace {
 using namespace vn;
 using namespace framedomain;
 
-TClass WriterOf(TClass AClass) {
-  auto helper = VnCreateSerializerHelper(AClass);
-  return helper ? helper->ClassType() : nullptr;
-}
-
-TClass ReaderOf(TClass AClass) {
-  auto helper = VnCreateDeserializerHelper(AClass);
-  return helper ? helper->ClassType() : nullptr;
-}
+TClass ClassOf(const auto& AHelper) { return AHelper ? AHelper->ClassType() : nullptr; }
+TClass WriterOf(TClass AClass) { return ClassOf(VnCreateSerializerHelper(AClass)); }
+TClass ReaderOf(TClass AClass) { return ClassOf(VnCreateDeserializerHelper(AClass)); }
 
 TEST(SerializerHelpers, GenericPatterns) {
   const std::tuple<const char16_t*, const char16_t*> cases[] = {

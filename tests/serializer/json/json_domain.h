@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/message_of.h"
+#include "serializer/domain_support.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/stream.h"
 #include "vnxml/common/string_list.h"
@@ -35,26 +36,17 @@ struct TPoint {
   Integer Y = 0;
   bool operator==(const TPoint&) const = default;
 };
-VN_REGISTER_TYPE(TPoint, u"uJSONTest") { b.Public(u"X", &TPoint::X).Public(u"Y", &TPoint::Y); }
+VN_REGISTER_TYPE(TPoint, u"uJSONTest") { b VN_TEST_PUBLIC(TPoint, X, Y); }
 
 class TPet : public TObject {
   VN_DECLARE_CLASS(TPet, TObject)
  public:
-  ~TPet() override {
-    // A long chain of friends goes without recursion.
-    while (TPet* f = Friend) {
-      Friend = f->Friend;
-      f->Friend = nullptr;
-      delete f;
-    }
-  }
+  ~TPet() override { test::DeleteChain(Friend, &TPet::Friend); }
   UnicodeString Name;
   Integer Legs = 4;
   TPet* Friend = nullptr;
 };
-VN_REGISTER_TYPE(TPet, u"uJSONTest") {
-  b.Public(u"Name", &TPet::Name).Public(u"Legs", &TPet::Legs).Public(u"Friend", &TPet::Friend);
-}
+VN_REGISTER_TYPE(TPet, u"uJSONTest") { b VN_TEST_PUBLIC(TPet, Name, Legs, Friend); }
 class TCat : public TPet {
   VN_DECLARE_CLASS(TCat, TPet)
  public:
@@ -74,14 +66,7 @@ class TShapes : public TObject {
   VN_DECLARE_CLASS(TShapes, TObject)
  public:
   TShapes() : Notes(new TStringList), Data(new TMemoryStream) {}
-  ~TShapes() override {
-    delete Pet;
-    delete Spare;
-    for (TPet* p : Pets) delete p;
-    delete Notes;
-    delete Data;
-    delete Doc;
-  }
+  ~TShapes() override { test::DeleteAll(Pet, Spare, Pets, Notes, Data, Doc); }
   // clang-format off
   Byte B = 0; Word W = 0; LongWord LW = 0; UInt64 U64 = 0; ShortInt SI = 0; SmallInt SM = 0; Integer I = 0;
   Int64 I64 = 0; Single F32 = 0; Double F64 = 0; Extended F80 = 0; Char C = u'a'; UnicodeString S;
@@ -98,19 +83,11 @@ class TShapes : public TObject {
 };
 VN_REGISTER_TYPE(TShapes, u"uJSONTest") {
   b.Published(u"Prop", &TShapes::GetProp, &TShapes::SetProp)
-      .Public(u"B", &TShapes::B).Public(u"W", &TShapes::W).Public(u"LW", &TShapes::LW).Public(u"U64", &TShapes::U64)
-      .Public(u"SI", &TShapes::SI).Public(u"SM", &TShapes::SM).Public(u"I", &TShapes::I).Public(u"I64", &TShapes::I64)
-      .Public(u"F32", &TShapes::F32).Public(u"F64", &TShapes::F64).Public(u"F80", &TShapes::F80)
-      .Public(u"C", &TShapes::C).Public(u"S", &TShapes::S).Public(u"Flag", &TShapes::Flag)
-      .Public(u"Tone", &TShapes::Tone).Public(u"Shade", &TShapes::Shade).Public(u"Tones", &TShapes::Tones)
-      .Public(u"Day", &TShapes::Day).OfType(u"TDate")
-      .Public(u"Clock", &TShapes::Clock).OfType(u"TTime")
+      VN_TEST_PUBLIC(TShapes, B, W, LW, U64, SI, SM, I, I64, F32, F64, F80, C, S, Flag, Tone, Shade, Tones, Day)
+      .OfType(u"TDate").Public(u"Clock", &TShapes::Clock).OfType(u"TTime")
       .Public(u"Stamp", &TShapes::Stamp).OfType(u"TDateTime")
-      .Public(u"V", &TShapes::V).Public(u"Ints", &TShapes::Ints).Public(u"Fixed", &TShapes::Fixed)
-      .Public(u"Words", &TShapes::Words).Public(u"ToneList", &TShapes::ToneList).Public(u"Point", &TShapes::Point)
-      .Public(u"Points", &TShapes::Points).Public(u"Pet", &TShapes::Pet).Public(u"Spare", &TShapes::Spare)
-      .Public(u"Pets", &TShapes::Pets).Public(u"Notes", &TShapes::Notes).Public(u"Data", &TShapes::Data)
-      .Public(u"Any", &TShapes::Any).Public(u"Raw", &TShapes::Raw).Public(u"Doc", &TShapes::Doc);
+      VN_TEST_PUBLIC(TShapes, V, Ints, Fixed, Words, ToneList, Point, Points, Pet, Spare, Pets, Notes, Data, Any, Raw,
+                     Doc);
 }
 
 inline std::string ToJSON(TShapes& AObject) { return VnSerialize(dsfJSON, &AObject); }

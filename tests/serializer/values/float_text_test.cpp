@@ -13,10 +13,7 @@ namespace {
 using namespace vn;
 
 TEST(DoubleText, FifteenDigitsAtTheEdges) {
-  struct Case {
-    double Value;
-    const char16_t* Expected;
-  };
+  struct Case { double Value; const char16_t* Expected; };
   const Case cases[] = {
       {0.1, u"0.1"}, {12501.35, u"12501.35"}, {-0.000123, u"-0.000123"}, {1e21, u"1E21"},
       {0.123456789012345, u"0.123456789012345"},         // 15 digits: exact as written

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "../serial_domain.h"
-#include "support/raises.h"
+#include "common/message_of.h"
 #include "vnxml/common/classes.h"
 #include "vnxml/xml_serializer.h"
 
@@ -40,15 +40,7 @@ class TNode : public TObject {
   TNode() = default;
   TNode(const TNode&) = delete;
   TNode& operator=(const TNode&) = delete;
-  ~TNode() override {
-    // Iterative, so that a long chain does not recurse here either.
-    while (Next) {
-      TNode* next = Next;
-      Next = next->Next;
-      next->Next = nullptr;
-      delete next;
-    }
-  }
+  ~TNode() override { test::DeleteChain(Next, &TNode::Next); }
   TNode* Next = nullptr;
   TObject* Back = nullptr;
   serialdomain::TAddress* PeerA = nullptr;
@@ -56,10 +48,7 @@ class TNode : public TObject {
   TComponent* Part = nullptr;
   TValue Boxed;
 };
-VN_REGISTER_TYPE(TNode, u"uWalker") {
-  b.Public(u"Next", &TNode::Next).Public(u"Back", &TNode::Back).Public(u"PeerA", &TNode::PeerA)
-      .Public(u"PeerB", &TNode::PeerB).Public(u"Part", &TNode::Part).Public(u"Boxed", &TNode::Boxed);
-}
+VN_REGISTER_TYPE(TNode, u"uWalker") { b VN_TEST_PUBLIC(TNode, Next, Back, PeerA, PeerB, Part, Boxed); }
 
 /// Takes part in its own serialization: locked while it is written or read.
 class TGuarded : public TVnSerializableObject {
@@ -69,17 +58,17 @@ class TGuarded : public TVnSerializableObject {
 };
 VN_REGISTER_TYPE(TGuarded, u"uWalker") { b.Public(u"N", &TGuarded::N); }
 
-std::string Bare(TObject* AObject, std::initializer_list<std::pair<const char16_t*, const char16_t*>> AParams = {}) {
-  IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, TValue::FromObject(AObject));
-  s->SetParam(u"excludenamespaces", u"true");
-  for (auto [name, value] : AParams) s->SetParam(name, value);
-  return s->Serialize();
+/// The XML of AValue without namespaces, and with AParam "true" too (by default the same again).
+std::string BareValue(const TValue& AValue, const char16_t* AParam = u"excludenamespaces") {
+  return test::SerializeWith(dsfXML, AValue, {{u"excludenamespaces", u"true"}, {AParam, u"true"}});
+}
+std::string Bare(TObject* AObject, const char16_t* AParam = u"excludenamespaces") {
+  return BareValue(TValue::FromObject(AObject), AParam);
 }
 
 TEST(Walker, MembersAreChosenByVisibilityHintsAndFirstName) {
   TPicky picky;
-  EXPECT_EQ(Bare(&picky),
-            "<object><Pub>1</Pub><x>1</x><FRenamed>4</FRenamed><Plain>6</Plain></object>");
+  EXPECT_EQ(Bare(&picky), "<object><Pub>1</Pub><x>1</x><FRenamed>4</FRenamed><Plain>6</Plain></object>");
 }
 
 TEST(Walker, CyclesEndAndSharedObjectsAreWrittenTwice) {
@@ -113,36 +102,26 @@ TEST(Walker, ComponentsOwnedElsewhereAreWrittenByName) {
 TEST(Walker, ParametersAndRootShapes) {
   serialdomain::TAll all;
   serialdomain::Fill(all, 0);
-  const std::string simple = Bare(&all, {{u"excludechildren", u"true"}});
+  const std::string simple = Bare(&all, u"excludechildren");
   EXPECT_EQ(simple.find("<City>"), std::string::npos);
   EXPECT_NE(simple.find("<Places><TAddress></TAddress><TAddress></TAddress></Places>"), std::string::npos);
   EXPECT_EQ(simple.find("<Point>"), std::string::npos);
-  EXPECT_EQ(Bare(all.Home, {{u"excluderoot", u"true"}}), "<City>Rome</City><Zip>100</Zip>");
+  EXPECT_EQ(Bare(all.Home, u"excluderoot"), "<City>Rome</City><Zip>100</Zip>");
 
-  struct Case {
-    TValue Value;
-    const char* Text;
-  } cases[] = {
-      {TValue::From<Integer>(5), "5"},
-      {TValue::From<UnicodeString>(u"a<b"), "a&lt;b"},
+  struct Case { TValue Value; const char* Text; } cases[] = {
+      {TValue::From<Integer>(5), "5"}, {TValue::From<UnicodeString>(u"a<b"), "a&lt;b"},
       {TValue::From(std::vector<Integer>{}), "<array></array>"},
       {TValue::From(std::vector<Integer>{1, 2}), "<array><int>1</int><int>2</int></array>"},
       {TValue::From(serialdomain::TPoint{1, 2, u"p"}), "<record><X>1</X><Y>2</Y><Label>p</Label></record>"},
   };
-  for (const Case& c : cases) {
-    IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, c.Value);
-    s->SetParam(u"excludenamespaces", u"true");
-    EXPECT_EQ(s->Serialize(), c.Text);
-  }
+  for (const Case& c : cases) EXPECT_EQ(BareValue(c.Value), c.Text);
 }
 
 TEST(Walker, NamespacesAndNilFollowTheParameters) {
   serialdomain::TAddress address;
   address.City = u"Rome";
-  IPtr<IVnSerializer> s = VnCreateSerializer(dsfXML, TValue::FromObject(&address));
-  s->SetParam(u"xmlns", u"urn:demo");
-  s->SetParam(u"xsi-prefix", u"i");
-  EXPECT_EQ(s->Serialize(),
+  EXPECT_EQ(test::SerializeWith(dsfXML, TValue::FromObject(&address),
+                                {{u"xmlns", u"urn:demo"}, {u"xsi-prefix", u"i"}}),
             "<object xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\" "
             "i:type=\"xsd:TAddress\" xmlns=\"urn:demo\"><City i:type=\"xsd:string\">Rome</City>"
             "<Zip i:type=\"xsd:int\">0</Zip></object>");
@@ -154,12 +133,8 @@ TEST(Walker, DeepChainsEndInAnErrorNotACrash) {
   TNode root;
   TNode* last = &root;
   for (int i = 0; i < cVnMaxNesting + 5; ++i) last = last->Next = new TNode();
-  try {
-    VnSerialize(dsfXML, &root);
-    ADD_FAILURE() << "no exception";
-  } catch (const EVnSerializeException& e) {
-    EXPECT_TRUE(e.Message().ends_with(u"The nesting is too deep!"));
-  }
+  EXPECT_TRUE(test::MessageOf<EVnSerializeException>([&] { VnSerialize(dsfXML, &root); })
+                  .ends_with(u"The nesting is too deep!"));
 }
 
 TEST(Walker, HostHooksRunAndLocksAreLeftAlsoOnFailure) {

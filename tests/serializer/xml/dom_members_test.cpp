@@ -1,6 +1,8 @@
 // DOM documents and elements below the root of an object's XML, and an event's arguments.
 #include <gtest/gtest.h>
 
+#include "common/message_of.h"
+#include "serializer/domain_support.h"
 #include "vnxml/common/rtti_register.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
@@ -19,11 +21,7 @@ class TPage : public TObject {
   TPage() : Home(new TVnDOMDocument()) { Part = Home->CreateRootNode(u"part"); }
   TPage(const TPage&) = delete;
   TPage& operator=(const TPage&) = delete;
-  ~TPage() override {
-    delete Doc;
-    for (TVnDOMDocument* d : Docs) delete d;
-    delete Home;
-  }
+  ~TPage() override { test::DeleteAll(Doc, Docs, Home); }
   TVnDOMDocument* Doc = nullptr;
   std::vector<TVnDOMDocument*> Docs;
   TVnDOMDocument* Home;
@@ -32,8 +30,7 @@ class TPage : public TObject {
   Integer Notify(Integer ACount, Double ARate) const { return static_cast<Integer>(ACount * ARate); }
 };
 VN_REGISTER_TYPE(TPage, u"uDomTest") {
-  b.Public(u"Doc", &TPage::Doc).Public(u"Docs", &TPage::Docs).Public(u"Part", &TPage::Part)
-      .Public(u"After", &TPage::After).Method(mvPublic, u"Notify", &TPage::Notify, {u"ACount", u"ARate"});
+  b VN_TEST_PUBLIC(TPage, Doc, Docs, Part, After).Method(mvPublic, u"Notify", &TPage::Notify, {u"ACount", u"ARate"});
 }
 
 TVnDOMDocument* NewDoc(std::u16string_view AXML) {
@@ -43,9 +40,7 @@ TVnDOMDocument* NewDoc(std::u16string_view AXML) {
 }
 
 std::string Plain(TObject* AObject, TVnDataSerializationFormatType AFormat = dsfXML) {
-  IPtr<IVnSerializer> s = VnCreateSerializer(AFormat, TValue::FromObject(AObject));
-  s->SetParam(u"excludenamespaces", u"true");
-  return s->Serialize();
+  return test::SerializeWith(AFormat, TValue::FromObject(AObject), {{u"excludenamespaces", u"true"}});
 }
 
 TEST(XMLDOMMembers, DocumentsAndElementsStandInTheirElementAndReadBack) {
@@ -81,10 +76,8 @@ TEST(XMLDOMMembers, DocumentsAndElementsStandInTheirElementAndReadBack) {
 
 TEST(XMLDOMMembers, MarkupThatDoesNotLoadAndElementsNeverMade) {
   const std::string head = "<object xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">";
-  struct Case {
-    const char* Inner;
-    std::u16string Expected;  ///< the start of the message
-  } cases[] = {
+  // Expected: the start of the message
+  struct Case { const char* Inner; std::u16string Expected; } cases[] = {
       {"<Doc xsi:type=\"xsd:TVnDOMDocument\"><a/><b/></Doc>", u"Deserialization failure at \"Doc\"\r\n"},
       {"<Doc xsi:type=\"xsd:TVnDOMDocument\">text</Doc>", u"Deserialization failure at \"Doc\"\r\n"},
       {"<Part><x/></Part>", u"Not supported"},
@@ -92,12 +85,9 @@ TEST(XMLDOMMembers, MarkupThatDoesNotLoadAndElementsNeverMade) {
   for (const Case& c : cases) {
     TPage page;
     page.Part = nullptr;
-    try {
-      VnDeserialize(dsfXML, TValue::FromObject(&page), head + c.Inner + "</object>");
-      ADD_FAILURE() << c.Inner;
-    } catch (const Exception& e) {
-      EXPECT_TRUE(e.Message().starts_with(c.Expected)) << c.Inner << UnicodeToUtf8(e.Message());
-    }
+    const UnicodeString failure =
+        test::MessageOf([&] { VnDeserialize(dsfXML, TValue::FromObject(&page), head + c.Inner + "</object>"); });
+    EXPECT_TRUE(failure.starts_with(c.Expected)) << c.Inner << UnicodeToUtf8(failure);
     EXPECT_EQ(page.Doc, nullptr) << "a failed read unlinks and frees the document it made";
   }
 }

@@ -29,10 +29,6 @@ TEST(XMLRoundTrip, EveryShapeComesBackEqualAndWritesTheSameText) {
   }
 }
 
-}  // namespace
-
-namespace {
-
 TEST(XMLRoundTrip, DocumentsAndElementsAreTheirOwnText) {
   TVnDOMDocument document;
   document.LoadXML(u"<menu a=\"1\"><dish>Soup &amp; bread</dish></menu>");
@@ -47,10 +43,6 @@ TEST(XMLRoundTrip, DocumentsAndElementsAreTheirOwnText) {
   EXPECT_EQ(VnSerialize(dsfXML, document.GetRootNode()), "<menu a=\"1\"><dish>Soup &amp; bread</dish></menu>");
 }
 
-}  // namespace
-
-namespace {
-
 TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
   auto* home = new TAddress();
   home->City = u"Rome";
@@ -60,8 +52,7 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
       // Names written without the prefix their type's hint names.
       {"enumeration of a prefixed type", TValue::From(clBlue)},
       {"set of a prefixed type", TValue::From(TColors{clRed, clBlue})},
-      {"record", TValue::From(TPoint{1, 2, u"a<b"})},
-      {"array", TValue::From(std::vector<Integer>{3, 4})},
+      {"record", TValue::From(TPoint{1, 2, u"a<b"})}, {"array", TValue::From(std::vector<Integer>{3, 4})},
       {"object", TValue::FromObject(home)},
   };
   for (const auto& [name, value] : cases) {
@@ -136,12 +127,9 @@ TEST(XMLRoundTrip, BoxedValuesNestOnlySoDeep) {
   for (int i = 0; i < 100; ++i) text += "<Inner xsi:type=\"xsd:TBox\">";
   for (int i = 0; i < 100; ++i) text += "</Inner>";
   TAll all;
-  try {
-    VnDeserialize(dsfXML, TValue::FromObject(&all), text + "</Boxed></object>");
-    ADD_FAILURE();
-  } catch (const EVnSerializeException& e) {
-    EXPECT_NE(e.Message().find(u"nesting is too deep"), UnicodeString::npos);
-  }
+  const UnicodeString failure = test::MessageOf<EVnSerializeException>(
+      [&] { VnDeserialize(dsfXML, TValue::FromObject(&all), text + "</Boxed></object>"); });
+  EXPECT_NE(failure.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(failure);
   EXPECT_TRUE(all.Boxed.IsEmpty());
 }
 
