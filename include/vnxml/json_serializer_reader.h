@@ -232,7 +232,9 @@ class TVnJSONDocDeserializer : public TVnJSONDeserializer {
 /// (VnDeserialize's last argument): the TValue does not own it, the caller does, and the list
 /// names it (a TValue inside that object takes none). Each such value is read by a reader of its
 /// own; reads nested deeper than 64 raise cVnJSONNestingTooDeep. Any other object, and an array
-/// (whose text names no type), is passed over and leaves the value empty.
+/// (whose text names no type), is passed over and leaves the value empty. A member given again
+/// keeps the later value, and an object this read made for it before is freed and leaves the
+/// caller's list.
 class TVnJSONValueDeserializer : public TVnJSONDeserializer {
   VN_DECLARE_CLASS(TVnJSONValueDeserializer, TVnJSONDeserializer)
  public:

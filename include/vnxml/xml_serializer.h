@@ -234,7 +234,10 @@ class TVnXMLComponentDeserializer : public TVnXMLDeserializer {
 /// it, the caller does, and the list names it (a TValue inside that object takes none). Each such
 /// value is read by a reader of its own; reads nested deeper than 64 raise cVnNestingTooDeep, and
 /// an object that would be made inside a boxed record or array raises cVnBoxedObjectUnowned.
-/// Elements under no such type are passed over and leave the value empty.
+/// An "ArrayOf..." type of no platform type holds its elements as Variants, and an object named
+/// as its element raises the same. Elements under no such type are passed over and leave the value
+/// empty. A member given again keeps the later value, and an object this read made for it before
+/// is freed and leaves the caller's list.
 class TVnXMLValueDeserializer : public TVnXMLDeserializer {
   VN_DECLARE_CLASS(TVnXMLValueDeserializer, TVnXMLDeserializer)
  public:
