@@ -175,7 +175,7 @@ TEST(XMLReader, DeepTextEndsInAnErrorWithWorkInProportion) {
             "<no exception>");
   TChain deep;
   const std::string failure = Failure([&] { VnDeserialize(dsfXML, TValue::FromObject(&deep), nested(100000)); });
-  EXPECT_EQ(failure, "EVnSerializeException: " + U8(Format(cVnNestingTooDeep, {u"Next"})).substr(0, 0) + failure.substr(23));
+  EXPECT_TRUE(failure.starts_with("EVnSerializeException: ")) << failure;
   EXPECT_NE(failure.find("The nesting is too deep!"), std::string::npos);
   EXPECT_EQ(deep.Next, nullptr);
 }
