@@ -165,9 +165,10 @@ class TVnDeserializer : public TVnCustomSerializer, public IVnDeserializer {
   void RecordLink(void* AInstance, TRttiField* AField, TRttiProperty* AProp);
   /// How many objects the read has created so far.
   size_t CreatedCount();
-  /// Frees AObject when this read created it (a later value of the same member replaces it),
-  /// taking it out of the read's lists; an object the read did not create is left alone.
-  void FreeIfCreated(TObject* AObject) noexcept;
+  /// Frees the object AValue holds when this read created it (a later value of the same member
+  /// replaces it), taking it out of the read's lists and emptying AValue; any other value is left
+  /// alone.
+  void FreeIfCreated(TValue& AValue) noexcept;
   /// Whether the caller gave the read its list of created objects (and so takes what no
   /// member owns).
   bool CallerListsCreated() { return !Root()->FOwnList && Root()->FCreatedObjs; }

@@ -1,6 +1,7 @@
 // TVnDeserializer: construction, ownership of created objects, the entry points, and the
 // choice of what receives the events. Member lookup and values: builder_members.cpp.
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -130,13 +131,17 @@ void TVnDeserializer::RecordLink(void* AInstance, TRttiField* AField, TRttiPrope
 
 size_t TVnDeserializer::CreatedCount() { return Root()->FCreated.size(); }
 
-void TVnDeserializer::FreeIfCreated(TObject* AObject) noexcept {
+void TVnDeserializer::FreeIfCreated(TValue& AValue) noexcept {
+  TObject* const object = AValue.IsObject() ? AValue.AsObject() : nullptr;
+  if (!object) return;
+  // The value being replaced is most often the one made last: looked for from the end.
   TVnDeserializer* root = Root();
-  const auto it = std::find(root->FCreated.begin(), root->FCreated.end(), AObject);
-  if (!AObject || it == root->FCreated.end()) return;
-  root->FCreated.erase(it);
-  if (root->FCreatedObjs) root->FCreatedObjs->Extract(AObject);
-  delete AObject;
+  const auto it = std::find(root->FCreated.rbegin(), root->FCreated.rend(), object);
+  if (it == root->FCreated.rend()) return;
+  root->FCreated.erase(std::next(it).base());
+  if (root->FCreatedObjs) root->FCreatedObjs->Extract(object);
+  delete object;
+  AValue = TValue();
 }
 
 void TVnDeserializer::RollBack() noexcept {

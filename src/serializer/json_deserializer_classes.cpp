@@ -146,7 +146,7 @@ void TVnJSONValueDeserializer::DoValue(TVnJSONSimpleDataType AType, std::u16stri
   auto* target = static_cast<TValue*>(FInstancePtr);
   if (target) {
     // A member given twice keeps the later value; an object this read made for it before goes.
-    if (target->IsObject()) FreeIfCreated(target->AsObject());
+    FreeIfCreated(*target);
     switch (AType) {
       case jdtNumber:
         *target = IsFloatText(AText) ? TValue::From<Extended>(VnXMLToExtended(AText))
@@ -184,7 +184,7 @@ void TVnJSONValueDeserializer::ReadObject(const UnicodeString& AText) {
   const TVnTypeInfo* type = TVnTypes::GetTypeInfo(name, tntSchemaName, false, mtkUnknown);
   if (!type) return;
   const Integer depth = detail::BoxedReadDepth(*this, cVnJSONNestingTooDeep, GetPath());
-  if (target->IsObject()) FreeIfCreated(target->AsObject());
+  FreeIfCreated(*target);
   switch (type->Kind()) {
     case vtkEnumeration:
     case vtkSet: {

@@ -87,7 +87,7 @@ void TVnXMLValueDeserializer::DoEndElement(std::u16string_view AURI, std::u16str
 void TVnXMLValueDeserializer::ReadComplex(const TVnTypeInfo* AType) {
   auto& target = *static_cast<TValue*>(FInstancePtr);
   // A member given twice keeps the later value; an object this read made for it before goes.
-  if (target.IsObject()) FreeIfCreated(target.AsObject());
+  FreeIfCreated(target);
   // The markup read as the members of a root of its own; the xsi prefix of the text's root
   // is declared again, for the type marks inside.
   const UnicodeString text = u"<value xmlns:xsi=\"" + UnicodeString(cVnXSINamespace) + u"\">" + FMarkup + u"</value>";
@@ -125,7 +125,7 @@ void TVnXMLValueDeserializer::DeserializeEndType() {
   } else if (FHasText && FInstancePtr) {
     // The element's xsi:type gives the value its type; without one it is a string.
     auto& target = *static_cast<TValue*>(FInstancePtr);
-    if (target.IsObject()) FreeIfCreated(target.AsObject());
+    FreeIfCreated(target);
     target = FDataType.empty() ? TValue::From(ValueToStr(FText)) : ValueToVal(FText, FDataType);
     FHasText = false;
   }

@@ -83,6 +83,13 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
                     &madeThenText);
       EXPECT_EQ(madeThenText.GetCount(), 0);
       EXPECT_EQ(textLast.Boxed.AsString(), u"x");
+      // And markup under a type that takes none: the value is left empty, never dangling.
+      TObjectList madeThenNone(true);
+      TAll noneLast;
+      VnDeserialize(dsfXML, TValue::FromObject(&noneLast),
+                    text.substr(0, to) + "<Boxed xsi:type=\"xsd:TKind\"><k/></Boxed>" + text.substr(to), &madeThenNone);
+      EXPECT_EQ(madeThenNone.GetCount(), 0);
+      EXPECT_TRUE(noneLast.Boxed.IsEmpty());
     }
     // Without the caller's list no object is made for it, and the value stays empty.
     TAll unlisted;
