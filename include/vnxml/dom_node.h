@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -33,16 +34,14 @@ class TVnDOMNode : public TVnDOMObject {
   TVnDOMNode();
   ~TVnDOMNode() override;
 
-  // A node made by new carries the pool it came from (nil: the heap) just in front of it, so
-  // that delete gives it back to the right place; 8 bytes keep the node 8-aligned.
-  static constexpr size_t kPoolSlot = sizeof(detail::NodePool*);
+  // A node is made on the heap or, by a load, in the load's pool; its flag tells which, and the
+  // pool is found from the node's address (NodePool::Of). Delete reads the flag before the
+  // destructor runs, so it is a destroying delete.
   static void* operator new(size_t ASize);
-  static void* operator new(size_t ASize, detail::NodePool& APool) {
-    void* p = APool.AllocateNode(kPoolSlot + ASize);
-    *static_cast<detail::NodePool**>(p) = &APool;
-    return static_cast<char*>(p) + kPoolSlot;
-  }
-  static void operator delete(void* APtr, size_t ASize) noexcept;
+  static void* operator new(size_t ASize, detail::NodePool& APool) { return APool.AllocateNode(ASize); }
+  static void operator delete(TVnDOMNode* ANode, std::destroying_delete_t) noexcept;
+  /// For a constructor that throws.
+  static void operator delete(void* APtr) noexcept;
   static void operator delete(void* APtr, detail::NodePool& APool) noexcept;
 
   // ---- names and values ----

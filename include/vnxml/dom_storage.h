@@ -28,8 +28,14 @@ struct NsScope;
 /// along uncounted. The loader holds the pool until Seal; after that the last node freed frees
 /// every block at once. Like the trees it serves (and their shared names), a pool is used by one
 /// thread at a time: the count is plain.
+/// Blocks are aligned to kChunk and every chunk of kChunk bytes starts with the pool's address,
+/// and no carved piece crosses a chunk's end: the pool of a node is found from the node's
+/// address alone, so nodes carry no pointer to it. Pieces too large for a chunk get blocks of
+/// their own (never nodes).
 class NodePool {
  public:
+  static constexpr size_t kChunk = 4096;
+
   static NodePool* Create();
   NodePool(const NodePool&) = delete;
   NodePool& operator=(const NodePool&) = delete;
@@ -74,17 +80,19 @@ class NodePool {
   TVnDOMNode* ExtrasAt(size_t AIndex) const noexcept;
   /// Frees the pool with every node in it; only when pristine, by the owner of its target.
   void Drop() noexcept;
-  /// The pool of a node made in one (the slot in front of it).
+  /// The pool of a node made in one: the address at the start of the node's chunk.
   static NodePool* Of(const void* ANode) noexcept {
-    return *reinterpret_cast<NodePool* const*>(static_cast<const char*>(ANode) - sizeof(NodePool*));
+    return *reinterpret_cast<NodePool* const*>(reinterpret_cast<uintptr_t>(ANode) & ~(kChunk - 1));
   }
 
  private:
   struct Block;
+  struct Large;
   struct Held;
   NodePool() = default;
   ~NodePool();
   void* AllocateSlow(size_t ABytes);
+  void* AllocateLarge(size_t ABytes);
   static void Unpoison(void* APtr, size_t ABytes) noexcept;
 
   // Nodes made and not yet freed, plus one for the loader until Seal.
@@ -93,15 +101,11 @@ class NodePool {
   bool FSealed = false;
   Held* FHeld = nullptr;
   Block* FBlocks = nullptr;
+  Large* FLarge = nullptr;
   char* FNext = nullptr;
-  char* FEnd = nullptr;
+  char* FEnd = nullptr;       // the end of the chunk being carved
+  char* FBlockEnd = nullptr;  // the end of the block being carved
 };
-
-/// Nodes of either tree carry a slot in front of them that names their pool, or nullptr for a node
-/// made on the heap; these are their operator new and delete.
-inline constexpr size_t kNodePoolSlot = sizeof(NodePool*);
-void* NewSlottedNode(size_t ASize);
-void DeleteSlottedNode(void* APtr, size_t ASize) noexcept;
 
 /// A growable array of pointers that owns nothing it points at; one null pointer while empty.
 /// Growing with a pool takes the new block from it; a block from a pool is never freed here.

@@ -223,15 +223,13 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   explicit TVnJSONBase(TVnJSONBase* AOwner = nullptr);
   ~TVnJSONBase() override;
 
-  // A node made by new carries the pool it came from (nil: the heap) just in front of it.
-  static constexpr size_t kPoolSlot = sizeof(detail::NodePool*);
+  // A node is made on the heap or, by a load, in the load's pool; its flag tells which, and the
+  // pool is found from the node's address. Delete reads the flag before the destructor runs.
   static void* operator new(size_t ASize);
-  static void* operator new(size_t ASize, detail::NodePool& APool) {
-    void* p = APool.AllocateNode(kPoolSlot + ASize);
-    *static_cast<detail::NodePool**>(p) = &APool;
-    return static_cast<char*>(p) + kPoolSlot;
-  }
-  static void operator delete(void* APtr, size_t ASize) noexcept;
+  static void* operator new(size_t ASize, detail::NodePool& APool) { return APool.AllocateNode(ASize); }
+  static void operator delete(TVnJSONBase* ANode, std::destroying_delete_t) noexcept;
+  /// For a constructor that throws.
+  static void operator delete(void* APtr) noexcept;
   static void operator delete(void* APtr, detail::NodePool& APool) noexcept;
 
   // ---- tree ----
@@ -372,6 +370,7 @@ class TVnJSONBase : public TVnObject, public virtual IVnJSONBase {
   uint32_t FRec = 0;
   TVnJSONDataType FJSONType = jdtNull;
   bool FDestroyChilds = true;
+  bool FInPool = false;  // made by a load in its pool
   detail::JSONNodeClass FNodeClass = detail::JSONNodeClass::Base;
 
  private:

@@ -11,7 +11,7 @@
 namespace vn {
 
 TClass TObject::StaticClass() {
-  static const TClassInfo info{u"TObject", nullptr, &detail::CreateDefault<TObject>};
+  static const TClassInfo info{u"TObject", nullptr, &detail::CreateDefault<TObject>, nullptr, nullptr, sizeof(TObject)};
   return &info;
 }
 

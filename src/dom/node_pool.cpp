@@ -1,5 +1,6 @@
 // Where nodes live: the pool a load carves its nodes from (blocks that double in size, freed
-// all at once), and the allocation functions that put every node in front of its pool.
+// all at once), and the allocation functions of nodes, which tell a pool's node from a heap
+// node by its flag and find its pool by its address.
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -28,10 +29,14 @@ namespace vn::detail {
 
 namespace {
 // Small loads (a fragment, a short message) stay small; large ones soon get large blocks.
-constexpr size_t kFirstBlock = 4 * 1024;
+// Sizes count the whole block; every one is a multiple of a chunk and aligned to one.
+constexpr size_t kChunk = NodePool::kChunk;
+constexpr size_t kFirstBlock = kChunk;
 constexpr size_t kLargestBlock = 1024 * 1024;
-// What a block on a huge page holds behind its header of two words.
-constexpr size_t kHugeBlockSize = kHugePage - 2 * sizeof(void*);
+// Pieces above this size get blocks of their own: carving them from chunks would waste the rest
+// of a chunk each.
+constexpr size_t kLargePiece = kChunk / 4;
+static_assert(kHugePage % kChunk == 0);
 
 void Poison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABytes) noexcept {
 #ifdef VNXML_POOL_ASAN
@@ -43,8 +48,15 @@ void Poison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABytes) noexcep
 }  // namespace
 
 struct NodePool::Block {
+  NodePool* Pool;  // the header of the block's first chunk
   Block* Next;
-  size_t Size;  // usable bytes behind the header
+  size_t Size;  // bytes of the whole block, this header included
+};
+
+// A piece too large for a chunk, in a heap block of its own.
+struct NodePool::Large {
+  Large* Next;
+  size_t Size;  // bytes behind this header
 };
 
 // What the pool holds for its nodes: one count per name record and scope they use uncounted,
@@ -69,7 +81,7 @@ class BlockCache {
     int c = 0;
     for (size_t s = kFirstBlock; s <= kLargestBlock; s *= 2, ++c)
       if (s == ASize) return c;
-    return ASize == kHugeBlockSize ? kClasses - 1 : -1;
+    return ASize == kHugePage ? kClasses - 1 : -1;
   }
   void* Take(size_t ASize) {
     int c = SizeClass(ASize);
@@ -133,16 +145,22 @@ NodePool::~NodePool() {
     for (NsScope* scope : held->Scopes) Release(scope);
     delete held;
   }
+  while (Large* l = FLarge) {
+    FLarge = l->Next;
+    Unpoison(l + 1, l->Size);
+    std::free(l);
+  }
   while (Block* b = FBlocks) {
     FBlocks = b->Next;
+    const size_t data = b->Size - sizeof(Block);
     // A kept block stays marked as free space until a pool carves it again.
-    Poison(b + 1, b->Size);
+    Poison(b + 1, data);
     if (BlockCache::Instance().Keep(b, b->Size)) continue;
-    if (b->Size == kHugeBlockSize) {
+    if (b->Size == kHugePage) {
       UnmapHugeBlock(b, kHugePage);
       continue;
     }
-    Unpoison(b + 1, b->Size);
+    Unpoison(b + 1, data);
     std::free(b);
   }
 }
@@ -154,27 +172,46 @@ void NodePool::Unpoison([[maybe_unused]] void* APtr, [[maybe_unused]] size_t ABy
 }
 
 void* NodePool::AllocateSlow(size_t ABytes) {
-  size_t size = FBlocks ? std::min(FBlocks->Size * 2, kLargestBlock) : kFirstBlock;
-  static_assert(sizeof(Block) + kHugeBlockSize == kHugePage);
-  Block* block = nullptr;
-  // A load that has grown to the largest blocks goes on in huge pages.
-  if (size == kLargestBlock && ABytes <= kHugeBlockSize &&
-      ((block = static_cast<Block*>(BlockCache::Instance().Take(kHugeBlockSize))) ||
-       (block = static_cast<Block*>(MapHugeBlock(kHugePage)))))
-    size = kHugeBlockSize;
-  size = std::max(size, ABytes);
-  if (!block) block = static_cast<Block*>(BlockCache::Instance().Take(size));
-  if (!block) block = static_cast<Block*>(std::malloc(sizeof(Block) + size));
-  if (!block) throw std::bad_alloc();
-  block->Size = size;
-  block->Next = FBlocks;
-  FBlocks = block;
-  char* data = reinterpret_cast<char*>(block + 1);
-  Poison(data, size);
-  FNext = data + ABytes;
-  FEnd = data + size;
-  Unpoison(data, ABytes);
-  return data;
+  if (ABytes > kLargePiece) return AllocateLarge(ABytes);
+  if (FEnd == FBlockEnd) {
+    size_t size = FBlocks ? std::min(FBlocks->Size * 2, kLargestBlock) : kFirstBlock;
+    Block* block = nullptr;
+    // A load that has grown to the largest blocks goes on in huge pages.
+    if (size == kLargestBlock && ((block = static_cast<Block*>(BlockCache::Instance().Take(kHugePage))) ||
+                                  (block = static_cast<Block*>(MapHugeBlock(kHugePage)))))
+      size = kHugePage;
+    if (!block) block = static_cast<Block*>(BlockCache::Instance().Take(size));
+    if (!block) block = static_cast<Block*>(std::aligned_alloc(kChunk, size));
+    if (!block) throw std::bad_alloc();
+    Unpoison(block, sizeof(Block));
+    block->Pool = this;
+    block->Size = size;
+    block->Next = FBlocks;
+    FBlocks = block;
+    Poison(block + 1, size - sizeof(Block));
+    FNext = reinterpret_cast<char*>(block + 1);
+    FEnd = reinterpret_cast<char*>(block) + kChunk;
+    FBlockEnd = reinterpret_cast<char*>(block) + size;
+  } else {
+    // the next chunk of the block, behind its header
+    Unpoison(FEnd, sizeof(NodePool*));
+    *reinterpret_cast<NodePool**>(FEnd) = this;
+    FNext = FEnd + sizeof(NodePool*);
+    FEnd += kChunk;
+  }
+  char* p = FNext;
+  FNext += ABytes;
+  Unpoison(p, ABytes);
+  return p;
+}
+
+void* NodePool::AllocateLarge(size_t ABytes) {
+  auto* large = static_cast<Large*>(std::malloc(sizeof(Large) + ABytes));
+  if (!large) throw std::bad_alloc();
+  large->Next = FLarge;
+  large->Size = ABytes;
+  FLarge = large;
+  return large + 1;
 }
 
 void NodePool::FreeNode(void* ANode, size_t ASize) noexcept {
@@ -235,29 +272,24 @@ namespace vn {
 
 // ---- memory ----
 
-static_assert(alignof(TVnDOMElement) <= TVnDOMNode::kPoolSlot);
+static_assert(alignof(TVnDOMElement) <= 8);
 
-void* detail::NewSlottedNode(size_t ASize) {
-  void* p = ::operator new(kNodePoolSlot + ASize);
-  *static_cast<NodePool**>(p) = nullptr;
-  return static_cast<char*>(p) + kNodePoolSlot;
+void* TVnDOMNode::operator new(size_t ASize) { return ::operator new(ASize); }
+
+void TVnDOMNode::operator delete(void* APtr) noexcept { ::operator delete(APtr); }
+
+void TVnDOMNode::operator delete(TVnDOMNode* ANode, std::destroying_delete_t) noexcept {
+  if (!ANode->FInPool) {
+    ANode->~TVnDOMNode();
+    ::operator delete(ANode);
+    return;
+  }
+  detail::NodePool* pool = detail::NodePool::Of(ANode);
+  const size_t size = ANode->ClassType()->InstanceSize;
+  ANode->~TVnDOMNode();
+  pool->FreeNode(ANode, size);
 }
 
-void detail::DeleteSlottedNode(void* APtr, size_t ASize) noexcept {
-  if (!APtr) return;
-  void* p = static_cast<char*>(APtr) - kNodePoolSlot;
-  if (NodePool* pool = *static_cast<NodePool**>(p))
-    pool->FreeNode(p, kNodePoolSlot + ASize);
-  else
-    ::operator delete(p, kNodePoolSlot + ASize);
-}
-
-void* TVnDOMNode::operator new(size_t ASize) { return detail::NewSlottedNode(ASize); }
-
-void TVnDOMNode::operator delete(void* APtr, size_t ASize) noexcept { detail::DeleteSlottedNode(APtr, ASize); }
-
-void TVnDOMNode::operator delete(void* APtr, detail::NodePool& APool) noexcept {
-  APool.FreeNode(static_cast<char*>(APtr) - kPoolSlot, kPoolSlot);
-}
+void TVnDOMNode::operator delete(void* APtr, detail::NodePool& APool) noexcept { APool.FreeNode(APtr, 0); }
 
 }  // namespace vn

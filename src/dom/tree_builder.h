@@ -122,6 +122,13 @@ class TreeBuilder {
     TVnDOMAttribute* Found = nullptr;
   };
   Hit FHits[4];
+  struct PrefixHit {
+    uint64_t Generation = UINT64_MAX;
+    const char16_t* Data = nullptr;  // the prefix asked for last, by address
+    size_t Size = 0;
+    TVnDOMAttribute* Found = nullptr;
+  };
+  PrefixHit FPrefixHit;
   uint64_t FDefaultGeneration = UINT64_MAX;  // the age of FDefault
   TVnDOMAttribute* FDefault = nullptr;       // the declaration "xmlns" in force
   uint8_t FNextHit = 0;

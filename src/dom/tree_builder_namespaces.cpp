@@ -189,8 +189,15 @@ void TreeBuilder::ResolveNamespaces(TVnDOMNode* AParent, TVnDOMElement* AElement
 }
 
 TVnDOMAttribute* TreeBuilder::DeclarationForPrefix(std::u16string_view APrefix) {
-  // Most names have no prefix: their answer holds until a declaration comes or goes.
-  if (!APrefix.empty()) return DeclarationInScope(DeclarationName(APrefix));
+  // Most names have no prefix: their answer holds until a declaration comes or goes. Prefixed
+  // names of a load come from its shared name records, so a prefix asked for again mostly comes
+  // at the same address: its answer holds as long.
+  if (!APrefix.empty()) {
+    if (FPrefixHit.Generation != FGeneration || FPrefixHit.Data != APrefix.data() ||
+        FPrefixHit.Size != APrefix.size())
+      FPrefixHit = {FGeneration, APrefix.data(), APrefix.size(), DeclarationInScope(DeclarationName(APrefix))};
+    return FPrefixHit.Found;
+  }
   if (FDefaultGeneration != FGeneration) {
     FDefault = DeclarationInScope(u"xmlns");
     FDefaultGeneration = FGeneration;

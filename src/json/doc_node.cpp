@@ -11,13 +11,23 @@ namespace vn {
 
 // ---- memory ----
 
-void* TVnJSONBase::operator new(size_t ASize) { return detail::NewSlottedNode(ASize); }
+void* TVnJSONBase::operator new(size_t ASize) { return ::operator new(ASize); }
 
-void TVnJSONBase::operator delete(void* APtr, size_t ASize) noexcept { detail::DeleteSlottedNode(APtr, ASize); }
+void TVnJSONBase::operator delete(void* APtr) noexcept { ::operator delete(APtr); }
 
-void TVnJSONBase::operator delete(void* APtr, detail::NodePool& APool) noexcept {
-  APool.FreeNode(static_cast<char*>(APtr) - kPoolSlot, kPoolSlot);
+void TVnJSONBase::operator delete(TVnJSONBase* ANode, std::destroying_delete_t) noexcept {
+  if (!ANode->FInPool) {
+    ANode->~TVnJSONBase();
+    ::operator delete(ANode);
+    return;
+  }
+  detail::NodePool* pool = detail::NodePool::Of(ANode);
+  const size_t size = ANode->ClassType()->InstanceSize;
+  ANode->~TVnJSONBase();
+  pool->FreeNode(ANode, size);
 }
+
+void TVnJSONBase::operator delete(void* APtr, detail::NodePool& APool) noexcept { APool.FreeNode(APtr, 0); }
 
 // ---- ownership ----
 
@@ -103,9 +113,7 @@ bool TVnJSONBase::GiveBackToPool() noexcept {
   // A node that a load made and nobody changed holds nothing but memory of its pool, so its
   // destructor would free nothing: the pool takes the memory back without it. Loads make the
   // library's own classes only, each with this base at the start of the object.
-  auto* slot = reinterpret_cast<detail::NodePool**>(reinterpret_cast<char*>(this) - kPoolSlot);
-  detail::NodePool* pool = *slot;
-  if (!pool || FObjects.OwnsBlock()) return false;
+  if (!FInPool || FObjects.OwnsBlock()) return false;
   size_t size = 0;
   switch (FNodeClass) {
     case detail::JSONNodeClass::Simple: {
@@ -122,7 +130,7 @@ bool TVnJSONBase::GiveBackToPool() noexcept {
     case detail::JSONNodeClass::Array: size = sizeof(TVnJSONArray); break;
     default: return false;
   }
-  pool->FreeNode(slot, kPoolSlot + size);
+  detail::NodePool::Of(this)->FreeNode(this, size);
   return true;
 }
 

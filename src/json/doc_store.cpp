@@ -68,17 +68,21 @@ void* JSONStore::Room(JSONRec& ARec, size_t AUnits) {
 
 // ---- opening containers ----
 
-namespace {
 // Kept apart from the allocation functions: seen together, the compiler takes the node's own
 // delete for a mismatch with the global new inside them.
-TVnJSONBase* NewNode(NodePool& APool, JSONNodeClass AClass) {
+TVnJSONBase* JSONLazy::NewNode(NodePool& APool, JSONNodeClass AClass) {
+  TVnJSONBase* node;
   switch (AClass) {
-    case JSONNodeClass::Object: return new (APool) TVnJSONObject();
-    case JSONNodeClass::Array: return new (APool) TVnJSONArray();
-    case JSONNodeClass::Member: return new (APool) TVnJSONMember();
-    default: return new (APool) TVnJSONSimpleType();
+    case JSONNodeClass::Object: node = new (APool) TVnJSONObject(); break;
+    case JSONNodeClass::Array: node = new (APool) TVnJSONArray(); break;
+    case JSONNodeClass::Member: node = new (APool) TVnJSONMember(); break;
+    default: node = new (APool) TVnJSONSimpleType(); break;
   }
+  node->FInPool = true;
+  return node;
 }
+
+namespace {
 
 // A record's text for a node: into the pool, so that the node outlives the store.
 JSONText PoolText(NodePool& APool, const JSONStore& AStore, const JSONRec& ARec) {
@@ -94,7 +98,7 @@ JSONText PoolText(NodePool& APool, const JSONStore& AStore, const JSONRec& ARec)
 TVnJSONBase* NewValue(NodePool& APool, JSONStore& AStore, uint32_t ARec) {
   const JSONRec& rec = AStore.At(ARec);
   if (rec.Class != JSONNodeClass::Simple) return JSONLazy::NewContainer(APool, AStore, ARec);
-  auto* simple = static_cast<TVnJSONSimpleType*>(NewNode(APool, JSONNodeClass::Simple));
+  auto* simple = static_cast<TVnJSONSimpleType*>(JSONLazy::NewNode(APool, JSONNodeClass::Simple));
   simple->StoreRaw(PoolText(APool, AStore, rec), static_cast<TVnJSONDataType>(rec.Type));
   return simple;
 }

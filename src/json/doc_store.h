@@ -83,6 +83,8 @@ struct JSONStore {
 /// Makes nodes out of records; the node classes let it set what a load sets.
 class JSONLazy {
  public:
+  /// A node of class AClass made in APool.
+  static TVnJSONBase* NewNode(NodePool& APool, JSONNodeClass AClass);
   /// A container node of APool for record ARec that opens on first access (or an empty one).
   static TVnJSONBase* NewContainer(NodePool& APool, JSONStore& AStore, uint32_t ARec);
   /// Lets go of ANode's records (it dies or was emptied).

@@ -25,7 +25,7 @@ namespace detail {
 // ("TObjectList<uShop.TItem>"), which is why the record is not const.
 template <class Self>
 ::vn::TClass GenericClass(const char16_t* ADefaultName, ::vn::TClass AParent, ::vn::TClassInfo*& ARecord) {
-  static ::vn::TClassInfo info{ADefaultName, AParent, &::vn::detail::CreateDefault<Self>};
+  static ::vn::TClassInfo info{ADefaultName, AParent, &::vn::detail::CreateDefault<Self>, nullptr, nullptr, sizeof(Self)};
   ARecord = &info;
   return &info;
 }

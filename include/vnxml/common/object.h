@@ -26,6 +26,8 @@ struct TClassInfo {
   mutable const TTypeInfo* TypeInfo = nullptr;
   /// Unit-qualified name for reflection ("uShop.TItem"); empty when not registered.
   mutable const char16_t* QualifiedName = nullptr;
+  /// Bytes of an instance of exactly this class.
+  size_t InstanceSize = 0;
 };
 using TClass = const TClassInfo*;
 
@@ -87,7 +89,8 @@ TObject* CreateDefault() {
   using inherited = Parent;                                                                 \
   static ::vn::TClass StaticClass() {                                                       \
     static const ::vn::TClassInfo info{u"" #Name, Parent::StaticClass(),                    \
-                                       &::vn::detail::CreateDefault<Name>};                 \
+                                       &::vn::detail::CreateDefault<Name>, nullptr, nullptr, \
+                                       sizeof(Name)};                                       \
     return &info;                                                                           \
   }                                                                                         \
   ::vn::TClass ClassType() const override { return StaticClass(); }                        \

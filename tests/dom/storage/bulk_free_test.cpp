@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 
 #include "dom/node_extras.h"
 #include "vnxml/common/vn_streams.h"
@@ -66,6 +67,23 @@ TEST(DomBulkFree, EditsMakeTheFreeGoNodeByNode) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.Name);
     EXPECT_LT(FreeWorkOf(10, c.Edit), FreeWorkOf(100, c.Edit));
+  }
+}
+
+TEST(DomBulkFree, PiecesLargerThanAChunkLiveAndGoWithTheirLoad) {
+  // A long value and a long child array do not fit the pool's chunks and get blocks of their own.
+  const std::string big(10000, 'x');
+  std::string xml = "<r a=\"" + big + "\"><t>" + big + "</t>";
+  for (int i = 0; i < 1000; ++i) xml += "<e/>";
+  xml += "</r>";
+  for (bool edit : {false, true}) {
+    auto doc = std::make_unique<TVnDOMDocument>();
+    doc->LoadFromAnsiXML(xml);
+    TVnDOMElement* root = doc->GetRootNode();
+    EXPECT_EQ((std::tuple{root->GetAttribute(u"a").size(), root->ElementCount(), root->FirstElement()->GetText().size()}),
+              std::tuple(big.size(), 1001, big.size()));
+    if (edit) root->LastElement()->SetAttribute(u"k", u"v");  // freed node by node
+    doc.reset();
   }
 }
 
