@@ -21,10 +21,7 @@ class TProbe : public TComponent {
   ~TProbe() override {
     if (FFreed) ++*FFreed;
   }
-  struct Event {
-    TComponent* Component;
-    TOperation Operation;
-  };
+  using Event = std::pair<TComponent*, TOperation>;
   std::vector<Event> Events;
   TComponent* Watched = nullptr;
 
@@ -118,11 +115,10 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
 TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
   TProbe first, second;
   auto* child = new TComponent(&first);
-  ASSERT_EQ(first.Events.size(), 1u);
-  EXPECT_EQ((std::tuple{first.Events[0].Component, first.Events[0].Operation}), std::tuple(child, opInsert));
+  EXPECT_EQ(first.Events, (std::vector<TProbe::Event>{{child, opInsert}}));
 
   second.InsertComponent(child);
-  EXPECT_EQ((std::tuple{child->GetOwner(), first.Events.back().Operation}), std::tuple(&second, opRemove));
+  EXPECT_EQ((std::tuple{child->GetOwner(), first.Events.back().second}), std::tuple(&second, opRemove));
 
   auto* named = new TComponent(&first);
   named->SetName(u"Dup");
