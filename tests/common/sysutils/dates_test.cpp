@@ -14,14 +14,12 @@ using namespace vn;
 
 namespace {
 
-struct Parts {
-  Word Y, M, D, H, N, S, MS;
-  bool operator==(const Parts&) const = default;
-};
+// Year, month, day, hour, minute, second, millisecond.
+using Parts = std::array<Word, 7>;
 
 Parts Decode(TDateTime AValue) {
   Parts p{};
-  DecodeDateTime(AValue, p.Y, p.M, p.D, p.H, p.N, p.S, p.MS);
+  DecodeDateTime(AValue, p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
   return p;
 }
 
@@ -71,9 +69,9 @@ TEST(DecodeDateTime, NegativeValuesCountTimeForward) {
 }
 
 TEST(DayOfWeek, SundayIsOne) {
-  EXPECT_EQ(DayOfWeek(0), 7);                             // 1899-12-30, a Saturday
-  EXPECT_EQ(DayOfWeek(EncodeDate(2024, 1, 1)), 2);        // Monday
-  EXPECT_EQ(DayOfWeek(EncodeDate(2023, 12, 31) + 0.9), 1);  // Sunday evening
+  // 1899-12-30 was a Saturday, 2024-01-01 a Monday; then a Sunday evening.
+  EXPECT_EQ((std::tuple{DayOfWeek(0), DayOfWeek(EncodeDate(2024, 1, 1)), DayOfWeek(EncodeDate(2023, 12, 31) + 0.9)}),
+            std::tuple(7, 2, 1));
 }
 
 TEST(IncDateTime, StepsAcrossTheOrigin) {

@@ -34,12 +34,11 @@ TEST(StrToInt, RefusedFormsRaiseThePlatformText) {
   const char16_t* bad[] = {u"",          u" ",     u"12 ",      u"1a",  u"$",  u"0x",      u"--1", u"+",
                            u"2147483648", u"-2147483649", u"$100000000", u"1.0", u"1e3", u"\t12", u"12\n"};
   for (const char16_t* text : bad) {
-    Integer v = 99;
-    EXPECT_FALSE(TryStrToInt(text, v)) << UnicodeToUtf8(text);
-    EXPECT_EQ(v, 99);
+    Integer v = 99;  // left alone
+    EXPECT_EQ((std::tuple{TryStrToInt(text, v), v}), std::tuple(false, 99)) << UnicodeToUtf8(text);
   }
-  EXPECT_EQ(ConvertErrorOf([] { StrToInt(u"12x"); }), Format(cRtlInvalidInteger, {u"12x"}));
-  EXPECT_EQ(StrToIntDef(u"nope", -7), -7);
+  EXPECT_EQ((std::tuple{ConvertErrorOf([] { StrToInt(u"12x"); }), StrToIntDef(u"nope", -7)}),
+            std::tuple(Format(cRtlInvalidInteger, {u"12x"}), -7));
 }
 
 TEST(StrToInt64, RangeAndHex) {
@@ -106,10 +105,8 @@ TEST(StrToFloat, AcceptedForms) {
 TEST(StrToFloat, RefusedForms) {
   const char16_t* bad[] = {u"", u" ", u".", u"e5", u"1e", u"1e+", u"1,5", u"1.2.3", u"0x10", u"1 2", u"--1", u"1e5000",
                            u"1e99999999999999999999", u"INFINITY", u"+-1"};
-  for (const char16_t* text : bad) {
-    Extended v = 42;
-    EXPECT_FALSE(TryStrToFloat(text, v)) << UnicodeToUtf8(text);
-  }
+  Extended v = 42;
+  for (const char16_t* text : bad) EXPECT_FALSE(TryStrToFloat(text, v)) << UnicodeToUtf8(text);
   Double d = 0;
   EXPECT_FALSE(TryStrToFloat(u"1e400", d));  // fits Extended, not Double
   EXPECT_EQ(ConvertErrorOf([] { StrToFloat(u"1,5"); }), Format(cRtlInvalidFloat, {u"1,5"}));
