@@ -25,11 +25,7 @@ UnicodeString DecodeExact(Word ACodePage, std::string_view ABytes) {
 }
 
 // Bytes in a code page and the text they stand for.
-struct Case {
-  Word CodePage;
-  std::string Bytes;
-  std::u16string Text;
-};
+using Case = std::tuple<Word, std::string, std::u16string>;
 
 TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
   const Case cases[] = {
@@ -44,14 +40,11 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
       {20127, "plain", u"plain"}, {932, "\x93\xFA\x96\x7B", u"\u65E5\u672C"},
       {936, "\xD6\xD0", u"\u4E2D"}, {20866, "\xE1\xC2", u"\u0410\u0431"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.CodePage);
-    const TVnEncoding* encoding = TVnEncoding::GetEncoding(c.CodePage);
-    EXPECT_EQ(encoding->GetCodePage(), c.CodePage);
-    EXPECT_EQ(DecodeExact(c.CodePage, c.Bytes), c.Text);
-    EXPECT_EQ(encoding->GetBytes(c.Text), c.Bytes);
-    EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes);
-    EXPECT_EQ(TVnEncoding::ConvertA(c.Bytes, c.CodePage), c.Text);
+  for (const auto& [codePage, bytes, text] : cases) {
+    const TVnEncoding* encoding = TVnEncoding::GetEncoding(codePage);
+    EXPECT_EQ((std::tuple{encoding->GetCodePage(), DecodeExact(codePage, bytes), encoding->GetBytes(text),
+                          TVnEncoding::ConvertW(text, codePage), TVnEncoding::ConvertA(bytes, codePage)}),
+              std::tuple(codePage, text, bytes, bytes, text));
   }
   // 0 is the 8-bit default; encodings are cached.
   EXPECT_EQ((std::tuple{TVnEncoding::GetEncoding(0), TVnEncoding::GetEncoding(1252)}),
@@ -69,7 +62,7 @@ TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {
       {1252, "a?b?c", u"a\u4E2Db\U0001F600c"}, {28591, "a?b?c", u"a\u0100b\U0001F600c"}, {20127, "?", u"\u00E9"},
       {932, "??", u"\u00E9\u0E01"}, {65001, "a\xEF\xBF\xBD", u"a\xD800"},
       {12000, std::string("\xFD\xFF\0\0a\0\0\0", 8), u"\xDC00" u"a"}};
-  for (const Case& c : cases) EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes) << c.CodePage;
+  for (const auto& [codePage, bytes, text] : cases) EXPECT_EQ(TVnEncoding::ConvertW(text, codePage), bytes) << codePage;
 }
 
 TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
@@ -92,10 +85,8 @@ TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
       {12001, std::string("\0\0\xD8\0", 4), u"\uFFFD"},  // a surrogate code point
       {932, "\x81", u"\uFFFD"},                     // a lead byte with nothing behind it
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.CodePage << " " << testing::PrintToString(c.Bytes));
-    EXPECT_EQ(DecodeExact(c.CodePage, c.Bytes), c.Text);
-  }
+  for (const auto& [codePage, bytes, text] : cases)
+    EXPECT_EQ(DecodeExact(codePage, bytes), text) << codePage << " " << testing::PrintToString(bytes);
   // Undefined bytes of a single-byte code page decode to something, never fail.
   EXPECT_EQ(DecodeExact(1252, "\x81").size(), 1u);
 }
