@@ -49,7 +49,7 @@ TEST(TRegEx, ExplicitCaptureAndNotEmptyShapeTheMatch) {
 
 // ---- UTF-16 ----
 
-TEST(TRegEx, SurrogatePairsAreOneCharacter) {
+TEST(TRegEx, SurrogatePairsAreOneCharacterLoneOnesNoFailure) {
   EXPECT_EQ((std::tuple{TRegEx::IsMatch(u"\U0001F600", u"^.$"), TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}")}),
             std::tuple(true, true));
   EXPECT_EQ(TRegEx::Replace(u"a\U0001F600b", u".", u"-"), u"---");
@@ -58,9 +58,8 @@ TEST(TRegEx, SurrogatePairsAreOneCharacter) {
   EXPECT_EQ(m.GetIndex(), 3);
   // Empty matches step over a whole pair, never into it.
   EXPECT_EQ(TRegEx::Replace(u"\U0001F600", u"x*", u"-"), u"-\U0001F600-");
-}
 
-TEST(TRegEx, LoneSurrogatesInTheInputDoNotFail) {
+  // Lone surrogates in the input do not fail.
   const std::u16string lone = u"a\xD800" u"b";
   EXPECT_EQ((std::tuple{TRegEx::IsMatch(lone, u"b"), TRegEx::IsMatch(u"\xDC00", u"x")}), std::tuple(true, false));
   EXPECT_EQ(TRegEx::Replace(lone, u"[ab]", u"x"), u"x\xD800x");
@@ -100,10 +99,11 @@ TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
   ASSERT_EQ(all.GetCount(), 4);
   for (Integer i = 0; i < all.GetCount(); ++i)
     EXPECT_EQ((std::tuple{all[i].GetIndex(), all[i].GetLength()}), std::tuple(i + 1, 0));
-  EXPECT_EQ(TRegEx::Matches(u"one two  three", u"\\w+")[2].GetValue(), u"three");
-  EXPECT_EQ(TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), 2);  // from a 1-based start position
-  EXPECT_TRUE(TRegEx(u"c").IsMatch(u"abc", 3));
-  EXPECT_FALSE(TRegEx(u"a").IsMatch(u"abc", 2));
+  // Matches and IsMatch from a 1-based start position.
+  EXPECT_EQ((std::tuple{TRegEx::Matches(u"one two  three", u"\\w+")[2].GetValue(),
+                        TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), TRegEx(u"c").IsMatch(u"abc", 3),
+                        TRegEx(u"a").IsMatch(u"abc", 2)}),
+            std::tuple(u"three", 2, true, false));
 }
 
 // ---- replacement ----
@@ -127,24 +127,22 @@ TEST(TRegEx, ReplacementReferences) {
 
 TEST(TRegEx, ReplaceWithCountAndEvaluator) {
   const TRegEx digits(u"\\d");
-  EXPECT_EQ(digits.Replace(u"1a2b3", u"#", 2), u"#a#b3");
-  EXPECT_EQ(digits.Replace(u"1a2b3", u"#"), u"#a#b#");
-  EXPECT_EQ(digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }),
-            u"11a22b33");
-  EXPECT_EQ(TRegEx(u"\\w+").Replace(u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1),
-            u"AB cd");
+  const std::pair<UnicodeString, const char16_t*> results[] = {
+      {digits.Replace(u"1a2b3", u"#", 2), u"#a#b3"}, {digits.Replace(u"1a2b3", u"#"), u"#a#b#"},
+      {digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }), u"11a22b33"},
+      {TRegEx(u"\\w+").Replace(u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1), u"AB cd"}};
+  for (const auto& [result, expected] : results) EXPECT_EQ(result, expected);
 }
 
 // ---- splitting ----
 
 TEST(TRegEx, SplitKeepsEmptyPieces) {
   using Pieces = std::vector<UnicodeString>;
-  EXPECT_EQ(TRegEx::Split(u"a,b,,c", u","), (Pieces{u"a", u"b", u"", u"c"}));
-  EXPECT_EQ(TRegEx::Split(u"abc", u"x"), (Pieces{u"abc"}));
-  EXPECT_EQ(TRegEx::Split(u"", u","), (Pieces{u""}));
-  EXPECT_EQ(TRegEx(u",").Split(u"a,b,c,d", 2), (Pieces{u"a", u"b,c,d"}));
-  EXPECT_EQ(TRegEx(u",").Split(u"a,b", 1), (Pieces{u"a,b"}));
-  EXPECT_EQ(TRegEx::Split(u"A1b2C", u"\\d", {roIgnoreCase}), (Pieces{u"A", u"b", u"C"}));
+  const std::pair<Pieces, Pieces> results[] = {
+      {TRegEx::Split(u"a,b,,c", u","), {u"a", u"b", u"", u"c"}}, {TRegEx::Split(u"abc", u"x"), {u"abc"}},
+      {TRegEx::Split(u"", u","), {u""}}, {TRegEx(u",").Split(u"a,b,c,d", 2), {u"a", u"b,c,d"}},
+      {TRegEx(u",").Split(u"a,b", 1), {u"a,b"}}, {TRegEx::Split(u"A1b2C", u"\\d", {roIgnoreCase}), {u"A", u"b", u"C"}}};
+  for (size_t i = 0; i < std::size(results); ++i) EXPECT_EQ(results[i].first, results[i].second) << i;
 }
 
 // ---- failures ----
