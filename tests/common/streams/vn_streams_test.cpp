@@ -1,7 +1,6 @@
 // TVnMemoryStream views, TVnStringStream text in its code page, and the UTF-8 adapter's carries.
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <tuple>
 
@@ -33,36 +32,30 @@ TEST(VnMemoryStream, ViewsCallerMemoryWithoutCopyAndRefusesWrites) {
   EXPECT_EQ((std::tuple{std::string(buf, 3), view.Write("x", 1)}), std::tuple("vie", 0));
   EXPECT_EQ(test::MessageOf<EWriteError>([&] { view.WriteBuffer("x", 1); }), u"Stream write error");
   EXPECT_THROW(view.SetSize(3), EStreamError);
-  EXPECT_EQ(std::string(block), "<a>view</a>");
+  EXPECT_EQ(std::string(block), "<a>view</a>");  // untouched
   // Clear drops the view; the stream then owns and grows its own block.
   view.Clear();
   view.WriteBuffer("ok", 2);
   EXPECT_EQ(ReadAll(view), "ok");
-
-  TVnMemoryStream sized(1024);
-  EXPECT_EQ(sized.GetCapacity(), 1024);
+  EXPECT_EQ(TVnMemoryStream(1024).GetCapacity(), 1024);
 }
 
 TEST(VnStringStream, AddStoresTextInItsCodePage) {
   const std::u16string text = u"a<\u00E9>\u20AC\U0001F600";
-  struct Case {
-    Word CodePage;
-    std::string Bytes;
-  };
-  const Case cases[] = {
+  const std::pair<Word, std::string> cases[] = {
       {1200, Utf16Bytes(text)}, {65001, UnicodeToUtf8(text)},
       {0, UnicodeToUtf8(text)},  // the 8-bit default is UTF-8
       {1252, "a<\xE9>\x80?"},    // the emoji has no place in windows-1252
       {28591, "a<\xE9>??"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.CodePage);
-    TVnStringStream s(c.CodePage);
+  for (const auto& [codePage, bytes] : cases) {
+    SCOPED_TRACE(codePage);
+    TVnStringStream s(codePage);
     s.Add(text.substr(0, 2));
     s.AddChar(text[2]);
     s.Add(text.substr(3));
-    EXPECT_EQ((std::tuple{s.GetBytesView(), s.GetPosition()}), std::tuple(c.Bytes, static_cast<Int64>(c.Bytes.size())));
-    if (c.CodePage == 1200 || c.CodePage == 65001 || c.CodePage == 0) {
+    EXPECT_EQ((std::tuple{s.GetBytesView(), s.GetPosition()}), std::tuple(bytes, static_cast<Int64>(bytes.size())));
+    if (codePage == 1200 || codePage == 65001 || codePage == 0) {
       EXPECT_EQ((std::tuple{s.GetWString(), s.GetAsUTF8(), s.StringData(1200)}),
                 std::tuple(text, UnicodeToUtf8(text), Utf16Bytes(text)));
     }
