@@ -111,10 +111,9 @@ TEST(VariantArithmetic, ResultKinds) {
       {!Variant(true), varBoolean, false}, {!Variant(0), varInteger, -1},
       {!Variant(u"False"), varBoolean, true}, {!Variant(u"5"), varInteger, -6},
   };
-  size_t row = 0;
-  for (const auto& [result, type, value] : rows) {
-    SCOPED_TRACE(row++);
-    ExpectVariant(result, type, value);
+  for (size_t i = 0; i < std::size(rows); ++i) {
+    SCOPED_TRACE(i);
+    std::apply(ExpectVariant, rows[i]);
   }
 }
 
