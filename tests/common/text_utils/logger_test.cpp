@@ -1,9 +1,7 @@
 // Named loggers: identity by name, level filtering, and the replaceable sink.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <mutex>
-#include <string>
 #include <thread>
 #include <tuple>
 #include <vector>
