@@ -102,8 +102,7 @@ TEST(SerializerFrame, CreateTakesTheRightInstance) {
   set.Create(&fruits, TypeInfoOf<TFruits>());
   EXPECT_EQ((std::tuple{set.GetValue().AsOrdinal(), set.GetInstancePtr()}),
             std::tuple(2, set.GetValue().GetReferenceToRawData()));
-  TProbe p;
-  EXPECT_EQ(test::MessageOf<Exception>([&] { p.Create(TValue::From(IPtr<IInterface>())); }),
+  EXPECT_EQ(test::MessageOf<Exception>([] { TProbe().Create(TValue::From(IPtr<IInterface>())); }),
             Format(cVnValueCannotBeSerialized, {u"tkInterface"}));
 }
 
