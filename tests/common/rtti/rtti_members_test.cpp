@@ -41,6 +41,7 @@ class RttiMembers : public testing::Test {
  protected:
   TShop shop;
   TRttiType* type = TRttiContext::GetType(TShop::StaticClass());
+  TRttiType* itemType = TRttiContext::GetType(TItem::StaticClass());
 };
 using RttiMethods = RttiMembers;
 
@@ -79,16 +80,16 @@ TEST(RttiTypes, BuiltinsAreDistinctNamedTypes) {
 }
 
 TEST_F(RttiMembers, OwnFirstThenInheritedNamesMayRepeat) {
-  TRttiType* item = TypeOfName(u"uShop.TItem");
-  EXPECT_EQ(Names(item->GetProperties()), (V{u"Name", u"Price", u"Color", u"Name"}));
-  EXPECT_EQ(Names(item->GetFields()), V{u"Tag"});
+  EXPECT_EQ(Names(itemType->GetProperties()), (V{u"Name", u"Price", u"Color", u"Name"}));
+  EXPECT_EQ(Names(itemType->GetFields()), V{u"Tag"});
   // The derived Name wins a lookup, whatever the case.
-  TRttiProperty* name = item->GetProperty(u"NAME");
+  TRttiProperty* name = itemType->GetProperty(u"NAME");
   ASSERT_NE(name, nullptr);
-  EXPECT_EQ((std::tuple{name->Parent(), name->IsWritable(), item->GetField(u"tag")->Parent()}),
-            std::tuple(item, false, TypeOfName(u"uShop.TNamed")));
+  EXPECT_EQ((std::tuple{name->Parent(), name->IsWritable(), itemType->GetField(u"tag")->Parent()}),
+            std::tuple(itemType, false, TypeOfName(u"uShop.TNamed")));
   // Price is a property, not a field.
-  EXPECT_EQ((std::tuple{item->GetField(u"Price"), item->GetIndexedProperty(u"Items")}), std::tuple(nullptr, nullptr));
+  EXPECT_EQ((std::tuple{itemType->GetField(u"Price"), itemType->GetIndexedProperty(u"Items")}),
+            std::tuple(nullptr, nullptr));
 }
 
 TEST_F(RttiMembers, VisibilityIsOrdered) {
@@ -99,10 +100,9 @@ TEST_F(RttiMembers, VisibilityIsOrdered) {
 }
 
 TEST_F(RttiMembers, AttributesInDeclaredOrder) {
-  TRttiType* item = TypeOfName(u"uShop.TItem");
   // The last is on an enumeration type.
-  EXPECT_EQ((std::tuple{Hints(item->GetProperty(u"Name")), Hints(item->GetField(u"Tag")),
-                        Hints(item->GetProperty(u"Price")), Hints(TypeOfName(u"uShop.TShop")),
+  EXPECT_EQ((std::tuple{Hints(itemType->GetProperty(u"Name")), Hints(itemType->GetField(u"Tag")),
+                        Hints(itemType->GetProperty(u"Price")), Hints(TypeOfName(u"uShop.TShop")),
                         Hints(TypeInfoOf<TColor>()->RttiType)}),
             std::tuple(V{u"first", u"second"}, V{u"tag"}, V{}, V{u"shop"}, V{u"cl"}));
 }
@@ -209,8 +209,7 @@ TEST_F(RttiMembers, ElementMetaclassAndHandle) {
   EXPECT_EQ((std::tuple{colors->TypeKind(), colors->QualifiedName(), colors->GetElementType()->GetHandle()}),
             std::tuple(tkSet, u"uShop.TColors", TypeInfoOf<TColor>()));
   TRttiType* itemClass = TRttiContext::GetType(TypeInfoOf<TClassRef<TItem>>());
-  EXPECT_EQ((std::tuple{itemClass->TypeKind(), itemClass->GetMetaclassType(),
-                        TypeOfName(u"uShop.TItem")->GetElementType()}),
+  EXPECT_EQ((std::tuple{itemClass->TypeKind(), itemClass->GetMetaclassType(), itemType->GetElementType()}),
             std::tuple(tkClassRef, TItem::StaticClass(), nullptr));
 }
 
@@ -232,7 +231,7 @@ TEST_F(RttiMethods, ParametersAndInvoke) {
   TRttiMethod* add = type->GetMethod(u"add");
   ASSERT_EQ(add->GetParameters().size(), 1u);
   EXPECT_EQ((std::tuple{add->GetParameters()[0]->Name(), add->GetParameters()[0]->ParamType(), add->ReturnType()}),
-            std::tuple(u"AItem", TypeOfName(u"uShop.TItem"), TRttiContext::GetType(TypeInfoOf<Integer>())));
+            std::tuple(u"AItem", itemType, TRttiContext::GetType(TypeInfoOf<Integer>())));
   auto* item = new TItem;
   item->FPrice = 2.5;
   EXPECT_EQ((std::tuple{add->Invoke(&shop, {TValue::From(item)}).AsInteger(), shop.GetCount()}), std::tuple(0, 1));
@@ -255,7 +254,7 @@ TEST_F(RttiMethods, Constructors) {
   EXPECT_EQ(static_cast<TShop*>(made.get())->GetName(), u"New");
 
   // Without a constructor of its own a class finds TObject's, which builds the class asked for.
-  TRttiMethod* inherited = TypeOfName(u"uShop.TItem")->GetMethod(u"Create");
+  TRttiMethod* inherited = itemType->GetMethod(u"Create");
   ASSERT_NE(inherited, nullptr);
   EXPECT_TRUE(inherited->GetParameters().empty());
   std::unique_ptr<TObject> item(inherited->Invoke(TSpecialItem::StaticClass(), {}).AsObject());
