@@ -23,12 +23,11 @@ TEST(VnGetCodePage, PassesTheMarkOrLeavesTheStreamAlone) {
       {"\xFF", 0, 0}, {"", 0, 0},
   };
   for (const auto& [bytes, codePage, after] : cases) {
-    SCOPED_TRACE(bytes.size());
     // Prefixed so that the detection is seen to work from the current position.
     const std::string data = "xx" + bytes;
     TVnMemoryStream s(data.data(), static_cast<Int64>(data.size()));
     s.SetPosition(2);
-    EXPECT_EQ((std::tuple{VnGetCodePage(&s), s.GetPosition()}), std::tuple(codePage, 2 + after));
+    EXPECT_EQ((std::tuple{VnGetCodePage(&s), s.GetPosition()}), std::tuple(codePage, 2 + after)) << bytes.size();
   }
 }
 
