@@ -1,8 +1,11 @@
 // TVnMemoryStream views, TVnStringStream text in its code page, and the UTF-8 adapter's carries.
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include "common/message_of.h"
 #include "vnxml/common/utf.h"
@@ -110,50 +113,42 @@ TEST(VnStringStream, ManySmallAddsAndOverwrites) {
   EXPECT_EQ(s16.GetWString(), std::u16string(u"ab\0z", 4));
 }
 
+// What an adapter over a memory stream writes when given ABytes in pieces cut at ACuts, and its
+// position after the last piece.
+std::pair<std::string, Int64> ThroughAdapter(std::string_view ABytes, std::vector<size_t> ACuts, bool ABOM = false) {
+  TMemoryStream target;
+  Int64 position = 0;
+  {
+    TVnUTF8StreamAdapter adapter(&target, ABOM);
+    ACuts.push_back(ABytes.size());
+    for (size_t from = 0; size_t to : ACuts) {
+      adapter.WriteBuffer(ABytes.data() + from, static_cast<Int64>(to - from));
+      from = to;
+    }
+    position = adapter.GetPosition();
+  }
+  return {ReadAll(target), position};
+}
+
 TEST(VnUTF8StreamAdapter, WritesUtf8WhateverTheSplitOfWrites) {
   const std::u16string text = u"x\u00E9\u20AC\U0001F600y\U00010348";
   const std::string bytes = Utf16Bytes(text);
   // Every split point, odd ones and those between the halves of a surrogate pair included.
-  for (size_t cut = 0; cut <= bytes.size(); ++cut) {
-    SCOPED_TRACE(cut);
-    TMemoryStream target;
-    {
-      TVnUTF8StreamAdapter adapter(&target);
-      adapter.WriteBuffer(bytes.data(), static_cast<Int64>(cut));
-      adapter.WriteBuffer(bytes.data() + cut, static_cast<Int64>(bytes.size() - cut));
-      EXPECT_EQ(adapter.GetPosition(), static_cast<Int64>(bytes.size()));
-    }
-    EXPECT_EQ(ReadAll(target), UnicodeToUtf8(text));
-  }
+  for (size_t cut = 0; cut <= bytes.size(); ++cut)
+    EXPECT_EQ(ThroughAdapter(bytes, {cut}), std::pair(UnicodeToUtf8(text), static_cast<Int64>(bytes.size()))) << cut;
   // One byte at a time.
-  TMemoryStream target;
-  {
-    TVnUTF8StreamAdapter adapter(&target, true);
-    for (char b : bytes) adapter.WriteBuffer(&b, 1);
-  }
-  EXPECT_EQ(ReadAll(target), "\xEF\xBB\xBF" + UnicodeToUtf8(text));
+  std::vector<size_t> everyByte(bytes.size() - 1);
+  std::iota(everyByte.begin(), everyByte.end(), 1);
+  EXPECT_EQ(ThroughAdapter(bytes, everyByte, true).first, "\xEF\xBB\xBF" + UnicodeToUtf8(text));
 }
 
 TEST(VnUTF8StreamAdapter, BrokenTextBecomesReplacementCharacters) {
   const std::u16string text = u"a\xD800" u"b\xDC00\xD801";  // lone high, lone low, high at the end
-  TMemoryStream target;
-  {
-    TVnUTF8StreamAdapter adapter(&target);
-    adapter.WriteBuffer(text.data(), static_cast<Int64>(text.size() * 2));
-    adapter.WriteBuffer("c", 1);  // half a unit left over
-  }
-  EXPECT_EQ(ReadAll(target), "a\xEF\xBF\xBD" "b\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
-
+  // Then half a unit left over.
+  EXPECT_EQ(ThroughAdapter(Utf16Bytes(text) + "c", {text.size() * 2}).first,
+            "a\xEF\xBF\xBD" "b\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
   // Two high surrogates in a row: only the first is lone.
-  TMemoryStream second;
-  {
-    TVnUTF8StreamAdapter adapter(&second);
-    const std::u16string units = u"\xD800\xD83D\xDE00";
-    const std::string raw = Utf16Bytes(units);
-    adapter.WriteBuffer(raw.data(), 2);
-    adapter.WriteBuffer(raw.data() + 2, 4);
-  }
-  EXPECT_EQ(ReadAll(second), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
+  EXPECT_EQ(ThroughAdapter(Utf16Bytes(u"\xD800\xD83D\xDE00"), {2}).first, "\xEF\xBF\xBD\xF0\x9F\x98\x80");
 }
 
 TEST(VnUTF8StreamAdapter, ReadsUtf8AsUtf16InAnyChunkSize) {
