@@ -50,19 +50,16 @@ TEST(TRegEx, ExplicitCaptureAndNotEmptyShapeTheMatch) {
 // ---- UTF-16 ----
 
 TEST(TRegEx, SurrogatePairsAreOneCharacterLoneOnesNoFailure) {
-  EXPECT_EQ((std::tuple{TRegEx::IsMatch(u"\U0001F600", u"^.$"), TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}")}),
-            std::tuple(true, true));
-  EXPECT_EQ(TRegEx::Replace(u"a\U0001F600b", u".", u"-"), u"---");
-  // Positions and lengths count code units.
-  const TMatch m = TRegEx::Match(u"\U0001F600bc", u"b.");
-  EXPECT_EQ(m.GetIndex(), 3);
-  // Empty matches step over a whole pair, never into it.
-  EXPECT_EQ(TRegEx::Replace(u"\U0001F600", u"x*", u"-"), u"-\U0001F600-");
-
-  // Lone surrogates in the input do not fail.
+  // Positions count code units (the third); lone surrogates in the input do not fail (the last two).
   const std::u16string lone = u"a\xD800" u"b";
-  EXPECT_EQ((std::tuple{TRegEx::IsMatch(lone, u"b"), TRegEx::IsMatch(u"\xDC00", u"x")}), std::tuple(true, false));
-  EXPECT_EQ(TRegEx::Replace(lone, u"[ab]", u"x"), u"x\xD800x");
+  EXPECT_EQ((std::tuple{TRegEx::IsMatch(u"\U0001F600", u"^.$"), TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}"),
+                        TRegEx::Match(u"\U0001F600bc", u"b.").GetIndex(), TRegEx::IsMatch(lone, u"b"),
+                        TRegEx::IsMatch(u"\xDC00", u"x")}),
+            std::tuple(true, true, 3, true, false));
+  // Empty matches step over a whole pair, never into it.
+  EXPECT_EQ((std::tuple{TRegEx::Replace(u"a\U0001F600b", u".", u"-"), TRegEx::Replace(u"\U0001F600", u"x*", u"-"),
+                        TRegEx::Replace(lone, u"[ab]", u"x")}),
+            std::tuple(u"---", u"-\U0001F600-", u"x\xD800x"));
 }
 
 // ---- matches and groups ----
@@ -86,15 +83,14 @@ TEST(TRegEx, MatchReportsPositionValueAndGroups) {
             std::tuple(false, 0, u"", false));
 }
 
-TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
+TEST(TRegEx, NextMatchAndMatchesWalkTheInput) {
   // The input is a temporary: the match keeps its own copy of it.
   TMatch m = TRegEx(u"\\d+").Match(std::u16string(u"a1b22c333"));
   std::vector<std::u16string> found;
   for (; m.GetSuccess(); m = m.NextMatch()) found.push_back(m.GetValue());
   EXPECT_EQ(found, (std::vector<std::u16string>{u"1", u"22", u"333"}));
-}
 
-TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
+  // Matches include empty ones, once per position.
   const TMatchCollection all = TRegEx(u"x*").Matches(u"abc");
   ASSERT_EQ(all.GetCount(), 4);
   for (Integer i = 0; i < all.GetCount(); ++i)
@@ -147,16 +143,15 @@ TEST(TRegEx, SplitKeepsEmptyPieces) {
 
 // ---- failures ----
 
-TEST(TRegEx, BadPatternsRaiseWithPcresMessage) {
+TEST(TRegEx, BadPatternsMisuseAndRunawayBacktrackingRaise) {
   for (std::u16string_view bad : {u"(", u"[a", u"a{2,1}", u"\\", u"(?<n>a)(?<n>b)", u"\xD800"}) {
     const UnicodeString message = test::MessageOf<ERegularExpressionError>([&] { TRegEx::IsMatch(u"a", bad); });
     EXPECT_EQ(message.rfind(u"Error in regular expression at offset ", 0), 0u) << Narrow(bad) << Narrow(message);
   }
   EXPECT_EQ(test::MessageOf<ERegularExpressionError>([] { TRegEx(u"ab(c"); }),
             u"Error in regular expression at offset 4: missing closing parenthesis");
-}
 
-TEST(TRegEx, MisuseAndRunawayBacktrackingRaiseInsteadOfCrashing) {
+  // Misuse raises instead of crashing.
   const TRegEx none{}, any(u"(a)");
   EXPECT_FALSE(any.IsMatch(u"abc", 4));  // just behind the end is a valid start
   const TMatch m = any.Match(u"a");
