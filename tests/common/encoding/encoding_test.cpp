@@ -27,7 +27,7 @@ UnicodeString DecodeExact(Word ACodePage, std::string_view ABytes) {
 // Bytes in a code page and the text they stand for.
 using Case = std::tuple<Word, std::string, std::u16string>;
 
-TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
+TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharactersOthersAsQuestionMarks) {
   const Case cases[] = {
       {65001, "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"a\u00E9\u20AC\U0001F600"},
       {1200, std::string("a\0\xAC\x20=\xD8\0\xDE", 8), u"a\u20AC\U0001F600"},
@@ -54,15 +54,14 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
   // An unknown code page raises, and again: failures aren't cached.
   EXPECT_EQ(test::MessageOf<EVnException>([] { TVnEncoding::GetEncoding(4); }), u"Unsupported code page 4");
   EXPECT_EQ(test::CodeOf<EVnException>([] { TVnEncoding::ConvertA("x", 4); }), cVnErrUnknownEncoding);
-}
 
-TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {
-  // Lone surrogates can't be encoded as Unicode either.
-  const Case cases[] = {
+  // Unrepresentable characters become question marks; lone surrogates can't be encoded as Unicode either.
+  const Case unrepresentable[] = {
       {1252, "a?b?c", u"a\u4E2Db\U0001F600c"}, {28591, "a?b?c", u"a\u0100b\U0001F600c"}, {20127, "?", u"\u00E9"},
       {932, "??", u"\u00E9\u0E01"}, {65001, "a\xEF\xBF\xBD", u"a\xD800"},
       {12000, std::string("\xFD\xFF\0\0a\0\0\0", 8), u"\xDC00" u"a"}};
-  for (const auto& [codePage, bytes, text] : cases) EXPECT_EQ(TVnEncoding::ConvertW(text, codePage), bytes) << codePage;
+  for (const auto& [codePage, bytes, text] : unrepresentable)
+    EXPECT_EQ(TVnEncoding::ConvertW(text, codePage), bytes) << codePage;
 }
 
 TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
