@@ -78,7 +78,7 @@ TEST(TList, IndexErrorsCarryTheIndex) {
   EXPECT_EQ(list.GetCount(), 2);
 }
 
-TEST(TObjectList, OwnedItemsAreFreedUnlessExtracted) {
+TEST(TObjectList, OwnedItemsAreFreedUnlessExtractedOthersLeftAlone) {
   int freed = 0;
   auto* list = new TObjectList();
   TTracked* b = nullptr;
@@ -93,18 +93,18 @@ TEST(TObjectList, OwnedItemsAreFreedUnlessExtracted) {
   EXPECT_EQ(freed, 3);
   delete b;
   EXPECT_EQ(freed, 4);
-}
 
-TEST(TObjectList, NotOwningLeavesItemsAlone) {
-  int freed = 0;
-  TTracked a(&freed), b(&freed);
+  // Not owning leaves items alone.
+  int alone = 0;
+  TTracked first(&alone), second(&alone);
   {
-    TObjectList list(false);
-    for (TTracked* t : {&a, &b}) list.Add(t);
-    list.Remove(&a);
-    EXPECT_EQ((std::tuple{list.FindInstanceOf(TTracked::StaticClass()), list.FindInstanceOf(TObject::StaticClass()),
-                          list.FindInstanceOf(TObject::StaticClass(), false)}),
+    TObjectList borrowed(false);
+    for (TTracked* t : {&first, &second}) borrowed.Add(t);
+    borrowed.Remove(&first);
+    EXPECT_EQ((std::tuple{borrowed.FindInstanceOf(TTracked::StaticClass()),
+                          borrowed.FindInstanceOf(TObject::StaticClass()),
+                          borrowed.FindInstanceOf(TObject::StaticClass(), false)}),
               std::tuple(0, -1, 0));
   }
-  EXPECT_EQ(freed, 0);
+  EXPECT_EQ(alone, 0);
 }

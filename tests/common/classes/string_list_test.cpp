@@ -128,7 +128,7 @@ TEST(TStrings, TextSplitsOnAnyLineEnd) {
   EXPECT_EQ(list.GetText(), u"");
 }
 
-TEST(TStrings, CommaTextQuotesWhatNeedsItAndReadsAsThePlatformDoes) {
+TEST(TStrings, CommaTextQuotesWhatNeedsItDelimitedTextMayBeStrict) {
   TStringList list;
   for (const char16_t* s : {u"a b", u"c", u"", u"d\"e", u"f,g", u"h\ti"}) list.Add(s);
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\",\"f,g\",\"h\ti\"");
@@ -152,17 +152,15 @@ TEST(TStrings, CommaTextQuotesWhatNeedsItAndReadsAsThePlatformDoes) {
   }
   list.SetCommaText(u"\"a b\",c,,\"d\"\"e\"");
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\"");
-}
 
-TEST(TStrings, DelimitedTextWithStrictDelimiter) {
-  TStringList list;
-  list.SetDelimiter(u';');
-  list.SetQuoteChar(u'\'');
-  list.SetStrictDelimiter(true);
-  list.SetDelimitedText(u" a b ;'c;d';;e");
-  EXPECT_EQ(Lines(list), (L{u" a b ", u"c;d", u"", u"e"}));
+  TStringList strict;
+  strict.SetDelimiter(u';');
+  strict.SetQuoteChar(u'\'');
+  strict.SetStrictDelimiter(true);
+  strict.SetDelimitedText(u" a b ;'c;d';;e");
+  EXPECT_EQ(Lines(strict), (L{u" a b ", u"c;d", u"", u"e"}));
   // Blanks need no quotes when strict; the comma form keeps its own rules.
-  EXPECT_EQ((std::tuple{list.GetDelimitedText(), list.GetCommaText()}),
+  EXPECT_EQ((std::tuple{strict.GetDelimitedText(), strict.GetCommaText()}),
             std::tuple(u" a b ;'c;d';;e", u"\" a b \",c;d,,e"));
 }
 
