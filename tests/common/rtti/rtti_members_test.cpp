@@ -275,7 +275,7 @@ TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
   EXPECT_EQ(GetClass(u"TItem"), nullptr);
 }
 
-TEST(RttiClasses, PlatformClassesAreRegistered) {
+TEST(RttiClasses, PlatformAndSelfReferencingClassesAreRegistered) {
   TRttiType* component = TypeOfName(u"System.Classes.TComponent");
 
   TComponent owner;
@@ -286,9 +286,8 @@ TEST(RttiClasses, PlatformClassesAreRegistered) {
   EXPECT_EQ(child->GetOwner(), &owner);  // the owner frees it
   component->GetProperty(u"Tag")->SetValue(child, TValue::From<Integer>(5));
   EXPECT_EQ(child->GetTag(), 5);
-}
 
-TEST(RttiClasses, SelfReferenceRegisters) {
+  // A class with members of its own type.
   TRttiType* node = TypeOfName(u"uTree.TNode");
   EXPECT_EQ(node->GetField(u"Next")->FieldType(), node);
   EXPECT_EQ(node->GetField(u"Children")->FieldType()->GetElementType(), node);
