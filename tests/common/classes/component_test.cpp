@@ -84,9 +84,7 @@ TEST(TComponent, OwnerFreesOwnedComponentsLastFirst) {
   new TProbe(a, &freed);  // a grandchild goes with its parent
   EXPECT_EQ((std::tuple{owner->GetComponentCount(), owner->GetComponents(1), b->GetComponentIndex()}),
             std::tuple(2, b, 1));
-  std::vector<TComponent*> seen;
-  for (TComponent* c : *owner) seen.push_back(c);
-  EXPECT_EQ(seen, (std::vector<TComponent*>{a, b}));
+  EXPECT_EQ(std::vector<TComponent*>(owner->begin(), owner->end()), (std::vector<TComponent*>{a, b}));
 
   delete b;  // leaves its owner on the way out
   EXPECT_EQ((std::tuple{owner->GetComponentCount(), freed}), std::tuple(1, 1));
@@ -120,8 +118,7 @@ TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
   second.InsertComponent(child);
   EXPECT_EQ((std::tuple{child->GetOwner(), first.Events.back().second}), std::tuple(&second, opRemove));
 
-  auto* named = new TComponent(&first);
-  named->SetName(u"Dup");
+  (new TComponent(&first))->SetName(u"Dup");
   child->SetName(u"Dup");
   EXPECT_THROW(first.InsertComponent(child), EComponentError);  // the name is taken there
   EXPECT_EQ(child->GetOwner(), &second);
