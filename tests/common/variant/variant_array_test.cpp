@@ -139,8 +139,7 @@ TEST(VariantArray, BadCreationAndNonArrays) {
   const std::string invalid = test::U8(cRtlVarInvalidArg);
   ExpectRaise<EVariantInvalidArgError>([] { (void)VarArrayLowBound(Variant(1), 1); }, invalid);
   ExpectRaise<EVariantInvalidArgError>([] { (void)Variant(u"ab").GetItem(0); }, invalid);
-  Variant text(u"ab");
-  ExpectRaise<EVariantInvalidArgError>([&] { VarArrayRedim(text, 3); }, invalid);
+  ExpectRaise<EVariantInvalidArgError>([] { Variant text(u"ab"); VarArrayRedim(text, 3); }, invalid);
   ExpectCast([] { (void)VarArrayOf({1}).AsString(); }, u"Array Variant", u"UnicodeString");
 }
 
