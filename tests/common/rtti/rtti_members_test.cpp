@@ -167,8 +167,7 @@ TEST_F(RttiMembers, RecordsAtAnAddress) {
 
   // A record member of an object: its address inside the object takes writes.
   TRttiField* field = type->GetField(u"Address");
-  void* inside = field->GetAddress(&shop);
-  address->GetField(u"Street")->SetValue(inside, TValue::From(UnicodeString(u"Quay")));
+  address->GetField(u"Street")->SetValue(field->GetAddress(&shop), TValue::From(UnicodeString(u"Quay")));
   EXPECT_EQ(shop.FAddress.Street, u"Quay");
   // A read gives a copy, written back as a whole.
   TValue copy = field->GetValue(&shop);
