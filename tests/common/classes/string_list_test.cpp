@@ -32,8 +32,7 @@ UnicodeString StringListErrorOf(const std::function<void()>& AFunc) {
 
 TEST(TStringList, LinesObjectsAndIndexErrors) {
   TStringList list;
-  int dummy = 0;
-  TTracked object(&dummy);
+  TTracked object;
   EXPECT_EQ((std::tuple{list.Add(u"one"), list.AddObject(u"two", &object)}), std::tuple(0, 1));
   list.Insert(0, u"zero");
   EXPECT_EQ(Lines(list), (L{u"zero", u"one", u"two"}));
@@ -181,8 +180,7 @@ TEST(TStringList, OwnedObjectsAreFreedWithTheirLines) {
 }
 
 TEST(TStringList, AssignCopiesLinesObjectsAndSettings) {
-  int dummy = 0;
-  TTracked object(&dummy);
+  TTracked object;
   TStringList source(dupAccept, true, true);
   source.SetDelimiter(u';');
   source.AddObject(u"b", &object);
