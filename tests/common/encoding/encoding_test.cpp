@@ -127,8 +127,7 @@ TEST(VnEncoding, Utf8RoundTripsEveryCodePoint) {
     }
   }
   const RawByteString utf8 = TVnEncoding::UTF8()->GetBytes(text);
-  EXPECT_EQ(utf8, UnicodeToUtf8(text));
-  EXPECT_EQ(DecodeExact(65001, utf8), text);
+  EXPECT_EQ((std::tuple{utf8, DecodeExact(65001, utf8)}), std::tuple(UnicodeToUtf8(text), text));
   // ASCII whose length is a multiple of the encoder's block once read one unit past its end.
   for (size_t n : {8u, 16u, 24u, 40u}) {
     std::unique_ptr<char16_t[]> block(new char16_t[n]);
