@@ -31,8 +31,7 @@ UnicodeString ListErrorOf(const std::function<void()>& AFunc) { return test::Mes
 TEST(TList, NotifiesNonNilItemsThatComeAndGo) {
   int a = 0, b = 0, c = 0;
   TRecordingList list;
-  EXPECT_EQ(list.Add(&a), 0);
-  EXPECT_EQ(list.Add(nullptr), 1);  // nil is stored but not told
+  EXPECT_EQ((std::tuple{list.Add(&a), list.Add(nullptr)}), std::tuple(0, 1));  // nil is stored but not told
   list.Insert(0, &b);
   list.SetItem(2, &c);            // replaces nil: only the newcomer is told
   // Remove leaves [b, c]; c is extracted once.
