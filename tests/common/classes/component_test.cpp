@@ -40,7 +40,8 @@ class TProbe : public TComponent {
 class TPoint2 : public TPersistent {
   VN_DECLARE_CLASS(TPoint2, TPersistent)
  public:
-  int X = 0, Y = 0;
+  explicit TPoint2(int AX = 0, int AY = 0) : X(AX), Y(AY) {}
+  int X, Y;
 
  protected:
   void AssignTo(TPersistent* ADest) const override {
@@ -59,9 +60,7 @@ using test::MessageOf;
 }  // namespace
 
 TEST(TPersistent, AssignFallsBackToAssignToThenFails) {
-  TPoint2 point;
-  point.X = 3;
-  point.Y = -4;
+  TPoint2 point(3, -4);
   TStringList list;
   list.Assign(&point);
   EXPECT_EQ(list.GetText(), u"X=3\r\nY=-4\r\n");
