@@ -88,11 +88,10 @@ TEST(Clock, NowIsLocalTime) {
   const std::time_t t = std::time(nullptr);
   std::tm local{};
   localtime_r(&t, &local);
-  const TDateTime now = Now();
   auto w = [](int APart) { return static_cast<Word>(APart); };
   const TDateTime expected = EncodeDateTime(w(local.tm_year + 1900), w(local.tm_mon + 1), w(local.tm_mday),
                                             w(local.tm_hour), w(local.tm_min), w(local.tm_sec), 0);
-  EXPECT_NEAR(now, expected, 5.0 / 86400);
+  EXPECT_NEAR(Now(), expected, 5.0 / 86400);
   EXPECT_EQ(Date(), std::trunc(Date()));
   EXPECT_LT(Time(), 1.0);
 }
