@@ -43,7 +43,7 @@ TEST(VnMemoryStream, ViewsCallerMemoryWithoutCopyAndRefusesWrites) {
   EXPECT_EQ(TVnMemoryStream(1024).GetCapacity(), 1024);
 }
 
-TEST(VnStringStream, AddStoresTextInItsCodePage) {
+TEST(VnStringStream, AddStoresTextInItsCodePageConstructorsConvert) {
   const std::u16string text = u"a<\u00E9>\u20AC\U0001F600";
   const std::pair<Word, std::string> cases[] = {
       {1200, Utf16Bytes(text)}, {65001, UnicodeToUtf8(text)},
@@ -63,9 +63,7 @@ TEST(VnStringStream, AddStoresTextInItsCodePage) {
                 std::tuple(text, UnicodeToUtf8(text), Utf16Bytes(text)));
     }
   }
-}
 
-TEST(VnStringStream, ConstructorsAndConversions) {
   TVnStringStream wide(u"<r>\u00E9</r>");
   // At the start, ready to be parsed.
   EXPECT_EQ((std::tuple{wide.GetPosition(), wide.GetWString(), wide.GetAString(), wide.StringData(28591)}),
