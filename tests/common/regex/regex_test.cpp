@@ -20,7 +20,7 @@ std::string Narrow(std::u16string_view AText) { return std::string(AText.begin()
 
 // ---- options ----
 
-TEST(TRegEx, OptionsChangeWhatMatches) {
+TEST(TRegEx, OptionsChangeWhatMatchesAndShapeTheMatch) {
   // Pattern, options, input, whether it matches.
   const std::tuple<std::u16string_view, TRegExOptions, std::u16string_view, bool> cases[] = {
       {u"b", {}, u"ABC", false}, {u"b", {roIgnoreCase}, u"ABC", true}, {u"^b$", {}, u"a\nb", false},
@@ -33,9 +33,8 @@ TEST(TRegEx, OptionsChangeWhatMatches) {
   };
   for (const auto& [pattern, options, input, expected] : cases)
     EXPECT_EQ(TRegEx::IsMatch(input, pattern, options), expected) << Narrow(pattern);
-}
 
-TEST(TRegEx, ExplicitCaptureAndNotEmptyShapeTheMatch) {
+  // Explicit capture and not-empty shape the match.
   const std::u16string pattern = u"(a)(?<n>b)(c)";
   EXPECT_EQ(TRegEx(pattern).Match(u"abc").GetGroups().GetCount(), 4);
   const TMatch explicitOnly = TRegEx(pattern, {roExplicitCapture}).Match(u"abc");
@@ -104,7 +103,7 @@ TEST(TRegEx, NextMatchAndMatchesWalkTheInput) {
 
 // ---- replacement ----
 
-TEST(TRegEx, ReplacementReferences) {
+TEST(TRegEx, ReplacementReferencesCountAndEvaluator) {
   // Pattern, input, replacement, result.
   const std::tuple<std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view> cases[] = {
       {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
@@ -119,9 +118,7 @@ TEST(TRegEx, ReplacementReferences) {
   };
   for (const auto& [pattern, input, replacement, expected] : cases)
     EXPECT_EQ(TRegEx::Replace(input, pattern, replacement), expected) << Narrow(replacement);
-}
 
-TEST(TRegEx, ReplaceWithCountAndEvaluator) {
   const TRegEx digits(u"\\d");
   const std::pair<UnicodeString, const char16_t*> results[] = {
       {digits.Replace(u"1a2b3", u"#", 2), u"#a#b3"}, {digits.Replace(u"1a2b3", u"#"), u"#a#b#"},
@@ -183,7 +180,7 @@ TEST(TRegEx, ArbitraryPatternsCompileOrRaise) {
 
 // ---- cache and threads ----
 
-TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacity) {
+TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacityAndShareItAcrossThreads) {
   for (size_t i = 0; i < TRegEx::CacheCapacity * 2 + 5; ++i) {
     const UnicodeString number = IntToStr(static_cast<Int64>(i));
     ASSERT_TRUE(TRegEx::IsMatch(u"n" + number + u"!", u"^n" + number + u"!$"));
@@ -192,9 +189,8 @@ TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacity) {
   // The same pattern under other options is another entry.
   EXPECT_FALSE(TRegEx::IsMatch(u"N1!", u"^n1!$"));
   EXPECT_TRUE(TRegEx::IsMatch(u"N1!", u"^n1!$", {roIgnoreCase}));
-}
 
-TEST(TRegEx, ConcurrentStaticCallsShareTheCache) {
+  // Concurrent static calls share the cache.
   std::vector<std::thread> threads;
   std::vector<int> failures(4, 0);
   for (int t = 0; t < 4; ++t)
