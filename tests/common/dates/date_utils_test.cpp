@@ -95,7 +95,7 @@ std::tuple<bool, Word, Word> OffsetParts(TDateTime ALocalTime) {
   return {negative, hours, minutes};
 }
 
-TEST(TimeZone, OffsetsFollowTheMoment) {
+TEST(TimeZone, OffsetsFollowTheMomentAndConvertBothWays) {
   const std::tuple<const char*, TDateTime, Integer> cases[] = {
       {test::cZoneBerlin, c2020Jan1 + 12 * cHour, 60}, {test::cZoneBerlin, c2020Jul1 + 12 * cHour, 120},
       // Spring: 01:59:59 CET, then 03:00 CEST; 02:30 never shows on a clock and takes the offset before.
@@ -112,11 +112,9 @@ TEST(TimeZone, OffsetsFollowTheMoment) {
   EXPECT_EQ(OffsetParts(c2020Jul1), std::tuple(false, 2, 0));
   TimeZoneScope newfoundland(test::cZoneNewfoundland);
   EXPECT_EQ(OffsetParts(c2020Jul1), std::tuple(true, 2, 30));
-}
 
-TEST(TimeZone, ConversionsBothWays) {
   const auto toUTC = VnLocalToUTC, toLocal = VnUTCToLocal;
-  const std::tuple<const char*, TDateTime (*)(TDateTime), TDateTime, TDateTime> cases[] = {
+  const std::tuple<const char*, TDateTime (*)(TDateTime), TDateTime, TDateTime> conversions[] = {
       {test::cZoneBerlin, toUTC, c2020Jul1 + 12 * cHour, c2020Jul1 + 10 * cHour},
       // Spring: 03:00 CEST is 01:00 UTC; a skipped 02:30 is read with the offset before the switch.
       {test::cZoneBerlin, toUTC, c2020Mar29 + 3 * cHour, c2020Mar29 + 1 * cHour},
@@ -137,7 +135,7 @@ TEST(TimeZone, ConversionsBothWays) {
       {test::cZoneBerlin, toUTC, 0.5 * cHour, -(1 + 23.5 * cHour)},
       // Values no clock shows pass through.
       {test::cZoneBerlin, toUTC, 1e300, 1e300}};
-  for (const auto& [zoneName, convert, from, to] : cases) {
+  for (const auto& [zoneName, convert, from, to] : conversions) {
     TimeZoneScope zone(zoneName);
     EXPECT_NEAR(convert(from), to, cMoment) << zoneName << " " << from;
   }
