@@ -21,10 +21,7 @@ class TProbe : public TComponent {
   ~TProbe() override {
     if (FFreed) ++*FFreed;
   }
-  struct Event {
-    TComponent* Component;
-    TOperation Operation;
-  };
+  using Event = std::pair<TComponent*, TOperation>;
   std::vector<Event> Events;
   TComponent* Watched = nullptr;
 
@@ -43,7 +40,8 @@ class TProbe : public TComponent {
 class TPoint2 : public TPersistent {
   VN_DECLARE_CLASS(TPoint2, TPersistent)
  public:
-  int X = 0, Y = 0;
+  explicit TPoint2(int AX = 0, int AY = 0) : X(AX), Y(AY) {}
+  int X, Y;
 
  protected:
   void AssignTo(TPersistent* ADest) const override {
@@ -62,9 +60,7 @@ using test::MessageOf;
 }  // namespace
 
 TEST(TPersistent, AssignFallsBackToAssignToThenFails) {
-  TPoint2 point;
-  point.X = 3;
-  point.Y = -4;
+  TPoint2 point(3, -4);
   TStringList list;
   list.Assign(&point);
   EXPECT_EQ(list.GetText(), u"X=3\r\nY=-4\r\n");
@@ -87,9 +83,7 @@ TEST(TComponent, OwnerFreesOwnedComponentsLastFirst) {
   new TProbe(a, &freed);  // a grandchild goes with its parent
   EXPECT_EQ((std::tuple{owner->GetComponentCount(), owner->GetComponents(1), b->GetComponentIndex()}),
             std::tuple(2, b, 1));
-  std::vector<TComponent*> seen;
-  for (TComponent* c : *owner) seen.push_back(c);
-  EXPECT_EQ(seen, (std::vector<TComponent*>{a, b}));
+  EXPECT_EQ(std::vector<TComponent*>(owner->begin(), owner->end()), (std::vector<TComponent*>{a, b}));
 
   delete b;  // leaves its owner on the way out
   EXPECT_EQ((std::tuple{owner->GetComponentCount(), freed}), std::tuple(1, 1));
@@ -118,14 +112,12 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
 TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
   TProbe first, second;
   auto* child = new TComponent(&first);
-  ASSERT_EQ(first.Events.size(), 1u);
-  EXPECT_EQ((std::tuple{first.Events[0].Component, first.Events[0].Operation}), std::tuple(child, opInsert));
+  EXPECT_EQ(first.Events, (std::vector<TProbe::Event>{{child, opInsert}}));
 
   second.InsertComponent(child);
-  EXPECT_EQ((std::tuple{child->GetOwner(), first.Events.back().Operation}), std::tuple(&second, opRemove));
+  EXPECT_EQ((std::tuple{child->GetOwner(), first.Events.back().second}), std::tuple(&second, opRemove));
 
-  auto* named = new TComponent(&first);
-  named->SetName(u"Dup");
+  (new TComponent(&first))->SetName(u"Dup");
   child->SetName(u"Dup");
   EXPECT_THROW(first.InsertComponent(child), EComponentError);  // the name is taken there
   EXPECT_EQ(child->GetOwner(), &second);

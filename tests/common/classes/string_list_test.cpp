@@ -1,6 +1,7 @@
 // TStrings and TStringList: lines and objects, sorting and duplicates, names and values, text forms.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <tuple>
 #include <vector>
 
@@ -31,10 +32,8 @@ UnicodeString StringListErrorOf(const std::function<void()>& AFunc) {
 
 TEST(TStringList, LinesObjectsAndIndexErrors) {
   TStringList list;
-  int dummy = 0;
-  TTracked object(&dummy);
-  EXPECT_EQ(list.Add(u"one"), 0);
-  EXPECT_EQ(list.AddObject(u"two", &object), 1);
+  TTracked object;
+  EXPECT_EQ((std::tuple{list.Add(u"one"), list.AddObject(u"two", &object)}), std::tuple(0, 1));
   list.Insert(0, u"zero");
   EXPECT_EQ(Lines(list), (L{u"zero", u"one", u"two"}));
   // Case-insensitive by default.
@@ -44,14 +43,14 @@ TEST(TStringList, LinesObjectsAndIndexErrors) {
   EXPECT_EQ(list.IndexOf(u"ONE"), -1);
   list.SetStrings(1, u"uno");
   list.Move(2, 0);
-  EXPECT_EQ(Lines(list), (L{u"two", u"zero", u"uno"}));
-  EXPECT_EQ(list.GetObjects(0), &object);  // the object travels with its line
+  // The object travels with its line.
+  EXPECT_EQ((std::tuple{Lines(list), list.GetObjects(0)}), std::tuple(L{u"two", u"zero", u"uno"}, &object));
   list.Exchange(0, 2);
   list.Delete(1);
-  EXPECT_EQ(StringListErrorOf([&] { list.GetStrings(2); }), Format(cRtlListIndexError, {2}));
-  EXPECT_EQ(StringListErrorOf([&] { list.Delete(-1); }), Format(cRtlListIndexError, {-1}));
-  EXPECT_EQ(StringListErrorOf([&] { list.Insert(3, u"x"); }), Format(cRtlListIndexError, {3}));
-  EXPECT_EQ(StringListErrorOf([&] { list.SetObjects(9, nullptr); }), Format(cRtlListIndexError, {9}));
+  const std::pair<std::function<void()>, Integer> bad[] = {
+      {[&] { list.GetStrings(2); }, 2}, {[&] { list.Delete(-1); }, -1}, {[&] { list.Insert(3, u"x"); }, 3},
+      {[&] { list.SetObjects(9, nullptr); }, 9}};
+  for (const auto& [call, index] : bad) EXPECT_EQ(StringListErrorOf(call), Format(cRtlListIndexError, {index}));
 }
 
 TEST(TStringList, SortedListsAndDuplicates) {
@@ -68,8 +67,8 @@ TEST(TStringList, SortedListsAndDuplicates) {
   list.SetDuplicates(dupError);
   EXPECT_EQ(StringListErrorOf([&] { list.Add(u"PEAR"); }), cRtlDuplicateString);
   list.SetDuplicates(dupAccept);
-  EXPECT_EQ(list.Add(u"PEAR"), 2);  // before the equal line already there
-  EXPECT_EQ(list.GetCount(), 4);
+  // Before the equal line already there.
+  EXPECT_EQ((std::tuple{list.Add(u"PEAR"), list.GetCount()}), std::tuple(2, 4));
 
   TStringList cased(dupAccept, true, true);
   for (const char16_t* s : {u"b", u"B", u"a", u"A", u"_", u"10", u"9"}) cased.Add(s);
@@ -99,9 +98,8 @@ TEST(TStrings, NamesAndValues) {
   list.SetValues(u"host", u"");      // an empty value deletes the line
   EXPECT_EQ(Lines(list), (L{u"port=8080", u"flag", u"empty=", u"eq=a=b", u"user=me"}));
   list.SetValueFromIndex(1, u"on");  // a line without name becomes "=on"
-  EXPECT_EQ(list[1], u"=on");
   list.SetValueFromIndex(-1, u"new");
-  EXPECT_EQ(list[5], u"=new");
+  EXPECT_EQ((std::tuple{list[1], list[5]}), std::tuple(u"=on", u"=new"));
   list.SetNameValueSeparator(u':');
   list.AddPair(u"k", u"v");
   EXPECT_EQ(list.GetValues(u"k"), u"v");
@@ -129,7 +127,7 @@ TEST(TStrings, TextSplitsOnAnyLineEnd) {
   EXPECT_EQ(list.GetText(), u"");
 }
 
-TEST(TStrings, CommaTextQuotesWhatNeedsItAndReadsAsThePlatformDoes) {
+TEST(TStrings, CommaTextQuotesWhatNeedsItDelimitedTextMayBeStrict) {
   TStringList list;
   for (const char16_t* s : {u"a b", u"c", u"", u"d\"e", u"f,g", u"h\ti"}) list.Add(s);
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\",\"f,g\",\"h\ti\"");
@@ -153,17 +151,15 @@ TEST(TStrings, CommaTextQuotesWhatNeedsItAndReadsAsThePlatformDoes) {
   }
   list.SetCommaText(u"\"a b\",c,,\"d\"\"e\"");
   EXPECT_EQ(list.GetCommaText(), u"\"a b\",c,,\"d\"\"e\"");
-}
 
-TEST(TStrings, DelimitedTextWithStrictDelimiter) {
-  TStringList list;
-  list.SetDelimiter(u';');
-  list.SetQuoteChar(u'\'');
-  list.SetStrictDelimiter(true);
-  list.SetDelimitedText(u" a b ;'c;d';;e");
-  EXPECT_EQ(Lines(list), (L{u" a b ", u"c;d", u"", u"e"}));
+  TStringList strict;
+  strict.SetDelimiter(u';');
+  strict.SetQuoteChar(u'\'');
+  strict.SetStrictDelimiter(true);
+  strict.SetDelimitedText(u" a b ;'c;d';;e");
+  EXPECT_EQ(Lines(strict), (L{u" a b ", u"c;d", u"", u"e"}));
   // Blanks need no quotes when strict; the comma form keeps its own rules.
-  EXPECT_EQ((std::tuple{list.GetDelimitedText(), list.GetCommaText()}),
+  EXPECT_EQ((std::tuple{strict.GetDelimitedText(), strict.GetCommaText()}),
             std::tuple(u" a b ;'c;d';;e", u"\" a b \",c;d,,e"));
 }
 
@@ -184,8 +180,7 @@ TEST(TStringList, OwnedObjectsAreFreedWithTheirLines) {
 }
 
 TEST(TStringList, AssignCopiesLinesObjectsAndSettings) {
-  int dummy = 0;
-  TTracked object(&dummy);
+  TTracked object;
   TStringList source(dupAccept, true, true);
   source.SetDelimiter(u';');
   source.AddObject(u"b", &object);

@@ -1,3 +1,4 @@
+#include <array>
 #include <cmath>
 #include <tuple>
 
@@ -26,46 +27,38 @@ constexpr double cMoment = 0.5 / 86400000;
 
 // ---- parsing ----
 
-struct PartsCase {
-  const char16_t* Text;
-  int Year, Month, Day, Hour, Minute, Second, MilliSecond;
-  bool NegativeYear, HasDate, HasTime;
-  TVnTimeZoneFormat Zone;
-  int Offset;
-};
+// A text, its year to millisecond, whether the year is negative, it has a date, a time; its zone and offset.
+using PartsCase = std::tuple<const char16_t*, std::array<Word, 7>, bool, bool, bool, TVnTimeZoneFormat, int>;
 
-TEST(DecodeISODateTime, AcceptedForms) {
+TEST(DecodeISODateTime, AcceptedFormsAndRejectedTexts) {
   const PartsCase cases[] = {
-      {u"2020-03-04T05:06:07", 2020, 3, 4, 5, 6, 7, 0, false, true, true, tzfNone, 0},
-      {u"2020-03-04T05:06:07.1239+02:30", 2020, 3, 4, 5, 6, 7, 123, false, true, true, tzfOffset, 150},
-      {u"2020-03-04T05:06:07.5Z", 2020, 3, 4, 5, 6, 7, 500, false, true, true, tzfUTC, 0},
-      {u"2020-03-04 05:06", 2020, 3, 4, 5, 6, 0, 0, false, true, true, tzfNone, 0},
-      {u"  2020-02-29-05:00 ", 2020, 2, 29, 0, 0, 0, 0, false, true, false, tzfOffset, -300},
-      {u"-0044-03-15", 44, 3, 15, 0, 0, 0, 0, true, true, false, tzfNone, 0},
-      {u"12345-01-01", 12345, 1, 1, 0, 0, 0, 0, false, true, false, tzfNone, 0},
-      {u"23:59:59.05-0330", 0, 0, 0, 23, 59, 59, 50, false, false, true, tzfOffset, -210},
-      {u"00:00+14", 0, 0, 0, 0, 0, 0, 0, false, false, true, tzfOffset, 840},
-      {u"2020", 2020, 0, 0, 0, 0, 0, 0, false, true, false, tzfNone, 0},
-      {u"2020-05", 2020, 5, 0, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+      {u"2020-03-04T05:06:07", {2020, 3, 4, 5, 6, 7, 0}, false, true, true, tzfNone, 0},
+      {u"2020-03-04T05:06:07.1239+02:30", {2020, 3, 4, 5, 6, 7, 123}, false, true, true, tzfOffset, 150},
+      {u"2020-03-04T05:06:07.5Z", {2020, 3, 4, 5, 6, 7, 500}, false, true, true, tzfUTC, 0},
+      {u"2020-03-04 05:06", {2020, 3, 4, 5, 6, 0, 0}, false, true, true, tzfNone, 0},
+      {u"  2020-02-29-05:00 ", {2020, 2, 29, 0, 0, 0, 0}, false, true, false, tzfOffset, -300},
+      {u"-0044-03-15", {44, 3, 15, 0, 0, 0, 0}, true, true, false, tzfNone, 0},
+      {u"12345-01-01", {12345, 1, 1, 0, 0, 0, 0}, false, true, false, tzfNone, 0},
+      {u"23:59:59.05-0330", {0, 0, 0, 23, 59, 59, 50}, false, false, true, tzfOffset, -210},
+      {u"00:00+14", {0, 0, 0, 0, 0, 0, 0}, false, false, true, tzfOffset, 840},
+      {u"2020", {2020, 0, 0, 0, 0, 0, 0}, false, true, false, tzfNone, 0},
+      {u"2020-05", {2020, 5, 0, 0, 0, 0, 0}, false, true, false, tzfNone, 0},
       // A signed "hh:" after a year or month is a zone, not a month or day.
-      {u"2020-05:00", 2020, 0, 0, 0, 0, 0, 0, false, true, false, tzfOffset, -300},
-      {u"2020-11-05:00", 2020, 11, 0, 0, 0, 0, 0, false, true, false, tzfOffset, -300},
-      {u"--02-29Z", 0, 2, 29, 0, 0, 0, 0, false, true, false, tzfUTC, 0},
-      {u"--12", 0, 12, 0, 0, 0, 0, 0, false, true, false, tzfNone, 0},
-      {u"---31", 0, 0, 31, 0, 0, 0, 0, false, true, false, tzfNone, 0},
+      {u"2020-05:00", {2020, 0, 0, 0, 0, 0, 0}, false, true, false, tzfOffset, -300},
+      {u"2020-11-05:00", {2020, 11, 0, 0, 0, 0, 0}, false, true, false, tzfOffset, -300},
+      {u"--02-29Z", {0, 2, 29, 0, 0, 0, 0}, false, true, false, tzfUTC, 0},
+      {u"--12", {0, 12, 0, 0, 0, 0, 0}, false, true, false, tzfNone, 0},
+      {u"---31", {0, 0, 31, 0, 0, 0, 0}, false, true, false, tzfNone, 0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.Text, c.Text + std::char_traits<char16_t>::length(c.Text)));
-    TVnDateTimeParts p = VnDecodeISODateTime(c.Text);
-    EXPECT_EQ(std::tuple(p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second, p.MilliSecond, p.NegativeYear, p.HasDate,
-                         p.HasTime, p.TimeZone, p.TimeZoneOffset(), p.TimeZoneNegative),
-              std::tuple(c.Year, c.Month, c.Day, c.Hour, c.Minute, c.Second, c.MilliSecond, c.NegativeYear, c.HasDate,
-                         c.HasTime, c.Zone, c.Offset, c.Offset < 0));
-    EXPECT_EQ(p.TimeZoneHour * 60 + p.TimeZoneMinute, std::abs(c.Offset));
+  for (const auto& [text, fields, negativeYear, hasDate, hasTime, zone, offset] : cases) {
+    const TVnDateTimeParts p = VnDecodeISODateTime(text);
+    EXPECT_EQ((std::tuple{std::array{p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second, p.MilliSecond}, p.NegativeYear,
+                          p.HasDate, p.HasTime, p.TimeZone, p.TimeZoneOffset(), p.TimeZoneNegative,
+                          p.TimeZoneHour * 60 + p.TimeZoneMinute}),
+              std::tuple(fields, negativeYear, hasDate, hasTime, zone, offset, offset < 0, std::abs(offset)))
+        << UnicodeToUtf8(text);
   }
-}
 
-TEST(DecodeISODateTime, RejectedTexts) {
   const char16_t* texts[] = {
       u"", u"   ", u"T", u"Z", u"2021-02-29", u"1900-02-29", u"2020-04-31", u"2020-13-01", u"2020-00-10",
       u"2020-01-00", u"24:00:00", u"10:60:00", u"10:00:60", u"10:00:00.", u"10", u"10:0", u"2020-01-01T",
@@ -102,7 +95,7 @@ std::tuple<bool, Word, Word> OffsetParts(TDateTime ALocalTime) {
   return {negative, hours, minutes};
 }
 
-TEST(TimeZone, OffsetsFollowTheMoment) {
+TEST(TimeZone, OffsetsFollowTheMomentAndConvertBothWays) {
   const std::tuple<const char*, TDateTime, Integer> cases[] = {
       {test::cZoneBerlin, c2020Jan1 + 12 * cHour, 60}, {test::cZoneBerlin, c2020Jul1 + 12 * cHour, 120},
       // Spring: 01:59:59 CET, then 03:00 CEST; 02:30 never shows on a clock and takes the offset before.
@@ -119,11 +112,9 @@ TEST(TimeZone, OffsetsFollowTheMoment) {
   EXPECT_EQ(OffsetParts(c2020Jul1), std::tuple(false, 2, 0));
   TimeZoneScope newfoundland(test::cZoneNewfoundland);
   EXPECT_EQ(OffsetParts(c2020Jul1), std::tuple(true, 2, 30));
-}
 
-TEST(TimeZone, ConversionsBothWays) {
   const auto toUTC = VnLocalToUTC, toLocal = VnUTCToLocal;
-  const std::tuple<const char*, TDateTime (*)(TDateTime), TDateTime, TDateTime> cases[] = {
+  const std::tuple<const char*, TDateTime (*)(TDateTime), TDateTime, TDateTime> conversions[] = {
       {test::cZoneBerlin, toUTC, c2020Jul1 + 12 * cHour, c2020Jul1 + 10 * cHour},
       // Spring: 03:00 CEST is 01:00 UTC; a skipped 02:30 is read with the offset before the switch.
       {test::cZoneBerlin, toUTC, c2020Mar29 + 3 * cHour, c2020Mar29 + 1 * cHour},
@@ -144,7 +135,7 @@ TEST(TimeZone, ConversionsBothWays) {
       {test::cZoneBerlin, toUTC, 0.5 * cHour, -(1 + 23.5 * cHour)},
       // Values no clock shows pass through.
       {test::cZoneBerlin, toUTC, 1e300, 1e300}};
-  for (const auto& [zoneName, convert, from, to] : cases) {
+  for (const auto& [zoneName, convert, from, to] : conversions) {
     TimeZoneScope zone(zoneName);
     EXPECT_NEAR(convert(from), to, cMoment) << zoneName << " " << from;
   }

@@ -23,10 +23,7 @@ class TimeZoneScope {
     tzset();
   }
   ~TimeZoneScope() {
-    if (FOld)
-      setenv("TZ", FOld->c_str(), 1);
-    else
-      unsetenv("TZ");
+    (void)(FOld ? setenv("TZ", FOld->c_str(), 1) : unsetenv("TZ"));
     tzset();
   }
   TimeZoneScope(const TimeZoneScope&) = delete;

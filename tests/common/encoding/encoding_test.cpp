@@ -25,13 +25,9 @@ UnicodeString DecodeExact(Word ACodePage, std::string_view ABytes) {
 }
 
 // Bytes in a code page and the text they stand for.
-struct Case {
-  Word CodePage;
-  std::string Bytes;
-  std::u16string Text;
-};
+using Case = std::tuple<Word, std::string, std::u16string>;
 
-TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
+TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharactersOthersAsQuestionMarks) {
   const Case cases[] = {
       {65001, "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"a\u00E9\u20AC\U0001F600"},
       {1200, std::string("a\0\xAC\x20=\xD8\0\xDE", 8), u"a\u20AC\U0001F600"},
@@ -44,14 +40,11 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
       {20127, "plain", u"plain"}, {932, "\x93\xFA\x96\x7B", u"\u65E5\u672C"},
       {936, "\xD6\xD0", u"\u4E2D"}, {20866, "\xE1\xC2", u"\u0410\u0431"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.CodePage);
-    const TVnEncoding* encoding = TVnEncoding::GetEncoding(c.CodePage);
-    EXPECT_EQ(encoding->GetCodePage(), c.CodePage);
-    EXPECT_EQ(DecodeExact(c.CodePage, c.Bytes), c.Text);
-    EXPECT_EQ(encoding->GetBytes(c.Text), c.Bytes);
-    EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes);
-    EXPECT_EQ(TVnEncoding::ConvertA(c.Bytes, c.CodePage), c.Text);
+  for (const auto& [codePage, bytes, text] : cases) {
+    const TVnEncoding* encoding = TVnEncoding::GetEncoding(codePage);
+    EXPECT_EQ((std::tuple{encoding->GetCodePage(), DecodeExact(codePage, bytes), encoding->GetBytes(text),
+                          TVnEncoding::ConvertW(text, codePage), TVnEncoding::ConvertA(bytes, codePage)}),
+              std::tuple(codePage, text, bytes, bytes, text));
   }
   // 0 is the 8-bit default; encodings are cached.
   EXPECT_EQ((std::tuple{TVnEncoding::GetEncoding(0), TVnEncoding::GetEncoding(1252)}),
@@ -61,15 +54,14 @@ TEST(VnEncoding, CodePagesDecodeAndEncodeTheirCharacters) {
   // An unknown code page raises, and again: failures aren't cached.
   EXPECT_EQ(test::MessageOf<EVnException>([] { TVnEncoding::GetEncoding(4); }), u"Unsupported code page 4");
   EXPECT_EQ(test::CodeOf<EVnException>([] { TVnEncoding::ConvertA("x", 4); }), cVnErrUnknownEncoding);
-}
 
-TEST(VnEncoding, UnrepresentableCharactersBecomeQuestionMarks) {
-  // Lone surrogates can't be encoded as Unicode either.
-  const Case cases[] = {
+  // Unrepresentable characters become question marks; lone surrogates can't be encoded as Unicode either.
+  const Case unrepresentable[] = {
       {1252, "a?b?c", u"a\u4E2Db\U0001F600c"}, {28591, "a?b?c", u"a\u0100b\U0001F600c"}, {20127, "?", u"\u00E9"},
       {932, "??", u"\u00E9\u0E01"}, {65001, "a\xEF\xBF\xBD", u"a\xD800"},
       {12000, std::string("\xFD\xFF\0\0a\0\0\0", 8), u"\xDC00" u"a"}};
-  for (const Case& c : cases) EXPECT_EQ(TVnEncoding::ConvertW(c.Text, c.CodePage), c.Bytes) << c.CodePage;
+  for (const auto& [codePage, bytes, text] : unrepresentable)
+    EXPECT_EQ(TVnEncoding::ConvertW(text, codePage), bytes) << codePage;
 }
 
 TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
@@ -92,10 +84,8 @@ TEST(VnEncoding, InvalidInputDecodesToReplacementsWithinTheBuffer) {
       {12001, std::string("\0\0\xD8\0", 4), u"\uFFFD"},  // a surrogate code point
       {932, "\x81", u"\uFFFD"},                     // a lead byte with nothing behind it
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.CodePage << " " << testing::PrintToString(c.Bytes));
-    EXPECT_EQ(DecodeExact(c.CodePage, c.Bytes), c.Text);
-  }
+  for (const auto& [codePage, bytes, text] : cases)
+    EXPECT_EQ(DecodeExact(codePage, bytes), text) << codePage << " " << testing::PrintToString(bytes);
   // Undefined bytes of a single-byte code page decode to something, never fail.
   EXPECT_EQ(DecodeExact(1252, "\x81").size(), 1u);
 }
@@ -137,8 +127,7 @@ TEST(VnEncoding, Utf8RoundTripsEveryCodePoint) {
     }
   }
   const RawByteString utf8 = TVnEncoding::UTF8()->GetBytes(text);
-  EXPECT_EQ(utf8, UnicodeToUtf8(text));
-  EXPECT_EQ(DecodeExact(65001, utf8), text);
+  EXPECT_EQ((std::tuple{utf8, DecodeExact(65001, utf8)}), std::tuple(UnicodeToUtf8(text), text));
   // ASCII whose length is a multiple of the encoder's block once read one unit past its end.
   for (size_t n : {8u, 16u, 24u, 40u}) {
     std::unique_ptr<char16_t[]> block(new char16_t[n]);

@@ -20,7 +20,7 @@ std::string Narrow(std::u16string_view AText) { return std::string(AText.begin()
 
 // ---- options ----
 
-TEST(TRegEx, OptionsChangeWhatMatches) {
+TEST(TRegEx, OptionsChangeWhatMatchesAndShapeTheMatch) {
   // Pattern, options, input, whether it matches.
   const std::tuple<std::u16string_view, TRegExOptions, std::u16string_view, bool> cases[] = {
       {u"b", {}, u"ABC", false}, {u"b", {roIgnoreCase}, u"ABC", true}, {u"^b$", {}, u"a\nb", false},
@@ -33,9 +33,8 @@ TEST(TRegEx, OptionsChangeWhatMatches) {
   };
   for (const auto& [pattern, options, input, expected] : cases)
     EXPECT_EQ(TRegEx::IsMatch(input, pattern, options), expected) << Narrow(pattern);
-}
 
-TEST(TRegEx, ExplicitCaptureAndNotEmptyShapeTheMatch) {
+  // Explicit capture and not-empty shape the match.
   const std::u16string pattern = u"(a)(?<n>b)(c)";
   EXPECT_EQ(TRegEx(pattern).Match(u"abc").GetGroups().GetCount(), 4);
   const TMatch explicitOnly = TRegEx(pattern, {roExplicitCapture}).Match(u"abc");
@@ -49,21 +48,17 @@ TEST(TRegEx, ExplicitCaptureAndNotEmptyShapeTheMatch) {
 
 // ---- UTF-16 ----
 
-TEST(TRegEx, SurrogatePairsAreOneCharacter) {
-  EXPECT_EQ((std::tuple{TRegEx::IsMatch(u"\U0001F600", u"^.$"), TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}")}),
-            std::tuple(true, true));
-  EXPECT_EQ(TRegEx::Replace(u"a\U0001F600b", u".", u"-"), u"---");
-  // Positions and lengths count code units.
-  const TMatch m = TRegEx::Match(u"\U0001F600bc", u"b.");
-  EXPECT_EQ(m.GetIndex(), 3);
-  // Empty matches step over a whole pair, never into it.
-  EXPECT_EQ(TRegEx::Replace(u"\U0001F600", u"x*", u"-"), u"-\U0001F600-");
-}
-
-TEST(TRegEx, LoneSurrogatesInTheInputDoNotFail) {
+TEST(TRegEx, SurrogatePairsAreOneCharacterLoneOnesNoFailure) {
+  // Positions count code units (the third); lone surrogates in the input do not fail (the last two).
   const std::u16string lone = u"a\xD800" u"b";
-  EXPECT_EQ((std::tuple{TRegEx::IsMatch(lone, u"b"), TRegEx::IsMatch(u"\xDC00", u"x")}), std::tuple(true, false));
-  EXPECT_EQ(TRegEx::Replace(lone, u"[ab]", u"x"), u"x\xD800x");
+  EXPECT_EQ((std::tuple{TRegEx::IsMatch(u"\U0001F600", u"^.$"), TRegEx::IsMatch(u"x\U0001F600", u"\\x{1F600}"),
+                        TRegEx::Match(u"\U0001F600bc", u"b.").GetIndex(), TRegEx::IsMatch(lone, u"b"),
+                        TRegEx::IsMatch(u"\xDC00", u"x")}),
+            std::tuple(true, true, 3, true, false));
+  // Empty matches step over a whole pair, never into it.
+  EXPECT_EQ((std::tuple{TRegEx::Replace(u"a\U0001F600b", u".", u"-"), TRegEx::Replace(u"\U0001F600", u"x*", u"-"),
+                        TRegEx::Replace(lone, u"[ab]", u"x")}),
+            std::tuple(u"---", u"-\U0001F600-", u"x\xD800x"));
 }
 
 // ---- matches and groups ----
@@ -87,28 +82,28 @@ TEST(TRegEx, MatchReportsPositionValueAndGroups) {
             std::tuple(false, 0, u"", false));
 }
 
-TEST(TRegEx, NextMatchWalksTheInputAndOutlivesIt) {
+TEST(TRegEx, NextMatchAndMatchesWalkTheInput) {
   // The input is a temporary: the match keeps its own copy of it.
   TMatch m = TRegEx(u"\\d+").Match(std::u16string(u"a1b22c333"));
   std::vector<std::u16string> found;
   for (; m.GetSuccess(); m = m.NextMatch()) found.push_back(m.GetValue());
   EXPECT_EQ(found, (std::vector<std::u16string>{u"1", u"22", u"333"}));
-}
 
-TEST(TRegEx, MatchesIncludeEmptyOnesOncePerPosition) {
+  // Matches include empty ones, once per position.
   const TMatchCollection all = TRegEx(u"x*").Matches(u"abc");
   ASSERT_EQ(all.GetCount(), 4);
   for (Integer i = 0; i < all.GetCount(); ++i)
     EXPECT_EQ((std::tuple{all[i].GetIndex(), all[i].GetLength()}), std::tuple(i + 1, 0));
-  EXPECT_EQ(TRegEx::Matches(u"one two  three", u"\\w+")[2].GetValue(), u"three");
-  EXPECT_EQ(TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), 2);  // from a 1-based start position
-  EXPECT_TRUE(TRegEx(u"c").IsMatch(u"abc", 3));
-  EXPECT_FALSE(TRegEx(u"a").IsMatch(u"abc", 2));
+  // Matches and IsMatch from a 1-based start position.
+  EXPECT_EQ((std::tuple{TRegEx::Matches(u"one two  three", u"\\w+")[2].GetValue(),
+                        TRegEx(u"o").Matches(u"foo boo", 4).GetCount(), TRegEx(u"c").IsMatch(u"abc", 3),
+                        TRegEx(u"a").IsMatch(u"abc", 2)}),
+            std::tuple(u"three", 2, true, false));
 }
 
 // ---- replacement ----
 
-TEST(TRegEx, ReplacementReferences) {
+TEST(TRegEx, ReplacementReferencesCountAndEvaluator) {
   // Pattern, input, replacement, result.
   const std::tuple<std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view> cases[] = {
       {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
@@ -123,42 +118,37 @@ TEST(TRegEx, ReplacementReferences) {
   };
   for (const auto& [pattern, input, replacement, expected] : cases)
     EXPECT_EQ(TRegEx::Replace(input, pattern, replacement), expected) << Narrow(replacement);
-}
 
-TEST(TRegEx, ReplaceWithCountAndEvaluator) {
   const TRegEx digits(u"\\d");
-  EXPECT_EQ(digits.Replace(u"1a2b3", u"#", 2), u"#a#b3");
-  EXPECT_EQ(digits.Replace(u"1a2b3", u"#"), u"#a#b#");
-  EXPECT_EQ(digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }),
-            u"11a22b33");
-  EXPECT_EQ(TRegEx(u"\\w+").Replace(u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1),
-            u"AB cd");
+  const std::pair<UnicodeString, const char16_t*> results[] = {
+      {digits.Replace(u"1a2b3", u"#", 2), u"#a#b3"}, {digits.Replace(u"1a2b3", u"#"), u"#a#b#"},
+      {digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }), u"11a22b33"},
+      {TRegEx(u"\\w+").Replace(u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1), u"AB cd"}};
+  for (const auto& [result, expected] : results) EXPECT_EQ(result, expected);
 }
 
 // ---- splitting ----
 
 TEST(TRegEx, SplitKeepsEmptyPieces) {
   using Pieces = std::vector<UnicodeString>;
-  EXPECT_EQ(TRegEx::Split(u"a,b,,c", u","), (Pieces{u"a", u"b", u"", u"c"}));
-  EXPECT_EQ(TRegEx::Split(u"abc", u"x"), (Pieces{u"abc"}));
-  EXPECT_EQ(TRegEx::Split(u"", u","), (Pieces{u""}));
-  EXPECT_EQ(TRegEx(u",").Split(u"a,b,c,d", 2), (Pieces{u"a", u"b,c,d"}));
-  EXPECT_EQ(TRegEx(u",").Split(u"a,b", 1), (Pieces{u"a,b"}));
-  EXPECT_EQ(TRegEx::Split(u"A1b2C", u"\\d", {roIgnoreCase}), (Pieces{u"A", u"b", u"C"}));
+  const std::pair<Pieces, Pieces> results[] = {
+      {TRegEx::Split(u"a,b,,c", u","), {u"a", u"b", u"", u"c"}}, {TRegEx::Split(u"abc", u"x"), {u"abc"}},
+      {TRegEx::Split(u"", u","), {u""}}, {TRegEx(u",").Split(u"a,b,c,d", 2), {u"a", u"b,c,d"}},
+      {TRegEx(u",").Split(u"a,b", 1), {u"a,b"}}, {TRegEx::Split(u"A1b2C", u"\\d", {roIgnoreCase}), {u"A", u"b", u"C"}}};
+  for (size_t i = 0; i < std::size(results); ++i) EXPECT_EQ(results[i].first, results[i].second) << i;
 }
 
 // ---- failures ----
 
-TEST(TRegEx, BadPatternsRaiseWithPcresMessage) {
+TEST(TRegEx, BadPatternsMisuseAndRunawayBacktrackingRaise) {
   for (std::u16string_view bad : {u"(", u"[a", u"a{2,1}", u"\\", u"(?<n>a)(?<n>b)", u"\xD800"}) {
     const UnicodeString message = test::MessageOf<ERegularExpressionError>([&] { TRegEx::IsMatch(u"a", bad); });
     EXPECT_EQ(message.rfind(u"Error in regular expression at offset ", 0), 0u) << Narrow(bad) << Narrow(message);
   }
   EXPECT_EQ(test::MessageOf<ERegularExpressionError>([] { TRegEx(u"ab(c"); }),
             u"Error in regular expression at offset 4: missing closing parenthesis");
-}
 
-TEST(TRegEx, MisuseAndRunawayBacktrackingRaiseInsteadOfCrashing) {
+  // Misuse raises instead of crashing.
   const TRegEx none{}, any(u"(a)");
   EXPECT_FALSE(any.IsMatch(u"abc", 4));  // just behind the end is a valid start
   const TMatch m = any.Match(u"a");
@@ -190,7 +180,7 @@ TEST(TRegEx, ArbitraryPatternsCompileOrRaise) {
 
 // ---- cache and threads ----
 
-TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacity) {
+TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacityAndShareItAcrossThreads) {
   for (size_t i = 0; i < TRegEx::CacheCapacity * 2 + 5; ++i) {
     const UnicodeString number = IntToStr(static_cast<Int64>(i));
     ASSERT_TRUE(TRegEx::IsMatch(u"n" + number + u"!", u"^n" + number + u"!$"));
@@ -199,21 +189,18 @@ TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacity) {
   // The same pattern under other options is another entry.
   EXPECT_FALSE(TRegEx::IsMatch(u"N1!", u"^n1!$"));
   EXPECT_TRUE(TRegEx::IsMatch(u"N1!", u"^n1!$", {roIgnoreCase}));
-}
 
-TEST(TRegEx, ConcurrentStaticCallsShareTheCache) {
+  // Concurrent static calls share the cache.
   std::vector<std::thread> threads;
   std::vector<int> failures(4, 0);
-  for (int t = 0; t < 4; ++t) {
+  for (int t = 0; t < 4; ++t)
     threads.emplace_back([t, &failures] {
       for (int i = 0; i < 300; ++i) {
         const UnicodeString key = IntToStr(static_cast<Int64>((i * 7 + t) % 150));
-        const UnicodeString text = u"id=" + key + u";";
-        if (TRegEx::Replace(text, u"id=(" + key + u");", u"<$1>") != u"<" + key + u">")
+        if (TRegEx::Replace(u"id=" + key + u";", u"id=(" + key + u");", u"<$1>") != u"<" + key + u">")
           ++failures[static_cast<size_t>(t)];
       }
     });
-  }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(failures, (std::vector<int>{0, 0, 0, 0}));
 }

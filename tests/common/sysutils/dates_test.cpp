@@ -14,20 +14,18 @@ using namespace vn;
 
 namespace {
 
-struct Parts {
-  Word Y, M, D, H, N, S, MS;
-  bool operator==(const Parts&) const = default;
-};
+// Year, month, day, hour, minute, second, millisecond.
+using Parts = std::array<Word, 7>;
 
 Parts Decode(TDateTime AValue) {
   Parts p{};
-  DecodeDateTime(AValue, p.Y, p.M, p.D, p.H, p.N, p.S, p.MS);
+  DecodeDateTime(AValue, p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
   return p;
 }
 
 }  // namespace
 
-TEST(EncodeDate, SerialNumbers) {
+TEST(EncodeDate, SerialNumbersAndInvalidArguments) {
   // Year, month, day and the serial number.
   const std::tuple<Word, Word, Word, double> cases[] = {
       {1899, 12, 30, 0},   {1899, 12, 31, 1},    {1900, 1, 1, 2},    {1900, 3, 1, 61},
@@ -36,16 +34,14 @@ TEST(EncodeDate, SerialNumbers) {
     EXPECT_EQ(EncodeDate(y, m, d), serial) << y << "-" << m << "-" << d;
     EXPECT_EQ(Decode(serial), (Parts{y, m, d, 0, 0, 0, 0}));
   }
-}
 
-TEST(EncodeDate, InvalidArguments) {
   const Word bad[][3] = {{0, 1, 1},    {10000, 1, 1}, {2023, 2, 29}, {1900, 2, 29},
                          {2000, 13, 1}, {2000, 0, 1},  {2000, 4, 31}};
-  for (const auto& b : bad) {
-    TDateTime d = 0;
-    EXPECT_FALSE(TryEncodeDate(b[0], b[1], b[2], d));
-    EXPECT_EQ(test::MessageOf<EConvertError>([&] { EncodeDate(b[0], b[1], b[2]); }), cRtlDateEncodeError);
-  }
+  TDateTime d = 0;
+  for (const auto& b : bad)
+    EXPECT_EQ((std::tuple{TryEncodeDate(b[0], b[1], b[2], d),
+                          test::MessageOf<EConvertError>([&] { EncodeDate(b[0], b[1], b[2]); })}),
+              std::tuple(false, cRtlDateEncodeError));
   EXPECT_EQ((std::tuple{IsLeapYear(2000), IsLeapYear(1900), DaysInAMonth(2024, 2)}),
             std::tuple(true, false, 29));
 }
@@ -71,9 +67,9 @@ TEST(DecodeDateTime, NegativeValuesCountTimeForward) {
 }
 
 TEST(DayOfWeek, SundayIsOne) {
-  EXPECT_EQ(DayOfWeek(0), 7);                             // 1899-12-30, a Saturday
-  EXPECT_EQ(DayOfWeek(EncodeDate(2024, 1, 1)), 2);        // Monday
-  EXPECT_EQ(DayOfWeek(EncodeDate(2023, 12, 31) + 0.9), 1);  // Sunday evening
+  // 1899-12-30 was a Saturday, 2024-01-01 a Monday; then a Sunday evening.
+  EXPECT_EQ((std::tuple{DayOfWeek(0), DayOfWeek(EncodeDate(2024, 1, 1)), DayOfWeek(EncodeDate(2023, 12, 31) + 0.9)}),
+            std::tuple(7, 2, 1));
 }
 
 TEST(IncDateTime, StepsAcrossTheOrigin) {
@@ -92,11 +88,10 @@ TEST(Clock, NowIsLocalTime) {
   const std::time_t t = std::time(nullptr);
   std::tm local{};
   localtime_r(&t, &local);
-  const TDateTime now = Now();
   auto w = [](int APart) { return static_cast<Word>(APart); };
   const TDateTime expected = EncodeDateTime(w(local.tm_year + 1900), w(local.tm_mon + 1), w(local.tm_mday),
                                             w(local.tm_hour), w(local.tm_min), w(local.tm_sec), 0);
-  EXPECT_NEAR(now, expected, 5.0 / 86400);
+  EXPECT_NEAR(Now(), expected, 5.0 / 86400);
   EXPECT_EQ(Date(), std::trunc(Date()));
   EXPECT_LT(Time(), 1.0);
 }

@@ -22,7 +22,7 @@ void ExpectFormats(std::initializer_list<FormatCase> ACases) {
 
 }  // namespace
 
-TEST(Format, IntegersStringsIndexesAndStars) {
+TEST(Format, IntegersStringsIndexesStarsAndFloats) {
   ExpectFormats({
       {u"%d", {42}, u"42"}, {u"%d", {-7}, u"-7"}, {u"[%5d]", {42}, u"[   42]"}, {u"[%-5d]", {42}, u"[42   ]"},
       {u"%.5d", {-12}, u"-00012"}, {u"%d", {INT64_MIN}, u"-9223372036854775808"}, {u"%u", {-1}, u"4294967295"},
@@ -34,11 +34,7 @@ TEST(Format, IntegersStringsIndexesAndStars) {
       {u"%1:s %0:s", {u"a", u"b"}, u"b a"}, {u"%1:s %s %0:s", {u"a", u"b", u"c"}, u"b c a"},
       {u"[%*d]", {5, 42}, u"[   42]"}, {u"[%-*d]", {4, 1}, u"[1   ]"}, {u"%.*f", {1, 2.25}, u"2.3"},
       {u"%0:s-%0:s", {u"r"}, u"r-r"},
-  });
-}
-
-TEST(Format, Floats) {
-  ExpectFormats({
+      // Floats.
       {u"%f", {3.14159}, u"3.14"}, {u"%.0f", {2.5}, u"3"},  // decimal rounding: half away from zero
       {u"%.3f", {-0.0004}, u"0.000"}, {u"%.1f", {-1.25}, u"-1.3"}, {u"%.2f", {1e20}, u"1E20"},
       {u"%8.2f", {1.5}, u"    1.50"}, {u"%e", {1.0}, u"1.00000000000000E+000"},

@@ -20,7 +20,7 @@ UnicodeString ConvertErrorOf(F AFunc) { return test::MessageOf<EConvertError>(AF
 
 }  // namespace
 
-TEST(StrToInt, AcceptedForms) {
+TEST(StrToInt, AcceptedFormsAndRefusedOnesRaiseThePlatformText) {
   const std::pair<const char16_t*, Int64> cases[] = {
       {u"0", 0},           {u"42", 42},       {u"+42", 42},         {u"-42", -42},
       {u"007", 7},         {u"$1F", 31},      {u"0x1f", 31},        {u"0X1F", 31},
@@ -28,18 +28,16 @@ TEST(StrToInt, AcceptedForms) {
       {u"-2147483648", INT32_MIN},            {u"$FFFFFFFF", -1},   {u"$80000000", INT32_MIN},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(StrToInt(text), expected) << UnicodeToUtf8(text);
-}
 
-TEST(StrToInt, RefusedFormsRaiseThePlatformText) {
+  // Refused forms leave the target alone.
   const char16_t* bad[] = {u"",          u" ",     u"12 ",      u"1a",  u"$",  u"0x",      u"--1", u"+",
                            u"2147483648", u"-2147483649", u"$100000000", u"1.0", u"1e3", u"\t12", u"12\n"};
   for (const char16_t* text : bad) {
     Integer v = 99;
-    EXPECT_FALSE(TryStrToInt(text, v)) << UnicodeToUtf8(text);
-    EXPECT_EQ(v, 99);
+    EXPECT_EQ((std::tuple{TryStrToInt(text, v), v}), std::tuple(false, 99)) << UnicodeToUtf8(text);
   }
-  EXPECT_EQ(ConvertErrorOf([] { StrToInt(u"12x"); }), Format(cRtlInvalidInteger, {u"12x"}));
-  EXPECT_EQ(StrToIntDef(u"nope", -7), -7);
+  EXPECT_EQ((std::tuple{ConvertErrorOf([] { StrToInt(u"12x"); }), StrToIntDef(u"nope", -7)}),
+            std::tuple(Format(cRtlInvalidInteger, {u"12x"}), -7));
 }
 
 TEST(StrToInt64, RangeAndHex) {
@@ -89,7 +87,7 @@ TEST(FloatToStr, PlatformTable) {
     EXPECT_EQ(FloatToStr(StrToFloat(FloatToStr(v))), FloatToStr(v));
 }
 
-TEST(StrToFloat, AcceptedForms) {
+TEST(StrToFloat, AcceptedAndRefusedForms) {
   const std::pair<const char16_t*, double> cases[] = {
       {u"0", 0.0},         {u"-1.5", -1.5},     {u"+2", 2.0},        {u".5", 0.5},
       {u"5.", 5.0},        {u"1E+3", 1000.0},   {u"2.5e-3", 0.0025}, {u"  7.25  ", 7.25},
@@ -98,22 +96,16 @@ TEST(StrToFloat, AcceptedForms) {
   for (const auto& [text, expected] : cases)
     EXPECT_EQ(static_cast<double>(StrToFloat(text)), expected) << UnicodeToUtf8(text);
   // FloatToStr of the largest double reads back as an Extended just above it.
-  EXPECT_EQ(StrToFloat(u"1.79769313486232E308"), 1.79769313486232e308L);
-  EXPECT_EQ((std::tuple{std::isnan(StrToFloat(u"NAN")), StrToFloat(u"-inf")}),
-            std::tuple(true, -std::numeric_limits<Extended>::infinity()));
-}
+  EXPECT_EQ((std::tuple{StrToFloat(u"1.79769313486232E308"), std::isnan(StrToFloat(u"NAN")), StrToFloat(u"-inf")}),
+            std::tuple(1.79769313486232e308L, true, -std::numeric_limits<Extended>::infinity()));
 
-TEST(StrToFloat, RefusedForms) {
   const char16_t* bad[] = {u"", u" ", u".", u"e5", u"1e", u"1e+", u"1,5", u"1.2.3", u"0x10", u"1 2", u"--1", u"1e5000",
                            u"1e99999999999999999999", u"INFINITY", u"+-1"};
-  for (const char16_t* text : bad) {
-    Extended v = 42;
-    EXPECT_FALSE(TryStrToFloat(text, v)) << UnicodeToUtf8(text);
-  }
-  Double d = 0;
-  EXPECT_FALSE(TryStrToFloat(u"1e400", d));  // fits Extended, not Double
+  Extended v = 42;
+  for (const char16_t* text : bad) EXPECT_FALSE(TryStrToFloat(text, v)) << UnicodeToUtf8(text);
+  Double d = 0;  // 1e400 fits Extended, not Double
+  EXPECT_EQ((std::tuple{TryStrToFloat(u"1e400", d), StrToFloatDef(u"x", 2.5)}), std::tuple(false, 2.5));
   EXPECT_EQ(ConvertErrorOf([] { StrToFloat(u"1,5"); }), Format(cRtlInvalidFloat, {u"1,5"}));
-  EXPECT_EQ(StrToFloatDef(u"x", 2.5), 2.5);
 }
 
 TEST(Rounding, BankersRoundAndFriends) {

@@ -1,9 +1,7 @@
 // Named loggers: identity by name, level filtering, and the replaceable sink.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <mutex>
-#include <string>
 #include <thread>
 #include <tuple>
 #include <vector>
@@ -55,9 +53,8 @@ TEST_F(LoggerTest, SinkReceivesWhatPassesTheLevel) {
   log.Warn(u"w");
   log.Error(u"e");
   log.SetLevel(llDebug);
-  EXPECT_EQ(Records(), (std::vector<Record>{{llDebug, u"test.levels", u"d"},
-                                            {llInfo, u"test.levels", u"i"}, {llWarn, u"test.levels", u"w"},
-                                            {llError, u"test.levels", u"e"}}));
+  EXPECT_EQ(Records(), (std::vector<Record>{{llDebug, u"test.levels", u"d"}, {llInfo, u"test.levels", u"i"},
+                                            {llWarn, u"test.levels", u"w"}, {llError, u"test.levels", u"e"}}));
   // An empty sink silences everything.
   Logger::SetSink({});
   Logger::GetLogger(u"test.silent").Error(u"nobody hears this");

@@ -27,13 +27,8 @@ const TTypeInfo* Named(std::u16string_view AName) {
   return t;
 }
 
-/// Every type the tests below sort, with what the registry must say of it.
-struct KindCase {
-  const TTypeInfo* Type;
-  TVnTypeKind Kind;
-  TVnMainTypeKind Main;
-  bool Simple;
-};
+/// Every type the tests below sort, with what the registry must say of it: kind, main kind, simple.
+using KindCase = std::tuple<const TTypeInfo*, TVnTypeKind, TVnMainTypeKind, bool>;
 
 std::vector<KindCase> KindCases() {
   const TVnMainTypeKind I = mtkInteger, F = mtkFloat, S = mtkString, U = mtkUnknown;
@@ -58,12 +53,12 @@ std::vector<KindCase> KindCases() {
 }
 
 TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
-  for (const KindCase& c : KindCases()) {
-    const TVnTypeInfo* info = Info(c.Type);
-    SCOPED_TRACE(UnicodeToUtf8(c.Type->Name));
+  for (const auto& [type, kind, main, simple] : KindCases()) {
+    const TVnTypeInfo* info = Info(type);
     EXPECT_EQ((std::tuple{info->Kind(), info->GetMainTypeKind(), info->GetIsSimpleType(), info->Handle(),
-                          TVnTypes::GetTypeInfo(c.Type->RttiType)}),
-              std::tuple(c.Kind, c.Main, c.Simple, c.Type, info));
+                          TVnTypes::GetTypeInfo(type->RttiType)}),
+              std::tuple(kind, main, simple, type, info))
+        << UnicodeToUtf8(type->Name);
   }
   // A class nobody registered gets its record too, found by its class.
   EXPECT_EQ(TVnTypes::GetTypeInfo(TLeaf::StaticClass())->Name(), u"TLeaf");
@@ -71,7 +66,7 @@ TEST(VnTypes, KindsOfEveryValueKindAndOneRecordPerType) {
 
 TEST(VnTypes, EverySchemaNameFindsItsTypeAgain) {
   std::vector<const TTypeInfo*> types;
-  for (const KindCase& c : KindCases()) types.push_back(c.Type);
+  for (const KindCase& c : KindCases()) types.push_back(std::get<0>(c));
   // The vector of Integer stands beside the static array of Integer.
   types.insert(types.end(), {TypeInfoOf<TBaseBox>(), TypeInfoOf<std::vector<TPoint>>(),
                              TypeInfoOf<std::vector<Integer>>(), ClassTypeInfo(TStringList::StaticClass())});
@@ -146,7 +141,7 @@ TEST(VnTypes, AliasesAreFoundUnderEveryNameKind) {
   EXPECT_EQ(Info(TypeInfoOf<Integer>())->SchemaName(), u"int");
 }
 
-TEST(VnTypes, VariantTypeCodesOfTypeNames) {
+TEST(VnTypes, VariantTypeCodesOfTypeNamesAndTypesOfVariants) {
   // The scalar codes go through elements in the DOM tests; these are the codes that no Variant holds.
   const std::pair<const char16_t*, TVarType> cases[] = {
       {u"xsd:TBase", varObject},  {u"xsd:TPoint", varRecord},    {u"xsd:ArrayOfTPoint", varArray},
@@ -156,9 +151,7 @@ TEST(VnTypes, VariantTypeCodesOfTypeNames) {
     EXPECT_EQ(TVnTypes::GetVarType(name, tntSchemaName, varUnknown), varType) << UnicodeToUtf8(name);
   EXPECT_EQ(TVnTypes::GetVarType(u"System.Integer", tntQualifiedName, varEmpty), varInteger);
   EXPECT_EQ(TVnTypes::GetVarType(Info(TypeInfoOf<std::vector<Integer>>()), varEmpty), varArray | varInteger);
-}
 
-TEST(VnTypes, TheTypeOfAVariantNamesItsKindAgain) {
   // Every scalar kind goes through an element in the DOM tests; arrays need the element's code.
   for (const Variant& v : {VarArrayOf({Variant(1)}), VarArrayFromBytes(TBytes{1}), Variant(7LL)}) {
     const TVnTypeInfo* type = TVnTypes::VarTypeInfo(v);
@@ -189,9 +182,8 @@ TEST(VnTypes, SerializerPairsOfTypeAncestorOrDefault) {
 
   EXPECT_EQ(TVnTypes::FindSerializers(base, kFormat), nullptr);
   TVnTypes::RegisterTypeSerializers(TypeInfoOf<TBase>(), kFormat, {pair, nullptr});
-  EXPECT_EQ(serializerOf(base), pair);
   // Descendants take the nearest registered ancestor's pair.
-  EXPECT_EQ(serializerOf(leaf), pair);
+  EXPECT_EQ((std::tuple{serializerOf(base), serializerOf(leaf)}), std::tuple(pair, pair));
   TVnTypes::RegisterTypeSerializers(TypeInfoOf<TDerived>(), kFormat, {other, nullptr});
   EXPECT_EQ((std::tuple{serializerOf(leaf), serializerOf(base)}), std::tuple(other, pair));
   // Other types and a nil type get the default, once there is one; other formats see nothing.
@@ -200,9 +192,9 @@ TEST(VnTypes, SerializerPairsOfTypeAncestorOrDefault) {
   EXPECT_EQ(TVnTypes::FindSerializers(Info(TypeInfoOf<TPoint>()), kFormat)->Deserializer, other);
   EXPECT_EQ(TVnTypes::FindSerializers(nullptr, kFormat)->Deserializer, other);
   // The type's own pair wins even where it lacks the deserializer the default has.
-  EXPECT_EQ(TVnTypes::FindSerializers(base, kFormat)->Deserializer, nullptr);
-  EXPECT_EQ(TVnTypes::FindSerializers(base, 2), nullptr);
-  EXPECT_EQ(TVnTypes::FindSerializers(base, 200), nullptr);
+  EXPECT_EQ((std::tuple{TVnTypes::FindSerializers(base, kFormat)->Deserializer, TVnTypes::FindSerializers(base, 2),
+                        TVnTypes::FindSerializers(base, 200)}),
+            std::tuple(nullptr, nullptr, nullptr));
   EXPECT_THROW(TVnTypes::RegisterTypeSerializers(nullptr, 5, {}), EAssertionFailed);
 }
 

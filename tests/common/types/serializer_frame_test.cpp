@@ -70,7 +70,7 @@ TEST(SerializerFrame, OneCallSerializesAndFreesTheSerializer) {
   EXPECT_EQ(TFakeSerializer::Live, 0);
 }
 
-TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
+TEST(SerializerFrame, FailuresRaiseTheFormatsMessageAndFreeTheSerializer) {
   RegisterFakes();
   TBase object;
   // The fourth: the pair exists, but without a deserializer.
@@ -84,6 +84,11 @@ TEST(SerializerFrame, NoRegisteredClassRaisesTheFormatsMessage) {
        Format(cVnNoDeserializerForType, {u"Format3", u"TBase"})},
       {[&] { VnSerializeEx(kEmpty, nullptr, nullptr); }, Format(cVnNoSerializerForType, {u"Format2", u"nil"})}};
   for (const auto& [call, message] : cases) EXPECT_EQ(test::MessageOf<Exception>(call), message);
+  EXPECT_EQ(TFakeSerializer::Live, 0);
+
+  // A failing Create frees the new serializer.
+  VnRegisterSerializer(kFake, TypeInfoOf<IInterface>(), TFakeSerializer::StaticClass(), nullptr);
+  EXPECT_THROW(VnSerialize(kFake, TValue::From(IPtr<IInterface>())), Exception);
   EXPECT_EQ(TFakeSerializer::Live, 0);
 }
 
@@ -102,16 +107,8 @@ TEST(SerializerFrame, CreateTakesTheRightInstance) {
   set.Create(&fruits, TypeInfoOf<TFruits>());
   EXPECT_EQ((std::tuple{set.GetValue().AsOrdinal(), set.GetInstancePtr()}),
             std::tuple(2, set.GetValue().GetReferenceToRawData()));
-  TProbe p;
-  EXPECT_EQ(test::MessageOf<Exception>([&] { p.Create(TValue::From(IPtr<IInterface>())); }),
+  EXPECT_EQ(test::MessageOf<Exception>([] { TProbe().Create(TValue::From(IPtr<IInterface>())); }),
             Format(cVnValueCannotBeSerialized, {u"tkInterface"}));
-}
-
-TEST(SerializerFrame, AFailingCreateFreesTheNewSerializer) {
-  RegisterFakes();
-  VnRegisterSerializer(kFake, TypeInfoOf<IInterface>(), TFakeSerializer::StaticClass(), nullptr);
-  EXPECT_THROW(VnSerialize(kFake, TValue::From(IPtr<IInterface>())), Exception);
-  EXPECT_EQ(TFakeSerializer::Live, 0);
 }
 
 TEST(SerializerFrame, ParametersFallBackToTheParent) {

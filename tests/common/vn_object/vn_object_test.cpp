@@ -81,8 +81,7 @@ TEST(VnObject, UnknownInterfacesAndPlainObjects) {
   EXPECT_FALSE(plain.As<IGreeter>());
   void* obj = reinterpret_cast<void*>(1);
   EXPECT_EQ((std::tuple{plain->QueryInterface(ICounter::IID, &obj), obj}), std::tuple(E_NOINTERFACE, nullptr));
-  EXPECT_EQ(VnImplementor(plain.Get()), plain->Implementor());
-  EXPECT_EQ(VnImplementor(nullptr), nullptr);
+  EXPECT_EQ(std::tuple(VnImplementor(plain.Get()), VnImplementor(nullptr)), std::tuple(plain->Implementor(), nullptr));
 
   // An object without IVnObject has no implementor to give.
   IPtr<IInterface> interfaced(new TInterfacedObject);
