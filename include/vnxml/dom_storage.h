@@ -6,6 +6,7 @@
 // such blocks and never free them, the pool goes when its last node does.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -317,6 +318,8 @@ class NameRef {
 /// that loading copies instead of widening and a UTF-8 save copies back; anything else is kept
 /// in UTF-16. Readers take either form (Visit) or the text decoded to UTF-16 (str).
 /// A block taken from a pool (AssignIn) is left to the pool when the text changes or goes.
+/// Most loaded values are a few bytes: up to seven bytes of UTF-8 stand in the pointer itself,
+/// behind a tag byte (its low bit set, which no block address has), and take no block.
 class CompactString {
  public:
   CompactString() noexcept = default;
@@ -332,13 +335,14 @@ class CompactString {
   ~CompactString() { FreeBlock(); }
 
   /// The text is held as UTF-8 bytes (Utf8), else as UTF-16 units (Wide).
-  bool IsUtf8() const noexcept { return FBlock && FBlock->Flags & kUtf8; }
+  bool IsUtf8() const noexcept { return IsInline() || (FBits && Block()->Flags & kUtf8); }
   std::u16string_view Wide() const noexcept {
-    return FBlock ? std::u16string_view(reinterpret_cast<const char16_t*>(FBlock + 1), FBlock->Length)
-                  : std::u16string_view();
+    if (!FBits || IsInline()) return {};
+    return std::u16string_view(reinterpret_cast<const char16_t*>(Block() + 1), Block()->Length);
   }
   std::string_view Utf8() const noexcept {
-    return FBlock ? std::string_view(reinterpret_cast<const char*>(FBlock + 1), FBlock->Length) : std::string_view();
+    if (IsInline()) return std::string_view(reinterpret_cast<const char*>(&FBits) + 1, (FBits & 0xFF) >> 1);
+    return FBits ? std::string_view(reinterpret_cast<const char*>(Block() + 1), Block()->Length) : std::string_view();
   }
   /// AFunc(Utf8()) or AFunc(Wide()), whichever form the text is in.
   template <class F>
@@ -346,7 +350,7 @@ class CompactString {
     if (IsUtf8()) return AFunc(Utf8());
     return AFunc(Wide());
   }
-  bool empty() const noexcept { return !FBlock || FBlock->Length == 0; }
+  bool empty() const noexcept { return !FBits; }
   /// The text in UTF-16.
   std::u16string str() const {
     if (IsUtf8()) return DecodeUtf8Text(Utf8());
@@ -354,40 +358,51 @@ class CompactString {
   }
   void assign(std::u16string_view AText) {
     if (AText.empty()) {
-      FreeBlock();
-      FBlock = nullptr;
+      Set(0);
       return;
     }
     // AText may point into this very block: build the new one before freeing the old
-    Header* block = Fill(std::malloc(Bytes(AText.size(), 0)), AText.data(), AText.size(), 0);
-    FreeBlock();
-    FBlock = block;
+    Set(reinterpret_cast<uintptr_t>(Fill(std::malloc(Bytes(AText.size(), 0)), AText.data(), AText.size(), 0)));
   }
   /// Stores AText in a block of APool.
   void AssignIn(NodePool& APool, std::u16string_view AText) {
-    Header* block = AText.empty() ? nullptr
-                                  : Fill(APool.Allocate(Bytes(AText.size(), 0)), AText.data(), AText.size(), kPooled);
-    FreeBlock();
-    FBlock = block;
+    Set(AText.empty() ? 0
+                      : reinterpret_cast<uintptr_t>(
+                            Fill(APool.Allocate(Bytes(AText.size(), 0)), AText.data(), AText.size(), kPooled)));
   }
-  /// Stores the UTF-8 bytes AText, which must be well-formed UTF-8, in a block of APool.
+  /// Stores the UTF-8 bytes AText, which must be well-formed UTF-8, in a block of APool (or
+  /// in place when short).
   void AssignUtf8In(NodePool& APool, std::string_view AText) {
-    Header* block = AText.empty() ? nullptr
-                                  : Fill(APool.Allocate(Bytes(AText.size(), kUtf8)), AText.data(), AText.size(),
-                                         kPooled | kUtf8);
-    FreeBlock();
-    FBlock = block;
+    if (AText.size() <= kInlineBytes) {
+      Set(InlineBits(AText));
+      return;
+    }
+    Set(reinterpret_cast<uintptr_t>(
+        Fill(APool.Allocate(Bytes(AText.size(), kUtf8)), AText.data(), AText.size(), kPooled | kUtf8)));
   }
   /// The well-formed UTF-8 bytes AText in UTF-16 (out of line: the library's decoder).
   static std::u16string DecodeUtf8Text(std::string_view AText);
 
  private:
+  static_assert(std::endian::native == std::endian::little, "the tag byte must be the pointer's low byte");
   static constexpr uint32_t kPooled = 1;
   static constexpr uint32_t kUtf8 = 2;
+  static constexpr size_t kInlineBytes = sizeof(uintptr_t) - 1;
   struct Header {
     uint32_t Length;  // in code units of the form
     uint32_t Flags;
   };
+  bool IsInline() const noexcept { return FBits & 1; }
+  Header* Block() const noexcept { return reinterpret_cast<Header*>(FBits); }
+  /// The bits of AText in place: the tag byte (length and the low bit), then the bytes.
+  static uintptr_t InlineBits(std::string_view AText) noexcept {
+    if (AText.empty()) return 0;
+    unsigned char bytes[sizeof(uintptr_t)] = {static_cast<unsigned char>(AText.size() << 1 | 1)};
+    std::memcpy(bytes + 1, AText.data(), AText.size());
+    uintptr_t bits;
+    std::memcpy(&bits, bytes, sizeof bits);
+    return bits;
+  }
   static size_t Bytes(size_t ALength, uint32_t AFlags) noexcept {
     return sizeof(Header) + ALength * (AFlags & kUtf8 ? 1 : sizeof(char16_t));
   }
@@ -401,20 +416,23 @@ class CompactString {
     return block;
   }
   void CopyFrom(const CompactString& AOther) {
-    if (AOther.empty()) {
-      FreeBlock();
-      FBlock = nullptr;
+    if (!AOther.FBits || AOther.IsInline()) {
+      Set(AOther.FBits);
       return;
     }
-    const uint32_t flags = AOther.FBlock->Flags & kUtf8;
-    Header* block = Fill(std::malloc(Bytes(AOther.FBlock->Length, flags)), AOther.FBlock + 1, AOther.FBlock->Length, flags);
+    const Header* from = AOther.Block();
+    const uint32_t flags = from->Flags & kUtf8;
+    Set(reinterpret_cast<uintptr_t>(Fill(std::malloc(Bytes(from->Length, flags)), from + 1, from->Length, flags)));
+  }
+  /// Takes ABits, freeing the block held before.
+  void Set(uintptr_t ABits) noexcept {
     FreeBlock();
-    FBlock = block;
+    FBits = ABits;
   }
   void FreeBlock() noexcept {
-    if (FBlock && !(FBlock->Flags & kPooled)) std::free(FBlock);
+    if (FBits && !IsInline() && !(Block()->Flags & kPooled)) std::free(Block());
   }
-  Header* FBlock = nullptr;
+  uintptr_t FBits = 0;
 };
 
 inline bool operator==(const CompactString& A, std::u16string_view B) {

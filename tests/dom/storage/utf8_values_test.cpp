@@ -50,6 +50,8 @@ TEST(DomUtf8Values, ReadAndSavedAsTheSameTextLoadedFromUtf16) {
       "<r a='\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E' b='say \"hi\"'>\xC3\xA9 &amp; &#x20AC; &lt;\xF0\x9D\x84\x9E</r>",
       // a run longer than a step of the ASCII scans, with a sequence near its end
       "<r><k v='0123456789abcdef0123456789\xC3\xA9'>0123456789abcdef0123456789abcdef\xE2\x82\xAC</k></r>",
+      // values of seven bytes and less are kept in place, from eight on in a block
+      "<r a='1234567' b='12345678' c='\xC3\xA9\xE2\x82\xAC&lt;' d='x'><k>\xF0\x9D\x84\x9E" "12</k><k>1234567</k>12345678</r>",
       // white space kept, declarations with non-ASCII URIs, comments and sections
       "<r xml:space='preserve' xmlns='urn:\xC3\xA9' xmlns:p='urn:p'> <p:k p:a='v'>  </p:k><!--\xC3\xA9-->"
       "<![CDATA[<\xC3\xA9>]]> </r>",
