@@ -86,15 +86,15 @@ TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWrote) {
 
 TEST(XMLToValue, EnumerationsAndSets) {
   const TTypeInfo* size = TypeInfoOf<TSize>();
-  EXPECT_EQ(VnXMLToValue(u"1", size).AsOrdinal(), 1);
-  EXPECT_EQ(VnXMLToValue(u"szlarge", size).AsOrdinal(), 2);
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"1", size).AsOrdinal(), VnXMLToValue(u"szlarge", size).AsOrdinal()}),
+            std::tuple(1, 2));
   for (const char16_t* bad : {u"szHuge", u"9"})
     EXPECT_EQ(MessageOf([&] { VnXMLToValue(bad, size); }), Format(cVnXMLToValueFailed, {bad, u"TSize"}));
 
   const TTypeInfo* sizes = TypeInfoOf<TSizes>();
-  EXPECT_EQ(VnXMLToValue(u"6", sizes).AsOrdinal(), 6);
-  EXPECT_EQ(VnXMLToValue(u"[szMedium]", sizes).AsOrdinal(), 2);
-  EXPECT_EQ(VnXMLToValue(u"", sizes).AsOrdinal(), 0);
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"6", sizes).AsOrdinal(), VnXMLToValue(u"[szMedium]", sizes).AsOrdinal(),
+                        VnXMLToValue(u"", sizes).AsOrdinal()}),
+            std::tuple(6, 2, 0));
   EXPECT_THROW(VnXMLToValue(u"[szHuge]", sizes), EPropertyConvertError);
 }
 
@@ -105,24 +105,25 @@ TEST(XMLToValue, UnsupportedKindsAndBadText) {
             Format(cVnXMLToValueUnsupported, {u"x", u"nil"}));
   EXPECT_THROW(VnXMLToValue(u"abc", TypeInfoOf<Integer>()), EConvertError);
   // A character that an 8-bit character can't hold becomes '?'; an empty text gives NUL.
-  EXPECT_EQ(VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(), '?');
-  EXPECT_EQ(VnXMLToValue(u"", TypeInfoOf<char16_t>()).AsOrdinal(), 0);
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(),
+                        VnXMLToValue(u"", TypeInfoOf<char16_t>()).AsOrdinal()}),
+            std::tuple('?', 0));
 }
 
 TEST(XMLToValue, ByTypeName) {
-  EXPECT_EQ(VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(), 2);
-  EXPECT_EQ(VnXMLToValue(u"a&amp;b", u"string").AsString(), u"a&b");
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(),
+                        VnXMLToValue(u"a&amp;b", u"string").AsString()}),
+            std::tuple(2, u"a&b"));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"1", u"TNoSuchType"); }),
             Format(cVnXMLToValueUnsupported, {u"1", u"TNoSuchType"}));
 }
 
 TEST(XMLToVariant, ByTypeNameAndByKind) {
-  EXPECT_EQ(VnXMLToVariant(u"12", u"Integer").VarType(), varInteger);
-  EXPECT_EQ(VnXMLToVariant(u"2020-01-02", u"TDateTime").VarType(), varDate);
   // An unknown name leaves the text as it is.
   const Variant unknown = VnXMLToVariant(u"a&amp;b", u"TNoSuchType");
-  EXPECT_EQ(unknown.VarType(), varUString);
-  EXPECT_EQ(unknown.AsString(), u"a&amp;b");
+  EXPECT_EQ((std::tuple{VnXMLToVariant(u"12", u"Integer").VarType(),
+                        VnXMLToVariant(u"2020-01-02", u"TDateTime").VarType(), unknown.VarType(), unknown.AsString()}),
+            std::tuple(varInteger, varDate, varUString, u"a&amp;b"));
 
   const std::tuple<TVnTypeKind, const char16_t*, TVarType> cases[] = {
       {vtkByte, u"1", varByte},       {vtkLongWord, u"1", varLongWord}, {vtkUInt64, u"1", varUInt64},
@@ -130,8 +131,7 @@ TEST(XMLToVariant, ByTypeNameAndByKind) {
       {vtkExtended, u"1.5", varDouble}, {vtkBoolean, u"true", varBoolean}, {vtkDate, u"2020-01-02", varDate}};
   for (const auto& [kind, text, varType] : cases) EXPECT_EQ(VnXMLToVariant(text, kind).VarType(), varType) << int(kind);
   const Variant decoded = VnXMLToVariant(u"a&amp;b", vtkText5);
-  EXPECT_EQ(decoded.VarType(), varUString);
-  EXPECT_EQ(decoded.AsString(), u"a&b");
+  EXPECT_EQ((std::tuple{decoded.VarType(), decoded.AsString()}), std::tuple(varUString, u"a&b"));
   EXPECT_DOUBLE_EQ(VnXMLToVariant(u"12:00:00", vtkTime).AsDouble(), 0.5);
   EXPECT_EQ(MessageOf([] { VnXMLToVariant(u"x", vtkClass); }), Format(cVnXMLToVariantFailed, {u"x", u"vtkClass"}));
   EXPECT_THROW(VnXMLToVariant(u"x", vtkInteger), EConvertError);
