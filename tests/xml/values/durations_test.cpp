@@ -21,20 +21,16 @@ TVnDuration Duration(bool ANegative, Integer AMonths, double ASeconds) {
 }
 
 TEST(DurationToXML, Parts) {
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 0))), "P0Y");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(true, 0, 0))), "-P0Y");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 90))), "PT1M30S");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 1.5))), "PT1.5S");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 0.25))), "PT0.25S");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(true, 14, 0))), "-P1Y2M");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 25, 3 * 86400 + 4 * 3600 + 5 * 60 + 6.007))),
-            "P2Y1M3DT4H5M6.007S");
-  // Leading zeros of the fraction stay; a fraction that rounds to a whole second carries over.
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 1.05))), "PT1.05S");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, 0, 59.9996))), "PT1M");
-  // Negative parts are magnitudes with the sign flipped.
-  EXPECT_EQ(U8(VnDurationToXML(Duration(false, -14, 0))), "-P1Y2M");
-  EXPECT_EQ(U8(VnDurationToXML(Duration(true, 0, -60))), "PT1M");
+  const std::tuple<bool, Integer, double, const char*> cases[] = {
+      {false, 0, 0, "P0Y"}, {true, 0, 0, "-P0Y"}, {false, 0, 90, "PT1M30S"}, {false, 0, 1.5, "PT1.5S"},
+      {false, 0, 0.25, "PT0.25S"}, {true, 14, 0, "-P1Y2M"},
+      {false, 25, 3 * 86400 + 4 * 3600 + 5 * 60 + 6.007, "P2Y1M3DT4H5M6.007S"},
+      // Leading zeros of the fraction stay; a fraction that rounds to a whole second carries over.
+      {false, 0, 1.05, "PT1.05S"}, {false, 0, 59.9996, "PT1M"},
+      // Negative parts are magnitudes with the sign flipped.
+      {false, -14, 0, "-P1Y2M"}, {true, 0, -60, "PT1M"}};
+  for (const auto& [negative, months, seconds, text] : cases)
+    EXPECT_EQ(U8(VnDurationToXML(Duration(negative, months, seconds))), text);
 }
 
 TEST(XMLToDuration, MonthsBeforeTMinutesAfter) {
@@ -46,8 +42,7 @@ TEST(XMLToDuration, MonthsBeforeTMinutesAfter) {
   for (const auto& [text, negative, months, seconds] : cases) {
     SCOPED_TRACE(U8(text));
     const TVnDuration d = VnXMLToDuration(text);
-    EXPECT_EQ(d.Negative, negative);
-    EXPECT_EQ(d.Months, months);
+    EXPECT_EQ((std::tuple{d.Negative, d.Months}), std::tuple(negative, months));
     EXPECT_DOUBLE_EQ(d.Seconds, seconds);
   }
 }
