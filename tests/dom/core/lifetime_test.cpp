@@ -1,6 +1,8 @@
 // Lifetimes of the two halves: each case would read freed memory or leak under ASan if a rule broke.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -32,6 +34,12 @@ class TExtraElement : public TVnDOMElement, public ITestExtra {
   }
 };
 
+// A document with a root, the start of most cases.
+struct DomRootLifetime : ::testing::Test {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+};
+
 TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
   auto doc = std::make_unique<TVnDOMDocument>();
   TVnDOMElement* root = doc->CreateRootNode(u"root");
@@ -57,24 +65,18 @@ TEST(DomLifetime, ReleasingLastInterfaceOfDetachedNodeFreesIt) {
   i = nullptr;  // frees e and its subtree: LeakSanitizer would report otherwise
 }
 
-TEST(DomLifetime, RemovedNodeWithInterfaceSurvivesWithoutDocument) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, RemovedNodeWithInterfaceSurvivesWithoutDocument) {
   TVnDOMElement* a = root->AddElement(u"a");
   a->AddElement(u"inner");
   IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
   root->RemoveChild(a);
-  EXPECT_EQ(root->ElementCount(), 0);
-  EXPECT_EQ(a->GetDOMDocument(), nullptr);
-  EXPECT_EQ(a->GetParent(), nullptr);
-  EXPECT_FALSE(held->ParentNode());
-  EXPECT_EQ(held->ElementCount(), 1);
+  EXPECT_EQ((std::tuple{root->ElementCount(), a->GetDOMDocument(), a->GetParent(), bool(held->ParentNode()),
+                        held->ElementCount()}),
+            std::tuple(0, nullptr, nullptr, false, 1));
   held = nullptr;  // now a goes
 }
 
-TEST(DomLifetime, RemoveChildWithoutInterfaceFrees) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, RemoveChildWithoutInterfaceFrees) {
   for (int i = 0; i < 3; ++i) root->AddElement(u"a")->AddAttribute(u"k");
   root->RemoveChild(root->FirstElement());
   root->Clear();
@@ -97,8 +99,7 @@ TEST(DomLifetime, DeletingDocumentDetachesHeldNodes) {
   TVnDOMElement* root = doc->CreateRootNode(u"root");
   IPtr<IVnDOMElement> held = root->AddElement(u"a")->As<IVnDOMElement>();
   doc.reset();  // delete never raises: the held subtree lives on, detached
-  EXPECT_FALSE(held->Document());
-  EXPECT_EQ(held->GetQualifiedName(), u"a");
+  EXPECT_EQ((std::tuple{bool(held->Document()), held->GetQualifiedName()}), std::tuple(false, u"a"));
 }
 
 TEST(DomLifetime, ReleaseWithoutImplRaises) {
@@ -119,9 +120,7 @@ TEST(DomLifetime, ObjectAnswersWhatImplDeclines) {
   extra = nullptr;  // the shared count ends here and frees e
 }
 
-TEST(DomLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
   root->AddElement(u"a");
   {
     IPtr<IVnDOMElementList> owned = root->As<IVnDOMElement>()->GetElements();
@@ -133,14 +132,11 @@ TEST(DomLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
   made = nullptr;  // a caller's list goes with its last interface
 }
 
-TEST(DomLifetime, CloneThroughInterfaceBelongsToTheInterface) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, CloneThroughInterfaceBelongsToTheInterface) {
   root->AddElement(u"a")->SetAttribute(u"k", u"v");
   IPtr<IVnDOMNode> clone;
   root->As<IVnDOMNode>()->CloneNode(true, clone);
-  EXPECT_FALSE(clone->ParentNode());
-  EXPECT_EQ(clone->NodeCount(), 1);
+  EXPECT_EQ((std::tuple{bool(clone->ParentNode()), clone->NodeCount()}), std::tuple(false, 1));
 }
 
 TEST(DomLifetime, DeepTreesAreBuiltHeldAndFreedWithoutRecursion) {
