@@ -1,6 +1,8 @@
 // Elements: namespace declarations made on insertion, pending URIs, xml:space, lookups, text.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_messages.h"
@@ -28,8 +30,7 @@ TEST(DomElement, NamespaceDeclarationsOnInsertion) {
   EXPECT_EQ(AttrNames(p), u"xmlns:p=v,");
   // A URI declared for the same prefix above needs no new attribute.
   TVnDOMElement* again = p->AddElement(u"v", u"p:b");
-  EXPECT_EQ(again->AttributeCount(), 0);
-  EXPECT_EQ(again->GetNamespaces()->Count(), 2);
+  EXPECT_EQ((std::tuple{again->AttributeCount(), again->GetNamespaces()->Count()}), std::tuple(0, 2));
   EXPECT_EQ(p->ElementByName(u"w", u"none", coReturnNil), nullptr);
 }
 
@@ -68,9 +69,8 @@ TEST(DomElement, RemovingADeclarationDropsLinksToIt) {
   TVnDOMAttribute* pa = child->AddAttribute(u"p:k");
   EXPECT_EQ(child->GetNamespaceURI(), u"v");
   root->RemoveAttribute(u"xmlns:p");  // freed: nothing may still point at it
-  EXPECT_EQ(child->GetNamespaceURI(), u"");
-  EXPECT_EQ(pa->GetNamespaceURI(), u"");
-  EXPECT_EQ(child->GetNamespaces()->Count(), 0);
+  EXPECT_EQ((std::tuple{child->GetNamespaceURI(), pa->GetNamespaceURI(), child->GetNamespaces()->Count()}),
+            std::tuple(u"", u"", 0));
 }
 
 TEST(DomElement, XmlSpaceInheritance) {
@@ -85,8 +85,7 @@ TEST(DomElement, XmlSpaceInheritance) {
   auto moved = std::make_unique<TVnDOMElement>();
   moved->SetAttribute(u"xml:space", u"PRESERVE");
   TVnDOMElement* m = root->Append(std::move(moved));
-  EXPECT_TRUE(m->GetPreserveSpace());
-  EXPECT_TRUE(m->AddText(u" ")->GetPreserveSpace());
+  EXPECT_EQ((std::tuple{m->GetPreserveSpace(), m->AddText(u" ")->GetPreserveSpace()}), std::tuple(true, true));
 }
 
 TEST(DomElement, AttributesByName) {
@@ -110,13 +109,11 @@ TEST(DomElement, ElementListsAndNeighbours) {
   a.AddElement(u"x:a");
   auto all = a.CreateElementList(u"a", true);
   ASSERT_EQ(all->Count(), 2);
-  EXPECT_EQ(all->GetItem(0), &a);  // itself first
-  EXPECT_EQ(all->GetItem(1), inner);
-  EXPECT_EQ(a.CreateElementList(u"*:a", true)->Count(), 3);
-  EXPECT_EQ(a.CreateElementList(u"a", false)->Count(), 1);
+  EXPECT_EQ((std::tuple{all->GetItem(0), all->GetItem(1)}), std::tuple(&a, inner));  // itself first
+  EXPECT_EQ((std::tuple{a.CreateElementList(u"*:a", true)->Count(), a.CreateElementList(u"a", false)->Count()}),
+            std::tuple(3, 1));
   EXPECT_THROW(a.CreateElementList(u"a", true, {soRaise}), Exception);
-  EXPECT_EQ(b->NextElement()->GetQualifiedName(), u"x:a");
-  EXPECT_EQ(b->PreviousElement(), nullptr);
+  EXPECT_EQ((std::tuple{b->NextElement()->GetQualifiedName(), b->PreviousElement()}), std::tuple(u"x:a", nullptr));
   EXPECT_THROW(inner->FirstElement(), EVnDomNotFound);
 }
 
@@ -127,13 +124,12 @@ TEST(DomElement, TextValues) {
   a.AddElement(u"b")->AddText(u"y");
   a.AddText(u"z");
   a.AddCDATA(u"<d>");
-  EXPECT_EQ(a.GetNodeValue(), u"xz<d>");
-  EXPECT_EQ(a.GetText(), u"x c z<d>y");
+  EXPECT_EQ((std::tuple{a.GetNodeValue(), a.GetText()}), std::tuple(u"xz<d>", u"x c z<d>y"));
   a.SetNodeValue(u"new & old");
-  EXPECT_EQ(a.GetCharNodes()->Count(), 2);  // the CDATA section stays
-  EXPECT_EQ(a.GetNodeValue(), u"<d>new & old");
-  EXPECT_EQ(a.GetCDATA(0)->GetNodeValue(), u"<d>");
-  EXPECT_EQ(a.GetCDATA(1)->GetNodeValue(), u"");  // one past the last adds one
+  // The CDATA section stays; reading one past the last adds one.
+  EXPECT_EQ((std::tuple{a.GetCharNodes()->Count(), a.GetNodeValue(), a.GetCDATA(0)->GetNodeValue(),
+                        a.GetCDATA(1)->GetNodeValue()}),
+            std::tuple(2, u"<d>new & old", u"<d>", u""));
   EXPECT_THROW(a.GetCDATA(5), EListError);
   a.SetAsInteger(42);
   EXPECT_EQ(a.GetAsInteger(), 0);  // the CDATA sections stay part of the value: "<d>42"
@@ -142,7 +138,7 @@ TEST(DomElement, TextValues) {
   EXPECT_EQ(n.GetAsInteger(), 42);
   a.SetInnerXML(u"");
   EXPECT_EQ(a.ElementCount(), 0);
-  EXPECT_FALSE(a.GetCharNodes()->Count() == 0);
+  EXPECT_NE(a.GetCharNodes()->Count(), 0);
 }
 
 TEST(DomElement, NormalizeMergesNeighbouringText) {
@@ -154,8 +150,8 @@ TEST(DomElement, NormalizeMergesNeighbouringText) {
   a.AddCDATA(u"d");
   a.AddText(u"e");
   a.NormalizeTextNodes();
-  EXPECT_EQ(a.GetChildNodes()->Count(), 5);
-  EXPECT_EQ(a.GetCharNodes()->GetItem(0)->GetNodeValue(), u"a&");
+  EXPECT_EQ((std::tuple{a.GetChildNodes()->Count(), a.GetCharNodes()->GetItem(0)->GetNodeValue()}),
+            std::tuple(5, u"a&"));
 }
 
 TEST(DomElement, OutputOfElementsAndLeaves) {
@@ -163,9 +159,8 @@ TEST(DomElement, OutputOfElementsAndLeaves) {
   TVnDOMElement* a = doc.CreateRootNode(u"a");
   a->AddElement(u"b")->AddText(u"x");
   a->AddElement(u"c");
-  EXPECT_EQ(a->GetXML(), u"<a><b>x</b><c /></a>");
-  EXPECT_EQ(a->GetFormattedXML(), u"<a>\r\n  <b>x</b>\r\n  <c />\r\n</a>");
-  EXPECT_EQ(a->GetInnerXML(), u"<b>x</b><c />");
+  EXPECT_EQ((std::tuple{a->GetXML(), a->GetFormattedXML(), a->GetInnerXML()}),
+            std::tuple(u"<a><b>x</b><c /></a>", u"<a>\r\n  <b>x</b>\r\n  <c />\r\n</a>", u"<b>x</b><c />"));
   a->SetAttribute(u"k", u"v\"");
   EXPECT_EQ(a->FindAttribute(u"k")->GetXML(), u" k=\"v&quot;\"");
 }
@@ -182,9 +177,9 @@ TEST(DomScale, WideTreeUnderManyDeclarations) {
     TVnDOMElement* r = static_cast<TVnDOMElement*>(doc.AppendChild(root.release()));
     for (size_t i = 0; i < 2 * n; ++i) r->AddElement(u"urn:99", u"p99:c");
     EXPECT_EQ(r->ElementCount(), static_cast<Integer>(2 * n));
-    EXPECT_EQ(r->LastElement()->AttributeCount(), 0);
-    EXPECT_EQ(r->LastElement()->GetNamespaceURI(), u"urn:99");
-    EXPECT_EQ(r->LastElement()->GetNamespaces()->Count(), static_cast<Integer>(n));
+    TVnDOMElement* last = r->LastElement();
+    EXPECT_EQ((std::tuple{last->AttributeCount(), last->GetNamespaceURI(), last->GetNamespaces()->Count()}),
+              std::tuple(0, u"urn:99", static_cast<Integer>(n)));
   }, 5000);
 }
 
