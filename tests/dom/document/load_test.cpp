@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "common/message_of.h"
 #include "support/files.h"
@@ -33,8 +34,7 @@ TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
   EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
   // No mark, a Latin-1 declaration: the byte E9 is one character; the document keeps "UTF-8" for output.
   doc = FromBytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>");
-  EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
-  EXPECT_EQ(doc->GetEncoding(), u"UTF-8");
+  EXPECT_EQ((std::tuple{doc->GetRootNode()->GetText(), doc->GetEncoding()}), std::tuple(u"\u00e9", u"UTF-8"));
   EXPECT_EQ(doc->GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"ISO-8859-1\"");
   // UTF-16 with its mark.
   const std::u16string text = u"\uFEFF  <a>\u4e2d</a>";
@@ -53,22 +53,18 @@ TEST(DomLoad, TreeShapeFromEvents) {
   ASSERT_NE(a, nullptr);
   // Prolog nodes stay in order; the DOCTYPE leaves nothing.
   ASSERT_EQ(doc->NodeCount(), 5);
-  EXPECT_EQ(doc->ChildAt(0)->GetQualifiedName(), u"xml");
-  EXPECT_EQ(doc->ChildAt(1)->GetNodeType(), ntComment);
-  EXPECT_EQ(doc->ChildAt(4)->GetNodeType(), ntComment);
+  EXPECT_EQ((std::tuple{doc->ChildAt(0)->GetQualifiedName(), doc->ChildAt(1)->GetNodeType(),
+                        doc->ChildAt(4)->GetNodeType()}),
+            std::tuple(u"xml", ntComment, ntComment));
   // Values are stored escaped and decoded on demand.
   TVnDOMAttribute* x = a->FindAttribute(u"x");
-  EXPECT_EQ(x->GetStoredValue(), u"1&amp;2");
-  EXPECT_EQ(x->GetNodeValue(), u"1&2");
+  EXPECT_EQ((std::tuple{x->GetStoredValue(), x->GetNodeValue()}), std::tuple(u"1&amp;2", u"1&2"));
   // Blank text between elements goes, unless xml:space keeps it.
-  EXPECT_EQ(a->ElementCount(), 2);
-  TVnDOMElement* c = a->FindElement(u"c");
-  EXPECT_EQ(c->CharNodesView().size(), 1u);
-  EXPECT_EQ(a->GetCDATACount(), 1);
-  EXPECT_EQ(a->GetCDATA(0)->GetNodeValue(), u"<raw>");
+  EXPECT_EQ((std::tuple{a->ElementCount(), a->FindElement(u"c")->CharNodesView().size(), a->GetCDATACount(),
+                        a->GetCDATA(0)->GetNodeValue()}),
+            std::tuple(2, 1u, 1, u"<raw>"));
   // The default namespace belongs to the declaring element; the unprefixed child has none.
-  EXPECT_EQ(a->GetNamespaceURI(), u"u");
-  EXPECT_EQ(a->FindElement(u"b")->GetNamespaceURI(), u"");
+  EXPECT_EQ((std::tuple{a->GetNamespaceURI(), a->FindElement(u"b")->GetNamespaceURI()}), std::tuple(u"u", u""));
 }
 
 TEST(DomLoad, RootAndRepeatedLoads) {
@@ -96,8 +92,8 @@ TEST(DomLoad, FailuresCarryLineAndColumn) {
   TVnDOMDocument doc;
   const UnicodeString message = test::MessageOf<EVnDomSyntax>([&] { doc.LoadXML(u"<a>\r\n  <b x=></b></a>"); });
   EXPECT_EQ(message.rfind(u"Line 2, column ", 0), 0u) << UnicodeToUtf8(message);
-  EXPECT_EQ(doc.GetLoadState(), lsLoaded);
   // What was built before the failure stays.
+  EXPECT_EQ(doc.GetLoadState(), lsLoaded);
   EXPECT_NE(doc.GetRootNode(), nullptr);
 
   // A handler that sets Handled gets the reader's own exception.
@@ -124,8 +120,8 @@ TEST(DomLoad, FailedLoadLeavesAWholeTree) {
     ASSERT_NE(a, nullptr);
     ASSERT_EQ(a->ElementCount(), 1);
     TVnDOMElement* b = static_cast<TVnDOMElement*>(a->ElementsView()[0]);
-    EXPECT_EQ(b->AttributeCount(), 1);
-    EXPECT_EQ(b->NodeCount(), 4);  // the attribute, c, the comment, the text
+    // The attribute, c, the comment, the text.
+    EXPECT_EQ((std::tuple{b->AttributeCount(), b->NodeCount()}), std::tuple(1, 4));
     EXPECT_EQ(b->GetXML(), u"<b x=\"1\"><c>t</c><!--n-->u</b>");
   };
   const char16_t* text = u"<a><b x=\"1\"><c>t</c><!--n-->u<d y=\"2\" z";
@@ -152,8 +148,7 @@ TEST(DomLoad, DeclarationThatFailsToDecodeLeavesAWholeTree) {
     EXPECT_THROW(doc.LoadXML(text), EVnDomSyntax);
     ASSERT_NE(doc.GetRootNode(), nullptr);
     TVnDOMElement* a = doc.GetRootNode()->ElementCount() ? doc.GetRootNode()->LastElement() : doc.GetRootNode();
-    EXPECT_EQ(a->AttributeCount(), 1);
-    EXPECT_EQ(a->NodeCount(), 1);
+    EXPECT_EQ((std::tuple{a->AttributeCount(), a->NodeCount()}), std::tuple(1, 1));
   }
 }
 
@@ -193,8 +188,8 @@ TEST(DomLoad, FilesRoundTripWithURI) {
   doc->SetEncoding(u"ISO-8859-1");
   doc->SaveToFile(name, true, false);
   TVnDOMDocument back(name, fmOpenRead);
-  EXPECT_EQ(back.GetDocumentURI(), name);
-  EXPECT_EQ(back.GetRootNode()->FindElement(u"b")->GetText(), u"\u00e9");
+  EXPECT_EQ((std::tuple{back.GetDocumentURI(), back.GetRootNode()->FindElement(u"b")->GetText()}),
+            std::tuple(name, u"\u00e9"));
   file.reset();
   EXPECT_THROW(TVnDOMDocument(name, fmOpenRead), Exception);
 }

@@ -2,6 +2,8 @@
 // the sanitizers if a loaded node outlived its memory or the memory outlived every node.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "vnxml/dom.h"
 
 namespace vn {
@@ -40,8 +42,8 @@ TEST(DomLoadedMemory, NodesMoveBetweenDocumentsOfDifferentLoads) {
   // Arrays that started in the first load's memory grow on the heap from now on.
   for (int i = 0; i < 50; ++i) item->AddElement(u"more")->AddText(u"t");
   item->SetAttribute(u"n", u"moved");
-  EXPECT_EQ(second->GetRootNode()->FirstElement()->GetAttribute(u"n"), u"moved");
-  EXPECT_EQ(second->GetRootNode()->FirstElement()->ElementCount(), 51);
+  TVnDOMElement* moved = second->GetRootNode()->FirstElement();
+  EXPECT_EQ((std::tuple{moved->GetAttribute(u"n"), moved->ElementCount()}), std::tuple(u"moved", 51));
 }
 
 TEST(DomLoadedMemory, RepeatedLoadsIntoOneTreeFreeWhatTheyReplace) {
@@ -70,13 +72,12 @@ TEST(DomLoadedMemory, LoadedTextAndNamesEditInPlace) {
   static_cast<TVnDOMText*>(e->CharNodesView()[0])->SetNodeValue(u"changed");
   static_cast<TVnDOMText*>(e->CharNodesView()[0])->AppendStr(u" again");
   r->AttributeByName(u"a")->SetNodeValue(u"9");
-  EXPECT_EQ(r->GetXML(),
-            u"<r a=\"9\" xmlns:p=\"urn:p\"><p:renamed p:b=\"2\">changed again</p:renamed><e>two</e></r>");
-  EXPECT_EQ(e->GetNamespaceURI(), u"urn:p");
+  const UnicodeString edited =
+      u"<r a=\"9\" xmlns:p=\"urn:p\"><p:renamed p:b=\"2\">changed again</p:renamed><e>two</e></r>";
+  EXPECT_EQ((std::tuple{r->GetXML(), e->GetNamespaceURI()}), std::tuple(edited, u"urn:p"));
   auto clone = r->CloneNode(true);
   doc.reset();
-  EXPECT_EQ(clone->GetXML(),
-            u"<r a=\"9\" xmlns:p=\"urn:p\"><p:renamed p:b=\"2\">changed again</p:renamed><e>two</e></r>");
+  EXPECT_EQ(clone->GetXML(), edited);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "alloc_counter.h"
 #include "vnxml/common/sysutils.h"
@@ -53,31 +54,28 @@ TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
       TVnDOMElement* top = doc.GetRootNode();
       TVnDOMElement* b = Find(top, u"b");
       ASSERT_NE(b, nullptr);
-      EXPECT_EQ(b->GetNamespaceURI(), u"v");
       ASSERT_NE(b->GetNamespaceDecl(), nullptr);
-      EXPECT_EQ(b->GetNamespaceDecl()->OwnerElement(), b);
-      EXPECT_EQ(static_cast<TVnDOMElement*>(b->ParentNode())->FindElement(u"v", u"b"), b);
-      EXPECT_EQ(top->CreateElementList(u"v", u"b", true)->Count(), 1);
+      EXPECT_EQ((std::tuple{b->GetNamespaceURI(), b->GetNamespaceDecl()->OwnerElement(),
+                            static_cast<TVnDOMElement*>(b->ParentNode())->FindElement(u"v", u"b"),
+                            top->CreateElementList(u"v", u"b", true)->Count()}),
+                std::tuple(u"v", b, b, 1));
       // A child in the same namespace needs no declaration of its own.
       TVnDOMElement* c = b->AddElement(u"v", u"c");
-      EXPECT_EQ(c->GetNamespaceURI(), u"v");
-      EXPECT_EQ(c->GetXML(), u"<c />");
+      EXPECT_EQ((std::tuple{c->GetNamespaceURI(), c->GetXML()}), std::tuple(u"v", u"<c />"));
       // A later refresh of the subtree keeps the declaration and its value.
       top->SetAttribute(u"xmlns:gone", u"x");
       top->RemoveAttribute(u"xmlns:gone");
-      EXPECT_EQ(b->GetNamespaceURI(), u"v");
-      EXPECT_EQ(b->GetAttribute(u"xmlns"), u"v");
+      EXPECT_EQ((std::tuple{b->GetNamespaceURI(), b->GetAttribute(u"xmlns")}), std::tuple(u"v", u"v"));
     }
 }
 
 TEST(DomNamespacesLoad, UnprefixedChildOfAnUnprefixedParentDoesNotInheritTheDefault) {
   auto doc = TVnDOMDocument::FromXML(u"<a xmlns=\"u\"><b/><p:c xmlns:p=\"u\"><d/></p:c></a>");
   TVnDOMElement* a = doc->GetRootNode();
-  EXPECT_EQ(a->GetNamespaceURI(), u"u");
-  EXPECT_EQ(Find(a, u"b")->GetNamespaceURI(), u"");
-  EXPECT_EQ(Find(a, u"c")->GetNamespaceURI(), u"u");
-  // A prefix between them puts the default in force again.
-  EXPECT_EQ(Find(a, u"d")->GetNamespaceURI(), u"u");
+  // A prefix between them puts the default in force again: d is in "u".
+  EXPECT_EQ((std::tuple{a->GetNamespaceURI(), Find(a, u"b")->GetNamespaceURI(), Find(a, u"c")->GetNamespaceURI(),
+                        Find(a, u"d")->GetNamespaceURI()}),
+            std::tuple(u"u", u"", u"u", u"u"));
   EXPECT_EQ(doc->GetXML(), u"<a xmlns=\"u\"><b /><p:c xmlns:p=\"u\"><d /></p:c></a>");
 }
 
