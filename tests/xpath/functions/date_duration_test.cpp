@@ -21,12 +21,10 @@ TEST_F(FunctionTest, DurationParts) {
 
 // Each function reports a bad duration under its own name, and a wrong count of parameters too.
 TEST_F(FunctionTest, DurationErrorsNameTheirFunction) {
-  ExpectXPathError(uR"(years-from-duration("1Y"))", u"FORG0006",
-                   u"An invalid parameter was passed to fn:years-from-duration(arg)");
-  ExpectXPathError(uR"(hours-from-duration("PXH"))", u"FORG0006",
-                   u"An invalid parameter was passed to fn:hours-from-duration(arg)");
-  ExpectXPathError(u"seconds-from-duration(@missing)", u"FORG0006",
-                   u"An invalid parameter was passed to fn:seconds-from-duration(arg)");
+  for (const auto& [function, argument] :
+       {std::pair{u"years", uR"("1Y")"}, {u"hours", uR"("PXH")"}, {u"seconds", u"@missing"}})
+    ExpectXPathError(UnicodeString(function) + u"-from-duration(" + argument + u")", u"FORG0006",
+                     u"An invalid parameter was passed to fn:" + UnicodeString(function) + u"-from-duration(arg)");
   ExpectError<EVnDomSyntax>(u"days-from-duration()",
                             u"The \"fn:days-from-duration(arg)\" function must have 1 parameter!");
 }
@@ -61,10 +59,10 @@ TEST_F(FunctionTest, TimeZoneOfUtcIsTheLocalOffset) {
 }
 
 TEST_F(FunctionTest, DateTimeJoinsDateAndTime) {
-  EXPECT_EQ(ShowEval(uR"(dateTime("2020-01-01", "10:00:00Z"))"), "str 2020-01-01T10:00:00.000Z");
-  EXPECT_EQ(ShowEval(uR"(dateTime("2020-01-01+01:00", "10:00:00"))"), "str 2020-01-01T10:00:00.000+01:00");
-  EXPECT_EQ(ShowEval(uR"(dateTime("2020-01-01-01:30", "10:00:00-02:00"))"), "str 2020-01-01T10:00:00.000-02:00");
-  EXPECT_EQ(ShowEval(uR"(dateTime("2020-01-01", "10:20:30.5"))"), "str 2020-01-01T10:20:30.500");
+  ExpectShown({{uR"(dateTime("2020-01-01", "10:00:00Z"))", "str 2020-01-01T10:00:00.000Z"},
+               {uR"(dateTime("2020-01-01+01:00", "10:00:00"))", "str 2020-01-01T10:00:00.000+01:00"},
+               {uR"(dateTime("2020-01-01-01:30", "10:00:00-02:00"))", "str 2020-01-01T10:00:00.000-02:00"},
+               {uR"(dateTime("2020-01-01", "10:20:30.5"))", "str 2020-01-01T10:20:30.500"}});
   ExpectXPathError(uR"(dateTime("2020-01-01Z", "10:00:00+01:00"))", u"FORG0008",
                    u"An invalid parameter was passed to fn:dateTime(arg)");
   ExpectError<EVnDomSyntax>(uR"(dateTime("2020-01-01"))", detail::cFnDateTimeArity);
