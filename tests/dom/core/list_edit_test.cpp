@@ -2,6 +2,8 @@
 // follow their owner's document, and element lists hold elements only.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -64,9 +66,8 @@ TEST(DomListEdits, EditsThroughANodesOwnListsKeepTheTreeWhole) {
     TVnDOMNodeListBase* list = v.List(*e);
     Integer before = e->NodeCount();
     TVnDOMNode* added = list->Add(Make(v.Fits), rdpFirst);
-    EXPECT_EQ(added->GetParent(), e.get());
-    EXPECT_EQ(list->GetItem(0), added);
-    EXPECT_EQ(e->NodeCount(), before + 1);
+    EXPECT_EQ((std::tuple{added->GetParent(), list->GetItem(0), e->NodeCount()}),
+              std::tuple(e.get(), added, before + 1));
     EXPECT_THROW(list->Add(added), EVnDomHierarchyRequest);  // a child stays where it is
     ExpectConsistent(*e);
 
@@ -87,8 +88,7 @@ TEST(DomListEdits, EditsThroughANodesOwnListsKeepTheTreeWhole) {
     list = v.List(*e);
     Integer others = e->NodeCount() - list->Count();
     list->Clear();
-    EXPECT_EQ(list->Count(), 0);
-    EXPECT_EQ(e->NodeCount(), others);
+    EXPECT_EQ((std::tuple{list->Count(), e->NodeCount()}), std::tuple(0, others));
     ExpectConsistent(*e);
   }
 }
@@ -154,8 +154,8 @@ TEST(DomListOwner, ListsFollowTheDocumentOfTheirOwner) {
   second.SetSelectCheckOption(coReturnNil);
   a->ParentNode()->RemoveChild(a);
   second.CreateRootNode(u"r")->AppendChild(a);
-  EXPECT_FALSE(list->GetElement(Variant(u"item")));
-  EXPECT_TRUE(list->GetElement(Variant(u"Item")));
+  EXPECT_EQ((std::tuple{bool(list->GetElement(Variant(u"item"))), bool(list->GetElement(Variant(u"Item")))}),
+            std::tuple(false, true));
 
   second.GetRootNode()->RemoveChild(a);
   first.reset();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 
 #include "support/files.h"
 #include "vnxml/common/code_page.h"
@@ -149,8 +150,7 @@ TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
   TVnStringStream s(std::string_view("0123456789ABCDEF"), cVnCodePageUTF8);
   s.Seek(2, soBeginning);
   a->SaveToStream(s, cVnCodePageUTF8, false);
-  EXPECT_EQ(s.GetBytesView(), "01<a>t</a>ABCDEF");
-  EXPECT_EQ(s.GetPosition(), 10);
+  EXPECT_EQ((std::tuple{s.GetBytesView(), s.GetPosition()}), std::tuple("01<a>t</a>ABCDEF", 10));
   // Behind the end: the gap is filled with zeros.
   TVnStringStream gap(std::string_view("ab"), cVnCodePageUTF8);
   gap.Seek(2, soEnd);
@@ -161,8 +161,7 @@ TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
   tail.Add(std::u16string_view(u"x"));
   a->SaveToStream(tail, cVnCodePageUTF16LE, false);
   a->SaveToStream(tail, cVnCodePageUTF16LE, false);
-  EXPECT_EQ(tail.GetWString(), u"x<a>t</a><a>t</a>");
-  EXPECT_EQ(tail.GetPosition(), tail.GetSize());
+  EXPECT_EQ((std::tuple{tail.GetWString(), tail.GetPosition()}), std::tuple(u"x<a>t</a><a>t</a>", tail.GetSize()));
   // A read-only view refuses, as its Write does.
   const char fixed[] = "0123456789";
   TVnMemoryStream view(fixed, 10);
