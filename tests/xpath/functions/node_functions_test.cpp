@@ -26,9 +26,8 @@ TEST_F(FunctionTest, NodeFunctionValues) {
   EXPECT_EQ(Show(EvalOn(FDoc.GetRootNode()->FindAttribute(u"xmlns:p"), u"node-name()")), "str p");
   // An element without namespace falls back to the document's URI.
   FDoc.SetDocumentURI(u"file:///data/doc.xml");
-  EXPECT_EQ(ShowEval(u"base-uri()"), "str file:///data/doc.xml");
-  EXPECT_EQ(ShowEval(u"base-uri(p:g)"), "str urn:p");
-  EXPECT_EQ(ShowEval(u"document-uri(p:g)"), "str file:///data/doc.xml");
+  ExpectShown({{u"base-uri()", "str file:///data/doc.xml"}, {u"base-uri(p:g)", "str urn:p"},
+               {u"document-uri(p:g)", "str file:///data/doc.xml"}});
 }
 
 TEST_F(FunctionTest, NodeArgumentMustBeOneNode) {
@@ -60,8 +59,8 @@ TEST_F(FunctionTest, StringRefusesListsAtParseTime) {
 }
 
 TEST_F(FunctionTest, ErrorRaisesWithCodeMessageAndObject) {
-  ExpectXPathError(u"error()", u"FOER0000", u"An exception was raised");
-  ExpectXPathError(uR"(error("MY01"))", u"MY01", u"An exception was raised");
+  for (const auto& [expr, code] : {std::pair{u"error()", u"FOER0000"}, {uR"(error("MY01"))", u"MY01"}})
+    ExpectXPathError(expr, code, u"An exception was raised");
   ExpectXPathError(uR"(error("MY01", "boom"))", u"MY01", u"boom");
   try {
     Eval(uR"(error("MY01", "boom", @b))");
@@ -77,8 +76,7 @@ TEST_F(FunctionTest, TraceLogsToTheXPathLoggerAndGivesItsValue) {
   Logger::SetSink([&](TVnLogLevel, std::u16string_view AName, std::u16string_view AMessage) {
     lines.push_back(UnicodeToUtf8(AName) + ": " + UnicodeToUtf8(AMessage));
   });
-  EXPECT_EQ(ShowEval(uR"(trace(@b, "b is"))"), "str x");
-  EXPECT_EQ(ShowEval(uR"(trace(5, ""))"), "int 5");
+  ExpectShown({{uR"(trace(@b, "b is"))", "str x"}, {uR"(trace(5, ""))", "int 5"}});
   Logger::SetSink({});
   EXPECT_EQ(lines, (std::vector<std::string>{"XPath: b is; value=x", "XPath: 5"}));
   ExpectError<EVnDomSyntax>(u"trace(1)", detail::cFnTraceArity);
