@@ -8,7 +8,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -119,16 +118,15 @@ void ExpectSameTree(TVnDOMNode* ARootA, TVnDOMNode* ARootB, const std::string& A
     auto [a, b] = stack.back();
     stack.pop_back();
     ASSERT_EQ(a->GetNodeType(), b->GetNodeType()) << AWhere;
-    auto names = [](TVnDOMNode* n) {
-      return std::tuple{n->GetQualifiedName(), n->GetNamespaceURI(), n->GetPreserveSpace()};
-    };
-    auto lists = [](TVnDOMNode* n) {
-      auto* e = static_cast<TVnDOMElement*>(n);
-      return std::tuple{e->AttributeCount(), e->ElementCount(), e->CharNodesView().size()};
-    };
-    EXPECT_EQ(names(a), names(b)) << AWhere;
+    EXPECT_EQ(a->GetQualifiedName(), b->GetQualifiedName()) << AWhere;
+    EXPECT_EQ(a->GetNamespaceURI(), b->GetNamespaceURI()) << AWhere;
+    EXPECT_EQ(a->GetPreserveSpace(), b->GetPreserveSpace()) << AWhere;
     if (a->GetNodeType() == ntElement) {
-      EXPECT_EQ(lists(a), lists(b)) << AWhere;
+      auto* ea = static_cast<TVnDOMElement*>(a);
+      auto* eb = static_cast<TVnDOMElement*>(b);
+      EXPECT_EQ(ea->AttributeCount(), eb->AttributeCount()) << AWhere;
+      EXPECT_EQ(ea->ElementCount(), eb->ElementCount()) << AWhere;
+      EXPECT_EQ(ea->CharNodesView().size(), eb->CharNodesView().size()) << AWhere;
     } else if (a->GetNodeType() != ntDocument) {
       // The text as stored: decoding may rightly fail on a bad reference.
       EXPECT_EQ(a->GetXML(), b->GetXML()) << AWhere;

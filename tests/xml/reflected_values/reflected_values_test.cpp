@@ -37,7 +37,7 @@ using test::MessageOf;
 
 const TTypeInfo* Named(std::u16string_view AName) { return FindTypeInfo(AName); }
 
-TEST(ValToXML, TextByKind) {
+TEST(ValToXML, TextByKindAndComplexKinds) {
   const auto outside = static_cast<TSize>(7);
   const TDateTime moment = EncodeDateTime(2024, 2, 29, 13, 5, 6, 7);
   const std::pair<TValue, const char16_t*> cases[] = {
@@ -47,9 +47,7 @@ TEST(ValToXML, TextByKind) {
       {TValue::Make(&moment, Named(u"TDateTime")), u"2024-02-29T13:05:06.007"},
       {TValue::Make(&moment, Named(u"TDate")), u"2024-02-29"}, {TValue::Make(&moment, Named(u"TTime")), u"13:05:06.007"}};
   for (const auto& [value, text] : cases) EXPECT_EQ(VnValToXML(value), text) << UnicodeToUtf8(text);
-}
-
-TEST(ValToXML, ComplexKindsGoThroughTheXMLSerializer) {
+  // Complex kinds go through the XML serializer.
   TThing thing;
   EXPECT_NE(VnValToXML(TValue::FromObject(&thing)).find(u"<object"), UnicodeString::npos);
   EXPECT_NE(VnValToXML(TValue::From(TPair{})).find(u"<record"), UnicodeString::npos);
@@ -98,7 +96,7 @@ TEST(XMLToValue, EnumerationsAndSets) {
   EXPECT_THROW(VnXMLToValue(u"[szHuge]", sizes), EPropertyConvertError);
 }
 
-TEST(XMLToValue, UnsupportedKindsAndBadText) {
+TEST(XMLToValue, UnsupportedKindsBadTextAndTypeNames) {
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"<A>1</A>", TypeInfoOf<TPair>()); }),
             Format(cVnXMLToValueUnsupported, {u"<A>1</A>", u"TPair"}));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"x", static_cast<const TTypeInfo*>(nullptr)); }),
@@ -108,9 +106,7 @@ TEST(XMLToValue, UnsupportedKindsAndBadText) {
   EXPECT_EQ((std::tuple{VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(),
                         VnXMLToValue(u"", TypeInfoOf<char16_t>()).AsOrdinal()}),
             std::tuple('?', 0));
-}
-
-TEST(XMLToValue, ByTypeName) {
+  // By type name.
   EXPECT_EQ((std::tuple{VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(),
                         VnXMLToValue(u"a&amp;b", u"string").AsString()}),
             std::tuple(2, u"a&b"));

@@ -104,19 +104,15 @@ TEST_F(Filter, ParserMessages) {
   ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), Format(detail::cFnUnsupportedFunction, {u"nosuchfunction"}));
 }
 
-TEST_F(Filter, PathsWithFiltersInsideFilters) {
-  ExpectItems({{u"[v[1]]", u"1"}, {u"[../i[3]]", u"1 2 3 4"}});
+TEST_F(Filter, PathsAndLibraryFunctionsInsideFilters) {
+  ExpectItems({{u"[v[1]]", u"1"}, {u"[../i[3]]", u"1 2 3 4"}, {u"[contains(@a, \".\")][0]", u"2"},
+               {u"[contains(v, \"x\")]", u"2"},  // several v give an array, which is no text
+               {u"[string-length(@a) = 3]", u"2"}});
   // A slash behind a nested "]" separates steps: "notes = 1]" becomes a step that matches nothing.
   EXPECT_EQ(Items(u"[../i[3]/notes = 1]"), u"");
   EXPECT_EQ(Sel(FDoc->GetRootNode(), u"i[v[@x]]"), u"");
   // A "]" inside a string literal ends the filter early.
   EXPECT_THROW(Items(u"[v = \"a]b\"]"), EVnDomSyntax);
-}
-
-TEST_F(Filter, FunctionsFromTheLibraryTakePartInFilters) {
-  ExpectItems({{u"[contains(@a, \".\")][0]", u"2"},
-               {u"[contains(v, \"x\")]", u"2"},  // several v give an array, which is no text
-               {u"[string-length(@a) = 3]", u"2"}});
 }
 
 TEST_F(Filter, NestingIsBoundedAndLongChainsWork) {

@@ -67,12 +67,21 @@ TEST(PathSteps, KindsSlashDotParentAndAttributes) {
   EXPECT_EQ(Sel(attrs->GetRootNode(), u"@*", {soLocalName}), u"@xmlns @xmlns:p @a @p:b");
 }
 
-TEST(PathSteps, DeepSearchesWalkDepthFirstInDocumentOrder) {
+TEST(PathSteps, DeepSearchesWalkDepthFirstListingEachNodesMatchesBeforeItsSubtrees) {
   auto doc = LoadDoc(u"<r id='r'><b id='1'><b id='2'/></b><x><b id='3'/></x></r>");
   ExpectSel(doc->GetRootNode()->FindElement(u"x"), {{u"//b", u"1 2 3"},  // from the document
                                                     {u".//b", u"3"}});    // from the context node
   ExpectSel(doc->GetRootNode(), {{u"b//", u"2"}, {u"//b//b", u"2"}});
   EXPECT_EQ(Sel(doc.get(), u"//@id"), u"@id @id @id @id");
+
+  doc = LoadDoc(u"<r>t1<a>t2<b>t3</b><!--c--></a>t4</r>");
+  TVnDOMElement* r = doc->GetRootNode();
+  std::unique_ptr<TVnDOMNodeList> texts = CreateNodeList(r, u"//text()");
+  UnicodeString values;
+  for (TVnDOMNode* t : *texts) values += t->GetNodeValue();
+  // The matches at a node come before those in its subtrees.
+  EXPECT_EQ(values, u"t1t4t2t3");
+  EXPECT_EQ(Sel(r, u".//node()"), u"#text a #text #text b #comment #text");
 }
 
 TEST(PathIndexes, FiltersCountFromZeroPerContextNode) {
@@ -86,17 +95,6 @@ TEST(PathIndexes, FiltersCountFromZeroPerContextNode) {
              {u"a/b[last()]", u"b2 b3"},  // the same filter on the candidates of each context node
              // last() is a test, not a number: compared with a position it is the Variant True (-1).
              {u"a/b[position() = last()]", u""}});
-}
-
-TEST(PathSteps, DeepSearchesListEachNodesMatchesBeforeItsSubtrees) {
-  auto doc = LoadDoc(u"<r>t1<a>t2<b>t3</b><!--c--></a>t4</r>");
-  TVnDOMElement* r = doc->GetRootNode();
-  std::unique_ptr<TVnDOMNodeList> texts = CreateNodeList(r, u"//text()");
-  UnicodeString values;
-  for (TVnDOMNode* t : *texts) values += t->GetNodeValue();
-  // The matches at a node come before those in its subtrees.
-  EXPECT_EQ(values, u"t1t4t2t3");
-  EXPECT_EQ(Sel(r, u".//node()"), u"#text a #text #text b #comment #text");
 }
 
 TEST(PathAlternatives, LargeResultsStayUniqueInOrderOfDiscovery) {
