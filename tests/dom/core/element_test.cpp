@@ -34,7 +34,7 @@ TEST(DomElement, NamespaceDeclarationsOnInsertion) {
   EXPECT_EQ(p->ElementByName(u"w", u"none", coReturnNil), nullptr);
 }
 
-TEST(DomElement, PendingURIAcrossDetachment) {
+TEST(DomElement, URIsAcrossDetachmentMovesAndRemovedDeclarations) {
   TVnDOMDocument doc;
   TVnDOMElement* root = doc.CreateRootNode(u"root");
   TVnDOMElement* a = root->AddElement(u"v", u"p:a");
@@ -45,25 +45,18 @@ TEST(DomElement, PendingURIAcrossDetachment) {
   held->RemoveAttribute(u"xmlns:p");
   EXPECT_EQ(a->GetNamespaceURI(), u"v");
   held = nullptr;
-}
 
-TEST(DomElement, AttributeMovedKeepsItsURI) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  // An attribute moved keeps its URI.
   TVnDOMElement* from = root->AddElement(u"from");
   TVnDOMElement* to = root->AddElement(u"to");
   TVnDOMAttribute* attr = from->AttributeByName(u"urn:x", u"q:k", true);
-  IPtr<IVnDOMAttribute> held = attr->As<IVnDOMAttribute>();
+  IPtr<IVnDOMAttribute> heldAttr = attr->As<IVnDOMAttribute>();
   from->RemoveChild(attr);
   EXPECT_EQ(attr->GetNamespaceURI(), u"urn:x");
   to->AppendChild(attr);
-  EXPECT_EQ(AttrNames(to), u"xmlns:q=urn:x,q:k=,");
-  EXPECT_EQ(attr->GetNamespaceURI(), u"urn:x");
-}
+  EXPECT_EQ((std::tuple{AttrNames(to), attr->GetNamespaceURI()}), std::tuple(u"xmlns:q=urn:x,q:k=,", u"urn:x"));
 
-TEST(DomElement, RemovingADeclarationDropsLinksToIt) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  // Removing a declaration drops the links to it.
   root->SetAttribute(u"xmlns:p", u"v");
   TVnDOMElement* child = root->AddElement(u"p:c");
   TVnDOMAttribute* pa = child->AddAttribute(u"p:k");
@@ -117,7 +110,7 @@ TEST(DomElement, ElementListsAndNeighbours) {
   EXPECT_THROW(inner->FirstElement(), EVnDomNotFound);
 }
 
-TEST(DomElement, TextValues) {
+TEST(DomElement, TextValuesAndNormalizing) {
   TVnDOMElement a;
   a.AddText(u"x");
   a.AddComment(u" c ");
@@ -139,18 +132,17 @@ TEST(DomElement, TextValues) {
   a.SetInnerXML(u"");
   EXPECT_EQ(a.ElementCount(), 0);
   EXPECT_NE(a.GetCharNodes()->Count(), 0);
-}
 
-TEST(DomElement, NormalizeMergesNeighbouringText) {
-  TVnDOMElement a;
-  a.AddText(u"a");
-  a.AddText(u"&");
-  a.AddComment(u"c");
-  a.AddText(u"b");
-  a.AddCDATA(u"d");
-  a.AddText(u"e");
-  a.NormalizeTextNodes();
-  EXPECT_EQ((std::tuple{a.GetChildNodes()->Count(), a.GetCharNodes()->GetItem(0)->GetNodeValue()}),
+  // Normalizing merges neighbouring text only.
+  TVnDOMElement m;
+  m.AddText(u"a");
+  m.AddText(u"&");
+  m.AddComment(u"c");
+  m.AddText(u"b");
+  m.AddCDATA(u"d");
+  m.AddText(u"e");
+  m.NormalizeTextNodes();
+  EXPECT_EQ((std::tuple{m.GetChildNodes()->Count(), m.GetCharNodes()->GetItem(0)->GetNodeValue()}),
             std::tuple(5, u"a&"));
 }
 

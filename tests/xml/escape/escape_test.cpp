@@ -38,16 +38,14 @@ TEST(VnStrToXML, ReplacesMarkupAndControlCharacters) {
         << std::string(c.Input.begin(), c.Input.end());
 }
 
-TEST(VnStrToXML, StringFormDropsCharacterZeroOtherFormsKeepIt) {
+TEST(VnStrToXML, StringFormDropsCharacterZeroOtherFormsKeepItAndWorkOnBytes) {
   const std::u16string withNul(u"a\0b<", 4);
   EXPECT_EQ(VnStrToXML(withNul, true, true), u"ab&lt;");
   EXPECT_EQ(VnStrToXML(std::string_view("a\0b<", 4), true, true), std::string("a\0b&lt;", 7));
   TVnStringStream stream;
   VnStrToXML(withNul.data(), static_cast<Integer>(withNul.size()), stream, true, true);
   EXPECT_EQ(stream.GetWString(), std::u16string(u"a\0b&lt;", 7));
-}
-
-TEST(VnStrToXML, AnsiFormWorksOnBytes) {
+  // The 8-bit form works on bytes.
   EXPECT_EQ(VnStrToXML("x<'\"\n", true, true), "x&lt;&apos;&quot;&#10;");
   EXPECT_EQ(VnStrToXML("x'\"", false, false), "x'\"");
   EXPECT_EQ(VnStrToXML("caf\xC3\xA9 \xFF", true, true), "caf\xC3\xA9 \xFF");  // bytes above 127 pass
@@ -106,6 +104,12 @@ TEST(VnXMLToStr, DecodesWhatItKnowsAndLeavesTheRestInTheText) {
   for (const auto& [input, expected] : cases)
     EXPECT_EQ(VnXMLToStr(input), expected) << std::string(input.begin(), input.end());
   EXPECT_EQ(VnXMLToStr(u"&#0;"), std::u16string(1, u'\0'));
+  // Entity keys fold mirrored characters.
+  EXPECT_EQ(detail::XMLEntityKey(u"iexlc"), detail::XMLEntityKey(u"iexcl"));
+  char16_t ch = 0;
+  EXPECT_FALSE(detail::FindXMLEntity(detail::XMLEntityKey(u""), ch));
+  ASSERT_TRUE(detail::FindXMLEntity(detail::XMLEntityKey(u"apos"), ch));
+  EXPECT_EQ(ch, u'\'');
 }
 
 TEST(VnXMLToStr, NumericReferenceWithoutDigitsRaises) {
@@ -124,14 +128,6 @@ TEST(VnXMLToStr, AnsiFormKnowsFiveEntitiesByTheirFirstLetter) {
       {"no references", "no references"},
   };
   for (const auto& [input, expected] : cases) EXPECT_EQ(VnXMLToStr(input), expected) << input;
-}
-
-TEST(VnXMLToStr, EntityKeysFoldMirroredCharacters) {
-  EXPECT_EQ(detail::XMLEntityKey(u"iexlc"), detail::XMLEntityKey(u"iexcl"));
-  char16_t ch = 0;
-  EXPECT_FALSE(detail::FindXMLEntity(detail::XMLEntityKey(u""), ch));
-  ASSERT_TRUE(detail::FindXMLEntity(detail::XMLEntityKey(u"apos"), ch));
-  EXPECT_EQ(ch, u'\'');
 }
 
 // ---- round trips ----
