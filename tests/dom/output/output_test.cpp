@@ -16,19 +16,27 @@ std::string Saved(TVnDOMDocument& ADoc, Word ACodePage, bool AFormatted, bool AB
 }
 
 TEST(DomOutput, PlainAndFormattedLayout) {
+  const std::pair<const char16_t*, const char16_t*> formatted[] = {
+      {u"<a><b>x</b><c/><d></d></a>", u"<a>\r\n  <b>x</b>\r\n  <c />\r\n  <d />\r\n</a>"},
+      // Mixed content: formatting breaks before the child element and the end tag...
+      {u"<a>t<b/></a>", u"<a>t\r\n  <b />\r\n</a>"},
+      // ...but not under xml:space="preserve".
+      {u"<a xml:space=\"preserve\">t<b/></a>", u"<a xml:space=\"preserve\">t<b /></a>"},
+      // The declaration opens the text with no line end; a comment always starts a line...
+      {u"<?xml version=\"1.0\"?><!--c--><a><!--in--><?p d?></a><?q?>",
+       u"<?xml version=\"1.0\"?>\r\n<!--c-->\r\n<a>\r\n  <!--in-->\r\n  <?p d?></a>\r\n<?q?>"},
+      // ...and one first in a document gets a leading line end.
+      {u"<!--c--><a/>", u"\r\n<!--c-->\r\n<a />"}};
+  for (const auto& [xml, text] : formatted)
+    EXPECT_EQ(TVnDOMDocument::FromXML(xml)->GetFormattedXML(), text) << UnicodeToUtf8(xml);
+  // Plain output writes the prolog back as it was read.
+  EXPECT_EQ(TVnDOMDocument::FromXML(formatted[3].first)->GetXML(), formatted[3].first);
   auto doc = TVnDOMDocument::FromXML(u"<a><b>x</b><c/><d></d></a>");
   EXPECT_EQ(doc->GetXML(), u"<a><b>x</b><c /><d /></a>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"<a>\r\n  <b>x</b>\r\n  <c />\r\n  <d />\r\n</a>");
   // An empty text child keeps the long form.
   TVnDOMElement* e = doc->GetRootNode()->AddElement(u"e");
   e->AddText(u"");
   EXPECT_EQ(e->GetXML(), u"<e></e>");
-  // Mixed content: formatting breaks before the child element and the end tag...
-  doc->LoadXML(u"<a>t<b/></a>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"<a>t\r\n  <b />\r\n</a>");
-  // ...but not under xml:space="preserve".
-  doc->LoadXML(u"<a xml:space=\"preserve\">t<b/></a>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"<a xml:space=\"preserve\">t<b /></a>");
   // Inner XML holds the child elements only.
   doc->LoadXML(u"<a>t<b />u<!--c--></a>");
   EXPECT_EQ(doc->GetRootNode()->GetInnerXML(), u"<b />");
@@ -36,17 +44,6 @@ TEST(DomOutput, PlainAndFormattedLayout) {
   doc->LoadXML(u"<a n=\"v&amp;w\">x &lt; y</a>");
   EXPECT_EQ(doc->GetRootNode()->FirstAttribute()->GetXML(), u" n=\"v&amp;w\"");
   EXPECT_EQ(doc->GetRootNode()->ChildAt(1)->GetXML(), u"x &lt; y");
-}
-
-TEST(DomOutput, DocumentLevelCommentsAndInstructions) {
-  auto doc = TVnDOMDocument::FromXML(u"<?xml version=\"1.0\"?><!--c--><a><!--in--><?p d?></a><?q?>");
-  // The declaration opens the text with no line end; a comment always starts a line.
-  EXPECT_EQ(doc->GetFormattedXML(),
-            u"<?xml version=\"1.0\"?>\r\n<!--c-->\r\n<a>\r\n  <!--in-->\r\n  <?p d?></a>\r\n<?q?>");
-  EXPECT_EQ(doc->GetXML(), u"<?xml version=\"1.0\"?><!--c--><a><!--in--><?p d?></a><?q?>");
-  // A comment first in a document gets a leading line end.
-  doc->LoadXML(u"<!--c--><a/>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"\r\n<!--c-->\r\n<a />");
 }
 
 TEST(DomOutput, ByteOrderMarksAndLineEndsAtTheStart) {
