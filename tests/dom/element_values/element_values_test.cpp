@@ -96,7 +96,7 @@ TEST(ElementValues, TypedWritersMarkTheTypeInSchemaInstanceMode) {
   EXPECT_EQ(e->GetAsString(), u"a<b&c");
 }
 
-TEST(ElementValues, NullSetsNilAndALaterValueRemovesIt) {
+TEST(ElementValues, NullSetsNilALaterValueRemovesItAndNilWinsOverTextAndType) {
   SchemaDoc d;
   TVnDOMElement* e = d.Add();
   e->SetAsInteger(1);
@@ -108,9 +108,8 @@ TEST(ElementValues, NullSetsNilAndALaterValueRemovesIt) {
   EXPECT_FALSE(HasNil(e));
   e->SetAsVariant(Variant());  // Unassigned counts as null too
   EXPECT_TRUE(HasNil(e));
-}
 
-TEST(ElementValues, NilWinsOverTextAndType) {
+  // Read, nil wins over text and type.
   std::unique_ptr<TVnDOMDocument> doc = TVnDOMDocument::FromXML(
       u"<r xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\">"
       u"<a i:nil=\"false\" i:type=\"xs:int\">12</a><b>12</b><c/><d i:type=\"xs:int\">12</d></r>");
