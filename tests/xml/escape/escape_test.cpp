@@ -73,7 +73,7 @@ TEST(VnStrToXML, StreamFormAppendsInTheStreamsCodePage) {
 
 // ---- decoding ----
 
-TEST(VnXMLToStr, DecodesWhatItKnowsAndLeavesTheRestInTheText) {
+TEST(VnXMLToStr, DecodesWhatItKnowsLeavesTheRestAndRaisesOnEmptyNumbers) {
   const std::pair<std::u16string_view, std::u16string_view> cases[] = {
       {u"", u""}, {u"no references", u"no references"}, {u"x&", u"x&"}, {u"&amp", u"&amp"}, {u"&;", u"&;"},
       {u"a & b", u"a & b"},          // the space stops the scan
@@ -110,9 +110,8 @@ TEST(VnXMLToStr, DecodesWhatItKnowsAndLeavesTheRestInTheText) {
   EXPECT_FALSE(detail::FindXMLEntity(detail::XMLEntityKey(u""), ch));
   ASSERT_TRUE(detail::FindXMLEntity(detail::XMLEntityKey(u"apos"), ch));
   EXPECT_EQ(ch, u'\'');
-}
 
-TEST(VnXMLToStr, NumericReferenceWithoutDigitsRaises) {
+  // A numeric reference without digits raises.
   for (std::u16string_view bad : {u"&#;", u"&#x;", u"&#12a;", u"&#xZZ;", u"a &#-;", u"&#99999999999;"})
     EXPECT_THROW(VnXMLToStr(bad), EConvertError) << std::string(bad.begin(), bad.end());
   for (std::string_view bad : {"&#;", "&#x;", "&#12a;", "&#xZZ;"})

@@ -24,7 +24,7 @@ TDateTime At(Word AYear, Word AMonth, Word ADay, Word AHour, Word AMinute, Word 
 
 // ---- value to text ----
 
-TEST(XMLDateText, ThreeZoneFormatsInSummerAndWinter) {
+TEST(XMLDateText, ZoneFormatsInSummerAndWinterAndOtherZones) {
   TimeZoneScope zone(test::cZoneBerlin);
   TDateTime summer = At(2020, 7, 1, 12, 34, 56, 789);
   EXPECT_EQ(U8(VnDateTimeToXML(summer)), "2020-07-01T12:34:56.789");
@@ -44,15 +44,13 @@ TEST(XMLDateText, ThreeZoneFormatsInSummerAndWinter) {
 
   EXPECT_EQ(U8(VnTimeToXML(EncodeTime(9, 5, 3, 40))), "09:05:03.040");
   EXPECT_EQ(U8(VnTimeToXML(At(2020, 7, 1, 9, 5, 3, 40), xdtfLocal)), "09:05:03.040");
-}
 
-TEST(XMLDateText, NegativeOffsetAndUTCZone) {
   {
-    TimeZoneScope zone(test::cZoneNewfoundland);
+    TimeZoneScope newfoundland(test::cZoneNewfoundland);
     EXPECT_EQ(U8(VnDateTimeToXML(At(2020, 1, 1, 22, 0), tzfOffset)), "2020-01-01T22:00:00.000-03:30");
     EXPECT_EQ(U8(VnDateTimeToXML(At(2020, 1, 1, 22, 0), tzfUTC)), "2020-01-02T01:30:00Z");
   }
-  TimeZoneScope zone(test::cZoneUTC);
+  TimeZoneScope utc(test::cZoneUTC);
   EXPECT_EQ(U8(VnDateTimeToXML(At(2020, 1, 1, 22, 0), tzfOffset)), "2020-01-01T22:00:00.000+00:00");
   EXPECT_EQ(U8(VnTimeToXML(EncodeTime(22, 0, 0, 5), tzfUTC)), "22:00:00.005Z");
   EXPECT_EQ(U8(VnTimeToXML(EncodeTime(22, 0, 0, 5), tzfOffset)), "22:00:00.005+00:00");
@@ -105,7 +103,7 @@ TEST(XMLDateText, ReadingFollowsTheZoneTable) {
   EXPECT_THROW(VnDecodeXMLDateTime(u"noon"), EConvertError);
 }
 
-TEST(XMLDateText, DatesIgnoreZoneAndTime) {
+TEST(XMLDateText, DatesIgnoreZoneAndTimeTimesKeepToOneDay) {
   TimeZoneScope zone(test::cZoneBerlin);
   for (const auto& [text, day] : {std::pair{u"0", TDateTime(0)}, {u"", 0}, {u"2020-01-01", 43831},
                                   {u"2020-01-01T23:59:59+14:00", 43831}, {u"-0001-01-01", -EncodeDate(1, 1, 1)}})
@@ -113,10 +111,9 @@ TEST(XMLDateText, DatesIgnoreZoneAndTime) {
   EXPECT_THROW(VnXMLToDate(u"12:00:00"), EConvertError);  // no day to encode
   EXPECT_THROW(VnXMLToDate(u"2020-02-30"), EConvertError);
   EXPECT_EQ((std::tuple{VnXMLToDateDef(u"2020-02-30", 7), VnXMLToDateDef(u"", 7)}), std::tuple(7.0, 0.0));
-}
 
-TEST(XMLDateText, TimesKeepToOneDay) {
-  TimeZoneScope zone(test::cZoneUTC);
+  // Times keep to one day.
+  TimeZoneScope utc(test::cZoneUTC);
   EXPECT_NEAR(VnXMLToTime(u"10:00:00.250"), EncodeTime(10, 0, 0, 250), cMoment);
   EXPECT_NEAR(VnXMLToTime(u"2020-07-01T10:00:00"), EncodeTime(10, 0, 0, 0), cMoment);
   // Shifting across midnight wraps around instead of leaving [0, 1).

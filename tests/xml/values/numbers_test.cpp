@@ -37,7 +37,7 @@ TEST(XMLIntegerText, EmptyBadCutAndFullRange) {
   for (const auto& [text, expected] : texts) EXPECT_EQ(text, expected);
 }
 
-TEST(XMLFloatText, DotIsTheOnlySeparator) {
+TEST(XMLFloatText, DotIsTheOnlySeparatorAndSpecialValuesSurviveARoundTrip) {
   EXPECT_DOUBLE_EQ(VnXMLToDouble(u"1.5e3"), 1500);
   EXPECT_FLOAT_EQ(VnXMLToSingle(u"0.1"), 0.1f);
   EXPECT_EQ((std::tuple{VnXMLToDouble(u""), VnXMLToDoubleDef(u"1,5", 7), VnXMLToSingleDef(u"", 7)}),
@@ -45,9 +45,8 @@ TEST(XMLFloatText, DotIsTheOnlySeparator) {
   EXPECT_THROW(VnXMLToDouble(u"1,5"), EConvertError);
   EXPECT_THROW(VnXMLToExtended(u"abc"), EConvertError);
   EXPECT_EQ((std::tuple{VnDoubleToXML(0.1), VnExtToXML(1e20L)}), std::tuple(u"0.1", u"1E20"));
-}
 
-TEST(XMLFloatText, SpecialValuesSurviveARoundTrip) {
+  // Special values survive a round trip.
   // Out of the range of Single: infinity rather than an undefined narrowing.
   EXPECT_EQ((std::tuple{VnXMLToDouble(VnDoubleToXML(HUGE_VAL)), VnXMLToDouble(VnDoubleToXML(-HUGE_VAL)),
                         VnXMLToDouble(u"INF"), VnXMLToExtended(u"-INF"), VnXMLToSingle(u"1e300"),
