@@ -68,7 +68,7 @@ TEST(DomLifetime, ReleasingLastInterfaceOfDetachedNodeFreesItAndNeedsOne) {
   EXPECT_EQ(test::MessageOf([&] { plain._Release(); }), cVnDomNoImpl);
 }
 
-TEST_F(DomRootLifetime, RemovedNodeWithInterfaceSurvivesWithoutDocument) {
+TEST_F(DomRootLifetime, RemovedNodeSurvivesWithAnInterfaceAndIsFreedWithout) {
   TVnDOMElement* a = root->AddElement(u"a");
   a->AddElement(u"inner");
   IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
@@ -77,9 +77,8 @@ TEST_F(DomRootLifetime, RemovedNodeWithInterfaceSurvivesWithoutDocument) {
                         held->ElementCount()}),
             std::tuple(0, nullptr, nullptr, false, 1));
   held = nullptr;  // now a goes
-}
 
-TEST_F(DomRootLifetime, RemoveChildWithoutInterfaceFrees) {
+  // Without an interface a removed child is freed.
   for (int i = 0; i < 3; ++i) root->AddElement(u"a")->AddAttribute(u"k");
   root->RemoveChild(root->FirstElement());
   root->Clear();

@@ -63,7 +63,7 @@ TEST(SaxAttributes, Lookups) {
   EXPECT_EQ(attrs.Count(), 1);
 }
 
-TEST(SaxNamespaceList, ScopesAndEvents) {
+TEST(SaxNamespaceList, ScopesAndEventsAlsoPastManyDeclarations) {
   RecordingReader r;
   TVnSAXNamespaceList list(&r.Reader);
   list.AddURI(1, u"p", u"outer");
@@ -78,27 +78,25 @@ TEST(SaxNamespaceList, ScopesAndEvents) {
   EXPECT_EQ(list.Count(), 0);
   EXPECT_EQ(r.Events(), (std::vector<std::string>{"startPrefix(p=outer)", "startPrefix(p=inner)",
                                                   "startPrefix(=default)", "endPrefix()", "endPrefix(p)"}));
-}
 
-// Past a handful of declarations lookups go through an index: the scoping must not change.
-TEST(SaxNamespaceList, ManyDeclarationsKeepTheirScopes) {
-  TVnSAXNamespaceList list;
-  for (int i = 0; i < 50; ++i) list.AddURI(1, u"n" + UTF16(std::to_string(i)), u"outer" + UTF16(std::to_string(i)));
-  list.AddURI(2, u"N7", u"inner");
-  list.AddURI(3, u"n7", u"innermost");
-  EXPECT_EQ((std::tuple{list.GetURI(u"n7"), list.GetURI(u"N49"), list.GetURI(u"n50")}),
+  // Past a handful of declarations lookups go through an index: the scoping must not change.
+  TVnSAXNamespaceList many;
+  for (int i = 0; i < 50; ++i) many.AddURI(1, u"n" + UTF16(std::to_string(i)), u"outer" + UTF16(std::to_string(i)));
+  many.AddURI(2, u"N7", u"inner");
+  many.AddURI(3, u"n7", u"innermost");
+  EXPECT_EQ((std::tuple{many.GetURI(u"n7"), many.GetURI(u"N49"), many.GetURI(u"n50")}),
             std::tuple(u"innermost", u"outer49", u""));
-  list.RemoveLevel(3);
-  EXPECT_EQ(list.GetNamespace(u"N7")->URI, u"inner");
-  list.RemoveLevel(2);
-  EXPECT_EQ(list.GetURI(u"n7"), u"outer7");
-  list.RemoveLevel(1);
-  EXPECT_EQ(list.GetURI(u"n7"), u"");
-  list.AddURI(1, u"n7", u"again");
-  EXPECT_EQ(list.GetURI(u"N7"), u"again");
+  many.RemoveLevel(3);
+  EXPECT_EQ(many.GetNamespace(u"N7")->URI, u"inner");
+  many.RemoveLevel(2);
+  EXPECT_EQ(many.GetURI(u"n7"), u"outer7");
+  many.RemoveLevel(1);
+  EXPECT_EQ(many.GetURI(u"n7"), u"");
+  many.AddURI(1, u"n7", u"again");
+  EXPECT_EQ(many.GetURI(u"N7"), u"again");
 }
 
-TEST(SaxReaderFrame, LocatorAndInterfaces) {
+TEST(SaxReaderFrame, LocatorInterfacesAndTheLocatorDuringEvents) {
   RecordingReader r;
   EXPECT_EQ((std::tuple{r.Reader.GetLineNr(), r.Reader.GetPosition()}), std::tuple(-1, -1));  // before any parse
   r.Reader.Parse(u"<a/>", u"doc-1");
@@ -112,9 +110,7 @@ TEST(SaxReaderFrame, LocatorAndInterfaces) {
                         static_cast<bool>(intf.As<IVnSAXContentHandler>())}),
             std::tuple(false, true, true, false));
   intf = nullptr;  // counting is off: the reader lives on
-}
 
-TEST(SaxReaderFrame, LocatorDuringEvents) {
   // A handler asking the locator during an event gets the reader's current place.
   struct Asking : vn::test::SaxRecorder {
     IVnSAXLocator* Loc = nullptr;

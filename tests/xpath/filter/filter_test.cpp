@@ -54,7 +54,7 @@ TEST_F(Filter, PresenceIndexesAndLogic) {
                {u"[android]", u""}});
 }
 
-TEST_F(Filter, EmptyValuesAndExistentialComparisons) {
+TEST_F(Filter, EmptyValuesExistentialNumericAndTextComparisons) {
   // A comparison with a missing value is empty: not(...) stays false, and so does the chain.
   ExpectItems({{u"[not(@a = 1)]", u"2 4"}, {u"[@a = 1 or @b = 2]", u"1"}, {u"[(@a = 1) or (@b = 2)]", u"1 3"},
                {u"[@a != 1]", u"2 4"}, {u"[missing != 1]", u""}});
@@ -63,9 +63,8 @@ TEST_F(Filter, EmptyValuesAndExistentialComparisons) {
                {u"[v != \"x\"]", u"1"},  // item 1 has a "y"; item 2's "X" equals "x" here
                {u"[v = v]", u"1 2"},
                {u"[v = (\"q\", \"y\")]", u""}});  // a sequence compares as its joined text
-}
 
-TEST_F(Filter, NumbersAgainstTextsAndTextsAgainstTexts) {
+  // Numbers against texts and texts against texts.
   ExpectItems({{u"[@a = 5]", u"2"},  // "5.0" reads as a float
                {u"[@a > 9]", u"4"},  // numerically, not as text
                {u"[@a = \"5\"]", u""},  // two texts compare as texts

@@ -46,10 +46,8 @@ TEST_F(FunctionTest, DateAndTimeParts) {
                             u"The \"fn:year-from-dateTime(dateTime)\" function must have 1 parameter!");
   ExpectError<EVnDomSyntax>(uR"(hours-from-time("a", "b"))",
                             u"The \"fn:hours-from-time(time)\" function must have 1 parameter!");
-}
 
-// "Z" answers with the machine's own offset at that moment.
-TEST_F(FunctionTest, TimeZoneOfUtcIsTheLocalOffset) {
+  // "Z" answers with the machine's own offset at that moment.
   Integer minutes = VnCalcTimeZoneOffset(EncodeDate(2020, 7, 1) + EncodeTime(12, 0, 0, 0));
   TVnDuration expected;
   expected.Negative = minutes < 0;

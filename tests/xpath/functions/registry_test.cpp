@@ -10,7 +10,7 @@
 namespace vn::testing {
 namespace {
 
-TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
+TEST(XPathRegistries, HoldFunctionsInOrderAndFindCollationsByExactURI) {
   std::vector<UnicodeString> names = RegisteredXPathFunctions();
   ASSERT_GE(names.size(), 66u);
   // The filter reads these four itself; they are no registry entries.
@@ -19,9 +19,8 @@ TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
   std::vector<UnicodeString> sorted(names.begin(), names.begin() + 66);
   std::sort(sorted.begin(), sorted.end());
   EXPECT_EQ(std::adjacent_find(sorted.begin(), sorted.end()), sorted.end());
-}
 
-TEST(XPathCollationRegistry, FindsCollationsByExactURI) {
+  // Collations are found by their exact URI.
   EXPECT_EQ((std::tuple{VnFindXPathCollation(cVnXPathCollationASCIICIURI),
                         VnFindXPathCollation(cVnXPathCollationCodepointURI)}),
             std::tuple(TVnXPathCollationASCIICI::Class(), TVnXPathCollationCodepoint::Class()));
