@@ -55,7 +55,7 @@ TEST(ValToXML, TextByKindAndComplexKinds) {
 }
 
 /// Each value written and read back under its own type gives the same value.
-TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWrote) {
+TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWroteAlsoByName) {
   const TDateTime moment = EncodeDateTime(2001, 12, 31, 23, 59, 58, 999);
   const TDateTime day = EncodeDate(1999, 1, 2);
   const TDateTime clock = EncodeTime(6, 7, 8, 9);
@@ -80,9 +80,8 @@ TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWrote) {
     else
       EXPECT_EQ(back.ToString(), v.ToString());
   }
-}
 
-TEST(XMLToValue, EnumerationsAndSets) {
+  // Enumerations and sets also by name or number.
   const TTypeInfo* size = TypeInfoOf<TSize>();
   EXPECT_EQ((std::tuple{VnXMLToValue(u"1", size).AsOrdinal(), VnXMLToValue(u"szlarge", size).AsOrdinal()}),
             std::tuple(1, 2));

@@ -159,7 +159,7 @@ TEST(SaxReaderFrame, EntryPoints) {
   EXPECT_THROW(RecordingReader().Reader.ParseFile(test::TempFile("missing.xml").Name(), fmOpenRead, u""), EFOpenError);
 }
 
-TEST(XmlParser, EncodingDecision) {
+TEST(XmlParser, EncodingDecisionDispatchAndChecks) {
   auto decide = [](std::string_view bytes, bool detectBOM = false, Word cp = 0) {
     TVnMemoryStream stream(bytes.data(), static_cast<Int64>(bytes.size()));
     TVnXMLParser parser(&stream, false, detectBOM, cp);
@@ -185,9 +185,8 @@ TEST(XmlParser, EncodingDecision) {
   TVnMemoryStream stream(text.data(), static_cast<Int64>(text.size()));
   TVnXMLParser parser(&stream, false, false, 0);
   EXPECT_EQ(parser.CurrCharW(), u'x');
-}
 
-TEST(XmlParser, DispatchAndChecks) {
+  // The checks dispatch over the three kinds of code units.
   std::u16string wide = u"<a:b>";
   TVnMemoryStream ws(wide.data(), static_cast<Int64>(wide.size() * 2));
   TVnXMLParser w(&ws, false, false, 1200);

@@ -116,15 +116,14 @@ TEST(SaxReader, Traces) {
   for (const auto& [xml, trace] : cases) ExpectTrace(xml, trace);
 }
 
-TEST(SaxReader, LocalNamesAndPrefixes) {
+TEST(SaxReader, LocalNamesPrefixesAndTheDocumentTypeWithoutLexicalHandler) {
   RecordingReader r;
   r.Reader.Parse(uR"(<x:a:b  y : z = "1" c="2"/>)", u"");
   // A second colon belongs to the local name; attribute names are trimmed around the colon.
   EXPECT_EQ(r.Rec->LocalNames, (std::vector<std::string>{"a:b", "@z", "@c"}));
   EXPECT_EQ(r.Events()[1], "start(x:a:b y : z=1 c=2)");
-}
 
-TEST(SaxReader, DocumentTypeWithoutLexicalHandler) {
+  // Without a lexical handler the document type leaves no trace.
   EXPECT_EQ(Read("<!DOCTYPE a><a>t</a>", true, false).Events,
             (Trace{"startDocument", "start(a)", "chars(t)", "end(a)", "endDocument"}));
 }

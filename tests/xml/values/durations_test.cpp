@@ -33,7 +33,7 @@ TEST(DurationToXML, Parts) {
     EXPECT_EQ(U8(VnDurationToXML(Duration(negative, months, seconds))), text);
 }
 
-TEST(XMLToDuration, MonthsBeforeTMinutesAfterAndRoundTrips) {
+TEST(XMLToDuration, MonthsBeforeTMinutesAfterRoundTripsAndMessages) {
   const std::tuple<const char16_t*, bool, Integer, double> cases[] = {
       {u"P1Y2MT3M", false, 14, 180}, {u"-P1DT2H3M4.5S", true, 0, 86400 + 7200 + 180 + 4.5},
       // Order is free, a repeated part keeps its last value, and fractions past milliseconds drop.
@@ -54,9 +54,8 @@ TEST(XMLToDuration, MonthsBeforeTMinutesAfterAndRoundTrips) {
   }
   // Parts beyond their usual range come back normalised.
   EXPECT_EQ(U8(VnDurationToXML(VnXMLToDuration(u"P13MT90M"))), "P1Y1MT1H30M");
-}
 
-TEST(XMLToDuration, Messages) {
+  // Messages of bad texts.
   ExpectRaises<Exception>([] { VnXMLToDuration(u""); }, cVnDurationEmpty);
   for (const char16_t* text : {u"1Y", u"-1Y", u"-", u"p1Y", u" P1Y"})
     ExpectRaises<Exception>([text] { VnXMLToDuration(text); }, cVnDurationNoP);

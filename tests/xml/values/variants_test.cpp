@@ -171,7 +171,7 @@ TEST(VariantReaders, NullGivesTheDefaultAndIntegerTargetsByKind) {
   ExpectRaises<EConvertError>([] { VnXMLToLongword(Variant(1.5), 0); }, cVnInvalidLongWord);
 }
 
-TEST(VariantReaders, FloatTargetsByKind) {
+TEST(VariantReaders, FloatAndDateTargetsByKind) {
   EXPECT_EQ((std::tuple{VnXMLToDouble(Variant(std::numeric_limits<UInt64>::max()), 0),
                         VnXMLToExtended(Variant(Currency::FromRaw(15000)), 0),
                         VnXMLToDouble(Variant::FromDate(43831.5), 0), VnXMLToSingle(Variant(u"2.5"), 0),
@@ -182,9 +182,8 @@ TEST(VariantReaders, FloatTargetsByKind) {
   ExpectRaises<EConvertError>([] { VnXMLToSingle(Variant(true), 0); }, cVnInvalidSingle);
   ExpectRaises<EConvertError>([] { VnXMLToDouble(Variant(true), 0); }, cVnInvalidDouble);
   ExpectRaises<EConvertError>([] { VnXMLToExtended(IntArray({}), 0); }, cVnInvalidExtended);
-}
 
-TEST(VariantReaders, DateTargetsByKind) {
+  // Dates.
   TimeZoneScope zone(test::cZoneBerlin);
   EXPECT_EQ((std::tuple{VnXMLToDate(Variant(43831), 0), VnXMLToTime(Variant::FromDate(0.5), 0)}),
             std::tuple(43831, 0.5));
@@ -199,15 +198,14 @@ TEST(VariantReaders, DateTargetsByKind) {
   ExpectRaises<EConvertError>([] { VnXMLToDateTime(IntArray({1}), 0); }, cVnInvalidDateTime);
 }
 
-TEST(VariantReaders, BooleanTarget) {
+TEST(VariantReaders, BooleanAndStringTargets) {
   for (const Variant& v : {Variant(-3), Variant(u"1"), Variant(u"True"), Variant(true)})
     EXPECT_TRUE(VnXMLToBool(v, false)) << U8(VarToStr(v));
   for (const Variant& v : {Variant(0), Variant(u"yes")}) EXPECT_FALSE(VnXMLToBool(v, true)) << U8(VarToStr(v));
   for (const Variant& v : {Variant(1.0), Variant::FromDate(1)})
     ExpectRaises<EConvertError>([&] { VnXMLToBool(v, false); }, cVnInvalidBoolean);
-}
 
-TEST(VariantReaders, StringOfAnyKind) {
+  // Strings of any kind.
   TimeZoneScope zone(test::cZoneBerlin);
   const std::pair<Variant, const char*> cases[] = {
       {Variant(-12), "-12"}, {Variant(std::numeric_limits<UInt64>::max()), "18446744073709551615"},

@@ -8,7 +8,7 @@
 namespace vn::testing {
 namespace {
 
-TEST_F(FunctionTest, DurationParts) {
+TEST_F(FunctionTest, DurationPartsAndErrorsThatNameTheirFunction) {
   ExpectShown({
       {uR"(months-from-duration("P1Y2M"))", "int 14"}, {uR"(years-from-duration("P1Y2M"))", "int 1"},
       {uR"(years-from-duration("-P1Y"))", "int -1"}, {uR"(months-from-duration("-P3M"))", "int -3"},
@@ -17,10 +17,8 @@ TEST_F(FunctionTest, DurationParts) {
       {uR"(seconds-from-duration("P1DT2H"))", "float 93600"},
       {uR"(seconds-from-duration("PT1.5S"))", "float 1.5"}, {uR"(days-from-duration(()))", "null"},
   });
-}
 
-// Each function reports a bad duration under its own name, and a wrong count of parameters too.
-TEST_F(FunctionTest, DurationErrorsNameTheirFunction) {
+  // Each function reports a bad duration under its own name, and a wrong count of parameters too.
   for (const auto& [function, argument] :
        {std::pair{u"years", uR"("1Y")"}, {u"hours", uR"("PXH")"}, {u"seconds", u"@missing"}})
     ExpectXPathError(UnicodeString(function) + u"-from-duration(" + argument + u")", u"FORG0006",
@@ -56,7 +54,7 @@ TEST_F(FunctionTest, DateAndTimeParts) {
             "str " + UnicodeToUtf8(VnDurationToXML(expected)));
 }
 
-TEST_F(FunctionTest, DateTimeJoinsDateAndTime) {
+TEST_F(FunctionTest, DateTimeJoinsDateAndTimeAdjustingKeepsTheClock) {
   ExpectShown({{uR"(dateTime("2020-01-01", "10:00:00Z"))", "str 2020-01-01T10:00:00.000Z"},
                {uR"(dateTime("2020-01-01+01:00", "10:00:00"))", "str 2020-01-01T10:00:00.000+01:00"},
                {uR"(dateTime("2020-01-01-01:30", "10:00:00-02:00"))", "str 2020-01-01T10:00:00.000-02:00"},
@@ -64,10 +62,8 @@ TEST_F(FunctionTest, DateTimeJoinsDateAndTime) {
   ExpectXPathError(uR"(dateTime("2020-01-01Z", "10:00:00+01:00"))", u"FORG0008",
                    u"An invalid parameter was passed to fn:dateTime(arg)");
   ExpectError<EVnDomSyntax>(uR"(dateTime("2020-01-01"))", detail::cFnDateTimeArity);
-}
 
-// A new zone replaces the old one; the clock reading is never shifted.
-TEST_F(FunctionTest, AdjustDateTimeKeepsTheClock) {
+  // A new zone replaces the old one; the clock reading is never shifted.
   ExpectShown({
       {uR"(adjust-dateTime-to-timezone("2020-01-01T10:00:00Z", "PT2H"))", "str 2020-01-01T10:00:00.000+02:00"},
       {uR"(adjust-dateTime-to-timezone("2020-01-01T10:00:00+05:00", "-PT1H30M"))",

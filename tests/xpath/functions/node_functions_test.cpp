@@ -56,7 +56,7 @@ TEST_F(FunctionTest, NodeArgumentMustBeOneNodeAndStringNoList) {
   }
 }
 
-TEST_F(FunctionTest, ErrorRaisesWithCodeMessageAndObject) {
+TEST_F(FunctionTest, ErrorRaisesTraceLogsToTheXPathLogger) {
   for (const auto& [expr, code] : {std::pair{u"error()", u"FOER0000"}, {uR"(error("MY01"))", u"MY01"}})
     ExpectXPathError(expr, code, u"An exception was raised");
   ExpectXPathError(uR"(error("MY01", "boom"))", u"MY01", u"boom");
@@ -67,9 +67,8 @@ TEST_F(FunctionTest, ErrorRaisesWithCodeMessageAndObject) {
     EXPECT_EQ(UnicodeToUtf8(e.GetErrorObject()), "x");
   }
   ExpectError<EVnDomSyntax>(u"error(1, 2, 3, 4)", detail::cFnErrorArity);
-}
 
-TEST_F(FunctionTest, TraceLogsToTheXPathLoggerAndGivesItsValue) {
+  // trace() logs to the XPath logger and gives its value.
   std::vector<std::string> lines;
   Logger::SetSink([&](TVnLogLevel, std::u16string_view AName, std::u16string_view AMessage) {
     lines.push_back(UnicodeToUtf8(AName) + ": " + UnicodeToUtf8(AMessage));
