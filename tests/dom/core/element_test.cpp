@@ -81,7 +81,7 @@ TEST(DomElement, XmlSpaceInheritance) {
   EXPECT_EQ((std::tuple{m->GetPreserveSpace(), m->AddText(u" ")->GetPreserveSpace()}), std::tuple(true, true));
 }
 
-TEST(DomElement, AttributesByName) {
+TEST(DomElement, AttributesByNameElementListsAndNeighbours) {
   TVnDOMElement e;
   EXPECT_EQ(e.GetAttribute(u"absent"), u"");
   EXPECT_TRUE(e.HasAttribute(u"absent"));  // reading created it
@@ -92,9 +92,7 @@ TEST(DomElement, AttributesByName) {
   e.RemoveAttribute(u"k");
   EXPECT_FALSE(e.HasAttribute(u"k"));
   EXPECT_THROW(e.RemoveAttribute(u"urn:n", u"k"), EVnDomNotFound);
-}
 
-TEST(DomElement, ElementListsAndNeighbours) {
   TVnDOMElement a;
   a.SetQualifiedName(u"a");
   TVnDOMElement* b = a.AddElement(u"b");

@@ -142,7 +142,7 @@ TEST(DomNames, CollationsFollowTheLinguisticOrder) {
   EXPECT_EQ(ci->SortKey(u"ABC"), ci->SortKey(u"abc"));
 }
 
-TEST(DomLeaves, StoredFormsOfValuesAndEditsOfCharacterData) {
+TEST(DomLeaves, StoredFormsEditsOfCharacterDataAndAttributeNames) {
   TVnDOMElement e;
   TVnDOMAttribute* a = e.AddAttribute(u"a");
   a->SetStoredValue(u"x &amp; y");
@@ -165,10 +165,8 @@ TEST(DomLeaves, StoredFormsOfValuesAndEditsOfCharacterData) {
   EXPECT_EQ(s->GetNodeValue(), u"XYZc");
   TVnDOMText lone;
   EXPECT_THROW(lone.SplitText(1), EVnDomException);
-}
 
-TEST(DomLeaves, AttributeNames) {
-  TVnDOMElement e;
+  // Attribute names.
   EXPECT_TRUE(e.AddAttribute(u"XMLNS")->IsNamespace());
   EXPECT_TRUE(e.AddAttribute(u"xmlns:p")->IsNamespace());
   EXPECT_EQ(e.FindAttribute(u"xmlns:p")->NamespacePrefix(), u"p");

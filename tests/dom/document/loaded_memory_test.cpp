@@ -46,18 +46,17 @@ TEST(DomLoadedMemory, NodesMoveBetweenDocumentsOfDifferentLoads) {
   EXPECT_EQ((std::tuple{moved->GetAttribute(u"n"), moved->ElementCount()}), std::tuple(u"moved", 51));
 }
 
-TEST(DomLoadedMemory, RepeatedLoadsIntoOneTreeFreeWhatTheyReplace) {
+TEST(DomLoadedMemory, RepeatedAndFailedLoadsLeaveNoOrphans) {
   TVnDOMDocument doc;
   for (int i = 0; i < 20; ++i) doc.LoadXML(u"<r><a x=\"1\">t</a><!--c--><?p d?><![CDATA[z]]></r>");
   EXPECT_EQ(doc.GetRootNode()->NodeCount(), 4);
   TVnDOMElement* a = doc.GetRootNode()->FirstElement();
   for (int i = 0; i < 20; ++i) a->SetInnerXML(u"<b y=\"2\">u</b><c />");
   EXPECT_EQ(a->GetInnerXML(), u"<b y=\"2\">u</b><c />");
-}
 
-TEST(DomLoadedMemory, FailedLoadLeavesNoOrphans) {
-  TVnDOMDocument doc;
-  EXPECT_THROW(doc.LoadXML(u"<r><a k=\"v\">text<b></a></r"), EVnDomSyntax);
+  // A failed load leaves no orphans.
+  TVnDOMDocument failed;
+  EXPECT_THROW(failed.LoadXML(u"<r><a k=\"v\">text<b></a></r"), EVnDomSyntax);
   // Whatever the failed load left in the tree is the tree's, and goes with it.
   TVnDOMElement fragmentHost;
   fragmentHost.SetQualifiedName(u"host");

@@ -26,7 +26,7 @@ TVnDOMElement* Find(TVnDOMElement* AFrom, std::u16string_view ALocal) {
   return nullptr;
 }
 
-TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
+TEST(DomNamespacesLoad, OwnDefaultNamespacesBelowTheRootAndUnprefixedChildrenWithout) {
   const char16_t* texts[] = {
       u"<r><b xmlns=\"v\"/></r>",
       u"<r xmlns=\"u\"><b xmlns=\"v\"/></r>",
@@ -67,9 +67,8 @@ TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
       top->RemoveAttribute(u"xmlns:gone");
       EXPECT_EQ((std::tuple{b->GetNamespaceURI(), b->GetAttribute(u"xmlns")}), std::tuple(u"v", u"v"));
     }
-}
 
-TEST(DomNamespacesLoad, UnprefixedChildOfAnUnprefixedParentDoesNotInheritTheDefault) {
+  // An unprefixed child of an unprefixed parent does not inherit the default.
   auto doc = TVnDOMDocument::FromXML(u"<a xmlns=\"u\"><b/><p:c xmlns:p=\"u\"><d/></p:c></a>");
   TVnDOMElement* a = doc->GetRootNode();
   // A prefix between them puts the default in force again: d is in "u".
