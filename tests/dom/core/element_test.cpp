@@ -93,6 +93,7 @@ TEST(DomElement, AttributesByNameElementListsAndNeighbours) {
   EXPECT_FALSE(e.HasAttribute(u"k"));
   EXPECT_THROW(e.RemoveAttribute(u"urn:n", u"k"), EVnDomNotFound);
 
+  // Element lists and neighbours.
   TVnDOMElement a;
   a.SetQualifiedName(u"a");
   TVnDOMElement* b = a.AddElement(u"b");

@@ -165,7 +165,7 @@ TEST(ElementValues, TypeAttributeDecidesTheVariantKind) {
   EXPECT_THROW(r->GetChildElementValue(u"n"), EConvertError);
 }
 
-TEST(ElementValues, ValuesComeBackWithTheirTypes) {
+TEST(ElementValues, ValuesComeBackWithTheirTypesEnumerationsAlsoFromTheValueAttribute) {
   SchemaDoc d;
   const TDateTime moment = EncodeDateTime(2022, 3, 4, 5, 6, 7, 8);
   const TValue values[] = {
@@ -188,9 +188,8 @@ TEST(ElementValues, ValuesComeBackWithTheirTypes) {
   // An object is written by the XML serializer.
   TWidget widget;
   EXPECT_NO_THROW(d.Add()->SetAsValue(TValue::FromObject(&widget)));
-}
 
-TEST(ElementValues, EnumerationWithoutTextTakesTheValueAttribute) {
+  // An enumeration without text takes the value attribute.
   std::unique_ptr<TVnDOMDocument> doc = TVnDOMDocument::FromXML(
       u"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">"
       u"<a xsi:type=\"xsd:TLevel\" VALUE=\"1\"/><b xsi:type=\"xsd:int\" value=\"1\"/><c/></r>");
