@@ -18,7 +18,7 @@ UnicodeString Names(const TVnDOMNodeListBase& AList) {
   return s;
 }
 
-TEST(DomList, InsertionByPositionAndReference) {
+TEST(DomList, InsertionByPositionAndReferenceTypedListsAtTheirEnds) {
   TVnDOMElement parent, other;
   parent.SetQualifiedName(u"p");
   TVnDOMElement* a = parent.AddElement(u"a");
@@ -31,9 +31,7 @@ TEST(DomList, InsertionByPositionAndReference) {
   parent.InsertElement(u"endForeign", rdpAfter, foreign);     // ... or end
   parent.InsertElement(u"frontNil", rdpBefore, nullptr);
   EXPECT_EQ(Names(*parent.GetChildNodes()), u"frontNil,frontForeign,first,a,afterA,beforeB,b,endForeign,");
-}
 
-TEST(DomList, TypedListsTakeForeignReferencesAtTheirEnds) {
   TVnDOMElement e;
   e.SetQualifiedName(u"e");
   TVnDOMText* t = e.AddText(u"t");
@@ -60,32 +58,33 @@ TEST(DomList, NeighboursAndEmptyLists) {
   EXPECT_EQ(a->NextSibling(), b);
 }
 
-TEST(DomList, FindTakesTheLastMatchAndChecksOptions) {
+TEST(DomList, FindTakesTheLastMatchGetItemExByNumberNameAndDot) {
   TVnDOMElement e;
   TVnDOMElement* first = e.AddElement(u"item");
   TVnDOMElement* second = e.AddElement(u"ITEM");
   TVnDOMElementList* list = e.GetElements();
-  EXPECT_EQ(list->Find(u"item", TVnDOMSelectOptions{}), second);  // default collation ignores case
-  EXPECT_EQ(list->Find(u"item", {soCaseSensitive}), first);
+  // The default collation ignores case.
+  EXPECT_EQ((std::tuple{list->Find(u"item", TVnDOMSelectOptions{}), list->Find(u"item", {soCaseSensitive})}),
+            std::tuple(second, first));
   EXPECT_THROW(list->Find(u"a", {soCaseSensitive, soCaseInsensitive}), Exception);
   EXPECT_THROW(list->Find(u"a", {soCreate}), Exception);
   test::ExpectRaises<EVnDomNotFound>([&] { list->Find(u"none", {soRaise}); }, Format(cVnDomNoNodeForName, {u"none"}));
   TVnDOMElement* px = e.AddElement(u"p:x");
-  EXPECT_EQ(list->Find(u"x", TVnDOMSelectOptions{}), nullptr);  // qualified match by default
-  EXPECT_EQ(list->Find(u"x", {soLocalName}), px);
-}
+  // A qualified match by default.
+  EXPECT_EQ((std::tuple{list->Find(u"x", TVnDOMSelectOptions{}), list->Find(u"x", {soLocalName})}),
+            std::tuple(nullptr, px));
 
-TEST(DomList, GetItemExByNumberNameAndDot) {
-  TVnDOMElement e;
-  TVnDOMElementList* list = e.GetElements();
-  EXPECT_EQ(list->GetItemEx(Variant(u"."), coRaise), &e);  // even on an empty list
-  TVnDOMElement* a = e.AddElement(u"a");
-  EXPECT_EQ((std::tuple{list->GetItemEx(Variant(0), coRaise), list->GetItemEx(Variant(u"A"), coRaise),
-                        list->GetItemEx(Variant(u"b"), coReturnNil)}),
-            (std::tuple{a, a, nullptr}));
-  EXPECT_THROW(list->GetItemEx(Variant(u"b"), coRaise), EListError);
-  ASSERT_NE(list->GetItemEx(Variant(u"b"), coCreate), nullptr);
-  EXPECT_THROW(list->GetItemEx(Variant(1.5), coRaise), EListError);
+  // GetItemEx by number, name and dot.
+  TVnDOMElement g;
+  TVnDOMElementList* items = g.GetElements();
+  EXPECT_EQ(items->GetItemEx(Variant(u"."), coRaise), &g);  // even on an empty list
+  TVnDOMElement* ga = g.AddElement(u"a");
+  EXPECT_EQ((std::tuple{items->GetItemEx(Variant(0), coRaise), items->GetItemEx(Variant(u"A"), coRaise),
+                        items->GetItemEx(Variant(u"b"), coReturnNil)}),
+            (std::tuple{ga, ga, nullptr}));
+  EXPECT_THROW(items->GetItemEx(Variant(u"b"), coRaise), EListError);
+  ASSERT_NE(items->GetItemEx(Variant(u"b"), coCreate), nullptr);
+  EXPECT_THROW(items->GetItemEx(Variant(1.5), coRaise), EListError);
 }
 
 TEST(DomNode, ClearCloneChildrenAndRefusedAdds) {
