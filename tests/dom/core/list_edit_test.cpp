@@ -139,7 +139,7 @@ TEST(DomListEdits, DocumentListsKeepTheRootPointer) {
   EXPECT_EQ(doc.GetRootNode(), nullptr);
 }
 
-TEST(DomListOwner, ListsFollowTheDocumentOfTheirOwner) {
+TEST(DomListOwner, ListsFollowTheDocumentOfTheirOwnerPathListsHoldElementsOnly) {
   // The case rule and check option of GetItemEx are the owner's document's, read at the call:
   // after a move to another document and after the first one is freed (ASan sees stale reads).
   auto first = std::make_unique<TVnDOMDocument>();
@@ -162,9 +162,7 @@ TEST(DomListOwner, ListsFollowTheDocumentOfTheirOwner) {
   // Detached: the unit's defaults (case-insensitive, raising).
   EXPECT_TRUE(list->GetElement(Variant(u"item")));
   EXPECT_THROW(list->GetElement(Variant(u"none")), EListError);
-}
 
-TEST(DomListOwner, PathElementListsHoldElementsOnly) {
   // A path that selects anything but elements is refused, whatever else it selects.
   auto doc = TVnDOMDocument::FromXML(u"<r id=\"1\"><a/>t<b/></r>");
   TVnDOMElement* r = doc->GetRootNode();

@@ -39,7 +39,7 @@ TEST(DomNamespaces, ElementsAndAttributesMadeByURI) {
   EXPECT_EQ((std::tuple{known->GetNamespaceURI(), root->GetQualifiedName()}), std::tuple(u"urn:q", u"a:root"));
 }
 
-TEST(DomNamespaces, FindNamespaceWalksDeclarationsNearestFirst) {
+TEST(DomNamespaces, FindNamespaceWalksDeclarationsNearestFirstForeignNodesStay) {
   TVnDOMDocument doc;
   TVnDOMElement* root = doc.CreateRootNode(u"r");
   root->SetAttribute(u"xmlns:p", u"urn:1");
@@ -51,9 +51,8 @@ TEST(DomNamespaces, FindNamespaceWalksDeclarationsNearestFirst) {
   // Removing the declaration leaves the prefix without a namespace.
   root->RemoveAttribute(u"xmlns:p");
   EXPECT_EQ(leaf->GetNamespaceURI(), u"");
-}
 
-TEST(DomNamespaces, RemovingAForeignNodeIsAnAssertion) {
+  // Removing a foreign node is an assertion.
   TVnDOMElement a, b;
   TVnDOMElement* child = b.AddElement(u"c");
   EXPECT_NE(test::MessageOf<EAssertionFailed>([&] { a.RemoveChild(child); }).find(cVnDomNotAChild), UnicodeString::npos);
@@ -76,7 +75,7 @@ TEST(DomNamespaces, DeepCloneIsDetachedAndKeepsOrder) {
             std::tuple(nullptr, 2, u"2", 0));
 }
 
-TEST(DomSideTables, ReusedAddressesStartClean) {
+TEST(DomSideTables, ReusedAddressesStartCleanAndThreadsShareTheTables) {
   // Freed nodes hand their address to the next ones: nothing of the old node may stick to it.
   for (int i = 0; i < 50; ++i) {
     auto* e = new TVnDOMElement();
@@ -89,9 +88,8 @@ TEST(DomSideTables, ReusedAddressesStartClean) {
     EXPECT_EQ((std::tuple{fresh.GetDOMImpl(), fresh.GetChildNodes()->Count(), fresh.GetNamespaceURI()}),
               std::tuple(nullptr, 0, u""));
   }
-}
 
-TEST(DomSideTables, TreesOfDifferentThreadsAtOnce) {
+  // Trees of different threads at once.
   auto work = [](int ASeed, size_t& ATotal) {
     auto doc = std::make_unique<TVnDOMDocument>();
     TVnDOMElement* root = doc->CreateRootNode(u"r" + IntToStr(ASeed));

@@ -11,7 +11,7 @@ namespace {
 
 std::unique_ptr<TVnDOMDocument> Load(std::u16string_view AXML) { return TVnDOMDocument::FromXML(AXML); }
 
-TEST(DomLoadedMemory, HeldNodeOutlivesItsDocument) {
+TEST(DomLoadedMemory, HeldNodesOutliveTheirDocumentAndMoveBetweenLoads) {
   IPtr<IVnDOMElement> held;
   {
     auto doc = Load(u"<r><a k=\"v\">text<b/></a><c/></r>");
@@ -27,9 +27,8 @@ TEST(DomLoadedMemory, HeldNodeOutlivesItsDocument) {
   a->FirstElement()->SetNodeValue(u"x");
   EXPECT_EQ(a->GetXML(), u"<a k=\"longer value than before\">text<b>x</b><d /></a>");
   held = nullptr;  // the last node of the load goes, and its memory with it
-}
 
-TEST(DomLoadedMemory, NodesMoveBetweenDocumentsOfDifferentLoads) {
+  // Nodes move between documents of different loads.
   auto first = Load(u"<r><item n=\"1\"><sub/></item><item n=\"2\"/></r>");
   auto second = Load(u"<s/>");
   TVnDOMElement* item = first->GetRootNode()->FirstElement();

@@ -47,16 +47,14 @@ class TestFnShadow : public TVnXPathFunction {
   Variant Value(const TVnDOMObjectList&, Integer) override { return u"shadow"; }
 };
 
-TEST_F(FunctionTest, HostsRegisterFunctionsAndNamesAreExact) {
+TEST_F(FunctionTest, HostsRegisterFunctionsNamesAreExactNestingIsBounded) {
   RegisterXPathFunction(u"test-arg-count", &TVnXPathFunctionTerm::Create<TestFnArgCount>);
   RegisterXPathFunction(u"upper-case", &TVnXPathFunctionTerm::Create<TestFnShadow>);
   ExpectShown({{uR"(test-arg-count(1, "a", b))", "int 3"}, {uR"(upper-case("a"))", "str A"}});
   for (const char16_t* name : {u"ABS", u"no-such"})
     ExpectError<EVnDomSyntax>(UnicodeString(name) + u"(1)", Format(detail::cFnUnsupportedFunction, {name}));
-}
 
-// Calls nest through their parameters; hostile nesting ends in an error, not in a stack overflow.
-TEST_F(FunctionTest, DeepNestingIsRefused) {
+  // Calls nest through their parameters; hostile nesting ends in an error, not in a stack overflow.
   UnicodeString call;
   for (int i = 0; i < 5000; ++i) call += u"abs(";
   call += u"1" + UnicodeString(5000, u')');

@@ -52,7 +52,7 @@ TEST_F(FunctionTest, CaseSensitiveCollationGovernsPosBasedFunctions) {
     EXPECT_EQ(ShowEval(expr, cs), shown) << UnicodeToUtf8(expr);
 }
 
-TEST_F(FunctionTest, RegularExpressions) {
+TEST_F(FunctionTest, RegularExpressionsAndStringArityErrors) {
   ExpectShown({
       {uR"(matches("abc", "^a.c$"))", "bool true"}, {uR"(matches("ABC", "b"))", "bool false"},
       {uR"(matches("ABC", "b", "i"))", "bool true"},
@@ -65,9 +65,7 @@ TEST_F(FunctionTest, RegularExpressions) {
       {uR"(tokenize("aXbxc", "x", "i"))", "str (\"a\", \"b\", \"c\")"},
   });
   EXPECT_THROW(Eval(uR"(matches("a", "("))"), ERegularExpressionError);
-}
 
-TEST_F(FunctionTest, StringArityAndArgumentErrors) {
   using namespace detail;
   ExpectSyntaxErrors({
       {u"string-to-codepoints()", cFnStringToCodepointsArity}, {uR"(compare("a"))", cFnCompareTooFew},
