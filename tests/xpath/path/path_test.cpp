@@ -26,7 +26,7 @@ void ExpectSel(TVnDOMNode* AContext, std::initializer_list<std::pair<const char1
     EXPECT_EQ(Sel(AContext, path, AOptions), signatures) << UnicodeToUtf8(path);
 }
 
-TEST(PathNames, DefaultDocumentMatchesNamesIgnoringAsciiCase) {
+TEST(PathNames, DefaultDocumentIgnoresAsciiCasePrefixesMatchAsText) {
   auto doc = LoadDoc(u"<root><child id='k'/></root>");
   TVnDOMElement* root = doc->GetRootNode();
   EXPECT_EQ(test::Signature(SelectSingleNode(doc.get(), u"ROOT/Child")), u"k");
@@ -35,16 +35,16 @@ TEST(PathNames, DefaultDocumentMatchesNamesIgnoringAsciiCase) {
   doc->SetCollation(TVnXPathCollationCodepoint::Class());
   EXPECT_EQ(SelectSingleNode(root, u"CHILD"), nullptr);
   EXPECT_EQ(Sel(root, u"CHILD", {soCaseInsensitive}), u"k");
-}
 
-TEST(PathNames, PrefixesMatchAsTextNotByNamespace) {
-  auto doc = LoadDoc(u"<r xmlns:x='urn:1' xmlns:y='urn:1'><x:a id='xa'/><y:a id='ya'/><a id='pa'/></r>");
+  // Prefixes match as text, not by namespace.
+  doc = LoadDoc(u"<r xmlns:x='urn:1' xmlns:y='urn:1'><x:a id='xa'/><y:a id='ya'/><a id='pa'/></r>");
   TVnDOMElement* r = doc->GetRootNode();
   ExpectSel(r, {{u"x:a", u"xa"}, {u"a", u"pa"}, {u"*:a", u"xa ya pa"},
                 {u"child::a", u""}});  // no axes: prefix "child", local name ":a"
-  EXPECT_EQ(Sel(r, u"a", {soQualifiedName}), u"pa");
-  EXPECT_EQ(Sel(r, u"a", {soLocalName}), u"xa ya pa");
-  EXPECT_EQ(Sel(r, u"a", {soLocalName, soQualifiedName}), u"xa ya pa");  // soLocalName wins
+  // With both options soLocalName wins.
+  for (const auto& [options, ids] : {std::pair{TVnDOMSelectOptions{soQualifiedName}, u"pa"},
+                                     {{soLocalName}, u"xa ya pa"}, {{soLocalName, soQualifiedName}, u"xa ya pa"}})
+    EXPECT_EQ(Sel(r, u"a", options), ids);
 }
 
 TEST(PathSteps, KindsSlashDotParentAndAttributes) {
@@ -98,19 +98,17 @@ TEST(PathIndexes, FiltersCountFromZeroPerContextNode) {
              {u"a/b[position() = last()]", u""}});
 }
 
-TEST(PathAlternatives, LargeResultsStayUniqueInOrderOfDiscovery) {
+TEST(PathAlternatives, ResultsStayUniqueInOrderOfDiscoverySingleStopsAtFirstHit) {
   UnicodeString xml = u"<r>";
   for (int i = 0; i < 40; ++i) xml += u"<b id='" + IntToStr(i) + u"'/>";
   xml += u"</r>";
   auto doc = LoadDoc(xml);
   std::unique_ptr<TVnDOMNodeList> list = CreateNodeList(doc->GetRootNode(), u"b[39] | //b | b");
   ASSERT_EQ(list->Count(), 40);
-  EXPECT_EQ(test::Signature(list->GetItem(0)), u"39");
-  EXPECT_EQ(test::Signature(list->GetItem(39)), u"38");
-}
+  EXPECT_EQ(test::Signature(list->GetItem(0)) + u" " + test::Signature(list->GetItem(39)), u"39 38");
 
-TEST(PathAlternatives, ListGivesEachNodeOnceSingleStopsAtFirstHit) {
-  auto doc = LoadDoc(cShop);
+  // A list gives each node once; a single selection stops at the first hit.
+  doc = LoadDoc(cShop);
   TVnDOMElement* root = doc->GetRootNode();
   ExpectSel(root, {{u"c|a", u"c1 a1 a2"}, {u"a | a[1] | c", u"a1 a2 c1"}});
   EXPECT_EQ(test::Signature(SelectSingleNode(root, u"x|a|c")), u"a1");
