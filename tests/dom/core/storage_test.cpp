@@ -49,7 +49,7 @@ TEST(DomStorage, NamesAreSharedWithinADocumentAndSurviveIt) {
   EXPECT_EQ(otherRoot->ElementCount(), 2);
 }
 
-TEST(DomStorage, NamesSplitAtTheFirstColon) {
+TEST(DomStorage, NamesSplitAtTheFirstColonValuesMayBeSetFromThemselves) {
   TVnDOMElement e;
   e.SetQualifiedName(u"a:b:c");
   EXPECT_EQ((std::tuple{e.GetPrefix(), e.GetLocalName()}), std::tuple(u"a", u"b:c"));
@@ -59,10 +59,8 @@ TEST(DomStorage, NamesSplitAtTheFirstColon) {
   EXPECT_EQ(e.GetQualifiedName(), u"n:x");
   e.SetPrefix(u"");
   EXPECT_EQ(e.GetQualifiedName(), u"x");
-}
 
-TEST(DomStorage, StoredValuesMayBeSetFromThemselves) {
-  TVnDOMElement e;
+  // Stored values may be set from themselves.
   e.SetQualifiedName(u"e");
   TVnDOMText* t = e.AddText(u"abcdef");
   t->SetStoredValue(t->GetStoredValue().substr(2));  // the source lies in the block being replaced

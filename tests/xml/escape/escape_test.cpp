@@ -131,25 +131,24 @@ TEST(VnXMLToStr, AnsiFormKnowsFiveEntitiesByTheirFirstLetter) {
 
 // ---- round trips ----
 
-TEST(VnXMLToStr, UndoesVnStrToXML) {
+TEST(VnXMLToStr, UndoesVnStrToXMLAndDecodesOrRaisesOnArbitraryInput) {
   std::u16string every;
   for (char16_t c = 1; c < 128; ++c) every.push_back(c);
   every += u"\u00E9\u2329\U0001F600&amp;&#65;&lt";
   EXPECT_EQ(VnXMLToStr(VnStrToXML(every, true, true)), every);
 
   // Random texts over the characters that matter to both directions.
-  const std::u16string alphabet = u"&;# xX<>'\"\t\nampltg0123456789A\u00E9";
+  std::u16string alphabet = u"&;# xX<>'\"\t\nampltg0123456789A\u00E9";
   std::mt19937 random(42);
   for (int round = 0; round < 2000; ++round) {
     std::u16string text(random() % 24, u' ');
     for (char16_t& c : text) c = alphabet[random() % alphabet.size()];
     ASSERT_EQ(VnXMLToStr(VnStrToXML(text, true, true)), text) << round;
   }
-}
 
-TEST(VnXMLToStr, ArbitraryInputDecodesOrRaisesConvertError) {
-  const std::u16string alphabet = u"&;#xX-+ 0129aAfFgltmpquo\xD800\U0001F600";
-  std::mt19937 random(7);
+  // Arbitrary input decodes or raises EConvertError.
+  alphabet = u"&;#xX-+ 0129aAfFgltmpquo\xD800\U0001F600";
+  random.seed(7);
   for (int round = 0; round < 3000; ++round) {
     std::u16string text(random() % 20, u' ');
     for (char16_t& c : text) c = alphabet[random() % alphabet.size()];
