@@ -40,7 +40,7 @@ struct DomRootLifetime : ::testing::Test {
   TVnDOMElement* root = doc.CreateRootNode(u"root");
 };
 
-TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
+TEST(DomLifetime, InterfacesKeepTheParentChainTheLastReleaseFreesADetachedNode) {
   auto doc = std::make_unique<TVnDOMDocument>();
   TVnDOMElement* root = doc->CreateRootNode(u"root");
   TVnDOMElement* child = root->AddElement(u"a")->AddElement(u"b");
@@ -55,9 +55,8 @@ TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
   // which no interface ever held directly, stays its creator's.
   for (TVnDOMNode* n : chain) EXPECT_EQ(n->GetDOMImpl(), nullptr) << UnicodeToUtf8(n->GetQualifiedName());
   EXPECT_EQ(root->FirstElement()->FirstElement(), child);
-}
 
-TEST(DomLifetime, ReleasingLastInterfaceOfDetachedNodeFreesItAndNeedsOne) {
+  // The last release of a detached node frees it.
   auto* e = new TVnDOMElement();
   e->SetQualifiedName(u"x");
   e->AddElement(u"child")->AddText(u"t");

@@ -54,7 +54,7 @@ const std::string_view kWide[] = {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"
 
 }  // namespace
 
-TEST(SaxReaderRuns, EveryLengthAndPlace) {
+TEST(SaxReaderRuns, EveryLengthAndPlaceAlsoInPrefixedNames) {
   for (size_t len = 0; len <= 34; ++len) {
     for (std::string_view wide : kWide) {
       for (size_t at = 0; at <= len; ++at) {  // at == len: plain ASCII
@@ -68,9 +68,8 @@ TEST(SaxReaderRuns, EveryLengthAndPlace) {
       }
     }
   }
-}
 
-TEST(SaxReaderRuns, NamesWithPrefixesAndWhiteSpace) {
+  // Names with prefixes and white space.
   for (size_t len = 1; len <= 20; ++len) {
     for (size_t at = 0; at <= len; ++at) {
       std::string run = RunOf(len, at, "\xC3\xA9");

@@ -128,14 +128,12 @@ TEST(SaxReader, LocalNamesPrefixesAndTheDocumentTypeWithoutLexicalHandler) {
             (Trace{"startDocument", "start(a)", "chars(t)", "end(a)", "endDocument"}));
 }
 
-TEST(SaxReader, SingleRootCheck) {
+TEST(SaxReader, SingleRootCheckAndFailures) {
   // Without the check, white space between top-level items vanishes and text is delivered.
   ExpectTrace("<a>text", {"start(a)", "chars(text)", "ws()"}, false);
   ExpectTrace("<a/> x <b> y </b>\n<c/>",
               {"start(a)", "end(a)", "chars(x )", "start(b)", "chars( y )", "end(b)", "start(c)", "end(c)"}, false);
-}
 
-TEST(SaxReader, Failures) {
   // Codes (-1: the text ended), and where the locator stands when FatalError hears of them: at the
   // end of text, the start of the construct in which the text ended.
   struct Case {
@@ -171,7 +169,7 @@ TEST(SaxReader, Failures) {
   for (const auto& e : out.Events) EXPECT_NE(e, "endDocument");
 }
 
-TEST(SaxReader, HandlersAndFailurePath) {
+TEST(SaxReader, HandlersFailurePathAndEncodingsOfTheSource) {
   vn::TVnSAXXMLReader reader;
   EXPECT_EQ(vn::test::CodeOf<vn::EVnXMLParseError>([&] { reader.Parse(u"<a/>", u""); }), vn::cVnXMLErrNoContentHandler);
   vn::IPtr<vn::test::SaxRecorder> rec(new vn::test::SaxRecorder);
@@ -189,9 +187,7 @@ TEST(SaxReader, HandlersAndFailurePath) {
   EXPECT_THROW(r.Reader.Parse(u"<a>x</a>", u""), vn::EConvertError);
   EXPECT_EQ(r.Events().back(), "fatal(1:5 handler says no)");
   EXPECT_EQ(r.Reader.GetParser(), nullptr);  // the scanner is gone whatever happened
-}
 
-TEST(SaxReader, EncodingsOfTheSource) {
   // The declaration decides for 8-bit text without a code page.
   const Trace latin = ReadBytes("<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'>\xE0</a>");
   EXPECT_EQ((std::tuple{latin[2], latin[3]}), std::tuple("start(a v=\xC3\xA9)", "chars(\xC3\xA0)"));

@@ -56,7 +56,7 @@ TEST(VariantToXML, ScalarsAndArrays) {
 
 // ---- VnXMLToVariant ----
 
-TEST(XMLToVariant, Scalars) {
+TEST(XMLToVariant, ScalarsAndArrays) {
   TimeZoneScope zone(test::cZoneBerlin);
   struct Case {
     const char16_t* Text;
@@ -94,9 +94,8 @@ TEST(XMLToVariant, Scalars) {
                           Format(cVnXMLToVariantUnsupported, {VarTypeAsText(varDispatch)}));
   ExpectRaises<Exception>([] { VnXMLToVariant(u"x", varError); },
                           Format(cVnXMLToVariantUnsupported, {VarTypeAsText(varError)}));
-}
 
-TEST(XMLToVariant, ArraysReadBackWhatVariantToXMLWrites) {
+  // Arrays: bytes from hex, others from the markup VnVariantToXML writes.
   Variant v = VnXMLToVariant(u"  0aFF10\r\n", varArray | varByte);
   ASSERT_EQ(v.VarType(), varArray | varByte);
   EXPECT_EQ(VarArrayToBytes(v), (TBytes{0x0A, 0xFF, 0x10}));

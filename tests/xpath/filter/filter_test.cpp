@@ -36,7 +36,7 @@ class Filter : public ::testing::Test {
   std::unique_ptr<TVnDOMDocument> FDoc;
 };
 
-TEST_F(Filter, PresenceIndexesAndLogic) {
+TEST_F(Filter, PresenceIndexesLogicAndComparisons) {
   ExpectItems({{u"[@a]", u"1 2 4"}, {u"[not(@a)]", u"3"}, {u"[v]", u"1 2"}, {u"[0]", u"1"},
                {u"[first()]", u"1"}, {u"[last()]", u"4"}, {u"[position() = 2]", u"2"},
                {u"[node()]", u"1 2 3 4"},
@@ -52,9 +52,8 @@ TEST_F(Filter, PresenceIndexesAndLogic) {
   ExpectItems({{u"[not @a and @b]", u"2 3"}, {u"[(not @a) or @id = 1]", u"1 3"},
                {u"[notes = 1]", u"4"},  // a name beginning with "not"
                {u"[android]", u""}});
-}
 
-TEST_F(Filter, EmptyValuesExistentialNumericAndTextComparisons) {
+  // Empty values, existential comparisons.
   // A comparison with a missing value is empty: not(...) stays false, and so does the chain.
   ExpectItems({{u"[not(@a = 1)]", u"2 4"}, {u"[@a = 1 or @b = 2]", u"1"}, {u"[(@a = 1) or (@b = 2)]", u"1 3"},
                {u"[@a != 1]", u"2 4"}, {u"[missing != 1]", u""}});
@@ -103,7 +102,7 @@ TEST_F(Filter, ParserMessages) {
   ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), Format(detail::cFnUnsupportedFunction, {u"nosuchfunction"}));
 }
 
-TEST_F(Filter, PathsAndLibraryFunctionsInsideFilters) {
+TEST_F(Filter, PathsAndLibraryFunctionsInsideFiltersNestingBounded) {
   ExpectItems({{u"[v[1]]", u"1"}, {u"[../i[3]]", u"1 2 3 4"}, {u"[contains(@a, \".\")][0]", u"2"},
                {u"[contains(v, \"x\")]", u"2"},  // several v give an array, which is no text
                {u"[string-length(@a) = 3]", u"2"}});
@@ -112,9 +111,8 @@ TEST_F(Filter, PathsAndLibraryFunctionsInsideFilters) {
   EXPECT_EQ(Sel(FDoc->GetRootNode(), u"i[v[@x]]"), u"");
   // A "]" inside a string literal ends the filter early.
   EXPECT_THROW(Items(u"[v = \"a]b\"]"), EVnDomSyntax);
-}
 
-TEST_F(Filter, NestingIsBoundedAndLongChainsWork) {
+  // Nesting is bounded and long chains work.
   UnicodeString deep = u"[";
   for (int i = 0; i < 5000; ++i) deep += u"(";
   deep += u"@a]";

@@ -8,7 +8,7 @@
 namespace vn::testing {
 namespace {
 
-TEST_F(FunctionTest, DurationPartsAndErrorsThatNameTheirFunction) {
+TEST_F(FunctionTest, DurationDateAndTimeParts) {
   ExpectShown({
       {uR"(months-from-duration("P1Y2M"))", "int 14"}, {uR"(years-from-duration("P1Y2M"))", "int 1"},
       {uR"(years-from-duration("-P1Y"))", "int -1"}, {uR"(months-from-duration("-P3M"))", "int -3"},
@@ -25,9 +25,8 @@ TEST_F(FunctionTest, DurationPartsAndErrorsThatNameTheirFunction) {
                      u"An invalid parameter was passed to fn:" + UnicodeString(function) + u"-from-duration(arg)");
   ExpectError<EVnDomSyntax>(u"days-from-duration()",
                             u"The \"fn:days-from-duration(arg)\" function must have 1 parameter!");
-}
 
-TEST_F(FunctionTest, DateAndTimeParts) {
+  // Dates and times.
   ExpectShown({
       {uR"(year-from-dateTime("2020-03-04T05:06:07.25+02:00"))", "int 2020"},
       {uR"(month-from-dateTime("2020-03-04T05:06:07"))", "int 3"},

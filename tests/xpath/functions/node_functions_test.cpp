@@ -10,7 +10,7 @@
 namespace vn::testing {
 namespace {
 
-TEST_F(FunctionTest, NodeFunctionValues) {
+TEST_F(FunctionTest, NodeFunctionValuesAndTheirNodeArguments) {
   ExpectShown({
       {u"text()", "bool true"}, {u"node-name()", "str item"}, {u"node-name(p:g)", "str p:g"},
       {u"node-name(@a)", "str a"}, {u"string(@a)", "str 1"}, {u"string(7)", "str 7"}, {u"data(@b)", "str x"},
@@ -28,9 +28,8 @@ TEST_F(FunctionTest, NodeFunctionValues) {
   FDoc.SetDocumentURI(u"file:///data/doc.xml");
   ExpectShown({{u"base-uri()", "str file:///data/doc.xml"}, {u"base-uri(p:g)", "str urn:p"},
                {u"document-uri(p:g)", "str file:///data/doc.xml"}});
-}
 
-TEST_F(FunctionTest, NodeArgumentMustBeOneNodeAndStringNoList) {
+  // A node argument must be one node.
   using namespace detail;
   const std::tuple<const char16_t*, const char16_t*, const char16_t*, const char16_t*> cases[] = {
       {u"node-name(missing)", cFnCodeNoContext, cFnNodeMayNotBeNil, u"fn:node-name(node)"},

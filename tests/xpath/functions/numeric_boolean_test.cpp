@@ -7,7 +7,7 @@
 namespace vn::testing {
 namespace {
 
-TEST_F(FunctionTest, NumericFunctionValues) {
+TEST_F(FunctionTest, NumericAndBooleanFunctionValues) {
   FItem->SetAttribute(u"m", u"-2.5");
   FItem->SetAttribute(u"k", u"-1.1");
   ExpectShown({
@@ -24,9 +24,8 @@ TEST_F(FunctionTest, NumericFunctionValues) {
       {u"round(number(@m))", "int -2"}, {u"floor(number(@k))", "int -2"}, {u"ceiling(number(@k))", "int -1"},
       {u"abs(number(@m))", "float 2.5"},
   });
-}
 
-TEST_F(FunctionTest, BooleanFunctions) {
+  // Booleans.
   ExpectShown({
       {u"true()", "bool true"}, {u"false()", "bool false"},
       {u"true(1, 2)", "bool true"},  // parameters are ignored
