@@ -27,7 +27,7 @@ std::unique_ptr<TVnDOMDocument> FromBytes(std::string_view ABytes) {
   return doc;
 }
 
-TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
+TEST(DomLoad, StreamSkipsMarkAndBlanksReadsDeclaredEncodingAndShapesTheTree) {
   // A UTF-8 mark then blanks: the parse starts on "<".
   auto doc = FromBytes("\xEF\xBB\xBF \r\n\t<a>\xC3\xA9</a>");
   ASSERT_NE(doc->GetRootNode(), nullptr);
@@ -43,10 +43,9 @@ TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
   // 8-bit text through the Ansi entry: the declaration decides.
   doc = TVnDOMDocument::FromAnsiXML("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>");
   EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u20ac");
-}
 
-TEST(DomLoad, TreeShapeFromEvents) {
-  auto doc = TVnDOMDocument::FromXML(
+  // The tree's shape follows the events.
+  doc = TVnDOMDocument::FromXML(
       u"<?xml version=\"1.0\"?>\r\n<!--c1--><?pi data?><!DOCTYPE a><a xmlns=\"u\" x=\"1&amp;2\">"
       u"<b/>  <c xml:space=\"preserve\">  <d/></c><![CDATA[<raw>]]></a><!--after-->");
   TVnDOMElement* a = doc->GetRootNode();

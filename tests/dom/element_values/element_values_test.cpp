@@ -76,7 +76,7 @@ TEST(ElementValues, EveryVariantKindComesBackWithItsTypeAndValue) {
   }
 }
 
-TEST(ElementValues, TypedWritersMarkTheTypeInSchemaInstanceMode) {
+TEST(ElementValues, TypedWritersMarkTheTypeNullMarksNil) {
   SchemaDoc d;
   TVnDOMElement* e = d.Add();
   e->SetAsInteger(5);
@@ -94,11 +94,8 @@ TEST(ElementValues, TypedWritersMarkTheTypeInSchemaInstanceMode) {
   e->SetAsString(u"a<b&c");
   EXPECT_EQ(e->GetXML(), u"<v xsi:type=\"xsd:string\">a&lt;b&amp;c</v>");
   EXPECT_EQ(e->GetAsString(), u"a<b&c");
-}
 
-TEST(ElementValues, NullSetsNilALaterValueRemovesItAndNilWinsOverTextAndType) {
-  SchemaDoc d;
-  TVnDOMElement* e = d.Add();
+  // Null sets nil, a later value removes it, and nil wins over text and type.
   e->SetAsInteger(1);
   e->AddComment(u"note");
   e->SetAsVariant(Variant::Null());

@@ -56,7 +56,7 @@ TEST(XMLDateText, ZoneFormatsInSummerAndWinterAndOtherZones) {
   EXPECT_EQ(U8(VnTimeToXML(EncodeTime(22, 0, 0, 5), tzfOffset)), "22:00:00.005+00:00");
 }
 
-TEST(XMLDateText, MomentsAroundTheDaylightSavingSwitch) {
+TEST(XMLDateText, MomentsAroundTheDaylightSavingSwitchAndReadingByTheZoneTable) {
   TimeZoneScope zone(test::cZoneBerlin);
   // The last minute of winter time and the first of summer time are an hour apart on the
   // clock but a minute apart in UTC.
@@ -68,16 +68,11 @@ TEST(XMLDateText, MomentsAroundTheDaylightSavingSwitch) {
   EXPECT_NEAR(VnXMLToDateTime(u"2020-03-29T02:30:00+01:00"), At(2020, 3, 29, 3, 30), cMoment);
 
   // 02:30 happens twice in October: both UTC moments read back as 02:30 local.
-  EXPECT_NEAR(VnXMLToDateTime(u"2020-10-25T00:30:00Z"), At(2020, 10, 25, 2, 30), cMoment);
-  EXPECT_NEAR(VnXMLToDateTime(u"2020-10-25T01:30:00Z"), At(2020, 10, 25, 2, 30), cMoment);
-  EXPECT_NEAR(VnXMLToDateTime(u"2020-10-25T02:30:00+01:00"), At(2020, 10, 25, 2, 30), cMoment);
+  for (const char16_t* text : {u"2020-10-25T00:30:00Z", u"2020-10-25T01:30:00Z", u"2020-10-25T02:30:00+01:00"})
+    EXPECT_NEAR(VnXMLToDateTime(text), At(2020, 10, 25, 2, 30), cMoment) << U8(text);
   EXPECT_NEAR(VnXMLToDateTime(u"2020-10-25T03:30:00+02:00", tzfUTC), At(2020, 10, 25, 1, 30), cMoment);
-}
 
-// ---- text to value ----
-
-TEST(XMLDateText, ReadingFollowsTheZoneTable) {
-  TimeZoneScope zone(test::cZoneBerlin);
+  // Reading follows the zone table.
   const TDateTime noon = At(2020, 7, 1, 12, 0);
   // Text without zone: local as it stands; other formats need a zone.
   EXPECT_NEAR(VnXMLToDateTime(u"2020-07-01T12:00:00"), noon, cMoment);
@@ -102,6 +97,8 @@ TEST(XMLDateText, ReadingFollowsTheZoneTable) {
     EXPECT_EQ(VnXMLDateTimeFormat(VnDecodeXMLDateTime(text)), format) << U8(text);
   EXPECT_THROW(VnDecodeXMLDateTime(u"noon"), EConvertError);
 }
+
+// ---- text to value ----
 
 TEST(XMLDateText, DatesIgnoreZoneAndTimeTimesKeepToOneDay) {
   TimeZoneScope zone(test::cZoneBerlin);
