@@ -84,7 +84,7 @@ TEST_F(DomRootLifetime, RemovedNodeSurvivesWithAnInterfaceAndIsFreedWithout) {
   EXPECT_FALSE(root->HasChilds());
 }
 
-TEST(DomLifetime, FreeingDocumentWhileNodeIsHeldRaisesDeletingDetaches) {
+TEST(DomLifetime, FreeingAHeldDocumentRaisesDeletingDetachesObjectsAnswerForTheirImpl) {
   auto* doc = new TVnDOMDocument();
   TVnDOMElement* root = doc->CreateRootNode(u"root");
   IPtr<IVnDOMElement> held = root->AddElement(u"a")->As<IVnDOMElement>();
@@ -99,9 +99,8 @@ TEST(DomLifetime, FreeingDocumentWhileNodeIsHeldRaisesDeletingDetaches) {
   held = deleted->CreateRootNode(u"root")->AddElement(u"a")->As<IVnDOMElement>();
   deleted.reset();
   EXPECT_EQ((std::tuple{bool(held->Document()), held->GetQualifiedName()}), std::tuple(false, u"a"));
-}
 
-TEST(DomLifetime, ObjectAnswersWhatImplDeclines) {
+  // The object answers the interfaces its Impl declines.
   auto* e = new TExtraElement();
   e->SetQualifiedName(u"x");
   IPtr<IVnDOMElement> i = e->As<IVnDOMElement>();

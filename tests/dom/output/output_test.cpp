@@ -46,7 +46,7 @@ TEST(DomOutput, PlainAndFormattedLayout) {
   EXPECT_EQ(doc->GetRootNode()->ChildAt(1)->GetXML(), u"x &lt; y");
 }
 
-TEST(DomOutput, ByteOrderMarksAndLineEndsAtTheStart) {
+TEST(DomOutput, ByteOrderMarksLineEndsCodePagesAndTheDeclaration) {
   auto doc = TVnDOMDocument::FromXML(u"<a><b/></a>");
   // UTF-16: the two-byte mark is recognised, no line end behind it.
   std::string wide = Saved(*doc, cVnCodePageUTF16LE, true, true);
@@ -63,10 +63,9 @@ TEST(DomOutput, ByteOrderMarksAndLineEndsAtTheStart) {
   s.Add(std::string_view("x"));
   doc->GetRootNode()->SaveToStream(s, cVnCodePageUTF8, true);
   EXPECT_EQ(std::string(s.GetBytesView()).substr(0, 4), "x\r\n<");
-}
 
-TEST(DomOutput, CodePagesAndTheDeclaration) {
-  auto doc = TVnDOMDocument::FromXML(u"<a>\u00e9\u20ac\U0001F600</a>");
+  // Code pages and the declaration.
+  doc = TVnDOMDocument::FromXML(u"<a>\u00e9\u20ac\U0001F600</a>");
   EXPECT_EQ(Saved(*doc, cVnCodePageUTF8, false, false), "<a>\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80</a>");
   EXPECT_EQ(Saved(*doc, 1252, false, false).substr(0, 5), "<a>\xE9\x80");
   // SetEncoding writes the name into a new declaration at the front, then updates it in place.
@@ -75,9 +74,9 @@ TEST(DomOutput, CodePagesAndTheDeclaration) {
   EXPECT_EQ(doc->GetCodePage(), cVnCodePageLatin1);
   doc->SetEncoding(u"windows-1252");
   EXPECT_EQ(doc->GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"windows-1252\"");
-  TVnStringStream s(1252);
-  doc->SaveToStreamEx(s, false, true);
-  EXPECT_EQ(std::string(s.GetBytesView()).substr(0, 45), "<?xml version=\"1.0\" encoding=\"windows-1252\"?>");
+  TVnStringStream ansi(1252);
+  doc->SaveToStreamEx(ansi, false, true);
+  EXPECT_EQ(std::string(ansi.GetBytesView()).substr(0, 45), "<?xml version=\"1.0\" encoding=\"windows-1252\"?>");
   // A declaration without encoding gets one appended; the instruction setter recomputes it.
   doc->SetProcessingInstruction(u"xml", u"version=\"1.0\"");
   EXPECT_EQ(doc->GetEncoding(), u"UTF-8");

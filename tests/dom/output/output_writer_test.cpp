@@ -127,7 +127,7 @@ TEST(DomOutputWriter, EveryKindOfStreamGetsTheSameBytes) {
   EXPECT_EQ(ToMemory(*doc, 0, false), ToMemory(*doc, cVnCodePageUTF8, false));
 }
 
-TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
+TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFileWritesAtTheStreamPosition) {
   // The line-start rules look back at the stream: through a file they must come out as in memory.
   const test::TempFile file("marks.xml");
   const UnicodeString name = file.Name();
@@ -141,10 +141,9 @@ TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
   doc->SetEncoding(u"UTF-8");
   doc->SaveToFile(name, true, true);
   EXPECT_EQ(ReadFile(file.Path), ToMemory(*doc, cVnCodePageUTF8, true, true));
-}
 
-TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
-  auto doc = TVnDOMDocument::FromXML(u"<a>t</a>");
+  // Writes land at the stream position.
+  doc = TVnDOMDocument::FromXML(u"<a>t</a>");
   TVnDOMElement* a = doc->GetRootNode();
   // Inside the content: the bytes there are overwritten, the rest stays.
   TVnStringStream s(std::string_view("0123456789ABCDEF"), cVnCodePageUTF8);
@@ -169,7 +168,7 @@ TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
   EXPECT_THROW(a->SaveToStream(s, 65535, false), EVnException);
 }
 
-TEST(DomOutputWriter, HostNodesWriteThemselvesInOrder) {
+TEST(DomOutputWriter, HostNodesWriteInOrderAndEachPieceIsConvertedOnItsOwn) {
   auto doc = TVnDOMDocument::FromXML(u"<a><b/></a>");
   TVnDOMElement* a = doc->GetRootNode();
   auto* marked = a->Append(std::make_unique<TMarkedElement>());
@@ -184,10 +183,9 @@ TEST(DomOutputWriter, HostNodesWriteThemselvesInOrder) {
   TRecordingStream recorder;
   doc->SaveToStream(recorder, cVnCodePageUTF8, true, false);
   EXPECT_EQ(recorder.Bytes, ToMemory(*doc, cVnCodePageUTF8, true));
-}
 
-TEST(DomOutputWriter, EachPieceIsConvertedOnItsOwn) {
-  auto doc = TVnDOMDocument::FromXML(u"<r/>");
+  // Each piece of text is converted on its own.
+  doc = TVnDOMDocument::FromXML(u"<r/>");
   TVnDOMElement* r = doc->GetRootNode();
   // A surrogate pair split over two text nodes stays two broken characters.
   r->AddText(u"a\xD83D");

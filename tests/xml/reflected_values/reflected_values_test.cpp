@@ -55,7 +55,7 @@ TEST(ValToXML, TextByKindAndComplexKinds) {
 }
 
 /// Each value written and read back under its own type gives the same value.
-TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWroteAlsoByName) {
+TEST(XMLToValue, EveryKindReadsBackByTypeOrNameOthersFailClearly) {
   const TDateTime moment = EncodeDateTime(2001, 12, 31, 23, 59, 58, 999);
   const TDateTime day = EncodeDate(1999, 1, 2);
   const TDateTime clock = EncodeTime(6, 7, 8, 9);
@@ -93,9 +93,8 @@ TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWroteAlsoByName) {
                         VnXMLToValue(u"", sizes).AsOrdinal()}),
             std::tuple(6, 2, 0));
   EXPECT_THROW(VnXMLToValue(u"[szHuge]", sizes), EPropertyConvertError);
-}
 
-TEST(XMLToValue, UnsupportedKindsBadTextAndTypeNames) {
+  // Unsupported kinds and bad texts fail clearly.
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"<A>1</A>", TypeInfoOf<TPair>()); }),
             Format(cVnXMLToValueUnsupported, {u"<A>1</A>", u"TPair"}));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"x", static_cast<const TTypeInfo*>(nullptr)); }),

@@ -37,7 +37,7 @@ TEST(XMLIntegerText, EmptyBadCutAndFullRange) {
   for (const auto& [text, expected] : texts) EXPECT_EQ(text, expected);
 }
 
-TEST(XMLFloatText, DotIsTheOnlySeparatorAndSpecialValuesSurviveARoundTrip) {
+TEST(XMLFloatAndBoolText, DotIsTheOnlySeparatorSpecialValuesRoundTripOnlyOneAndTrueAreTrue) {
   EXPECT_DOUBLE_EQ(VnXMLToDouble(u"1.5e3"), 1500);
   EXPECT_FLOAT_EQ(VnXMLToSingle(u"0.1"), 0.1f);
   EXPECT_EQ((std::tuple{VnXMLToDouble(u""), VnXMLToDoubleDef(u"1,5", 7), VnXMLToSingleDef(u"", 7)}),
@@ -58,9 +58,8 @@ TEST(XMLFloatText, DotIsTheOnlySeparatorAndSpecialValuesSurviveARoundTrip) {
     SCOPED_TRACE(value);
     EXPECT_NEAR(VnXMLToDouble(VnDoubleToXML(value)), value, std::fabs(value) * 1e-14);
   }
-}
 
-TEST(XMLBoolText, OnlyOneAndTrueAreTrue) {
+  // Booleans: only "1" and "true" in any case are true.
   for (const char16_t* text : {u"1", u"true", u"TRUE", u"True", u"tRuE"})
     EXPECT_TRUE(VnXMLToBool(text)) << U8(text);
   for (const char16_t* text : {u"0", u"false", u"yes", u"", u" true", u"01", u"-1", u"truex"})
