@@ -87,7 +87,7 @@ TEST(DomList, FindTakesTheLastMatchGetItemExByNumberNameAndDot) {
   EXPECT_THROW(items->GetItemEx(Variant(1.5), coRaise), EListError);
 }
 
-TEST(DomNode, ClearCloneChildrenAndRefusedAdds) {
+TEST(DomNode, ClearCloneChildrenRefusedAddsAndNodePaths) {
   TVnDOMElement e;
   e.SetQualifiedName(u"e");
   e.SetAttribute(u"k", u"1");
@@ -111,9 +111,8 @@ TEST(DomNode, ClearCloneChildrenAndRefusedAdds) {
   TVnDOMElement* l = loose.get();
   g->AppendChild(loose.release());
   EXPECT_THROW(l->FirstElement()->AppendChild(l), EVnDomHierarchyRequest);
-}
 
-TEST(DomNode, NodePath) {
+  // Node paths.
   TVnDOMDocument doc;
   TVnDOMElement* a = doc.CreateRootNode(u"a");
   TVnDOMElement* b = a->AddElement(u"x:b");

@@ -91,7 +91,7 @@ size_t LoadWork(const std::u16string& AText, std::u16string_view ADeepestURI) {
   return test::AllocatedBytes() - before;
 }
 
-TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
+TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepthOtherDocumentsKeepTheirLookups) {
   // One new prefix per level, and the twin that redeclares the default namespace per level.
   struct Shape {
     const char* Name;
@@ -116,9 +116,8 @@ TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
     EXPECT_LT(work[1], work[0] * 5 / 2) << work[0] << " bytes at n, " << work[1] << " at 2n";
     RecordProperty(std::string(shape.Name) + " bytes at n, 2n", std::to_string(work[0]) + ", " + std::to_string(work[1]));
   }
-}
 
-TEST(DomNamespacesLoad, DeclarationChangesInOneDocumentKeepAnothersLookups) {
+  // Declaration changes in one document keep another's lookups.
   std::u16string text = u"<r";
   for (int i = 0; i < 40; ++i) text += u" xmlns:p" + IntToStr(i) + u"=\"urn:" + IntToStr(i) + u"\"";
   text += u"><c/></r>";

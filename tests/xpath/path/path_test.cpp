@@ -117,7 +117,7 @@ TEST(PathAlternatives, ResultsStayUniqueInOrderOfDiscoverySingleStopsAtFirstHit)
   EXPECT_THROW(Sel(root, u"a[@id = \"a|b\"]"), Exception);
 }
 
-TEST(PathErrors, MalformedPathsRaiseTheirMessages) {
+TEST(PathErrors, MalformedPathsAndRaisingFormsRaiseTheirMessages) {
   auto doc = LoadDoc(cShop);
   TVnDOMElement* root = doc->GetRootNode();
   const std::pair<const char16_t*, UnicodeString> syntax[] = {
@@ -130,11 +130,8 @@ TEST(PathErrors, MalformedPathsRaiseTheirMessages) {
   ExpectError<Exception>([&] { Sel(root, u"a", {soRaise, soCreate}); }, cVnPathBothRaiseCreate);
   // A step that never runs never fails.
   EXPECT_EQ(Sel(root, u"zz/*x"), u"");
-}
 
-TEST(PathOptions, RaiseMessagesOfListSingleAndDocumentForms) {
-  auto doc = LoadDoc(cShop);
-  TVnDOMElement* root = doc->GetRootNode();
+  // The raise messages of the list, single and document forms.
   ExpectError<EVnDomNotFound>([&] { CreateNodeList(root, u"zz", {soRaise}); }, Format(cVnPathNoNodes, {u"zz"}));
   ExpectError<EVnDomNotFound>([&] { SelectSingleNode(root, u"zz", {soRaise}); }, Format(cVnPathNoNode, {u"zz"}));
   ExpectError<EVnDomNotFound>([&] { CreateElementList(root, u"zz", {soRaise}); },
@@ -153,7 +150,7 @@ TEST(PathOptions, RaiseMessagesOfListSingleAndDocumentForms) {
   ExpectError<EVnDomNotFound>([&] { CreateElementList(&empty, u"a", {soCreate}); }, cVnPathNoRootCreate);
 }
 
-TEST(PathCreate, CreatesMissingElementsOnceAndRefusesComplexPaths) {
+TEST(PathCreate, CreatesMissingElementsOnceRefusesComplexPathsInterfacesAndMembersForward) {
   auto doc = LoadDoc(u"<r><a/></r>");
   TVnDOMElement* r = doc->GetRootNode();
   TVnDOMNode* c = SelectSingleNode(r, u"a/b/c", {soCreate});
@@ -169,10 +166,9 @@ TEST(PathCreate, CreatesMissingElementsOnceAndRefusesComplexPaths) {
   // A path from the document creates nothing at its first step.
   ExpectError<EVnDomNotFound>([&] { SelectSingleNode(doc.get(), u"other", {soCreate}); },
                               Format(cVnPathTooComplex, {u"other"}));
-}
 
-TEST(PathInterfaces, InterfaceFormsAndMembersForwardAndListsBelongToTheCaller) {
-  auto doc = LoadDoc(cShop);
+  // Interface forms and members forward; lists belong to the caller.
+  doc = LoadDoc(cShop);
   IPtr<IVnDOMNode> node = doc->GetRootNode()->As<IVnDOMNode>();
   IPtr<IVnDOMNodeList> list = node->CreateNodeList(u"a/b", {});
   EXPECT_EQ((std::tuple{list->Count(), bool(node->SelectSingleNode(u"zz", {}))}), std::tuple(3, false));
