@@ -1,6 +1,8 @@
 // Lifetimes of the two halves: each case would read freed memory or leak under ASan if a rule broke.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -32,7 +34,13 @@ class TExtraElement : public TVnDOMElement, public ITestExtra {
   }
 };
 
-TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
+// A document with a root, the start of most cases.
+struct DomRootLifetime : ::testing::Test {
+  TVnDOMDocument doc;
+  TVnDOMElement* root = doc.CreateRootNode(u"root");
+};
+
+TEST(DomLifetime, InterfacesKeepTheParentChainTheLastReleaseFreesADetachedNode) {
   auto doc = std::make_unique<TVnDOMDocument>();
   TVnDOMElement* root = doc->CreateRootNode(u"root");
   TVnDOMElement* child = root->AddElement(u"a")->AddElement(u"b");
@@ -47,41 +55,36 @@ TEST(DomLifetime, InterfaceOnChildKeepsParentChainAndDocument) {
   // which no interface ever held directly, stays its creator's.
   for (TVnDOMNode* n : chain) EXPECT_EQ(n->GetDOMImpl(), nullptr) << UnicodeToUtf8(n->GetQualifiedName());
   EXPECT_EQ(root->FirstElement()->FirstElement(), child);
-}
 
-TEST(DomLifetime, ReleasingLastInterfaceOfDetachedNodeFreesIt) {
+  // The last release of a detached node frees it.
   auto* e = new TVnDOMElement();
   e->SetQualifiedName(u"x");
   e->AddElement(u"child")->AddText(u"t");
   IPtr<IVnDOMElement> i = e->As<IVnDOMElement>();
   i = nullptr;  // frees e and its subtree: LeakSanitizer would report otherwise
+  // A node that never had an interface half can't be released.
+  TVnDOMElement plain;
+  EXPECT_EQ(test::MessageOf([&] { plain._Release(); }), cVnDomNoImpl);
 }
 
-TEST(DomLifetime, RemovedNodeWithInterfaceSurvivesWithoutDocument) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, RemovedNodeSurvivesWithAnInterfaceAndIsFreedWithout) {
   TVnDOMElement* a = root->AddElement(u"a");
   a->AddElement(u"inner");
   IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
   root->RemoveChild(a);
-  EXPECT_EQ(root->ElementCount(), 0);
-  EXPECT_EQ(a->GetDOMDocument(), nullptr);
-  EXPECT_EQ(a->GetParent(), nullptr);
-  EXPECT_FALSE(held->ParentNode());
-  EXPECT_EQ(held->ElementCount(), 1);
+  EXPECT_EQ((std::tuple{root->ElementCount(), a->GetDOMDocument(), a->GetParent(), bool(held->ParentNode()),
+                        held->ElementCount()}),
+            std::tuple(0, nullptr, nullptr, false, 1));
   held = nullptr;  // now a goes
-}
 
-TEST(DomLifetime, RemoveChildWithoutInterfaceFrees) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+  // Without an interface a removed child is freed.
   for (int i = 0; i < 3; ++i) root->AddElement(u"a")->AddAttribute(u"k");
   root->RemoveChild(root->FirstElement());
   root->Clear();
   EXPECT_FALSE(root->HasChilds());
 }
 
-TEST(DomLifetime, FreeingDocumentWhileNodeIsHeldRaises) {
+TEST(DomLifetime, FreeingAHeldDocumentRaisesDeletingDetachesObjectsAnswerForTheirImpl) {
   auto* doc = new TVnDOMDocument();
   TVnDOMElement* root = doc->CreateRootNode(u"root");
   IPtr<IVnDOMElement> held = root->AddElement(u"a")->As<IVnDOMElement>();
@@ -90,23 +93,14 @@ TEST(DomLifetime, FreeingDocumentWhileNodeIsHeldRaises) {
   EXPECT_EQ(held->ParentNode()->GetQualifiedName(), u"root");
   held = nullptr;
   doc->Free();
-}
 
-TEST(DomLifetime, DeletingDocumentDetachesHeldNodes) {
-  auto doc = std::make_unique<TVnDOMDocument>();
-  TVnDOMElement* root = doc->CreateRootNode(u"root");
-  IPtr<IVnDOMElement> held = root->AddElement(u"a")->As<IVnDOMElement>();
-  doc.reset();  // delete never raises: the held subtree lives on, detached
-  EXPECT_FALSE(held->Document());
-  EXPECT_EQ(held->GetQualifiedName(), u"a");
-}
+  // Delete never raises: the held subtree lives on, detached.
+  auto deleted = std::make_unique<TVnDOMDocument>();
+  held = deleted->CreateRootNode(u"root")->AddElement(u"a")->As<IVnDOMElement>();
+  deleted.reset();
+  EXPECT_EQ((std::tuple{bool(held->Document()), held->GetQualifiedName()}), std::tuple(false, u"a"));
 
-TEST(DomLifetime, ReleaseWithoutImplRaises) {
-  TVnDOMElement e;
-  EXPECT_EQ(test::MessageOf([&] { e._Release(); }), cVnDomNoImpl);
-}
-
-TEST(DomLifetime, ObjectAnswersWhatImplDeclines) {
+  // The object answers the interfaces its Impl declines.
   auto* e = new TExtraElement();
   e->SetQualifiedName(u"x");
   IPtr<IVnDOMElement> i = e->As<IVnDOMElement>();
@@ -119,9 +113,7 @@ TEST(DomLifetime, ObjectAnswersWhatImplDeclines) {
   extra = nullptr;  // the shared count ends here and frees e
 }
 
-TEST(DomLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
   root->AddElement(u"a");
   {
     IPtr<IVnDOMElementList> owned = root->As<IVnDOMElement>()->GetElements();
@@ -133,14 +125,11 @@ TEST(DomLifetime, ListsOwnedByNodeLiveWithNodeAndCallerListsWithInterface) {
   made = nullptr;  // a caller's list goes with its last interface
 }
 
-TEST(DomLifetime, CloneThroughInterfaceBelongsToTheInterface) {
-  TVnDOMDocument doc;
-  TVnDOMElement* root = doc.CreateRootNode(u"root");
+TEST_F(DomRootLifetime, CloneThroughInterfaceBelongsToTheInterface) {
   root->AddElement(u"a")->SetAttribute(u"k", u"v");
   IPtr<IVnDOMNode> clone;
   root->As<IVnDOMNode>()->CloneNode(true, clone);
-  EXPECT_FALSE(clone->ParentNode());
-  EXPECT_EQ(clone->NodeCount(), 1);
+  EXPECT_EQ((std::tuple{bool(clone->ParentNode()), clone->NodeCount()}), std::tuple(false, 1));
 }
 
 TEST(DomLifetime, DeepTreesAreBuiltHeldAndFreedWithoutRecursion) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
@@ -34,25 +35,24 @@ TEST(DomNamespaces, ElementsAndAttributesMadeByURI) {
 
   // Renaming the prefix moves the element to the namespace of the new prefix.
   known->SetPrefix(u"q");
-  EXPECT_EQ(known->GetNamespaceURI(), u"urn:q");
-  EXPECT_EQ(root->GetQualifiedName(), u"a:root");  // the shared name of the others stays
+  // The shared name of the others stays.
+  EXPECT_EQ((std::tuple{known->GetNamespaceURI(), root->GetQualifiedName()}), std::tuple(u"urn:q", u"a:root"));
 }
 
-TEST(DomNamespaces, FindNamespaceWalksDeclarationsNearestFirst) {
+TEST(DomNamespaces, FindNamespaceWalksDeclarationsNearestFirstForeignNodesStay) {
   TVnDOMDocument doc;
   TVnDOMElement* root = doc.CreateRootNode(u"r");
   root->SetAttribute(u"xmlns:p", u"urn:1");
   TVnDOMElement* mid = root->AddElement(u"m");
   mid->SetAttribute(u"xmlns:s", u"urn:1");
   TVnDOMElement* leaf = mid->AddElement(u"p:l");
-  EXPECT_EQ(leaf->FindNamespace(u"urn:1"), mid->FindAttribute(u"xmlns:s"));
-  EXPECT_EQ(leaf->GetNamespaces()->Count(), 2);
+  EXPECT_EQ((std::tuple{leaf->FindNamespace(u"urn:1"), leaf->GetNamespaces()->Count()}),
+            std::tuple(mid->FindAttribute(u"xmlns:s"), 2));
   // Removing the declaration leaves the prefix without a namespace.
   root->RemoveAttribute(u"xmlns:p");
   EXPECT_EQ(leaf->GetNamespaceURI(), u"");
-}
 
-TEST(DomNamespaces, RemovingAForeignNodeIsAnAssertion) {
+  // Removing a foreign node is an assertion.
   TVnDOMElement a, b;
   TVnDOMElement* child = b.AddElement(u"c");
   EXPECT_NE(test::MessageOf<EAssertionFailed>([&] { a.RemoveChild(child); }).find(cVnDomNotAChild), UnicodeString::npos);
@@ -67,15 +67,15 @@ TEST(DomNamespaces, DeepCloneIsDetachedAndKeepsOrder) {
   root->AddText(u"t");
   root->AddElement(u"a:c")->SetAttribute(u"z", u"2");
   std::unique_ptr<TVnDOMNode> clone = root->CloneNode(true);
-  EXPECT_EQ(clone->GetDOMDocument(), nullptr);
   EXPECT_EQ(clone->GetXML(), root->GetXML());
   auto* e = static_cast<TVnDOMElement*>(clone.get());
-  EXPECT_EQ(e->AttributeCount(), 2);
-  EXPECT_EQ(e->FirstElement()->GetAttribute(u"z"), u"2");
-  EXPECT_EQ(root->CloneNode(false)->NodeCount(), 0);  // attributes are children too
+  // A shallow clone has no attributes either: they are children too.
+  EXPECT_EQ((std::tuple{clone->GetDOMDocument(), e->AttributeCount(), e->FirstElement()->GetAttribute(u"z"),
+                        root->CloneNode(false)->NodeCount()}),
+            std::tuple(nullptr, 2, u"2", 0));
 }
 
-TEST(DomSideTables, ReusedAddressesStartClean) {
+TEST(DomSideTables, ReusedAddressesStartCleanAndThreadsShareTheTables) {
   // Freed nodes hand their address to the next ones: nothing of the old node may stick to it.
   for (int i = 0; i < 50; ++i) {
     auto* e = new TVnDOMElement();
@@ -85,13 +85,11 @@ TEST(DomSideTables, ReusedAddressesStartClean) {
     IPtr<IVnDOMElement> held = e->As<IVnDOMElement>();
     held = nullptr;  // frees e, its Impl and its list object
     TVnDOMElement fresh;
-    EXPECT_EQ(fresh.GetDOMImpl(), nullptr);
-    EXPECT_EQ(fresh.GetChildNodes()->Count(), 0);
-    EXPECT_EQ(fresh.GetNamespaceURI(), u"");
+    EXPECT_EQ((std::tuple{fresh.GetDOMImpl(), fresh.GetChildNodes()->Count(), fresh.GetNamespaceURI()}),
+              std::tuple(nullptr, 0, u""));
   }
-}
 
-TEST(DomSideTables, TreesOfDifferentThreadsAtOnce) {
+  // Trees of different threads at once.
   auto work = [](int ASeed, size_t& ATotal) {
     auto doc = std::make_unique<TVnDOMDocument>();
     TVnDOMElement* root = doc->CreateRootNode(u"r" + IntToStr(ASeed));

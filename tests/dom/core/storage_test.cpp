@@ -1,6 +1,8 @@
 // Compact storage: names shared per document, stored values in one block, walks without Impls.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "vnxml/dom.h"
 
 namespace vn {
@@ -12,13 +14,11 @@ TEST(DomStorage, NamesAreSharedWithinADocumentAndSurviveIt) {
   TVnDOMElement* a = root->AddElement(u"p:item");
   TVnDOMElement* b = root->AddElement(u"p:item");
   EXPECT_EQ(a->QualifiedNameView().data(), b->QualifiedNameView().data());
-  EXPECT_EQ(a->PrefixView(), u"p");
-  EXPECT_EQ(a->LocalNameView(), u"item");
+  EXPECT_EQ((std::tuple{a->PrefixView(), a->LocalNameView()}), std::tuple(u"p", u"item"));
 
   // Renaming one leaves the other alone.
   b->SetQualifiedName(u"q:other");
-  EXPECT_EQ(a->GetQualifiedName(), u"p:item");
-  EXPECT_EQ(b->GetPrefix(), u"q");
+  EXPECT_EQ((std::tuple{a->GetQualifiedName(), b->GetPrefix()}), std::tuple(u"p:item", u"q"));
 
   // A node built outside joins with its own record and then shares the document's.
   auto loose = std::make_unique<TVnDOMElement>();
@@ -30,8 +30,7 @@ TEST(DomStorage, NamesAreSharedWithinADocumentAndSurviveIt) {
   // The held node outlives its document and its name table: ASan reads freed memory otherwise.
   IPtr<IVnDOMElement> held = a->As<IVnDOMElement>();
   doc.reset();
-  EXPECT_EQ(held->GetQualifiedName(), u"p:item");
-  EXPECT_EQ(held->GetLocalName(), u"item");
+  EXPECT_EQ((std::tuple{held->GetQualifiedName(), held->GetLocalName()}), std::tuple(u"p:item", u"item"));
   // Its old parent lives on, detached, as long as the chain is counted.
   IPtr<IVnDOMNode> oldParent = held->ParentNode();
   ASSERT_TRUE(oldParent);
@@ -50,22 +49,18 @@ TEST(DomStorage, NamesAreSharedWithinADocumentAndSurviveIt) {
   EXPECT_EQ(otherRoot->ElementCount(), 2);
 }
 
-TEST(DomStorage, NamesSplitAtTheFirstColon) {
+TEST(DomStorage, NamesSplitAtTheFirstColonValuesMayBeSetFromThemselves) {
   TVnDOMElement e;
   e.SetQualifiedName(u"a:b:c");
-  EXPECT_EQ(e.GetPrefix(), u"a");
-  EXPECT_EQ(e.GetLocalName(), u"b:c");
+  EXPECT_EQ((std::tuple{e.GetPrefix(), e.GetLocalName()}), std::tuple(u"a", u"b:c"));
   e.SetQualifiedName(u":x");  // an empty prefix is none
-  EXPECT_EQ(e.GetQualifiedName(), u"x");
-  EXPECT_EQ(e.GetPrefix(), u"");
+  EXPECT_EQ((std::tuple{e.GetQualifiedName(), e.GetPrefix()}), std::tuple(u"x", u""));
   e.SetPrefix(u"n");
   EXPECT_EQ(e.GetQualifiedName(), u"n:x");
   e.SetPrefix(u"");
   EXPECT_EQ(e.GetQualifiedName(), u"x");
-}
 
-TEST(DomStorage, StoredValuesMayBeSetFromThemselves) {
-  TVnDOMElement e;
+  // Stored values may be set from themselves.
   e.SetQualifiedName(u"e");
   TVnDOMText* t = e.AddText(u"abcdef");
   t->SetStoredValue(t->GetStoredValue().substr(2));  // the source lies in the block being replaced
@@ -103,8 +98,7 @@ TEST(DomStorage, WalkingThroughObjectsMakesNoInterfaceHalf) {
     for (TVnDOMNode* c : e->ChildrenView()) EXPECT_EQ(c->GetDOMImpl(), nullptr);
   }
   EXPECT_EQ(seen, 20u * 2 + 19 + 19);
-  EXPECT_EQ(root->GetDOMImpl(), nullptr);
-  EXPECT_EQ(doc.GetDOMImpl(), nullptr);
+  EXPECT_EQ((std::tuple{root->GetDOMImpl(), doc.GetDOMImpl()}), std::tuple(nullptr, nullptr));
 }
 
 }  // namespace

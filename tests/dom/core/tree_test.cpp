@@ -1,6 +1,8 @@
 // Nodes, lists, names and leaves: positions, lookups, paths, stored values and edits.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "support/raises.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/variant.h"
@@ -16,7 +18,7 @@ UnicodeString Names(const TVnDOMNodeListBase& AList) {
   return s;
 }
 
-TEST(DomList, InsertionByPositionAndReference) {
+TEST(DomList, InsertionByPositionAndReferenceTypedListsAtTheirEnds) {
   TVnDOMElement parent, other;
   parent.SetQualifiedName(u"p");
   TVnDOMElement* a = parent.AddElement(u"a");
@@ -29,9 +31,7 @@ TEST(DomList, InsertionByPositionAndReference) {
   parent.InsertElement(u"endForeign", rdpAfter, foreign);     // ... or end
   parent.InsertElement(u"frontNil", rdpBefore, nullptr);
   EXPECT_EQ(Names(*parent.GetChildNodes()), u"frontNil,frontForeign,first,a,afterA,beforeB,b,endForeign,");
-}
 
-TEST(DomList, TypedListsTakeForeignReferencesAtTheirEnds) {
   TVnDOMElement e;
   e.SetQualifiedName(u"e");
   TVnDOMText* t = e.AddText(u"t");
@@ -40,8 +40,7 @@ TEST(DomList, TypedListsTakeForeignReferencesAtTheirEnds) {
   e.InsertElement(u"y", rdpBefore, t);
   EXPECT_EQ(Names(*e.GetChildNodes()), u"y,#text,x,");
   e.InsertElement(u"z", rdpAfter, t);
-  EXPECT_EQ(Names(*e.GetElements()), u"y,x,z,");
-  EXPECT_EQ(Names(*e.GetChildNodes()), u"y,#text,z,x,");
+  EXPECT_EQ(Names(*e.GetElements()) + u"|" + Names(*e.GetChildNodes()), u"y,x,z,|y,#text,z,x,");
 }
 
 TEST(DomList, NeighboursAndEmptyLists) {
@@ -52,43 +51,43 @@ TEST(DomList, NeighboursAndEmptyLists) {
   TVnDOMElement* a = e.AddElement(u"a");
   TVnDOMElement* b = e.AddElement(u"b");
   TVnDOMElement stranger;
-  EXPECT_EQ(list->Next(b), nullptr);
-  EXPECT_EQ(list->Previous(a), nullptr);
-  EXPECT_EQ(list->Next(&stranger), a);  // a node not in the list gives the first
+  // A node not in the list gives the first.
+  EXPECT_EQ((std::tuple{list->Next(b), list->Previous(a), list->Next(&stranger)}), (std::tuple{nullptr, nullptr, a}));
   EXPECT_THROW(list->Previous(&stranger), EListError);
   EXPECT_THROW(list->GetItem(2), EListError);
   EXPECT_EQ(a->NextSibling(), b);
 }
 
-TEST(DomList, FindTakesTheLastMatchAndChecksOptions) {
+TEST(DomList, FindTakesTheLastMatchGetItemExByNumberNameAndDot) {
   TVnDOMElement e;
   TVnDOMElement* first = e.AddElement(u"item");
   TVnDOMElement* second = e.AddElement(u"ITEM");
   TVnDOMElementList* list = e.GetElements();
-  EXPECT_EQ(list->Find(u"item", TVnDOMSelectOptions{}), second);  // default collation ignores case
-  EXPECT_EQ(list->Find(u"item", {soCaseSensitive}), first);
+  // The default collation ignores case.
+  EXPECT_EQ((std::tuple{list->Find(u"item", TVnDOMSelectOptions{}), list->Find(u"item", {soCaseSensitive})}),
+            std::tuple(second, first));
   EXPECT_THROW(list->Find(u"a", {soCaseSensitive, soCaseInsensitive}), Exception);
   EXPECT_THROW(list->Find(u"a", {soCreate}), Exception);
   test::ExpectRaises<EVnDomNotFound>([&] { list->Find(u"none", {soRaise}); }, Format(cVnDomNoNodeForName, {u"none"}));
   TVnDOMElement* px = e.AddElement(u"p:x");
-  EXPECT_EQ(list->Find(u"x", TVnDOMSelectOptions{}), nullptr);  // qualified match by default
-  EXPECT_EQ(list->Find(u"x", {soLocalName}), px);
+  // A qualified match by default.
+  EXPECT_EQ((std::tuple{list->Find(u"x", TVnDOMSelectOptions{}), list->Find(u"x", {soLocalName})}),
+            std::tuple(nullptr, px));
+
+  // GetItemEx by number, name and dot.
+  TVnDOMElement g;
+  TVnDOMElementList* items = g.GetElements();
+  EXPECT_EQ(items->GetItemEx(Variant(u"."), coRaise), &g);  // even on an empty list
+  TVnDOMElement* ga = g.AddElement(u"a");
+  EXPECT_EQ((std::tuple{items->GetItemEx(Variant(0), coRaise), items->GetItemEx(Variant(u"A"), coRaise),
+                        items->GetItemEx(Variant(u"b"), coReturnNil)}),
+            (std::tuple{ga, ga, nullptr}));
+  EXPECT_THROW(items->GetItemEx(Variant(u"b"), coRaise), EListError);
+  ASSERT_NE(items->GetItemEx(Variant(u"b"), coCreate), nullptr);
+  EXPECT_THROW(items->GetItemEx(Variant(1.5), coRaise), EListError);
 }
 
-TEST(DomList, GetItemExByNumberNameAndDot) {
-  TVnDOMElement e;
-  TVnDOMElementList* list = e.GetElements();
-  EXPECT_EQ(list->GetItemEx(Variant(u"."), coRaise), &e);  // even on an empty list
-  TVnDOMElement* a = e.AddElement(u"a");
-  EXPECT_EQ(list->GetItemEx(Variant(0), coRaise), a);
-  EXPECT_EQ(list->GetItemEx(Variant(u"A"), coRaise), a);
-  EXPECT_EQ(list->GetItemEx(Variant(u"b"), coReturnNil), nullptr);
-  EXPECT_THROW(list->GetItemEx(Variant(u"b"), coRaise), EListError);
-  ASSERT_NE(list->GetItemEx(Variant(u"b"), coCreate), nullptr);
-  EXPECT_THROW(list->GetItemEx(Variant(1.5), coRaise), EListError);
-}
-
-TEST(DomNode, ClearCloneAndChildren) {
+TEST(DomNode, ClearCloneChildrenRefusedAddsAndNodePaths) {
   TVnDOMElement e;
   e.SetQualifiedName(u"e");
   e.SetAttribute(u"k", u"1");
@@ -99,15 +98,11 @@ TEST(DomNode, ClearCloneAndChildren) {
   EXPECT_FALSE(shallow->HasChilds());
   auto deep = e.CloneNode(true);
   auto* de = static_cast<TVnDOMElement*>(deep.get());
-  EXPECT_EQ(Names(*de->GetAttributes()), u"k,j,");
-  EXPECT_EQ(de->FirstElement()->GetText(), u"x");
+  EXPECT_EQ(Names(*de->GetAttributes()) + u" " + de->FirstElement()->GetText(), u"k,j, x");
   e.Clear();
-  EXPECT_EQ(e.AttributeCount(), 0);
-  EXPECT_FALSE(e.HasChilds());
-}
+  EXPECT_EQ((std::tuple{e.AttributeCount(), e.HasChilds()}), std::tuple(0, false));
 
-TEST(DomNode, AddingRefusesNodesThatAreInATreeOrAboveTheTarget) {
-  TVnDOMElement e;
+  // Adding refuses nodes that are in a tree or above the target.
   TVnDOMElement* c = e.AddElement(u"c");
   TVnDOMElement* g = c->AddElement(u"g");
   EXPECT_THROW(g->AddChild(c), EVnDomHierarchyRequest);
@@ -116,41 +111,36 @@ TEST(DomNode, AddingRefusesNodesThatAreInATreeOrAboveTheTarget) {
   TVnDOMElement* l = loose.get();
   g->AppendChild(loose.release());
   EXPECT_THROW(l->FirstElement()->AppendChild(l), EVnDomHierarchyRequest);
-}
 
-TEST(DomNode, NodePath) {
+  // Node paths.
   TVnDOMDocument doc;
   TVnDOMElement* a = doc.CreateRootNode(u"a");
   TVnDOMElement* b = a->AddElement(u"x:b");
   b->SetAttribute(u"id", u"7 & 8");
   TVnDOMElement* plain = a->AddElement(u"b");
-  EXPECT_EQ(doc.NodePath(false, u""), u"");
-  EXPECT_EQ(a->NodePath(false, u""), u"/a");
-  EXPECT_EQ(b->NodePath(false, u"id"), u"/a/x:b[@id=\"7 & 8\"]");
-  EXPECT_EQ(b->NodePath(true, u"ID"), u"/a/b[@ID=\"7 & 8\"]");
-  EXPECT_EQ(plain->NodePath(false, u"id"), u"/a/b");
-  EXPECT_EQ(b->FindAttribute(u"id")->NodePath(false, u""), u"/a/x:b/@id");
   TVnDOMElement detached;
   detached.SetQualifiedName(u"root");
-  EXPECT_EQ(detached.AddElement(u"c")->NodePath(), u"root/c");
+  EXPECT_EQ(doc.NodePath(false, u"") + u"|" + a->NodePath(false, u"") + u"|" + b->NodePath(false, u"id") + u"|" +
+                b->NodePath(true, u"ID") + u"|" + plain->NodePath(false, u"id") + u"|" +
+                b->FindAttribute(u"id")->NodePath(false, u"") + u"|" + detached.AddElement(u"c")->NodePath(),
+            u"|/a|/a/x:b[@id=\"7 & 8\"]|/a/b[@ID=\"7 & 8\"]|/a/b|/a/x:b/@id|root/c");
 }
 
 TEST(DomNames, CollationsFollowTheLinguisticOrder) {
   auto ci = TVnXPathCollationASCIICI::Class();
   auto cs = TVnXPathCollationCodepoint::Class();
-  EXPECT_EQ(cs->Compare(u"a", u"B"), -1);  // not code point order
-  EXPECT_EQ(cs->Compare(u"a", u"A"), -1);
-  EXPECT_EQ(ci->Compare(u"a", u"A"), 0);
-  EXPECT_EQ(ci->Compare(u"\u00E9t\u00E9", u"\u00C9T\u00C9"), 0);  // Compare folds beyond ASCII
-  EXPECT_EQ(ci->Pos(u"\u00C9", u"x\u00E9"), 0);                    // Pos folds A-Z only
-  EXPECT_EQ(ci->Pos(u"B", u"abc"), 2);
-  EXPECT_EQ(cs->Pos(u"B", u"abc"), 0);
+  // "a" < "B": not code point order. Compare folds case beyond ASCII, Pos folds A-Z only.
+  EXPECT_EQ((std::tuple{cs->Compare(u"a", u"B"), cs->Compare(u"a", u"A"), ci->Compare(u"a", u"A"),
+                        ci->Compare(u"\u00E9t\u00E9", u"\u00C9T\u00C9")}),
+            std::tuple(-1, -1, 0, 0));
+  EXPECT_EQ((std::tuple{ci->Pos(u"\u00C9", u"x\u00E9"), ci->Pos(u"B", u"abc"), cs->Pos(u"B", u"abc")}),
+            std::tuple(0, 2, 0));
   EXPECT_TRUE(ci->SameText(u"Name", u"nAME"));
   EXPECT_TRUE(ci->SameText(u"a\x01", u"a"));  // ignorable controls go through the collator
   EXPECT_EQ(ci->SortKey(u"ABC"), ci->SortKey(u"abc"));
 }
 
-TEST(DomLeaves, StoredFormsOfValues) {
+TEST(DomLeaves, StoredFormsEditsOfCharacterDataAndAttributeNames) {
   TVnDOMElement e;
   TVnDOMAttribute* a = e.AddAttribute(u"a");
   a->SetStoredValue(u"x &amp; y");
@@ -162,26 +152,19 @@ TEST(DomLeaves, StoredFormsOfValues) {
   t->SetStoredValue(u"&#65;b");
   t->AppendStr(u"c");
   EXPECT_EQ(t->GetStoredValue(), u"Abc");  // decoded and encoded once: the reference is gone
-}
 
-TEST(DomLeaves, EditingCharacterData) {
-  TVnDOMElement e;
-  TVnDOMText* t = e.AddText(u"abcdef");
-  EXPECT_EQ(t->Substring(2, 3), u"bcd");
-  EXPECT_EQ(t->Substring(5, 10), u"ef");
-  TVnDOMText* rest = t->SplitText(3);
-  EXPECT_EQ(t->GetNodeValue(), u"abc");
-  EXPECT_EQ(t->NextSibling(), rest);
-  t->InsertStr(2, u"X");
-  t->DeleteStr(1, 1);
-  t->ReplaceStr(2, 1, u"YZ");
-  EXPECT_EQ(t->GetNodeValue(), u"XYZc");
+  TVnDOMText* s = e.AddText(u"abcdef");
+  EXPECT_EQ(s->Substring(2, 3) + u"|" + s->Substring(5, 10), u"bcd|ef");
+  TVnDOMText* rest = s->SplitText(3);
+  EXPECT_EQ((std::tuple{s->GetNodeValue(), s->NextSibling()}), std::tuple(u"abc", rest));
+  s->InsertStr(2, u"X");
+  s->DeleteStr(1, 1);
+  s->ReplaceStr(2, 1, u"YZ");
+  EXPECT_EQ(s->GetNodeValue(), u"XYZc");
   TVnDOMText lone;
   EXPECT_THROW(lone.SplitText(1), EVnDomException);
-}
 
-TEST(DomLeaves, AttributeNames) {
-  TVnDOMElement e;
+  // Attribute names.
   EXPECT_TRUE(e.AddAttribute(u"XMLNS")->IsNamespace());
   EXPECT_TRUE(e.AddAttribute(u"xmlns:p")->IsNamespace());
   EXPECT_EQ(e.FindAttribute(u"xmlns:p")->NamespacePrefix(), u"p");
@@ -192,8 +175,7 @@ TEST(DomLeaves, AttributeNames) {
   TVnDOMProcessingInstruction pi;
   pi.SetQualifiedName(u"a:b");
   pi.SetData(u"d");
-  EXPECT_EQ(pi.GetLocalName(), u"b");
-  EXPECT_EQ(pi.CloneNode(false)->GetQualifiedName(), u"a:b");
+  EXPECT_EQ(pi.GetLocalName() + u"|" + pi.CloneNode(false)->GetQualifiedName(), u"b|a:b");
 }
 
 }  // namespace

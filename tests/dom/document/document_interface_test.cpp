@@ -15,7 +15,7 @@ namespace {
 
 constexpr char16_t kText[] = u"<r a=\"1\"><b>\u00e9</b></r>";
 
-TEST(DomDocumentInterface, EveryRoadInGivesTheSameTree) {
+TEST(DomDocumentInterface, EveryRoadInGivesTheSameTreeSettingsAndSavedBytes) {
   const test::TempFile temp("doc_interface.xml");
   const UnicodeString file = temp.Name();
   TVnDOMDocument::FromXML(kText)->SaveToFile(file);
@@ -46,9 +46,7 @@ TEST(DomDocumentInterface, EveryRoadInGivesTheSameTree) {
     EXPECT_EQ(doc->SelectSingleElement(u"b", {})->GetText(), u"\u00e9");
     EXPECT_EQ(doc->GetDocumentURI(), std::string(r.Name) == "LoadFromFile" ? file : UnicodeString());
   }
-}
 
-TEST(DomDocumentInterface, SettingsInstructionsAndSavedBytes) {
   IPtr<IVnDOMDocument> doc = (new TVnDOMDocument())->As<IVnDOMDocument>();
   // Without a root: an empty list, the failures the options ask for.
   EXPECT_EQ(doc->CreateElementList(u"a", {})->Count(), 0);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "common/message_of.h"
 #include "support/files.h"
@@ -26,15 +27,14 @@ std::unique_ptr<TVnDOMDocument> FromBytes(std::string_view ABytes) {
   return doc;
 }
 
-TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
+TEST(DomLoad, StreamSkipsMarkAndBlanksReadsDeclaredEncodingAndShapesTheTree) {
   // A UTF-8 mark then blanks: the parse starts on "<".
   auto doc = FromBytes("\xEF\xBB\xBF \r\n\t<a>\xC3\xA9</a>");
   ASSERT_NE(doc->GetRootNode(), nullptr);
   EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
   // No mark, a Latin-1 declaration: the byte E9 is one character; the document keeps "UTF-8" for output.
   doc = FromBytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>");
-  EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
-  EXPECT_EQ(doc->GetEncoding(), u"UTF-8");
+  EXPECT_EQ((std::tuple{doc->GetRootNode()->GetText(), doc->GetEncoding()}), std::tuple(u"\u00e9", u"UTF-8"));
   EXPECT_EQ(doc->GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"ISO-8859-1\"");
   // UTF-16 with its mark.
   const std::u16string text = u"\uFEFF  <a>\u4e2d</a>";
@@ -43,32 +43,27 @@ TEST(DomLoad, StreamSkipsMarkAndBlanksAndReadsDeclaredEncoding) {
   // 8-bit text through the Ansi entry: the declaration decides.
   doc = TVnDOMDocument::FromAnsiXML("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>");
   EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u20ac");
-}
 
-TEST(DomLoad, TreeShapeFromEvents) {
-  auto doc = TVnDOMDocument::FromXML(
+  // The tree's shape follows the events.
+  doc = TVnDOMDocument::FromXML(
       u"<?xml version=\"1.0\"?>\r\n<!--c1--><?pi data?><!DOCTYPE a><a xmlns=\"u\" x=\"1&amp;2\">"
       u"<b/>  <c xml:space=\"preserve\">  <d/></c><![CDATA[<raw>]]></a><!--after-->");
   TVnDOMElement* a = doc->GetRootNode();
   ASSERT_NE(a, nullptr);
   // Prolog nodes stay in order; the DOCTYPE leaves nothing.
   ASSERT_EQ(doc->NodeCount(), 5);
-  EXPECT_EQ(doc->ChildAt(0)->GetQualifiedName(), u"xml");
-  EXPECT_EQ(doc->ChildAt(1)->GetNodeType(), ntComment);
-  EXPECT_EQ(doc->ChildAt(4)->GetNodeType(), ntComment);
+  EXPECT_EQ((std::tuple{doc->ChildAt(0)->GetQualifiedName(), doc->ChildAt(1)->GetNodeType(),
+                        doc->ChildAt(4)->GetNodeType()}),
+            std::tuple(u"xml", ntComment, ntComment));
   // Values are stored escaped and decoded on demand.
   TVnDOMAttribute* x = a->FindAttribute(u"x");
-  EXPECT_EQ(x->GetStoredValue(), u"1&amp;2");
-  EXPECT_EQ(x->GetNodeValue(), u"1&2");
+  EXPECT_EQ((std::tuple{x->GetStoredValue(), x->GetNodeValue()}), std::tuple(u"1&amp;2", u"1&2"));
   // Blank text between elements goes, unless xml:space keeps it.
-  EXPECT_EQ(a->ElementCount(), 2);
-  TVnDOMElement* c = a->FindElement(u"c");
-  EXPECT_EQ(c->CharNodesView().size(), 1u);
-  EXPECT_EQ(a->GetCDATACount(), 1);
-  EXPECT_EQ(a->GetCDATA(0)->GetNodeValue(), u"<raw>");
+  EXPECT_EQ((std::tuple{a->ElementCount(), a->FindElement(u"c")->CharNodesView().size(), a->GetCDATACount(),
+                        a->GetCDATA(0)->GetNodeValue()}),
+            std::tuple(2, 1u, 1, u"<raw>"));
   // The default namespace belongs to the declaring element; the unprefixed child has none.
-  EXPECT_EQ(a->GetNamespaceURI(), u"u");
-  EXPECT_EQ(a->FindElement(u"b")->GetNamespaceURI(), u"");
+  EXPECT_EQ((std::tuple{a->GetNamespaceURI(), a->FindElement(u"b")->GetNamespaceURI()}), std::tuple(u"u", u""));
 }
 
 TEST(DomLoad, RootAndRepeatedLoads) {
@@ -96,8 +91,8 @@ TEST(DomLoad, FailuresCarryLineAndColumn) {
   TVnDOMDocument doc;
   const UnicodeString message = test::MessageOf<EVnDomSyntax>([&] { doc.LoadXML(u"<a>\r\n  <b x=></b></a>"); });
   EXPECT_EQ(message.rfind(u"Line 2, column ", 0), 0u) << UnicodeToUtf8(message);
-  EXPECT_EQ(doc.GetLoadState(), lsLoaded);
   // What was built before the failure stays.
+  EXPECT_EQ(doc.GetLoadState(), lsLoaded);
   EXPECT_NE(doc.GetRootNode(), nullptr);
 
   // A handler that sets Handled gets the reader's own exception.
@@ -124,8 +119,8 @@ TEST(DomLoad, FailedLoadLeavesAWholeTree) {
     ASSERT_NE(a, nullptr);
     ASSERT_EQ(a->ElementCount(), 1);
     TVnDOMElement* b = static_cast<TVnDOMElement*>(a->ElementsView()[0]);
-    EXPECT_EQ(b->AttributeCount(), 1);
-    EXPECT_EQ(b->NodeCount(), 4);  // the attribute, c, the comment, the text
+    // The attribute, c, the comment, the text.
+    EXPECT_EQ((std::tuple{b->AttributeCount(), b->NodeCount()}), std::tuple(1, 4));
     EXPECT_EQ(b->GetXML(), u"<b x=\"1\"><c>t</c><!--n-->u</b>");
   };
   const char16_t* text = u"<a><b x=\"1\"><c>t</c><!--n-->u<d y=\"2\" z";
@@ -142,22 +137,19 @@ TEST(DomLoad, FailedLoadLeavesAWholeTree) {
   TVnDOMElement* b = static_cast<TVnDOMElement*>(seen.GetRootNode()->ElementsView()[0]);
   b->AddElement(u"e");
   EXPECT_EQ(b->GetXML(), u"<b x=\"1\"><c>t</c><!--n-->u<e /></b>");
-}
 
-TEST(DomLoad, DeclarationThatFailsToDecodeLeavesAWholeTree) {
-  // The failure comes while the element joins: it stays, closed with its attribute, and is freed
-  // with the document (a leak shows under the sanitizer).
-  for (const char16_t* text : {u"<a xmlns=\"&#;\"/>", u"<r><b/><a xmlns:p=\"&#;\"><c/></a></r>"}) {
+  // A declaration that fails to decode fails while its element joins: the element stays, closed
+  // with its attribute, and is freed with the document (a leak shows under the sanitizer).
+  for (const char16_t* bad : {u"<a xmlns=\"&#;\"/>", u"<r><b/><a xmlns:p=\"&#;\"><c/></a></r>"}) {
     TVnDOMDocument doc;
-    EXPECT_THROW(doc.LoadXML(text), EVnDomSyntax);
+    EXPECT_THROW(doc.LoadXML(bad), EVnDomSyntax);
     ASSERT_NE(doc.GetRootNode(), nullptr);
     TVnDOMElement* a = doc.GetRootNode()->ElementCount() ? doc.GetRootNode()->LastElement() : doc.GetRootNode();
-    EXPECT_EQ(a->AttributeCount(), 1);
-    EXPECT_EQ(a->NodeCount(), 1);
+    EXPECT_EQ((std::tuple{a->AttributeCount(), a->NodeCount()}), std::tuple(1, 1));
   }
 }
 
-TEST(DomLoad, ParserBuildsFromAnotherReadersEvents) {
+TEST(DomLoad, ParserBuildsFromAnotherReadersEventsAndFragments) {
   const char16_t* text = u"<a xmlns:p=\"u\"><p:b x='1\"'>t</p:b> <!--c--><![CDATA[d]]><e/></a>";
   TVnDOMDocument heard;
   {
@@ -171,9 +163,8 @@ TEST(DomLoad, ParserBuildsFromAnotherReadersEvents) {
   }
   auto loaded = TVnDOMDocument::FromXML(text);
   EXPECT_EQ(heard.GetXML(), loaded->GetXML());
-}
 
-TEST(DomLoad, InnerXMLParsesAFragment) {
+  // Inner XML parses a fragment.
   auto doc = TVnDOMDocument::FromXML(u"<r><old/>keep</r>");
   TVnDOMElement* r = doc->GetRootNode();
   r->SetInnerXML(u"<x a=\"1\"/><y>t</y><z/>");
@@ -193,8 +184,8 @@ TEST(DomLoad, FilesRoundTripWithURI) {
   doc->SetEncoding(u"ISO-8859-1");
   doc->SaveToFile(name, true, false);
   TVnDOMDocument back(name, fmOpenRead);
-  EXPECT_EQ(back.GetDocumentURI(), name);
-  EXPECT_EQ(back.GetRootNode()->FindElement(u"b")->GetText(), u"\u00e9");
+  EXPECT_EQ((std::tuple{back.GetDocumentURI(), back.GetRootNode()->FindElement(u"b")->GetText()}),
+            std::tuple(name, u"\u00e9"));
   file.reset();
   EXPECT_THROW(TVnDOMDocument(name, fmOpenRead), Exception);
 }

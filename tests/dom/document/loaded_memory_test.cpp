@@ -2,6 +2,8 @@
 // the sanitizers if a loaded node outlived its memory or the memory outlived every node.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "vnxml/dom.h"
 
 namespace vn {
@@ -9,7 +11,7 @@ namespace {
 
 std::unique_ptr<TVnDOMDocument> Load(std::u16string_view AXML) { return TVnDOMDocument::FromXML(AXML); }
 
-TEST(DomLoadedMemory, HeldNodeOutlivesItsDocument) {
+TEST(DomLoadedMemory, HeldNodesOutliveTheirDocumentAndMoveBetweenLoads) {
   IPtr<IVnDOMElement> held;
   {
     auto doc = Load(u"<r><a k=\"v\">text<b/></a><c/></r>");
@@ -25,9 +27,8 @@ TEST(DomLoadedMemory, HeldNodeOutlivesItsDocument) {
   a->FirstElement()->SetNodeValue(u"x");
   EXPECT_EQ(a->GetXML(), u"<a k=\"longer value than before\">text<b>x</b><d /></a>");
   held = nullptr;  // the last node of the load goes, and its memory with it
-}
 
-TEST(DomLoadedMemory, NodesMoveBetweenDocumentsOfDifferentLoads) {
+  // Nodes move between documents of different loads.
   auto first = Load(u"<r><item n=\"1\"><sub/></item><item n=\"2\"/></r>");
   auto second = Load(u"<s/>");
   TVnDOMElement* item = first->GetRootNode()->FirstElement();
@@ -40,22 +41,21 @@ TEST(DomLoadedMemory, NodesMoveBetweenDocumentsOfDifferentLoads) {
   // Arrays that started in the first load's memory grow on the heap from now on.
   for (int i = 0; i < 50; ++i) item->AddElement(u"more")->AddText(u"t");
   item->SetAttribute(u"n", u"moved");
-  EXPECT_EQ(second->GetRootNode()->FirstElement()->GetAttribute(u"n"), u"moved");
-  EXPECT_EQ(second->GetRootNode()->FirstElement()->ElementCount(), 51);
+  TVnDOMElement* moved = second->GetRootNode()->FirstElement();
+  EXPECT_EQ((std::tuple{moved->GetAttribute(u"n"), moved->ElementCount()}), std::tuple(u"moved", 51));
 }
 
-TEST(DomLoadedMemory, RepeatedLoadsIntoOneTreeFreeWhatTheyReplace) {
+TEST(DomLoadedMemory, RepeatedAndFailedLoadsLeaveNoOrphans) {
   TVnDOMDocument doc;
   for (int i = 0; i < 20; ++i) doc.LoadXML(u"<r><a x=\"1\">t</a><!--c--><?p d?><![CDATA[z]]></r>");
   EXPECT_EQ(doc.GetRootNode()->NodeCount(), 4);
   TVnDOMElement* a = doc.GetRootNode()->FirstElement();
   for (int i = 0; i < 20; ++i) a->SetInnerXML(u"<b y=\"2\">u</b><c />");
   EXPECT_EQ(a->GetInnerXML(), u"<b y=\"2\">u</b><c />");
-}
 
-TEST(DomLoadedMemory, FailedLoadLeavesNoOrphans) {
-  TVnDOMDocument doc;
-  EXPECT_THROW(doc.LoadXML(u"<r><a k=\"v\">text<b></a></r"), EVnDomSyntax);
+  // A failed load leaves no orphans.
+  TVnDOMDocument failed;
+  EXPECT_THROW(failed.LoadXML(u"<r><a k=\"v\">text<b></a></r"), EVnDomSyntax);
   // Whatever the failed load left in the tree is the tree's, and goes with it.
   TVnDOMElement fragmentHost;
   fragmentHost.SetQualifiedName(u"host");
@@ -70,13 +70,12 @@ TEST(DomLoadedMemory, LoadedTextAndNamesEditInPlace) {
   static_cast<TVnDOMText*>(e->CharNodesView()[0])->SetNodeValue(u"changed");
   static_cast<TVnDOMText*>(e->CharNodesView()[0])->AppendStr(u" again");
   r->AttributeByName(u"a")->SetNodeValue(u"9");
-  EXPECT_EQ(r->GetXML(),
-            u"<r a=\"9\" xmlns:p=\"urn:p\"><p:renamed p:b=\"2\">changed again</p:renamed><e>two</e></r>");
-  EXPECT_EQ(e->GetNamespaceURI(), u"urn:p");
+  const UnicodeString edited =
+      u"<r a=\"9\" xmlns:p=\"urn:p\"><p:renamed p:b=\"2\">changed again</p:renamed><e>two</e></r>";
+  EXPECT_EQ((std::tuple{r->GetXML(), e->GetNamespaceURI()}), std::tuple(edited, u"urn:p"));
   auto clone = r->CloneNode(true);
   doc.reset();
-  EXPECT_EQ(clone->GetXML(),
-            u"<r a=\"9\" xmlns:p=\"urn:p\"><p:renamed p:b=\"2\">changed again</p:renamed><e>two</e></r>");
+  EXPECT_EQ(clone->GetXML(), edited);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "alloc_counter.h"
 #include "vnxml/common/sysutils.h"
@@ -25,7 +26,7 @@ TVnDOMElement* Find(TVnDOMElement* AFrom, std::u16string_view ALocal) {
   return nullptr;
 }
 
-TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
+TEST(DomNamespacesLoad, OwnDefaultNamespacesBelowTheRootAndUnprefixedChildrenWithout) {
   const char16_t* texts[] = {
       u"<r><b xmlns=\"v\"/></r>",
       u"<r xmlns=\"u\"><b xmlns=\"v\"/></r>",
@@ -53,31 +54,27 @@ TEST(DomNamespacesLoad, ElementBelowTheRootWithItsOwnDefaultNamespace) {
       TVnDOMElement* top = doc.GetRootNode();
       TVnDOMElement* b = Find(top, u"b");
       ASSERT_NE(b, nullptr);
-      EXPECT_EQ(b->GetNamespaceURI(), u"v");
       ASSERT_NE(b->GetNamespaceDecl(), nullptr);
-      EXPECT_EQ(b->GetNamespaceDecl()->OwnerElement(), b);
-      EXPECT_EQ(static_cast<TVnDOMElement*>(b->ParentNode())->FindElement(u"v", u"b"), b);
-      EXPECT_EQ(top->CreateElementList(u"v", u"b", true)->Count(), 1);
+      EXPECT_EQ((std::tuple{b->GetNamespaceURI(), b->GetNamespaceDecl()->OwnerElement(),
+                            static_cast<TVnDOMElement*>(b->ParentNode())->FindElement(u"v", u"b"),
+                            top->CreateElementList(u"v", u"b", true)->Count()}),
+                std::tuple(u"v", b, b, 1));
       // A child in the same namespace needs no declaration of its own.
       TVnDOMElement* c = b->AddElement(u"v", u"c");
-      EXPECT_EQ(c->GetNamespaceURI(), u"v");
-      EXPECT_EQ(c->GetXML(), u"<c />");
+      EXPECT_EQ((std::tuple{c->GetNamespaceURI(), c->GetXML()}), std::tuple(u"v", u"<c />"));
       // A later refresh of the subtree keeps the declaration and its value.
       top->SetAttribute(u"xmlns:gone", u"x");
       top->RemoveAttribute(u"xmlns:gone");
-      EXPECT_EQ(b->GetNamespaceURI(), u"v");
-      EXPECT_EQ(b->GetAttribute(u"xmlns"), u"v");
+      EXPECT_EQ((std::tuple{b->GetNamespaceURI(), b->GetAttribute(u"xmlns")}), std::tuple(u"v", u"v"));
     }
-}
 
-TEST(DomNamespacesLoad, UnprefixedChildOfAnUnprefixedParentDoesNotInheritTheDefault) {
+  // An unprefixed child of an unprefixed parent does not inherit the default.
   auto doc = TVnDOMDocument::FromXML(u"<a xmlns=\"u\"><b/><p:c xmlns:p=\"u\"><d/></p:c></a>");
   TVnDOMElement* a = doc->GetRootNode();
-  EXPECT_EQ(a->GetNamespaceURI(), u"u");
-  EXPECT_EQ(Find(a, u"b")->GetNamespaceURI(), u"");
-  EXPECT_EQ(Find(a, u"c")->GetNamespaceURI(), u"u");
-  // A prefix between them puts the default in force again.
-  EXPECT_EQ(Find(a, u"d")->GetNamespaceURI(), u"u");
+  // A prefix between them puts the default in force again: d is in "u".
+  EXPECT_EQ((std::tuple{a->GetNamespaceURI(), Find(a, u"b")->GetNamespaceURI(), Find(a, u"c")->GetNamespaceURI(),
+                        Find(a, u"d")->GetNamespaceURI()}),
+            std::tuple(u"u", u"", u"u", u"u"));
   EXPECT_EQ(doc->GetXML(), u"<a xmlns=\"u\"><b /><p:c xmlns:p=\"u\"><d /></p:c></a>");
 }
 
@@ -94,7 +91,7 @@ size_t LoadWork(const std::u16string& AText, std::u16string_view ADeepestURI) {
   return test::AllocatedBytes() - before;
 }
 
-TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
+TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepthOtherDocumentsKeepTheirLookups) {
   // One new prefix per level, and the twin that redeclares the default namespace per level.
   struct Shape {
     const char* Name;
@@ -119,9 +116,8 @@ TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepth) {
     EXPECT_LT(work[1], work[0] * 5 / 2) << work[0] << " bytes at n, " << work[1] << " at 2n";
     RecordProperty(std::string(shape.Name) + " bytes at n, 2n", std::to_string(work[0]) + ", " + std::to_string(work[1]));
   }
-}
 
-TEST(DomNamespacesLoad, DeclarationChangesInOneDocumentKeepAnothersLookups) {
+  // Declaration changes in one document keep another's lookups.
   std::u16string text = u"<r";
   for (int i = 0; i < 40; ++i) text += u" xmlns:p" + IntToStr(i) + u"=\"urn:" + IntToStr(i) + u"\"";
   text += u"><c/></r>";

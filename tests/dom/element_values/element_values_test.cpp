@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "common/message_of.h"
 #include "vnxml/common/currency.h"
@@ -55,7 +56,7 @@ std::vector<Variant> VariantsOfEveryKind() {
           VarArrayFromBytes(TBytes{0, 0x7F, 0xFF})};
 }
 
-TEST(ElementValues, EveryVariantKindComesBackWithItsTypeAndValue) {
+TEST(ElementValues, EveryVariantKindComesBackTypedWritersMarkTheTypeNullMarksNil) {
   SchemaDoc d;
   const std::vector<Variant> values = VariantsOfEveryKind();
   for (const Variant& v : values) d.Add()->SetAsVariant(v);
@@ -73,10 +74,8 @@ TEST(ElementValues, EveryVariantKindComesBackWithItsTypeAndValue) {
       EXPECT_EQ(VnVariantToXML(back), VnVariantToXML(values[i]));
     }
   }
-}
 
-TEST(ElementValues, TypedWritersMarkTheTypeInSchemaInstanceMode) {
-  SchemaDoc d;
+  // Typed writers mark the type.
   TVnDOMElement* e = d.Add();
   e->SetAsInteger(5);
   EXPECT_EQ(e->GetXML(), u"<v xsi:type=\"xsd:int\">5</v>");
@@ -93,35 +92,29 @@ TEST(ElementValues, TypedWritersMarkTheTypeInSchemaInstanceMode) {
   e->SetAsString(u"a<b&c");
   EXPECT_EQ(e->GetXML(), u"<v xsi:type=\"xsd:string\">a&lt;b&amp;c</v>");
   EXPECT_EQ(e->GetAsString(), u"a<b&c");
-}
 
-TEST(ElementValues, NullSetsNilAndALaterValueRemovesIt) {
-  SchemaDoc d;
-  TVnDOMElement* e = d.Add();
+  // Null sets nil, a later value removes it, and nil wins over text and type.
   e->SetAsInteger(1);
   e->AddComment(u"note");
   e->SetAsVariant(Variant::Null());
-  EXPECT_TRUE(HasNil(e));
-  EXPECT_EQ(e->GetText(), u"");  // the comment went with the text
-  EXPECT_TRUE(VarIsNull(e->GetAsVariant()));
+  // The comment went with the text.
+  EXPECT_EQ((std::tuple{HasNil(e), e->GetText(), VarIsNull(e->GetAsVariant())}), std::tuple(true, u"", true));
   e->SetAsInteger(7);
   EXPECT_FALSE(HasNil(e));
   e->SetAsVariant(Variant());  // Unassigned counts as null too
   EXPECT_TRUE(HasNil(e));
-}
 
-TEST(ElementValues, NilWinsOverTextAndType) {
+  // Read, nil wins over text and type.
   std::unique_ptr<TVnDOMDocument> doc = TVnDOMDocument::FromXML(
       u"<r xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\">"
       u"<a i:nil=\"false\" i:type=\"xs:int\">12</a><b>12</b><c/><d i:type=\"xs:int\">12</d></r>");
   TVnDOMElement* r = doc->GetRootNode();
-  EXPECT_TRUE(VarIsNull(r->GetChildElementValue(0)));
-  EXPECT_TRUE(r->GetElements()->GetItem(0)->GetAsValue().IsEmpty());
-  // Without a type the text is a string, even when it looks like a number.
-  EXPECT_EQ(r->GetChildElementValue(1).VarType(), varUString);
-  EXPECT_TRUE(VarIsNull(r->GetChildElementValue(u"c")));
-  // The prefix of the type name doesn't matter, only the declaration of xsi.
-  EXPECT_EQ(r->GetChildElementValue(u"d").VarType(), varInteger);
+  // Without a type the text is a string (b), even when it looks like a number. The prefix of the
+  // type name doesn't matter (d), only the declaration of xsi.
+  EXPECT_EQ((std::tuple{VarIsNull(r->GetChildElementValue(0)), r->GetElements()->GetItem(0)->GetAsValue().IsEmpty(),
+                        r->GetChildElementValue(1).VarType(), VarIsNull(r->GetChildElementValue(u"c")),
+                        r->GetChildElementValue(u"d").VarType()}),
+            std::tuple(true, true, varUString, true, varInteger));
 }
 
 TEST(ElementValues, NoMarksWithoutBothDeclarationsOrOutsideTheMode) {
@@ -136,14 +129,12 @@ TEST(ElementValues, NoMarksWithoutBothDeclarationsOrOutsideTheMode) {
   e->SetAsVariant(Variant::Null());
   EXPECT_EQ(e->AttributeCount(), 0);
   e->SetAsVariant(Variant(u"a<b"));
-  EXPECT_EQ(e->AttributeCount(), 0);
-  EXPECT_EQ(e->GetXML(), u"<v>a&lt;b</v>");
+  EXPECT_EQ((std::tuple{e->AttributeCount(), e->GetXML()}), std::tuple(0, u"<v>a&lt;b</v>"));
   // Outside the mode nothing is marked, declarations or not.
   doc.SetUseSchemaInstance(false);
   root->SetAttribute(u"xmlns:xsd", cVnXSDNamespaceURI);
   root->SetAsValue(TValue::From<Integer>(6));
-  EXPECT_EQ(root->AttributeCount(), 2);
-  EXPECT_EQ(root->GetAsInteger(), 6);
+  EXPECT_EQ((std::tuple{root->AttributeCount(), root->GetAsInteger()}), std::tuple(2, 6));
 }
 
 TEST(ElementValues, TypeAttributeDecidesTheVariantKind) {
@@ -156,14 +147,12 @@ TEST(ElementValues, TypeAttributeDecidesTheVariantKind) {
       u"<e xsi:type=\"\">1</e>"
       u"<n xsi:type=\"xsd:int\">abc</n></r>");
   TVnDOMElement* r = doc->GetRootNode();
-  const Variant time = r->GetChildElementValue(u"t");
-  EXPECT_EQ(time.VarType(), varDate);
+  const Variant time = r->GetChildElementValue(u"t"), o = r->GetChildElementValue(u"o"),
+                b = r->GetChildElementValue(u"b");
   EXPECT_DOUBLE_EQ(time.AsDouble(), 0.5);
-  EXPECT_EQ(r->GetChildElementValue(u"o").VarType(), varUString);
-  EXPECT_EQ(r->GetChildElementValue(u"o").AsString(), u"<x/>");
-  EXPECT_EQ(r->GetChildElementValue(u"b").VarType(), varString);
-  EXPECT_EQ(r->GetChildElementValue(u"b").AsAnsiString(), "QUJD");
-  EXPECT_EQ(r->GetChildElementValue(u"u").AsString(), u"kept & as text");
+  EXPECT_EQ((std::tuple{time.VarType(), o.VarType(), o.AsString(), b.VarType(), b.AsAnsiString(),
+                        r->GetChildElementValue(u"u").AsString()}),
+            std::tuple(varDate, varUString, u"<x/>", varString, "QUJD", u"kept & as text"));
   EXPECT_EQ(test::MessageOf<EVnDomException>([&] { r->GetChildElementValue(u"e"); }), cVnDomInvalidTypeInfo);
   EXPECT_THROW(r->GetElements()->GetItem(4)->GetAsValue(), EVnDomException);
   // Typed readers give their default on a bad form; the Variant reader raises.
@@ -171,7 +160,7 @@ TEST(ElementValues, TypeAttributeDecidesTheVariantKind) {
   EXPECT_THROW(r->GetChildElementValue(u"n"), EConvertError);
 }
 
-TEST(ElementValues, ValuesComeBackWithTheirTypes) {
+TEST(ElementValues, ValuesComeBackWithTheirTypesEnumerationsAlsoFromTheValueAttribute) {
   SchemaDoc d;
   const TDateTime moment = EncodeDateTime(2022, 3, 4, 5, 6, 7, 8);
   const TValue values[] = {
@@ -190,14 +179,12 @@ TEST(ElementValues, ValuesComeBackWithTheirTypes) {
   }
   TVnDOMElement* e = d.Add();
   e->SetAsValue(TValue());
-  EXPECT_TRUE(HasNil(e));
-  EXPECT_TRUE(e->GetAsValue().IsEmpty());
+  EXPECT_EQ((std::tuple{HasNil(e), e->GetAsValue().IsEmpty()}), std::tuple(true, true));
   // An object is written by the XML serializer.
   TWidget widget;
   EXPECT_NO_THROW(d.Add()->SetAsValue(TValue::FromObject(&widget)));
-}
 
-TEST(ElementValues, EnumerationWithoutTextTakesTheValueAttribute) {
+  // An enumeration without text takes the value attribute.
   std::unique_ptr<TVnDOMDocument> doc = TVnDOMDocument::FromXML(
       u"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">"
       u"<a xsi:type=\"xsd:TLevel\" VALUE=\"1\"/><b xsi:type=\"xsd:int\" value=\"1\"/><c/></r>");

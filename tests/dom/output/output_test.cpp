@@ -16,19 +16,27 @@ std::string Saved(TVnDOMDocument& ADoc, Word ACodePage, bool AFormatted, bool AB
 }
 
 TEST(DomOutput, PlainAndFormattedLayout) {
+  const std::pair<const char16_t*, const char16_t*> formatted[] = {
+      {u"<a><b>x</b><c/><d></d></a>", u"<a>\r\n  <b>x</b>\r\n  <c />\r\n  <d />\r\n</a>"},
+      // Mixed content: formatting breaks before the child element and the end tag...
+      {u"<a>t<b/></a>", u"<a>t\r\n  <b />\r\n</a>"},
+      // ...but not under xml:space="preserve".
+      {u"<a xml:space=\"preserve\">t<b/></a>", u"<a xml:space=\"preserve\">t<b /></a>"},
+      // The declaration opens the text with no line end; a comment always starts a line...
+      {u"<?xml version=\"1.0\"?><!--c--><a><!--in--><?p d?></a><?q?>",
+       u"<?xml version=\"1.0\"?>\r\n<!--c-->\r\n<a>\r\n  <!--in-->\r\n  <?p d?></a>\r\n<?q?>"},
+      // ...and one first in a document gets a leading line end.
+      {u"<!--c--><a/>", u"\r\n<!--c-->\r\n<a />"}};
+  for (const auto& [xml, text] : formatted)
+    EXPECT_EQ(TVnDOMDocument::FromXML(xml)->GetFormattedXML(), text) << UnicodeToUtf8(xml);
+  // Plain output writes the prolog back as it was read.
+  EXPECT_EQ(TVnDOMDocument::FromXML(formatted[3].first)->GetXML(), formatted[3].first);
   auto doc = TVnDOMDocument::FromXML(u"<a><b>x</b><c/><d></d></a>");
   EXPECT_EQ(doc->GetXML(), u"<a><b>x</b><c /><d /></a>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"<a>\r\n  <b>x</b>\r\n  <c />\r\n  <d />\r\n</a>");
   // An empty text child keeps the long form.
   TVnDOMElement* e = doc->GetRootNode()->AddElement(u"e");
   e->AddText(u"");
   EXPECT_EQ(e->GetXML(), u"<e></e>");
-  // Mixed content: formatting breaks before the child element and the end tag...
-  doc->LoadXML(u"<a>t<b/></a>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"<a>t\r\n  <b />\r\n</a>");
-  // ...but not under xml:space="preserve".
-  doc->LoadXML(u"<a xml:space=\"preserve\">t<b/></a>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"<a xml:space=\"preserve\">t<b /></a>");
   // Inner XML holds the child elements only.
   doc->LoadXML(u"<a>t<b />u<!--c--></a>");
   EXPECT_EQ(doc->GetRootNode()->GetInnerXML(), u"<b />");
@@ -38,18 +46,7 @@ TEST(DomOutput, PlainAndFormattedLayout) {
   EXPECT_EQ(doc->GetRootNode()->ChildAt(1)->GetXML(), u"x &lt; y");
 }
 
-TEST(DomOutput, DocumentLevelCommentsAndInstructions) {
-  auto doc = TVnDOMDocument::FromXML(u"<?xml version=\"1.0\"?><!--c--><a><!--in--><?p d?></a><?q?>");
-  // The declaration opens the text with no line end; a comment always starts a line.
-  EXPECT_EQ(doc->GetFormattedXML(),
-            u"<?xml version=\"1.0\"?>\r\n<!--c-->\r\n<a>\r\n  <!--in-->\r\n  <?p d?></a>\r\n<?q?>");
-  EXPECT_EQ(doc->GetXML(), u"<?xml version=\"1.0\"?><!--c--><a><!--in--><?p d?></a><?q?>");
-  // A comment first in a document gets a leading line end.
-  doc->LoadXML(u"<!--c--><a/>");
-  EXPECT_EQ(doc->GetFormattedXML(), u"\r\n<!--c-->\r\n<a />");
-}
-
-TEST(DomOutput, ByteOrderMarksAndLineEndsAtTheStart) {
+TEST(DomOutput, ByteOrderMarksLineEndsCodePagesAndTheDeclaration) {
   auto doc = TVnDOMDocument::FromXML(u"<a><b/></a>");
   // UTF-16: the two-byte mark is recognised, no line end behind it.
   std::string wide = Saved(*doc, cVnCodePageUTF16LE, true, true);
@@ -66,10 +63,9 @@ TEST(DomOutput, ByteOrderMarksAndLineEndsAtTheStart) {
   s.Add(std::string_view("x"));
   doc->GetRootNode()->SaveToStream(s, cVnCodePageUTF8, true);
   EXPECT_EQ(std::string(s.GetBytesView()).substr(0, 4), "x\r\n<");
-}
 
-TEST(DomOutput, CodePagesAndTheDeclaration) {
-  auto doc = TVnDOMDocument::FromXML(u"<a>\u00e9\u20ac\U0001F600</a>");
+  // Code pages and the declaration.
+  doc = TVnDOMDocument::FromXML(u"<a>\u00e9\u20ac\U0001F600</a>");
   EXPECT_EQ(Saved(*doc, cVnCodePageUTF8, false, false), "<a>\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80</a>");
   EXPECT_EQ(Saved(*doc, 1252, false, false).substr(0, 5), "<a>\xE9\x80");
   // SetEncoding writes the name into a new declaration at the front, then updates it in place.
@@ -78,9 +74,9 @@ TEST(DomOutput, CodePagesAndTheDeclaration) {
   EXPECT_EQ(doc->GetCodePage(), cVnCodePageLatin1);
   doc->SetEncoding(u"windows-1252");
   EXPECT_EQ(doc->GetProcessingInstruction(u"xml"), u"version=\"1.0\" encoding=\"windows-1252\"");
-  TVnStringStream s(1252);
-  doc->SaveToStreamEx(s, false, true);
-  EXPECT_EQ(std::string(s.GetBytesView()).substr(0, 45), "<?xml version=\"1.0\" encoding=\"windows-1252\"?>");
+  TVnStringStream ansi(1252);
+  doc->SaveToStreamEx(ansi, false, true);
+  EXPECT_EQ(std::string(ansi.GetBytesView()).substr(0, 45), "<?xml version=\"1.0\" encoding=\"windows-1252\"?>");
   // A declaration without encoding gets one appended; the instruction setter recomputes it.
   doc->SetProcessingInstruction(u"xml", u"version=\"1.0\"");
   EXPECT_EQ(doc->GetEncoding(), u"UTF-8");

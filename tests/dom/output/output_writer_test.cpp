@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 
 #include "support/files.h"
 #include "vnxml/common/code_page.h"
@@ -126,7 +127,7 @@ TEST(DomOutputWriter, EveryKindOfStreamGetsTheSameBytes) {
   EXPECT_EQ(ToMemory(*doc, 0, false), ToMemory(*doc, cVnCodePageUTF8, false));
 }
 
-TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
+TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFileWritesAtTheStreamPosition) {
   // The line-start rules look back at the stream: through a file they must come out as in memory.
   const test::TempFile file("marks.xml");
   const UnicodeString name = file.Name();
@@ -140,17 +141,15 @@ TEST(DomOutputWriter, MarksAndLineEndsAtTheStartOfAFile) {
   doc->SetEncoding(u"UTF-8");
   doc->SaveToFile(name, true, true);
   EXPECT_EQ(ReadFile(file.Path), ToMemory(*doc, cVnCodePageUTF8, true, true));
-}
 
-TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
-  auto doc = TVnDOMDocument::FromXML(u"<a>t</a>");
+  // Writes land at the stream position.
+  doc = TVnDOMDocument::FromXML(u"<a>t</a>");
   TVnDOMElement* a = doc->GetRootNode();
   // Inside the content: the bytes there are overwritten, the rest stays.
   TVnStringStream s(std::string_view("0123456789ABCDEF"), cVnCodePageUTF8);
   s.Seek(2, soBeginning);
   a->SaveToStream(s, cVnCodePageUTF8, false);
-  EXPECT_EQ(s.GetBytesView(), "01<a>t</a>ABCDEF");
-  EXPECT_EQ(s.GetPosition(), 10);
+  EXPECT_EQ((std::tuple{s.GetBytesView(), s.GetPosition()}), std::tuple("01<a>t</a>ABCDEF", 10));
   // Behind the end: the gap is filled with zeros.
   TVnStringStream gap(std::string_view("ab"), cVnCodePageUTF8);
   gap.Seek(2, soEnd);
@@ -161,8 +160,7 @@ TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
   tail.Add(std::u16string_view(u"x"));
   a->SaveToStream(tail, cVnCodePageUTF16LE, false);
   a->SaveToStream(tail, cVnCodePageUTF16LE, false);
-  EXPECT_EQ(tail.GetWString(), u"x<a>t</a><a>t</a>");
-  EXPECT_EQ(tail.GetPosition(), tail.GetSize());
+  EXPECT_EQ((std::tuple{tail.GetWString(), tail.GetPosition()}), std::tuple(u"x<a>t</a><a>t</a>", tail.GetSize()));
   // A read-only view refuses, as its Write does.
   const char fixed[] = "0123456789";
   TVnMemoryStream view(fixed, 10);
@@ -170,7 +168,7 @@ TEST(DomOutputWriter, WritesLandAtTheStreamPosition) {
   EXPECT_THROW(a->SaveToStream(s, 65535, false), EVnException);
 }
 
-TEST(DomOutputWriter, HostNodesWriteThemselvesInOrder) {
+TEST(DomOutputWriter, HostNodesWriteInOrderAndEachPieceIsConvertedOnItsOwn) {
   auto doc = TVnDOMDocument::FromXML(u"<a><b/></a>");
   TVnDOMElement* a = doc->GetRootNode();
   auto* marked = a->Append(std::make_unique<TMarkedElement>());
@@ -185,10 +183,9 @@ TEST(DomOutputWriter, HostNodesWriteThemselvesInOrder) {
   TRecordingStream recorder;
   doc->SaveToStream(recorder, cVnCodePageUTF8, true, false);
   EXPECT_EQ(recorder.Bytes, ToMemory(*doc, cVnCodePageUTF8, true));
-}
 
-TEST(DomOutputWriter, EachPieceIsConvertedOnItsOwn) {
-  auto doc = TVnDOMDocument::FromXML(u"<r/>");
+  // Each piece of text is converted on its own.
+  doc = TVnDOMDocument::FromXML(u"<r/>");
   TVnDOMElement* r = doc->GetRootNode();
   // A surrogate pair split over two text nodes stays two broken characters.
   r->AddText(u"a\xD83D");

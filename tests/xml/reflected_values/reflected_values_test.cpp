@@ -37,7 +37,7 @@ using test::MessageOf;
 
 const TTypeInfo* Named(std::u16string_view AName) { return FindTypeInfo(AName); }
 
-TEST(ValToXML, TextByKind) {
+TEST(ValToXML, TextByKindAndComplexKinds) {
   const auto outside = static_cast<TSize>(7);
   const TDateTime moment = EncodeDateTime(2024, 2, 29, 13, 5, 6, 7);
   const std::pair<TValue, const char16_t*> cases[] = {
@@ -47,9 +47,7 @@ TEST(ValToXML, TextByKind) {
       {TValue::Make(&moment, Named(u"TDateTime")), u"2024-02-29T13:05:06.007"},
       {TValue::Make(&moment, Named(u"TDate")), u"2024-02-29"}, {TValue::Make(&moment, Named(u"TTime")), u"13:05:06.007"}};
   for (const auto& [value, text] : cases) EXPECT_EQ(VnValToXML(value), text) << UnicodeToUtf8(text);
-}
-
-TEST(ValToXML, ComplexKindsGoThroughTheXMLSerializer) {
+  // Complex kinds go through the XML serializer.
   TThing thing;
   EXPECT_NE(VnValToXML(TValue::FromObject(&thing)).find(u"<object"), UnicodeString::npos);
   EXPECT_NE(VnValToXML(TValue::From(TPair{})).find(u"<record"), UnicodeString::npos);
@@ -57,7 +55,7 @@ TEST(ValToXML, ComplexKindsGoThroughTheXMLSerializer) {
 }
 
 /// Each value written and read back under its own type gives the same value.
-TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWrote) {
+TEST(XMLToValue, EveryKindReadsBackByTypeOrNameOthersFailClearly) {
   const TDateTime moment = EncodeDateTime(2001, 12, 31, 23, 59, 58, 999);
   const TDateTime day = EncodeDate(1999, 1, 2);
   const TDateTime clock = EncodeTime(6, 7, 8, 9);
@@ -82,47 +80,44 @@ TEST(XMLToValue, EveryKindReadsBackWhatValToXMLWrote) {
     else
       EXPECT_EQ(back.ToString(), v.ToString());
   }
-}
 
-TEST(XMLToValue, EnumerationsAndSets) {
+  // Enumerations and sets also by name or number.
   const TTypeInfo* size = TypeInfoOf<TSize>();
-  EXPECT_EQ(VnXMLToValue(u"1", size).AsOrdinal(), 1);
-  EXPECT_EQ(VnXMLToValue(u"szlarge", size).AsOrdinal(), 2);
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"1", size).AsOrdinal(), VnXMLToValue(u"szlarge", size).AsOrdinal()}),
+            std::tuple(1, 2));
   for (const char16_t* bad : {u"szHuge", u"9"})
     EXPECT_EQ(MessageOf([&] { VnXMLToValue(bad, size); }), Format(cVnXMLToValueFailed, {bad, u"TSize"}));
 
   const TTypeInfo* sizes = TypeInfoOf<TSizes>();
-  EXPECT_EQ(VnXMLToValue(u"6", sizes).AsOrdinal(), 6);
-  EXPECT_EQ(VnXMLToValue(u"[szMedium]", sizes).AsOrdinal(), 2);
-  EXPECT_EQ(VnXMLToValue(u"", sizes).AsOrdinal(), 0);
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"6", sizes).AsOrdinal(), VnXMLToValue(u"[szMedium]", sizes).AsOrdinal(),
+                        VnXMLToValue(u"", sizes).AsOrdinal()}),
+            std::tuple(6, 2, 0));
   EXPECT_THROW(VnXMLToValue(u"[szHuge]", sizes), EPropertyConvertError);
-}
 
-TEST(XMLToValue, UnsupportedKindsAndBadText) {
+  // Unsupported kinds and bad texts fail clearly.
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"<A>1</A>", TypeInfoOf<TPair>()); }),
             Format(cVnXMLToValueUnsupported, {u"<A>1</A>", u"TPair"}));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"x", static_cast<const TTypeInfo*>(nullptr)); }),
             Format(cVnXMLToValueUnsupported, {u"x", u"nil"}));
   EXPECT_THROW(VnXMLToValue(u"abc", TypeInfoOf<Integer>()), EConvertError);
   // A character that an 8-bit character can't hold becomes '?'; an empty text gives NUL.
-  EXPECT_EQ(VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(), '?');
-  EXPECT_EQ(VnXMLToValue(u"", TypeInfoOf<char16_t>()).AsOrdinal(), 0);
-}
-
-TEST(XMLToValue, ByTypeName) {
-  EXPECT_EQ(VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(), 2);
-  EXPECT_EQ(VnXMLToValue(u"a&amp;b", u"string").AsString(), u"a&b");
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"\u20ac", TypeInfoOf<char>()).AsOrdinal(),
+                        VnXMLToValue(u"", TypeInfoOf<char16_t>()).AsOrdinal()}),
+            std::tuple('?', 0));
+  // By type name.
+  EXPECT_EQ((std::tuple{VnXMLToValue(u"szLarge", u"TSize").AsOrdinal(),
+                        VnXMLToValue(u"a&amp;b", u"string").AsString()}),
+            std::tuple(2, u"a&b"));
   EXPECT_EQ(MessageOf([] { VnXMLToValue(u"1", u"TNoSuchType"); }),
             Format(cVnXMLToValueUnsupported, {u"1", u"TNoSuchType"}));
 }
 
 TEST(XMLToVariant, ByTypeNameAndByKind) {
-  EXPECT_EQ(VnXMLToVariant(u"12", u"Integer").VarType(), varInteger);
-  EXPECT_EQ(VnXMLToVariant(u"2020-01-02", u"TDateTime").VarType(), varDate);
   // An unknown name leaves the text as it is.
   const Variant unknown = VnXMLToVariant(u"a&amp;b", u"TNoSuchType");
-  EXPECT_EQ(unknown.VarType(), varUString);
-  EXPECT_EQ(unknown.AsString(), u"a&amp;b");
+  EXPECT_EQ((std::tuple{VnXMLToVariant(u"12", u"Integer").VarType(),
+                        VnXMLToVariant(u"2020-01-02", u"TDateTime").VarType(), unknown.VarType(), unknown.AsString()}),
+            std::tuple(varInteger, varDate, varUString, u"a&amp;b"));
 
   const std::tuple<TVnTypeKind, const char16_t*, TVarType> cases[] = {
       {vtkByte, u"1", varByte},       {vtkLongWord, u"1", varLongWord}, {vtkUInt64, u"1", varUInt64},
@@ -130,8 +125,7 @@ TEST(XMLToVariant, ByTypeNameAndByKind) {
       {vtkExtended, u"1.5", varDouble}, {vtkBoolean, u"true", varBoolean}, {vtkDate, u"2020-01-02", varDate}};
   for (const auto& [kind, text, varType] : cases) EXPECT_EQ(VnXMLToVariant(text, kind).VarType(), varType) << int(kind);
   const Variant decoded = VnXMLToVariant(u"a&amp;b", vtkText5);
-  EXPECT_EQ(decoded.VarType(), varUString);
-  EXPECT_EQ(decoded.AsString(), u"a&b");
+  EXPECT_EQ((std::tuple{decoded.VarType(), decoded.AsString()}), std::tuple(varUString, u"a&b"));
   EXPECT_DOUBLE_EQ(VnXMLToVariant(u"12:00:00", vtkTime).AsDouble(), 0.5);
   EXPECT_EQ(MessageOf([] { VnXMLToVariant(u"x", vtkClass); }), Format(cVnXMLToVariantFailed, {u"x", u"vtkClass"}));
   EXPECT_THROW(VnXMLToVariant(u"x", vtkInteger), EConvertError);

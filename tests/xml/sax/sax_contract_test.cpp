@@ -2,6 +2,9 @@
 // encoding decision of TVnXMLParser.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <tuple>
+
 #include "common/message_of.h"
 #include "support/files.h"
 #include "support/raises.h"
@@ -27,27 +30,22 @@ TEST(SaxAttributes, Lookups) {
   attrs.Add(u"id", u"id", u"", u"7", TVnSAXAttributeType::CDATA);
   attrs.Add(u"href", u"x:href", u"urn:x", u"#a", TVnSAXAttributeType::ID);
   attrs.Add(u"lang", u"lang", u"", u"en", TVnSAXAttributeType::CDATA);
-  EXPECT_EQ(attrs.Count(), 3);
   EXPECT_EQ(attrs.FirstAttribute()->Next->Prev, attrs.FirstAttribute());
-  EXPECT_EQ(attrs.GetAttribute(2)->Idx, 2);
-  EXPECT_EQ(attrs.GetQName(1), u"x:href");
-  EXPECT_EQ(attrs.GetURI(1), u"urn:x");
+  EXPECT_EQ((std::tuple{attrs.Count(), attrs.GetAttribute(2)->Idx, attrs.GetQName(1), attrs.GetURI(1)}),
+            std::tuple(3, 2, u"x:href", u"urn:x"));
 
   // Names compare without regard to case; GetIndex gives -1 where the others raise code 4.
-  EXPECT_EQ(attrs.GetValue(u"ID"), u"7");
-  EXPECT_EQ(attrs.GetIndex(u"X:HREF"), 1);
-  EXPECT_EQ(attrs.GetIndex(u"nope"), -1);
-  EXPECT_EQ(attrs.GetIndex(u"URN:X", u"HREF"), 1);
-  EXPECT_EQ(attrs.GetType(u"urn:x", u"href"), TVnSAXAttributeType::ID);
+  EXPECT_EQ((std::tuple{attrs.GetValue(u"ID"), attrs.GetIndex(u"X:HREF"), attrs.GetIndex(u"nope"),
+                        attrs.GetIndex(u"URN:X", u"HREF"), attrs.GetType(u"urn:x", u"href")}),
+            std::tuple(u"7", 1, -1, 1, TVnSAXAttributeType::ID));
   EXPECT_EQ(CodeOf([&] { attrs.GetValue(u"nope"); }), cVnXMLErrListIndexOutOfBounds);
   EXPECT_EQ(CodeOf([&] { attrs.GetType(u"nope"); }), cVnXMLErrListIndexOutOfBounds);
   EXPECT_EQ(CodeOf([&] { attrs.GetAttribute(3); }), cVnXMLErrListIndexOutOfBounds);
   EXPECT_EQ(CodeOf([&] { attrs.GetLocalName(-1); }), cVnXMLErrListIndexOutOfBounds);
 
   // "*" matches any namespace in GetValue only; an empty URI matches only the empty one.
-  EXPECT_EQ(attrs.GetValue(u"*", u"href"), u"#a");
+  EXPECT_EQ((std::tuple{attrs.GetValue(u"*", u"href"), attrs.GetIndex(u"*", u"href")}), std::tuple(u"#a", -1));
   EXPECT_EQ(CodeOf([&] { attrs.GetValue(u"", u"href"); }), cVnXMLErrListIndexOutOfBounds);
-  EXPECT_EQ(attrs.GetIndex(u"*", u"href"), -1);
   EXPECT_EQ(CodeOf([&] { attrs.GetType(u"*", u"href"); }), cVnXMLErrListIndexOutOfBounds);
 
   test::ExpectRaises<EVnXMLParseError>([&] { attrs.GetValue(u"a", u"b"); },
@@ -56,73 +54,63 @@ TEST(SaxAttributes, Lookups) {
 
   // Cleared records come back for reuse, with their old content overwritten.
   attrs.Clear();
-  EXPECT_EQ(attrs.Count(), 0);
-  EXPECT_EQ(attrs.FirstAttribute(), nullptr);
+  EXPECT_EQ((std::tuple{attrs.Count(), attrs.FirstAttribute()}), std::tuple(0, nullptr));
   attrs.Add(u"n", u"n", u"", u"v", TVnSAXAttributeType::CDATA);
-  EXPECT_EQ(attrs.GetValue(0), u"v");
-  EXPECT_EQ(attrs.FirstAttribute()->Next, nullptr);
+  EXPECT_EQ((std::tuple{attrs.GetValue(0), attrs.FirstAttribute()->Next}), std::tuple(u"v", nullptr));
 
   // Counting is off: an interface taken and dropped frees nothing.
   { IPtr<IVnSAXAttributes> intf(&attrs); }
   EXPECT_EQ(attrs.Count(), 1);
 }
 
-TEST(SaxNamespaceList, ScopesAndEvents) {
+TEST(SaxNamespaceList, ScopesAndEventsAlsoPastManyDeclarations) {
   RecordingReader r;
   TVnSAXNamespaceList list(&r.Reader);
   list.AddURI(1, u"p", u"outer");
   list.AddURI(2, u"p", u"inner");
   list.AddURI(2, u"", u"default");
-  EXPECT_EQ(list.GetURI(u"P"), u"inner");
-  EXPECT_EQ(list.GetURI(u"q"), u"");
-  EXPECT_EQ(list.GetNamespace(u"q"), nullptr);
+  EXPECT_EQ((std::tuple{list.GetURI(u"P"), list.GetURI(u"q"), list.GetNamespace(u"q")}),
+            std::tuple(u"inner", u"", nullptr));
   list.RemoveLevel(3);  // nothing declared there: no event
   list.RemoveLevel(2);
-  EXPECT_EQ(list.GetURI(u"p"), u"outer");
-  EXPECT_EQ(list.GetURI(u""), u"");
+  EXPECT_EQ((std::tuple{list.GetURI(u"p"), list.GetURI(u"")}), std::tuple(u"outer", u""));
   list.Clear();
   EXPECT_EQ(list.Count(), 0);
   EXPECT_EQ(r.Events(), (std::vector<std::string>{"startPrefix(p=outer)", "startPrefix(p=inner)",
                                                   "startPrefix(=default)", "endPrefix()", "endPrefix(p)"}));
+
+  // Past a handful of declarations lookups go through an index: the scoping must not change.
+  TVnSAXNamespaceList many;
+  for (int i = 0; i < 50; ++i) many.AddURI(1, u"n" + UTF16(std::to_string(i)), u"outer" + UTF16(std::to_string(i)));
+  many.AddURI(2, u"N7", u"inner");
+  many.AddURI(3, u"n7", u"innermost");
+  EXPECT_EQ((std::tuple{many.GetURI(u"n7"), many.GetURI(u"N49"), many.GetURI(u"n50")}),
+            std::tuple(u"innermost", u"outer49", u""));
+  many.RemoveLevel(3);
+  EXPECT_EQ(many.GetNamespace(u"N7")->URI, u"inner");
+  many.RemoveLevel(2);
+  EXPECT_EQ(many.GetURI(u"n7"), u"outer7");
+  many.RemoveLevel(1);
+  EXPECT_EQ(many.GetURI(u"n7"), u"");
+  many.AddURI(1, u"n7", u"again");
+  EXPECT_EQ(many.GetURI(u"N7"), u"again");
 }
 
-// Past a handful of declarations lookups go through an index: the scoping must not change.
-TEST(SaxNamespaceList, ManyDeclarationsKeepTheirScopes) {
-  TVnSAXNamespaceList list;
-  for (int i = 0; i < 50; ++i) list.AddURI(1, u"n" + UTF16(std::to_string(i)), u"outer" + UTF16(std::to_string(i)));
-  list.AddURI(2, u"N7", u"inner");
-  list.AddURI(3, u"n7", u"innermost");
-  EXPECT_EQ(list.GetURI(u"n7"), u"innermost");
-  EXPECT_EQ(list.GetURI(u"N49"), u"outer49");
-  EXPECT_EQ(list.GetURI(u"n50"), u"");
-  list.RemoveLevel(3);
-  EXPECT_EQ(list.GetNamespace(u"N7")->URI, u"inner");
-  list.RemoveLevel(2);
-  EXPECT_EQ(list.GetURI(u"n7"), u"outer7");
-  list.RemoveLevel(1);
-  EXPECT_EQ(list.GetURI(u"n7"), u"");
-  list.AddURI(1, u"n7", u"again");
-  EXPECT_EQ(list.GetURI(u"N7"), u"again");
-}
-
-TEST(SaxReaderFrame, LocatorAndInterfaces) {
+TEST(SaxReaderFrame, LocatorInterfacesAndTheLocatorDuringEvents) {
   RecordingReader r;
-  EXPECT_EQ(r.Reader.GetLineNr(), -1);  // before any parse
-  EXPECT_EQ(r.Reader.GetPosition(), -1);
+  EXPECT_EQ((std::tuple{r.Reader.GetLineNr(), r.Reader.GetPosition()}), std::tuple(-1, -1));  // before any parse
   r.Reader.Parse(u"<a/>", u"doc-1");
-  EXPECT_EQ(r.Reader.GetLineNr(), -1);  // after one that ended normally
-  EXPECT_EQ(r.Reader.GetColNr(), -1);
-  EXPECT_EQ(r.Reader.GetPublicID(), u"doc-1");
+  // After one that ended normally.
+  EXPECT_EQ((std::tuple{r.Reader.GetLineNr(), r.Reader.GetColNr(), r.Reader.GetPublicID()}),
+            std::tuple(-1, -1, u"doc-1"));
 
   IPtr<IVnSAXXMLReader> intf(&r.Reader);
-  EXPECT_FALSE(intf->GetFeature(u"anything"));
-  EXPECT_TRUE(VarIsNull(intf->GetProperty(u"anything")));
-  EXPECT_TRUE(static_cast<bool>(intf.As<IVnSAXLocator>()));
-  EXPECT_FALSE(static_cast<bool>(intf.As<IVnSAXContentHandler>()));
+  EXPECT_EQ((std::tuple{intf->GetFeature(u"anything"), VarIsNull(intf->GetProperty(u"anything")),
+                        static_cast<bool>(intf.As<IVnSAXLocator>()),
+                        static_cast<bool>(intf.As<IVnSAXContentHandler>())}),
+            std::tuple(false, true, true, false));
   intf = nullptr;  // counting is off: the reader lives on
-}
 
-TEST(SaxReaderFrame, LocatorDuringEvents) {
   // A handler asking the locator during an event gets the reader's current place.
   struct Asking : vn::test::SaxRecorder {
     IVnSAXLocator* Loc = nullptr;
@@ -137,8 +125,7 @@ TEST(SaxReaderFrame, LocatorDuringEvents) {
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(h.Get()));
   reader.SetErrorHandler(IPtr<IVnSAXErrorHandler>(h.Get()));
   reader.Parse(u"<r>\n  <a x='1'/>\n</r>", u"");
-  EXPECT_EQ(h->Events[1], "r@1:3#3");
-  EXPECT_EQ(h->Events[3], "a@2:11#15");
+  EXPECT_EQ((std::tuple{h->Events[1], h->Events[3]}), std::tuple("r@1:3#3", "a@2:11#15"));
 }
 
 TEST(SaxReaderFrame, EntryPoints) {
@@ -172,23 +159,24 @@ TEST(SaxReaderFrame, EntryPoints) {
   EXPECT_THROW(RecordingReader().Reader.ParseFile(test::TempFile("missing.xml").Name(), fmOpenRead, u""), EFOpenError);
 }
 
-TEST(XmlParser, EncodingDecision) {
+TEST(XmlParser, EncodingDecisionDispatchAndChecks) {
   auto decide = [](std::string_view bytes, bool detectBOM = false, Word cp = 0) {
     TVnMemoryStream stream(bytes.data(), static_cast<Int64>(bytes.size()));
     TVnXMLParser parser(&stream, false, detectBOM, cp);
     return std::pair<Word, TVnCharacterSetType>(parser.GetContentCodePage(), parser.GetCharacterSetType());
   };
   using R = std::pair<Word, TVnCharacterSetType>;
-  EXPECT_EQ(decide("<a/>"), R(65001, csUTF8));
-  EXPECT_EQ(decide("<?xml version=\"1.0\"?><a/>"), R(65001, csUTF8));
-  EXPECT_EQ(decide("<?xml encoding='ISO-8859-1'?>"), R(28591, csAnsi));
-  EXPECT_EQ(decide("junk <?xml version='1.0' encoding = 'windows-1252' ?>"), R(1252, csAnsi));
-  EXPECT_EQ(decide("<?xml version='1.0' ENCODING='ISO-8859-1'?>"), R(28591, csAnsi));
-  // Only lower-case "<?xml" and a single space introduce a declaration.
-  EXPECT_EQ(decide("<?XML version='1.0' encoding='ISO-8859-1'?>"), R(65001, csUTF8));
-  // A mark or the caller's code page wins, and then no part of the prolog is read.
-  EXPECT_EQ(decide("\xEF\xBB\xBF<?xml encoding='ISO-8859-1'?>", true), R(65001, csUTF8));
-  EXPECT_EQ(decide("<?xml encoding='ISO-8859-1'?>", false, 1252), R(1252, csAnsi));
+  const R utf8(65001, csUTF8), latin1(28591, csAnsi), ansi(1252, csAnsi);
+  EXPECT_EQ((std::array{decide("<a/>"), decide("<?xml version=\"1.0\"?><a/>"), decide("<?xml encoding='ISO-8859-1'?>"),
+                        decide("junk <?xml version='1.0' encoding = 'windows-1252' ?>"),
+                        decide("<?xml version='1.0' ENCODING='ISO-8859-1'?>")}),
+            (std::array{utf8, utf8, latin1, ansi, latin1}));
+  // Only lower-case "<?xml" and a single space introduce a declaration. A mark or the caller's
+  // code page wins, and then no part of the prolog is read.
+  EXPECT_EQ((std::array{decide("<?XML version='1.0' encoding='ISO-8859-1'?>"),
+                        decide("\xEF\xBB\xBF<?xml encoding='ISO-8859-1'?>", true),
+                        decide("<?xml encoding='ISO-8859-1'?>", false, 1252)}),
+            (std::array{utf8, utf8, ansi}));
   // An unknown name is the code page lookup's failure.
   EXPECT_THROW(decide("<?xml encoding='nonsense-42'?>"), EVnException);
 
@@ -197,9 +185,8 @@ TEST(XmlParser, EncodingDecision) {
   TVnMemoryStream stream(text.data(), static_cast<Int64>(text.size()));
   TVnXMLParser parser(&stream, false, false, 0);
   EXPECT_EQ(parser.CurrCharW(), u'x');
-}
 
-TEST(XmlParser, DispatchAndChecks) {
+  // The checks dispatch over the three kinds of code units.
   std::u16string wide = u"<a:b>";
   TVnMemoryStream ws(wide.data(), static_cast<Int64>(wide.size() * 2));
   TVnXMLParser w(&ws, false, false, 1200);

@@ -54,7 +54,7 @@ const std::string_view kWide[] = {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"
 
 }  // namespace
 
-TEST(SaxReaderRuns, EveryLengthAndPlace) {
+TEST(SaxReaderRuns, EveryLengthAndPlaceAlsoInPrefixedNames) {
   for (size_t len = 0; len <= 34; ++len) {
     for (std::string_view wide : kWide) {
       for (size_t at = 0; at <= len; ++at) {  // at == len: plain ASCII
@@ -68,9 +68,8 @@ TEST(SaxReaderRuns, EveryLengthAndPlace) {
       }
     }
   }
-}
 
-TEST(SaxReaderRuns, NamesWithPrefixesAndWhiteSpace) {
+  // Names with prefixes and white space.
   for (size_t len = 1; len <= 20; ++len) {
     for (size_t at = 0; at <= len; ++at) {
       std::string run = RunOf(len, at, "\xC3\xA9");
@@ -79,13 +78,11 @@ TEST(SaxReaderRuns, NamesWithPrefixesAndWhiteSpace) {
     }
   }
   // A name that ends where the text does, and the failures inside names.
-  ExpectSameTrace("<abcdefghijklmnopqrstuvwxyz");
-  ExpectSameTrace("<abcdefghijklmnop:qrstuvwxyz");
-  ExpectSameTrace("<r abcdefghijklmnopqrstuvwxyz");
-  ExpectSameTrace("<r abcdefghijklmnop:qrstuvwxyz='v");
-  ExpectSameTrace("<abcdefghijklmnopq<rstuvwxyz/>");
-  ExpectSameTrace("<abcdefghijklmnopq:1rstuvwxyz/>");
-  ExpectSameTrace("<r abcdefghijklmnopq:rstu>vwxyz='1'/>");
+  for (const char* xml : {"<abcdefghijklmnopqrstuvwxyz", "<abcdefghijklmnop:qrstuvwxyz",
+                           "<r abcdefghijklmnopqrstuvwxyz", "<r abcdefghijklmnop:qrstuvwxyz='v",
+                           "<abcdefghijklmnopq<rstuvwxyz/>", "<abcdefghijklmnopq:1rstuvwxyz/>",
+                           "<r abcdefghijklmnopq:rstu>vwxyz='1'/>"})
+    ExpectSameTrace(xml);
 }
 
 TEST(SaxReaderRuns, CutAtEveryPlace) {
@@ -101,7 +98,7 @@ TEST(SaxReaderRuns, CutAtEveryPlace) {
   }
 }
 
-TEST(SaxReaderRuns, AttributeRecordsAreReused) {
+TEST(SaxReaderRuns, AttributeRecordsAreReusedNamespaceLookupsFollowTheScopes) {
   // Each tag's attributes land in the records of the tag before: names of the same length but
   // other letters, fewer and more attributes, and URIs of the same length must all show.
   RecordingReader r;
@@ -114,9 +111,7 @@ TEST(SaxReaderRuns, AttributeRecordsAreReused) {
                    "start(e)", "end(e)", "end(r)", "endPrefix(q)", "endPrefix(p)", "endDocument"}));
   EXPECT_EQ(r.Rec->LocalNames, (std::vector<std::string>{"r", "@p", "@q", "a", "@ab", "@cd", "b", "@cd", "@ab", "@ef",
                                                          "c", "@ab", "d", "@x", "d", "@x", "d", "@x", "e"}));
-}
 
-TEST(SaxReaderRuns, NamespaceLookupsFollowTheScopes) {
   // The default namespace redeclared, undeclared and restored as levels close.
   RecordingReader d;
   d.Reader.Parse(uR"(<a xmlns="1"><b xmlns="2"><c/><e xmlns=""><f/></e><g/></b><h/></a>)", u"");

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -23,9 +24,8 @@ TEST(XMLIntegerText, EmptyBadCutAndFullRange) {
       {VnXMLToLongword(u"4294967295"), 4294967295}, {VnXMLToLongwordDef(u"4294967295", 0), 4294967295},
       {VnXMLToInt64(u"-9223372036854775808"), std::numeric_limits<Int64>::min()}};
   for (size_t i = 0; i < std::size(values); ++i) EXPECT_EQ(values[i].first, values[i].second) << "row " << i;
-  EXPECT_EQ(VnXMLToUInt64Def(u"-", 9), 9u);
-  EXPECT_EQ(VnXMLToUInt64(u"18446744073709551615"), std::numeric_limits<UInt64>::max());
-  EXPECT_EQ(VnXMLToUInt64(u"-1"), std::numeric_limits<UInt64>::max());
+  EXPECT_EQ((std::tuple{VnXMLToUInt64Def(u"-", 9), VnXMLToUInt64(u"18446744073709551615"), VnXMLToUInt64(u"-1")}),
+            std::tuple(9u, std::numeric_limits<UInt64>::max(), std::numeric_limits<UInt64>::max()));
   for (const char16_t* bad : {u"x", u"1.5", u"2147483648"}) EXPECT_THROW(VnXMLToInt(bad), EConvertError);
   EXPECT_THROW(VnXMLToInt64(u"9223372036854775808"), EConvertError);
 
@@ -37,36 +37,29 @@ TEST(XMLIntegerText, EmptyBadCutAndFullRange) {
   for (const auto& [text, expected] : texts) EXPECT_EQ(text, expected);
 }
 
-TEST(XMLFloatText, DotIsTheOnlySeparator) {
+TEST(XMLFloatAndBoolText, DotIsTheOnlySeparatorSpecialValuesRoundTripOnlyOneAndTrueAreTrue) {
   EXPECT_DOUBLE_EQ(VnXMLToDouble(u"1.5e3"), 1500);
-  EXPECT_EQ(VnXMLToDouble(u""), 0);
+  EXPECT_FLOAT_EQ(VnXMLToSingle(u"0.1"), 0.1f);
+  EXPECT_EQ((std::tuple{VnXMLToDouble(u""), VnXMLToDoubleDef(u"1,5", 7), VnXMLToSingleDef(u"", 7)}),
+            std::tuple(0.0, 7.0, 0.0f));
   EXPECT_THROW(VnXMLToDouble(u"1,5"), EConvertError);
   EXPECT_THROW(VnXMLToExtended(u"abc"), EConvertError);
-  EXPECT_EQ(VnXMLToDoubleDef(u"1,5", 7), 7);
-  EXPECT_EQ(VnXMLToSingleDef(u"", 7), 0);
-  EXPECT_FLOAT_EQ(VnXMLToSingle(u"0.1"), 0.1f);
+  EXPECT_EQ((std::tuple{VnDoubleToXML(0.1), VnExtToXML(1e20L)}), std::tuple(u"0.1", u"1E20"));
 
-  EXPECT_EQ(VnDoubleToXML(0.1), u"0.1");
-  EXPECT_EQ(VnExtToXML(1e20L), u"1E20");
-}
-
-TEST(XMLFloatText, SpecialValuesSurviveARoundTrip) {
-  EXPECT_EQ(VnXMLToDouble(VnDoubleToXML(HUGE_VAL)), HUGE_VAL);
-  EXPECT_EQ(VnXMLToDouble(VnDoubleToXML(-HUGE_VAL)), -HUGE_VAL);
-  EXPECT_TRUE(std::isnan(VnXMLToDouble(VnDoubleToXML(NAN))));
-  EXPECT_EQ(VnXMLToDouble(u"INF"), HUGE_VAL);
-  EXPECT_EQ(VnXMLToExtended(u"-INF"), -HUGE_VALL);
-  EXPECT_TRUE(std::isnan(VnXMLToSingle(u"NaN")));
+  // Special values survive a round trip.
   // Out of the range of Single: infinity rather than an undefined narrowing.
-  EXPECT_EQ(VnXMLToSingle(u"1e300"), HUGE_VALF);
-  EXPECT_EQ(VnXMLToSingle(u"-1e300"), -HUGE_VALF);
+  EXPECT_EQ((std::tuple{VnXMLToDouble(VnDoubleToXML(HUGE_VAL)), VnXMLToDouble(VnDoubleToXML(-HUGE_VAL)),
+                        VnXMLToDouble(u"INF"), VnXMLToExtended(u"-INF"), VnXMLToSingle(u"1e300"),
+                        VnXMLToSingle(u"-1e300")}),
+            std::tuple(HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VALL, HUGE_VALF, -HUGE_VALF));
+  EXPECT_TRUE(std::isnan(VnXMLToDouble(VnDoubleToXML(NAN))));
+  EXPECT_TRUE(std::isnan(VnXMLToSingle(u"NaN")));
   for (double value : {0.1, 1.0 / 3, 123456789.125, 1e-5, -2.5e300}) {
     SCOPED_TRACE(value);
     EXPECT_NEAR(VnXMLToDouble(VnDoubleToXML(value)), value, std::fabs(value) * 1e-14);
   }
-}
 
-TEST(XMLBoolText, OnlyOneAndTrueAreTrue) {
+  // Booleans: only "1" and "true" in any case are true.
   for (const char16_t* text : {u"1", u"true", u"TRUE", u"True", u"tRuE"})
     EXPECT_TRUE(VnXMLToBool(text)) << U8(text);
   for (const char16_t* text : {u"0", u"false", u"yes", u"", u" true", u"01", u"-1", u"truex"})

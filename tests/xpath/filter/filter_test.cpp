@@ -1,5 +1,7 @@
 // Filters: keywords and their reach, strict left-to-right and/or, empty values, existential and
 // numeric-versus-text comparison, the parser's messages, and nesting limits.
+#include <tuple>
+
 #include "vnxml/common/utf.h"
 #include "vnxml/common/variant.h"
 #include "vnxml/xpath_terms.h"
@@ -34,7 +36,7 @@ class Filter : public ::testing::Test {
   std::unique_ptr<TVnDOMDocument> FDoc;
 };
 
-TEST_F(Filter, PresenceIndexesAndLogic) {
+TEST_F(Filter, PresenceIndexesLogicAndComparisons) {
   ExpectItems({{u"[@a]", u"1 2 4"}, {u"[not(@a)]", u"3"}, {u"[v]", u"1 2"}, {u"[0]", u"1"},
                {u"[first()]", u"1"}, {u"[last()]", u"4"}, {u"[position() = 2]", u"2"},
                {u"[node()]", u"1 2 3 4"},
@@ -50,9 +52,8 @@ TEST_F(Filter, PresenceIndexesAndLogic) {
   ExpectItems({{u"[not @a and @b]", u"2 3"}, {u"[(not @a) or @id = 1]", u"1 3"},
                {u"[notes = 1]", u"4"},  // a name beginning with "not"
                {u"[android]", u""}});
-}
 
-TEST_F(Filter, EmptyValuesAndExistentialComparisons) {
+  // Empty values, existential comparisons.
   // A comparison with a missing value is empty: not(...) stays false, and so does the chain.
   ExpectItems({{u"[not(@a = 1)]", u"2 4"}, {u"[@a = 1 or @b = 2]", u"1"}, {u"[(@a = 1) or (@b = 2)]", u"1 3"},
                {u"[@a != 1]", u"2 4"}, {u"[missing != 1]", u""}});
@@ -61,17 +62,16 @@ TEST_F(Filter, EmptyValuesAndExistentialComparisons) {
                {u"[v != \"x\"]", u"1"},  // item 1 has a "y"; item 2's "X" equals "x" here
                {u"[v = v]", u"1 2"},
                {u"[v = (\"q\", \"y\")]", u""}});  // a sequence compares as its joined text
-}
 
-TEST_F(Filter, NumbersAgainstTextsAndTextsAgainstTexts) {
+  // Numbers against texts and texts against texts.
   ExpectItems({{u"[@a = 5]", u"2"},  // "5.0" reads as a float
                {u"[@a > 9]", u"4"},  // numerically, not as text
                {u"[@a = \"5\"]", u""},  // two texts compare as texts
                {u"[@a > @b]", u""},  // "10" < "9" as text
                {u"[@a &gt;= 5.0]", u"2 4"}, {u"[@b <> 2]", u"4"},
                {u"[v = \"X\"]", u"1 2"}});  // default collation ignores case
-  EXPECT_EQ(Items(u"[v = \"X\"]", {soCaseSensitive}), u"2");
-  EXPECT_EQ(Items(u"[v < \"Y\"]", {soCaseSensitive}), u"1 2");
+  EXPECT_EQ((std::tuple{Items(u"[v = \"X\"]", {soCaseSensitive}), Items(u"[v < \"Y\"]", {soCaseSensitive})}),
+            std::tuple(u"2", u"1 2"));
   EXPECT_THROW(Items(u"[v = 1]"), EVariantError);  // a text without number against a number
 }
 
@@ -86,40 +86,31 @@ TEST(FilterCompare, CompareValuesDispatchesByKind) {
   EXPECT_TRUE(cmp(Int64(1) << 60, (Int64(1) << 60) + 1, opSmaller).AsBoolean());  // no float rounding
 }
 
-TEST_F(Filter, ParserMessages) {
+TEST_F(Filter, ParserMessagesPathsAndFunctionsInsideFiltersNesting) {
   auto filter = [&](std::u16string_view AFilter) { return [this, AFilter] { Items(AFilter); }; };
-  ExpectError<Exception>(filter(u"[a b]"), Format(cVnFilterInvalid, {u"[a b]"}));
-  ExpectError<Exception>(filter(u"[1 = 1]"), Format(cVnFilterInvalid, {u"[1 = 1]"}));
-  ExpectError<Exception>(filter(u"[a)]"), Format(cVnFilterInvalid, {u"[a)]"}));
-  ExpectError<EVnDomSyntax>(filter(u"[@a == 1]"), Format(cVnFilterInvalidCompare, {u"[@a == 1]", u"=="}));
-  ExpectError<EVnDomSyntax>(filter(u"[@a =< 1]"), Format(cVnFilterInvalidCompare, {u"[@a =< 1]", u"=<"}));
-  ExpectError<EVnDomSyntax>(filter(u"[]"), cVnFilterStatementInvalid);
-  ExpectError<EVnDomSyntax>(filter(u"[@a = ]"), cVnFilterStatementInvalid);
+  for (const char16_t* text : {u"[a b]", u"[1 = 1]", u"[a)]"})
+    ExpectError<Exception>(filter(text), Format(cVnFilterInvalid, {text}));
+  for (const auto& [text, op] : {std::pair{u"[@a == 1]", u"=="}, {u"[@a =< 1]", u"=<"}})
+    ExpectError<EVnDomSyntax>(filter(text), Format(cVnFilterInvalidCompare, {text, op}));
+  for (const char16_t* text : {u"[]", u"[@a = ]", u"[@a = (1 ,2)]"})
+    ExpectError<EVnDomSyntax>(filter(text), cVnFilterStatementInvalid);
   ExpectError<EVnDomSyntax>(filter(u"[@a = 1.2.3]"), cVnFilterNumberExpected);
-  ExpectError<EVnDomSyntax>(filter(u"[@a = (1 ,2)]"), cVnFilterStatementInvalid);
   ExpectItems({{u"[@a = (1, 2)]", u""},
                {u"[-5]", u""},  // a sign is no part of a literal: a name
                {u"['1']", u""},  // nor is the apostrophe a quote
                {u"[fn:last()]", u"4"}});
   ExpectError<EVnDomSyntax>(filter(u"[nosuchfunction(1)]"), Format(detail::cFnUnsupportedFunction, {u"nosuchfunction"}));
-}
 
-TEST_F(Filter, PathsWithFiltersInsideFilters) {
-  ExpectItems({{u"[v[1]]", u"1"}, {u"[../i[3]]", u"1 2 3 4"}});
+  ExpectItems({{u"[v[1]]", u"1"}, {u"[../i[3]]", u"1 2 3 4"}, {u"[contains(@a, \".\")][0]", u"2"},
+               {u"[contains(v, \"x\")]", u"2"},  // several v give an array, which is no text
+               {u"[string-length(@a) = 3]", u"2"}});
   // A slash behind a nested "]" separates steps: "notes = 1]" becomes a step that matches nothing.
   EXPECT_EQ(Items(u"[../i[3]/notes = 1]"), u"");
   EXPECT_EQ(Sel(FDoc->GetRootNode(), u"i[v[@x]]"), u"");
   // A "]" inside a string literal ends the filter early.
   EXPECT_THROW(Items(u"[v = \"a]b\"]"), EVnDomSyntax);
-}
 
-TEST_F(Filter, FunctionsFromTheLibraryTakePartInFilters) {
-  ExpectItems({{u"[contains(@a, \".\")][0]", u"2"},
-               {u"[contains(v, \"x\")]", u"2"},  // several v give an array, which is no text
-               {u"[string-length(@a) = 3]", u"2"}});
-}
-
-TEST_F(Filter, NestingIsBoundedAndLongChainsWork) {
+  // Nesting is bounded and long chains work.
   UnicodeString deep = u"[";
   for (int i = 0; i < 5000; ++i) deep += u"(";
   deep += u"@a]";

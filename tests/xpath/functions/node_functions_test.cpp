@@ -10,7 +10,7 @@
 namespace vn::testing {
 namespace {
 
-TEST_F(FunctionTest, NodeFunctionValues) {
+TEST_F(FunctionTest, NodeFunctionValuesAndTheirNodeArguments) {
   ExpectShown({
       {u"text()", "bool true"}, {u"node-name()", "str item"}, {u"node-name(p:g)", "str p:g"},
       {u"node-name(@a)", "str a"}, {u"string(@a)", "str 1"}, {u"string(7)", "str 7"}, {u"data(@b)", "str x"},
@@ -26,12 +26,10 @@ TEST_F(FunctionTest, NodeFunctionValues) {
   EXPECT_EQ(Show(EvalOn(FDoc.GetRootNode()->FindAttribute(u"xmlns:p"), u"node-name()")), "str p");
   // An element without namespace falls back to the document's URI.
   FDoc.SetDocumentURI(u"file:///data/doc.xml");
-  EXPECT_EQ(ShowEval(u"base-uri()"), "str file:///data/doc.xml");
-  EXPECT_EQ(ShowEval(u"base-uri(p:g)"), "str urn:p");
-  EXPECT_EQ(ShowEval(u"document-uri(p:g)"), "str file:///data/doc.xml");
-}
+  ExpectShown({{u"base-uri()", "str file:///data/doc.xml"}, {u"base-uri(p:g)", "str urn:p"},
+               {u"document-uri(p:g)", "str file:///data/doc.xml"}});
 
-TEST_F(FunctionTest, NodeArgumentMustBeOneNode) {
+  // A node argument must be one node.
   using namespace detail;
   const std::tuple<const char16_t*, const char16_t*, const char16_t*, const char16_t*> cases[] = {
       {u"node-name(missing)", cFnCodeNoContext, cFnNodeMayNotBeNil, u"fn:node-name(node)"},
@@ -46,10 +44,8 @@ TEST_F(FunctionTest, NodeArgumentMustBeOneNode) {
   ExpectSyntaxErrors({{u"node-name(a, b)", cFnNodeNameArity}, {u"nilled(a, b)", cFnNilledArity},
                       {u"string(a, b)", cFnStringArity}, {u"data(a, b)", cFnDataArity},
                       {u"base-uri(a, b)", cFnBaseUriArity}, {u"document-uri(a, b)", cFnDocumentUriArity}});
-}
 
-// string() refuses a sequence or an array while the filter is parsed.
-TEST_F(FunctionTest, StringRefusesListsAtParseTime) {
+  // string() refuses a sequence or an array while the filter is parsed.
   TVnXPathEquation equation(soQualifiedName, FDoc.GetCollation());
   using F = std::pair<const char16_t*, UnicodeString>;
   for (const auto& [expr, failure] : {F(u"string( (1, 2))", UnicodeString(u"XPTY0004: ") + detail::cFnStringNoSequence),
@@ -59,9 +55,9 @@ TEST_F(FunctionTest, StringRefusesListsAtParseTime) {
   }
 }
 
-TEST_F(FunctionTest, ErrorRaisesWithCodeMessageAndObject) {
-  ExpectXPathError(u"error()", u"FOER0000", u"An exception was raised");
-  ExpectXPathError(uR"(error("MY01"))", u"MY01", u"An exception was raised");
+TEST_F(FunctionTest, ErrorRaisesTraceLogsToTheXPathLogger) {
+  for (const auto& [expr, code] : {std::pair{u"error()", u"FOER0000"}, {uR"(error("MY01"))", u"MY01"}})
+    ExpectXPathError(expr, code, u"An exception was raised");
   ExpectXPathError(uR"(error("MY01", "boom"))", u"MY01", u"boom");
   try {
     Eval(uR"(error("MY01", "boom", @b))");
@@ -70,15 +66,13 @@ TEST_F(FunctionTest, ErrorRaisesWithCodeMessageAndObject) {
     EXPECT_EQ(UnicodeToUtf8(e.GetErrorObject()), "x");
   }
   ExpectError<EVnDomSyntax>(u"error(1, 2, 3, 4)", detail::cFnErrorArity);
-}
 
-TEST_F(FunctionTest, TraceLogsToTheXPathLoggerAndGivesItsValue) {
+  // trace() logs to the XPath logger and gives its value.
   std::vector<std::string> lines;
   Logger::SetSink([&](TVnLogLevel, std::u16string_view AName, std::u16string_view AMessage) {
     lines.push_back(UnicodeToUtf8(AName) + ": " + UnicodeToUtf8(AMessage));
   });
-  EXPECT_EQ(ShowEval(uR"(trace(@b, "b is"))"), "str x");
-  EXPECT_EQ(ShowEval(uR"(trace(5, ""))"), "int 5");
+  ExpectShown({{uR"(trace(@b, "b is"))", "str x"}, {uR"(trace(5, ""))", "int 5"}});
   Logger::SetSink({});
   EXPECT_EQ(lines, (std::vector<std::string>{"XPath: b is; value=x", "XPath: 5"}));
   ExpectError<EVnDomSyntax>(u"trace(1)", detail::cFnTraceArity);

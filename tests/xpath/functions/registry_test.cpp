@@ -5,11 +5,12 @@
 #include "xpath/fn_messages.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace vn::testing {
 namespace {
 
-TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
+TEST(XPathRegistries, HoldFunctionsInOrderAndFindCollationsByExactURI) {
   std::vector<UnicodeString> names = RegisteredXPathFunctions();
   ASSERT_GE(names.size(), 66u);
   // The filter reads these four itself; they are no registry entries.
@@ -18,11 +19,11 @@ TEST(XPathFunctionRegistry, HoldsTheLibrarysFunctionsInOrder) {
   std::vector<UnicodeString> sorted(names.begin(), names.begin() + 66);
   std::sort(sorted.begin(), sorted.end());
   EXPECT_EQ(std::adjacent_find(sorted.begin(), sorted.end()), sorted.end());
-}
 
-TEST(XPathCollationRegistry, FindsCollationsByExactURI) {
-  EXPECT_EQ(VnFindXPathCollation(cVnXPathCollationASCIICIURI), TVnXPathCollationASCIICI::Class());
-  EXPECT_EQ(VnFindXPathCollation(cVnXPathCollationCodepointURI), TVnXPathCollationCodepoint::Class());
+  // Collations are found by their exact URI.
+  EXPECT_EQ((std::tuple{VnFindXPathCollation(cVnXPathCollationASCIICIURI),
+                        VnFindXPathCollation(cVnXPathCollationCodepointURI)}),
+            std::tuple(TVnXPathCollationASCIICI::Class(), TVnXPathCollationCodepoint::Class()));
   EXPECT_EQ(UnicodeToUtf8(test::MessageOf<EVnDomSyntax>(
                 [] { VnFindXPathCollation(u"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint"); })),
             "The collation \"HTTP://www.w3.org/2005/xpath-functions/collation/codepoint\" is not supported!");
@@ -46,17 +47,14 @@ class TestFnShadow : public TVnXPathFunction {
   Variant Value(const TVnDOMObjectList&, Integer) override { return u"shadow"; }
 };
 
-TEST_F(FunctionTest, HostsRegisterFunctionsAndNamesAreExact) {
+TEST_F(FunctionTest, HostsRegisterFunctionsNamesAreExactNestingIsBounded) {
   RegisterXPathFunction(u"test-arg-count", &TVnXPathFunctionTerm::Create<TestFnArgCount>);
   RegisterXPathFunction(u"upper-case", &TVnXPathFunctionTerm::Create<TestFnShadow>);
-  EXPECT_EQ(ShowEval(uR"(test-arg-count(1, "a", b))"), "int 3");
-  EXPECT_EQ(ShowEval(uR"(upper-case("a"))"), "str A");
-  ExpectError<EVnDomSyntax>(u"ABS(1)", Format(detail::cFnUnsupportedFunction, {u"ABS"}));
-  ExpectError<EVnDomSyntax>(u"no-such(1)", Format(detail::cFnUnsupportedFunction, {u"no-such"}));
-}
+  ExpectShown({{uR"(test-arg-count(1, "a", b))", "int 3"}, {uR"(upper-case("a"))", "str A"}});
+  for (const char16_t* name : {u"ABS", u"no-such"})
+    ExpectError<EVnDomSyntax>(UnicodeString(name) + u"(1)", Format(detail::cFnUnsupportedFunction, {name}));
 
-// Calls nest through their parameters; hostile nesting ends in an error, not in a stack overflow.
-TEST_F(FunctionTest, DeepNestingIsRefused) {
+  // Calls nest through their parameters; hostile nesting ends in an error, not in a stack overflow.
   UnicodeString call;
   for (int i = 0; i < 5000; ++i) call += u"abs(";
   call += u"1" + UnicodeString(5000, u')');
@@ -79,27 +77,20 @@ class FunctionsInFilters : public FunctionTest {
   }
 };
 
-TEST_F(FunctionsInFilters, SelectThroughFunctions) {
-  EXPECT_EQ(Names(uR"(i[contains(@n, "AN")])"), "banana");
-  EXPECT_EQ(Names(uR"(i[round(number(@p)) = 2])"), "Apple");
-  EXPECT_EQ(Names(uR"(i[string-length(@n) > 5])"), "banana,Cherry");
-  EXPECT_EQ(Names(uR"(i[months-from-duration(@d) < 0])"), "Cherry");
-  EXPECT_EQ(Names(uR"(i[matches(@n, "^[A-Z]")])"), "Apple,Cherry");  // a bracket inside the filter
-  EXPECT_EQ(Names(uR"(i[position() = 2 or upper-case(@n) = "APPLE"])"), "Apple,banana");
-  EXPECT_EQ(Names(uR"(i[contains(@n, "an")][0])"), "banana");
-  // Functions without a result leave the candidate out.
-  EXPECT_EQ(Names(uR"(i[adjust-date-to-timezone("2020-01-01")])"), "");
-}
-
-TEST_F(FunctionsInFilters, CaseSensitiveDocumentsChangeContains) {
+TEST_F(FunctionsInFilters, SelectThroughFunctionsOrFail) {
+  const std::pair<const char16_t*, const char*> cases[] = {
+      {uR"(i[contains(@n, "AN")])", "banana"}, {uR"(i[round(number(@p)) = 2])", "Apple"},
+      {uR"(i[string-length(@n) > 5])", "banana,Cherry"}, {uR"(i[months-from-duration(@d) < 0])", "Cherry"},
+      {uR"(i[matches(@n, "^[A-Z]")])", "Apple,Cherry"},  // a bracket inside the filter
+      {uR"(i[position() = 2 or upper-case(@n) = "APPLE"])", "Apple,banana"},
+      {uR"(i[contains(@n, "an")][0])", "banana"},
+      {uR"(i[adjust-date-to-timezone("2020-01-01")])", ""}};  // no result leaves the candidate out
+  for (const auto& [path, names] : cases) EXPECT_EQ(Names(path), names) << UnicodeToUtf8(path);
+  // A case-sensitive document changes contains.
   FDoc.SetCaseSensitive(true);
-  EXPECT_EQ(Names(uR"(i[contains(@n, "AN")])"), "");
-  EXPECT_EQ(Names(uR"(i[contains(@n, "an")])"), "banana");
-}
-
-TEST_F(FunctionsInFilters, ErrorsAbortTheSelection) {
-  EXPECT_THROW(Names(uR"(i[ABS(1)])"), EVnDomSyntax);
-  EXPECT_THROW(Names(uR"(i[round()])"), EVnDomSyntax);
+  EXPECT_EQ(Names(uR"(i[contains(@n, "AN")])") + "|" + Names(uR"(i[contains(@n, "an")])"), "|banana");
+  // Errors abort the selection.
+  for (const char16_t* path : {uR"(i[ABS(1)])", uR"(i[round()])"}) EXPECT_THROW(Names(path), EVnDomSyntax);
   EXPECT_THROW(Names(uR"(i[error()])"), EVnXPathException);
   // Arity is checked per candidate: with no candidate the fault stays hidden.
   EXPECT_EQ(Names(uR"(none[round()])"), "");

@@ -19,7 +19,7 @@ std::unique_ptr<TVnDOMDocument> Tree(int AN, bool AWide) {
   return doc;
 }
 
-TEST(PathWork, GrowsLinearlyWhereNodesAreReachedAgain) {
+TEST(PathWork, NodesReachedAgainCostLinearWorkAndKeepTheOrderOfFirstDiscovery) {
   struct Case {
     const char16_t* FPath;
     bool FWide;
@@ -52,9 +52,8 @@ TEST(PathWork, GrowsLinearlyWhereNodesAreReachedAgain) {
     // Twice the nodes, about twice the work; a power of two or more would give four times.
     EXPECT_LT(static_cast<double>(work[1]), 2.6 * static_cast<double>(work[0]));
   }
-}
 
-TEST(PathWork, NodesReachedAgainKeepTheOrderOfFirstDiscovery) {
+  // Nodes reached again keep the order of their first discovery.
   auto doc = LoadDoc(u"<r><a id='1'><a id='2'><b id='3'/></a><b id='4'/></a><a id='5'/></r>");
   for (const auto& [path, ids] : {std::pair{u"//a//b", u"4 3"}, {u"//a//a//b", u"3"}, {u"//((b))", u"4 3"},
                                   {u"//b/../../a", u"1 5 2"}, {u"//a[//b]/b", u"4 3"}, {u"//a[/r/a/b]", u"1 5 2"}})
