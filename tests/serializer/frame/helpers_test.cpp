@@ -45,8 +45,7 @@ TEST(SerializerHelpers, NearestClassAndPatternsDecide) {
       {nullptr, nullptr, nullptr}};
   for (const auto& [type, writer, reader] : cases) {
     SCOPED_TRACE(type ? UnicodeToUtf8(ClassNameOf(type)) : "nil");
-    EXPECT_EQ(WriterOf(type), writer);
-    EXPECT_EQ(ReaderOf(type), reader);
+    EXPECT_EQ(std::tuple(WriterOf(type), ReaderOf(type)), std::tuple(writer, reader));
   }
 
   // The same class and writer again completes the pair; a different reader then is a fault.
@@ -61,8 +60,8 @@ TEST(SerializerHelpers, NearestClassAndPatternsDecide) {
   EXPECT_THROW(VnRegisterSerializerHelper(TPuppy::StaticClass(), TAnimalReader::StaticClass(), nullptr),
                EAssertionFailed);
   EXPECT_THROW(VnRegisterSerializerHelper(u"TCage<T>", nullptr, TDogWriter::StaticClass()), EAssertionFailed);
-  EXPECT_EQ(WriterOf(TPuppy::StaticClass()), TDogWriter::StaticClass());
-  EXPECT_EQ(ReaderOf(TDogCage::StaticClass()), TCageReader::StaticClass());
+  EXPECT_EQ(std::tuple(WriterOf(TPuppy::StaticClass()), ReaderOf(TDogCage::StaticClass())),
+            std::tuple(TDogWriter::StaticClass(), TCageReader::StaticClass()));
 }
 
 }  // namespace
