@@ -159,9 +159,7 @@ inline void Fill(TAll& A, int AVariant) {
 inline void ExpectSameAddress(const TAddress* A, const TAddress* B) {
   ASSERT_EQ(A == nullptr, B == nullptr);
   if (!A) return;
-  EXPECT_EQ(A->ClassType(), B->ClassType());
-  EXPECT_EQ(A->City, B->City);
-  EXPECT_EQ(A->Zip, B->Zip);
+  EXPECT_EQ(std::tuple(A->ClassType(), A->City, A->Zip), std::tuple(B->ClassType(), B->City, B->Zip));
   if (auto* box = CastObject<TPostBox>(const_cast<TAddress*>(A))) {
     EXPECT_EQ(box->Box, static_cast<const TPostBox*>(B)->Box);
   }
@@ -186,15 +184,14 @@ inline void ExpectSame(const TAll& A, const TAll& B) {
                     &TAll::Ansi, &TAll::Markup, &TAll::Kind, &TAll::Color, &TAll::Colors, &TAll::When, &TAll::Day,
                     &TAll::Clock, &TAll::Point, &TAll::Numbers, &TAll::Words, &TAll::Triple, &TAll::Points,
                     &TAll::Grid);
-  EXPECT_EQ(A.Money.Raw(), B.Money.Raw());
-  EXPECT_EQ(A.Any.VarType(), B.Any.VarType());
-  EXPECT_EQ(VarToStr(A.Any), VarToStr(B.Any));
-  EXPECT_EQ(A.Boxed.ToString(), B.Boxed.ToString());
-  EXPECT_EQ(A.Boxed.TypeInfo(), B.Boxed.TypeInfo());
+  const auto rest = [](const TAll& AOne) {
+    return std::tuple(AOne.Money.Raw(), AOne.Any.VarType(), VarToStr(AOne.Any), AOne.Boxed.ToString(),
+                      AOne.Boxed.TypeInfo(), AOne.Notes->GetText());
+  };
+  EXPECT_EQ(rest(A), rest(B));
   for (TAddress* TAll::*place : {&TAll::Home, &TAll::Other, &TAll::Missing}) ExpectSameAddress(A.*place, B.*place);
   ASSERT_EQ(A.Places.size(), B.Places.size());
   for (size_t i = 0; i < A.Places.size(); ++i) ExpectSameAddress(A.Places[i], B.Places[i]);
-  EXPECT_EQ(A.Notes->GetText(), B.Notes->GetText());
 }
 
 }  // namespace serialdomain

@@ -73,8 +73,7 @@ TEST(ContainerReading, ListsAppendToWhatTheyHold) {
   Read(dsfJSON, basket, R"({"ints":["4",5.0],"items":[{"className":"TItem","sku":"new"}]})");
   EXPECT_EQ(basket.Ints->Values, (std::vector<Integer>{1, 2, 3, 4, 5}));
   ASSERT_EQ(basket.Items->Count(), 3);
-  EXPECT_TRUE(basket.Items->GetItem(1)->Is<TGift>());
-  EXPECT_EQ(basket.Items->GetItem(2)->Sku, u"new");
+  EXPECT_EQ(std::tuple(basket.Items->GetItem(1)->Is<TGift>(), basket.Items->GetItem(2)->Sku), std::tuple(true, u"new"));
 }
 
 TEST(ContainerReading, AWrapperConvertsTheTextStraightFirst) {

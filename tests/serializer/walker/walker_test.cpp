@@ -79,8 +79,7 @@ TEST(Walker, CyclesEndAndSharedObjectsAreWrittenTwice) {
   serialdomain::TAddress shared;
   shared.City = u"S";
   child->PeerA = child->PeerB = &shared;
-  const std::string text = Bare(&root);
-  EXPECT_EQ(text,
+  EXPECT_EQ(Bare(&root),
             "<object><Next><Next/><PeerA><City>S</City><Zip>0</Zip></PeerA>"
             "<PeerB><City>S</City><Zip>0</Zip></PeerB><Part></Part></Next>"
             "<Back/><PeerA/><PeerB/><Part></Part></object>");
