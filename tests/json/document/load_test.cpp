@@ -57,14 +57,10 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
       }
       TVnJSONDocument fast;
       THandlerRoadDocument slow;
-      Outcome a = Load(fast, bytes, codePage);
-      Outcome b = Load(slow, bytes, codePage);
-      EXPECT_EQ(a.Tree, b.Tree);
-      EXPECT_EQ(a.Failure, b.Failure);
+      const Outcome a = Load(fast, bytes, codePage), b = Load(slow, bytes, codePage);
       // and a load over an existing root behaves alike too
-      Outcome again = Load(fast, bytes, codePage);
-      Outcome againSlow = Load(slow, bytes, codePage);
-      EXPECT_EQ(again.Tree, againSlow.Tree);
+      const Outcome again = Load(fast, bytes, codePage), againSlow = Load(slow, bytes, codePage);
+      EXPECT_EQ(std::tuple(a.Tree, a.Failure, again.Tree), std::tuple(b.Tree, b.Failure, againSlow.Tree));
     }
   }
 }
@@ -91,8 +87,8 @@ TEST(JsonLoad, HandlerRules) {
   };
   for (const Case& c : cases) {
     TVnJSONDocument d;
-    EXPECT_EQ(test::MessageOf([&] { d.SetAsJSON(c.Input); }), c.Failure);
-    EXPECT_EQ(d.GetAsJSON(), c.Tree);
+    const UnicodeString failure = test::MessageOf([&] { d.SetAsJSON(c.Input); });
+    EXPECT_EQ(std::tuple(failure, d.GetAsJSON()), std::tuple(c.Failure, c.Tree));
   }
 }
 
