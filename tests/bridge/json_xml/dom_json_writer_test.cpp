@@ -88,8 +88,7 @@ TEST(DomJsonWriter, ShapesNamesAttributesAndTypedValues) {
   for (const auto& [cases, typed] : {Table(kShapes, false), Table(kTypedValues, true)})
     for (const Case& c : cases) {
       const std::u16string xml = typed ? WithNs(c.Xml) : std::u16string(c.Xml);
-      EXPECT_EQ(ElementJSON(xml), c.Json) << test::U8(c.Xml);
-      EXPECT_EQ(LoadedJSON(xml), c.Json) << test::U8(c.Xml);
+      EXPECT_EQ(std::tuple(ElementJSON(xml), LoadedJSON(xml)), std::tuple(c.Json, c.Json)) << test::U8(c.Xml);
     }
 }
 
@@ -120,8 +119,8 @@ TEST(DomJsonWriter, FormattedAndDocumentForms) {
   // A node form: an attribute alone, and a text node, which writes nothing.
   TVnDOMElement* a = doc->GetRootNode()->FirstElement();
   a->SetAttribute(u"k", u"v");
-  EXPECT_EQ(test::U8(GetJSON(*a->FirstAttribute())), R"("a_k": "v")");
-  EXPECT_EQ(test::U8(GetJSON(*a->ChildAt(0))), "");
+  EXPECT_EQ(std::tuple(test::U8(GetJSON(*a->FirstAttribute())), test::U8(GetJSON(*a->ChildAt(0)))),
+            std::tuple(R"("a_k": "v")", ""));
   // The serializable face of a node gives the element's JSON in UTF-8.
   EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr),
             R"({"r": {"a": "1", "a_k": "v"}})");
