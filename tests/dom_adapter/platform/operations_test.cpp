@@ -66,21 +66,16 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
 
 TEST(PlatformDOM, ImplementationFeaturesAndNewDocuments) {
   IPtr<IDOMImplementation> impl = GetDOM(cVnDomVendorName);
-  struct Feature {
-    const char16_t *Name, *Version;
-    WordBool Has;
-  } features[] = {{u"XML", u"2.0", -1}, {u"xml", u"1.0", -1}, {u"xml", u"3.0", 0}};
-  for (const Feature& f : features)
-    EXPECT_EQ(impl->hasFeature(f.Name, f.Version), f.Has) << U8(f.Name) << U8(f.Version);
+  const std::tuple<const char16_t*, const char16_t*, WordBool> features[] = {
+      {u"XML", u"2.0", -1}, {u"xml", u"1.0", -1}, {u"xml", u"3.0", 0}};
+  for (const auto& [name, version, has] : features)
+    EXPECT_EQ(impl->hasFeature(name, version), has) << U8(name) << U8(version);
 
-  struct NewDoc {
-    const char16_t *URI, *Name;
-    const char* XML;
-  } docs[] = {{u"u", u" ", ""}, {u"u", u"a", "<a xmlns=\"u\" />"}};
-  for (const NewDoc& d : docs) {
-    IPtr<IDOMDocument> doc = impl->createDocument(d.URI, d.Name, nullptr);
-    EXPECT_EQ(XML(doc), d.XML) << U8(d.Name);
-    EXPECT_EQ(static_cast<bool>(doc->get_documentElement()), d.XML[0] != 0);
+  const std::pair<const char16_t*, std::string> docs[] = {{u" ", ""}, {u"a", "<a xmlns=\"u\" />"}};
+  for (const auto& [name, xml] : docs) {
+    IPtr<IDOMDocument> doc = impl->createDocument(u"u", name, nullptr);
+    EXPECT_EQ(std::tuple(XML(doc), static_cast<bool>(doc->get_documentElement())), std::tuple(xml, !xml.empty()))
+        << U8(name);
   }
   IPtr<IDOMDocument> doc = impl->createDocument(u"", u"", nullptr);
   ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); },
@@ -100,8 +95,7 @@ TEST(PlatformDOM, VendorsAndFreeFunctions) {
   } other;
   RegisterDOMVendor(&other);
   RegisterDOMVendor(&other);
-  EXPECT_EQ(DOMVendors().Count(), 2);
-  EXPECT_TRUE(GetDOM(u"Other"));
+  EXPECT_EQ(std::tuple(DOMVendors().Count(), static_cast<bool>(GetDOM(u"Other"))), std::tuple(2, true));
   UnRegisterDOMVendor(&other);
   EXPECT_EQ(DOMVendors().Find(u"Other"), nullptr);
 
@@ -220,8 +214,7 @@ TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
     } catch (const Exception& e) {
       raised = U8(e.ClassName());
     }
-    EXPECT_EQ(raised, c.Class);
-    EXPECT_EQ(XML(doc), c.After) << c.Class;
+    EXPECT_EQ(std::tuple(raised, XML(doc)), std::tuple(c.Class, c.After));
   }
 }
 
