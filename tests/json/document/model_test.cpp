@@ -31,12 +31,7 @@ TEST(JsonModel, OperationsAKindLacksRaiseWithTheirWord) {
   TVnJSONBase* array = doc.GetRootValue()->FindMember(u"a")->GetValueObj();
   TVnJSONBase* simple = doc.GetRootValue()->FindMember(u"s")->GetValueObj();
   TVnJSONBase* member = doc.GetRootValue()->FindMember(u"s");
-  struct Case {
-    TVnJSONBase* Node;
-    const char16_t* Class;
-    const char16_t* Word;
-    std::function<void(TVnJSONBase&)> Call;
-  };
+  struct Case { TVnJSONBase* Node; const char16_t *Class, *Word; std::function<void(TVnJSONBase&)> Call; };
   const Case cases[] = {
       {simple, u"TVnJSONSimpleType", u"Count", [](TVnJSONBase& n) { n.Count(); }},
       {array, u"TVnJSONArray", u"FindMember", [](TVnJSONBase& n) { n.FindMember(u"x"); }},
@@ -65,8 +60,7 @@ TEST(JsonModel, OperationsAKindLacksRaiseWithTheirWord) {
     SCOPED_TRACE(UnicodeToUtf8(c.Word));
     ExpectJSONError([&] { c.Call(*c.Node); }, cVnJSONErrMethodNotSupported, NotSupportedText(c.Class, c.Word));
   }
-  EXPECT_EQ(object->GetAsObject(), object);
-  EXPECT_EQ(array->GetAsArray(), array);
+  EXPECT_EQ(std::tuple(object->GetAsObject(), array->GetAsArray()), std::tuple(object, array));
 }
 
 TEST(JsonModel, MembersFindCreateAndRaise) {

@@ -38,10 +38,7 @@ VN_REGISTER_TYPE(TColor, u"uFrame") {
 using TColors = TSet<TColor>;
 VN_REGISTER_TYPE(TColors, u"uFrame") {}
 
-struct THinted {
-  Integer Plain = 0;
-  Integer Named = 0;
-};
+struct THinted { Integer Plain = 0, Named = 0; };
 VN_REGISTER_TYPE(THinted, u"uFrame") {
   b.TypeAttr<SerializerHint>(shoDoNotSerialize)
       .Public(u"Plain", &THinted::Plain)

@@ -16,10 +16,7 @@ UnicodeString Shape(std::u16string_view APath, std::u16string_view AExpected, st
   return vn::Format(cVnJSONShapeMismatch, {APath, AExpected, AFound});
 }
 
-struct TBox {
-  TValue Inner;
-  TPet* Pet = nullptr;
-};
+struct TBox { TValue Inner; TPet* Pet = nullptr; };
 VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner).Public(u"Pet", &TBox::Pet); }
 
 struct BadText { const char* Text; UnicodeString Message; };

@@ -32,8 +32,7 @@ using TTones = TSet<TTone>;
 VN_REGISTER_TYPE(TTones, u"uJSONTest") {}
 
 struct TPoint {
-  Integer X = 0;
-  Integer Y = 0;
+  Integer X = 0, Y = 0;
   bool operator==(const TPoint&) const = default;
 };
 VN_REGISTER_TYPE(TPoint, u"uJSONTest") { b VN_TEST_PUBLIC(TPoint, X, Y); }

@@ -95,8 +95,7 @@ TEST(JSONRoundTrip, TValueNumbersKeepTheirKind) {
     EXPECT_EQ(o.Any.Kind(), kind) << text;
   }
   FromJSON(o, R"({"any":null,"v":null})");
-  EXPECT_TRUE(VarIsNull(o.Any.AsVariant()));
-  EXPECT_TRUE(VarIsNull(o.V));
+  EXPECT_TRUE(VarIsNull(o.Any.AsVariant()) && VarIsNull(o.V));
 }
 
 TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
@@ -108,9 +107,8 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   VnDeserialize(dsfJSON, TValue::FromObject(&listed), text, &created);
   ASSERT_EQ(created.GetCount(), 2) << "the cat and the document";
   ASSERT_TRUE(listed.Any.IsObject());
-  EXPECT_EQ(listed.Any.AsObject(), created.GetItem(0));
-  EXPECT_TRUE(static_cast<TCat*>(listed.Any.AsObject())->Purrs);
-  EXPECT_EQ(listed.Doc->GetAsJSON(), u"{\"className\": \"x\"}");
+  EXPECT_EQ(std::tuple(listed.Any.AsObject(), static_cast<TCat*>(listed.Any.AsObject())->Purrs, listed.Doc->GetAsJSON()),
+            std::tuple(created.GetItem(0), true, u"{\"className\": \"x\"}"));
   created.Extract(listed.Doc);
   // Given twice, the member keeps the later object; the earlier one is freed and unlisted.
   TShapes twice;
@@ -118,8 +116,8 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   VnDeserialize(dsfJSON, TValue::FromObject(&twice),
                 R"({"any":{"className":"TCat","name":"Tom"},"any":{"className":"TCat","name":"Kit"}})", &madeTwice);
   ASSERT_EQ(madeTwice.GetCount(), 1);
-  EXPECT_EQ(twice.Any.AsObject(), madeTwice.GetItem(0));
-  EXPECT_EQ(static_cast<TCat*>(twice.Any.AsObject())->Name, u"Kit");
+  EXPECT_EQ(std::tuple(twice.Any.AsObject(), static_cast<TCat*>(twice.Any.AsObject())->Name),
+            std::tuple(madeTwice.GetItem(0), u"Kit"));
   TShapes textLast;
   TObjectList madeThenText(true);
   VnDeserialize(dsfJSON, TValue::FromObject(&textLast), R"({"any":{"className":"TCat"},"any":"x"})", &madeThenText);

@@ -15,9 +15,7 @@ using namespace vn;
 
 enum TTone : uint8_t { tnSoft, tnLoud };
 VN_REGISTER_TYPE(TTone, u"uJSONValues") { b.Values({u"tnSoft", u"tnLoud"}); }
-struct TSpot {
-  Integer X = 0;
-};
+struct TSpot { Integer X = 0; };
 VN_REGISTER_TYPE(TSpot, u"uJSONValues") { b.Public(u"X", &TSpot::X); }
 
 namespace {

@@ -105,17 +105,15 @@ TEST(EventArguments, StandBareInBothNotations) {
   TRttiMethod* notify = TRttiContext::GetType(TPage::StaticClass())->GetMethod(u"Notify");
   ASSERT_NE(notify, nullptr);
   const TValue args[] = {TValue::From<Integer>(3), TValue::From<Double>(0.5)};
-  struct Case {
-    TVnDataSerializationFormatType Format;
-    const char* Expected;
-  } cases[] = {{dsfXML, "<ACount>3</ACount><ARate>0.5</ARate>"}, {dsfJSON, R"("aCount":3,"aRate":0.5)"}};
-  for (const Case& c : cases) {
-    IPtr<IVnSerializer> intf = VnCreateSerializer(c.Format, TValue::FromObject(&page));
+  const std::pair<TVnDataSerializationFormatType, const char*> cases[] = {
+      {dsfXML, "<ACount>3</ACount><ARate>0.5</ARate>"}, {dsfJSON, R"("aCount":3,"aRate":0.5)"}};
+  for (const auto& [format, expected] : cases) {
+    IPtr<IVnSerializer> intf = VnCreateSerializer(format, TValue::FromObject(&page));
     intf->SetParam(u"excludenamespaces", u"true");
     auto* s = CastObject<TVnSerializer>(VnImplementor(intf.Get()));
     TVnStringStream out(cVnCodePageUTF8);
     s->Serialize(out, *notify, u"OnNotify", args, 1);
-    EXPECT_EQ(UnicodeToUtf8(out.GetWString()), c.Expected);
+    EXPECT_EQ(UnicodeToUtf8(out.GetWString()), expected);
     EXPECT_THROW(s->Serialize(out, *notify, u"OnNotify", args, 2), Exception);
   }
 }

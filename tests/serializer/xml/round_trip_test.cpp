@@ -119,9 +119,7 @@ TEST(XMLRoundTrip, AnArrayOfNoPlatformTypeHoldsItsElementsAsVariants) {
             Format(cVnBoxedObjectUnowned, {u"[0]"}));
 }
 
-struct TBox {
-  TValue Inner;
-};
+struct TBox { TValue Inner; };
 VN_REGISTER_TYPE(TBox, u"uSerial") { b.Public(u"Inner", &TBox::Inner); }
 
 TEST(XMLRoundTrip, BoxedValuesNestOnlySoDeep) {

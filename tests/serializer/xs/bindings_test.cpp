@@ -33,9 +33,7 @@ VN_REGISTER_TYPE(TXsHolder, u"uXsTest") {
 // clang-format on
 
 /// A record of no XS type that a host wrongly gave the XS serializers.
-struct TNotXs {
-  Integer Value = 0;
-};
+struct TNotXs { Integer Value = 0; };
 VN_REGISTER_TYPE(TNotXs, u"uXsTest") { b.Public(u"Value", &TNotXs::Value); }
 class TNotXsHolder : public TObject {
   VN_DECLARE_CLASS(TNotXsHolder, TObject)
@@ -84,10 +82,7 @@ const Row kRows[] = {
      R"("span":{"className":"TVnDuration","negative":false,"monthts":1,"seconds":2.5})"},
     {"negative duration", [](TXsHolder& h) { h.Span = u"-P1D"; }, R"(>-P1D</Span>)",
      R"("span":{"className":"TVnDuration","negative":true,"monthts":0,"seconds":86400})"},
-    {"array",
-     [](TXsHolder& h) {
-       h.Counts = {TXsInteger<Integer>(1), TXsInteger<Integer>(), TXsInteger<Integer>(3)};
-     },
+    {"array", [](TXsHolder& h) { h.Counts = {TXsInteger<Integer>(1), TXsInteger<Integer>(), TXsInteger<Integer>(3)}; },
      R"(<TXsIntegerOfInt xsi:type="xsd:int">1</TXsIntegerOfInt><TXsIntegerOfInt xsi:type="xsd:int" xsi:nil="true"/>)",
      R"("counts":[1,null,3])"},
 };
