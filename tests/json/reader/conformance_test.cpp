@@ -88,12 +88,10 @@ Outcome ReadFile(const fs::path& APath, std::string& AWhat) {
   try {
     r.Reader.ParseFile(Utf8ToUnicode(APath.string()), fmOpenRead, u"");
     return Outcome::Accepted;
-  } catch (const EVnJSONException&) {
-    return Outcome::Refused;
-  } catch (const EVnTextParserEOF&) {
-    return Outcome::Refused;
   } catch (const Exception& e) {
-    if (e.Message() == _cVnJSONEncodingNotSupported) return Outcome::Refused;
+    if (dynamic_cast<const EVnJSONException*>(&e) || dynamic_cast<const EVnTextParserEOF*>(&e) ||
+        e.Message() == _cVnJSONEncodingNotSupported)
+      return Outcome::Refused;
     AWhat = UnicodeToUtf8(e.Message());
   } catch (const std::exception& e) {
     AWhat = e.what();

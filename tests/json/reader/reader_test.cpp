@@ -144,8 +144,8 @@ TEST(JsonReader, LocatorAndHandlerChecks) {
   reader.SetErrorHandler(IPtr<IVnJSONErrorHandler>(&thrower));
   EXPECT_THROW(reader.Parse(u"[\n\n  {\"ab\":1}]"), EConvertError);
   // column 7: the member's closing quote
-  EXPECT_EQ(std::tuple(thrower.Line, thrower.Col, thrower.FatalMessage), std::tuple(3, 7, u"boom"));
-  EXPECT_EQ(reader.GetParser(), nullptr);
+  EXPECT_EQ(std::tuple(thrower.Line, thrower.Col, thrower.FatalMessage, reader.GetParser()),
+            std::tuple(3, 7, u"boom", nullptr));
 }
 
 // Depth costs no call stack: a million levels of arrays, objects, or both alternating.
