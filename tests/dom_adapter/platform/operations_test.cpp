@@ -191,17 +191,16 @@ TEST(PlatformDOM, LookupsAndRefusals) {
 
 TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
   using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
-  const char* unchanged = "<r a=\"1\">t<e /></r>";
-  struct Case { Edit Call; const char* Class; const char* After; } cases[] = {
-      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast", unchanged},
-      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest",
-       unchanged},
-      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest", unchanged},
-      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", unchanged},
-      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed", unchanged},
-      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", unchanged},
+  // After: the tree afterwards, as it was unless given
+  struct Case { Edit Call; const char* Class; const char* After = "<r a=\"1\">t<e /></r>"; } cases[] = {
+      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast"},
+      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest"},
+      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest"},
+      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest"},
+      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed"},
+      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError"},
       // A node without children has no first child: the list's First refuses.
-      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", unchanged},
+      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound"},
       // The old root goes before the new one fails the cast.
       {[](auto d, auto) { d->set_documentElement(nullptr); }, "EInvalidCast", ""},
   };

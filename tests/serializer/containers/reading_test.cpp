@@ -13,33 +13,33 @@ using namespace containersdomain;
 
 TEST(ContainerReading, EveryKindComesBackInBothNotations) {
   const std::tuple<const char*, bool, std::function<void(TBasket&)>> cases[] = {
-      {"object list with a descendant, platform list, empty list", true, [](TBasket& b) {
+      {"object list with a descendant, platform list, empty list", true, [](auto& b) {
          (b.Items = new TItemList())->Add(new TItem(u"a<1>", 2));
          b.Items->Add(new TGift());
          (b.Plain = new TObjectList())->Add(new TGift());
        }},
-      {"empty object list", true, [](TBasket& b) { b.Items = new TItemList(); }},
-      {"numbers at their limits", true, [](TBasket& b) {
+      {"empty object list", true, [](auto& b) { b.Items = new TItemList(); }},
+      {"numbers at their limits", true, [](auto& b) {
          (b.Ints = new TIntList())->Values = {-2147483647 - 1, 0};
          (b.Int64s = new TInt64List())->Values = {9007199254740993LL};
          (b.Floats = new TFloatList())->Values = {-0.125, 1e300};
        }},
-      {"texts with escapes and an empty one, booleans, a string list", true, [](TBasket& b) {
+      {"texts with escapes and an empty one, booleans, a string list", true, [](auto& b) {
          (b.Texts = new TTextList())->Values = {u"\"<&>\u00e9\r\n", u""};
          (b.Flags = new TFlagList())->Values = {true, false};
          (b.Lines = new TStringList())->Add(u"l&1");
        }},
-      {"simple wrappers", true, [](TBasket& b) {
+      {"simple wrappers", true, [](auto& b) {
          (b.Price = new TMoney())->Amount = 0.5;
          (b.Tone = new TToneBox())->Tone = toHigh;
        }},
-      {"nil elements keep their places", true, [](TBasket& b) {
+      {"nil elements keep their places", true, [](auto& b) {
          (b.Items = new TItemList())->Add(nullptr);
          b.Items->Add(new TItem(u"n", 1));
          b.Items->Add(nullptr);
        }},
       // JSON writes enumerations as objects, which a value list passes over.
-      {"enumerations", false, [](TBasket& b) { (b.Tones = new TToneList())->Values = {toMid}; }},
+      {"enumerations", false, [](auto& b) { (b.Tones = new TToneList())->Values = {toMid}; }},
   };
   for (const auto& [name, json, fill] : cases) {
     for (TVnDataSerializationFormatType format : {dsfXML, dsfJSON}) {
