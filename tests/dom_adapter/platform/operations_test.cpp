@@ -27,6 +27,8 @@ IPtr<IDOMDocument> Load(std::u16string_view AXML) {
 }
 std::string XML(const IPtr<IDOMNode>& ANode) { return U8(ANode.As<IDOMNodeEx>()->get_xml()); }
 
+using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
+
 template <class I>
 bool Answers(const IPtr<IDOMNode>& ANode) {
   return static_cast<bool>(ANode.As<I>());
@@ -131,11 +133,7 @@ TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
 }
 
 TEST(PlatformDOM, ChildEditsAndSiblings) {
-  struct Case {
-    const char16_t* Start;
-    std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)> Edit;
-    const char* Expected;
-  } cases[] = {
+  struct Case { const char16_t* Start; Edit Call; const char* Expected; } cases[] = {
       {u"<r><a/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
        "<r><n /></r>"},
       {u"<r a=\"1\"/>", [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
@@ -154,7 +152,7 @@ TEST(PlatformDOM, ChildEditsAndSiblings) {
   };
   for (const Case& c : cases) {
     IPtr<IDOMDocument> doc = Load(c.Start);
-    c.Edit(doc, doc->get_documentElement());
+    c.Call(doc, doc->get_documentElement());
     EXPECT_EQ(XML(doc), c.Expected) << U8(c.Start);
   }
   // An element's attributes stand first among its children.
@@ -190,7 +188,6 @@ TEST(PlatformDOM, LookupsAndRefusals) {
 }
 
 TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
-  using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
   // After: the tree afterwards, as it was unless given
   struct Case { Edit Call; const char* Class; const char* After = "<r a=\"1\">t<e /></r>"; } cases[] = {
       {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast"},

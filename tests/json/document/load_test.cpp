@@ -26,10 +26,9 @@ Outcome Load(TVnJSONDocument& ADoc, std::string_view ABytes, Word ACodePage) {
   try {
     TVnStringStream stream(ABytes, ACodePage);
     ADoc.LoadFromStream(stream, ACodePage, false);
-  } catch (const EVnException& e) {
-    out.Failure = e.ClassName() + u" " + IntToStr(e.GetCode()) + u" " + e.Message();
   } catch (const Exception& e) {
-    out.Failure = e.ClassName() + u" " + e.Message();
+    const auto* coded = dynamic_cast<const EVnException*>(&e);
+    out.Failure = e.ClassName() + u" " + (coded ? IntToStr(coded->GetCode()) + u" " : u"") + e.Message();
   }
   out.Tree = ADoc.GetAsJSON();
   // UTF-8 output has a direct road for loaded UTF-8 strings; it must write what UTF-16 does
