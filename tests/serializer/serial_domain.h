@@ -97,8 +97,7 @@ class TAll : public TObject {
 VN_REGISTER_TYPE(TAll, u"uSerial") {
   b.Published(u"Title", &TAll::GetTitle, &TAll::SetTitle)
       VN_TEST_PUBLIC(TAll, I32, U32, I8, I16, U8, U16, I64, U64, F32, F64, F80, Money, Flag, Letter, Text, Ansi, Markup,
-                     Kind, Color, Colors, When).OfType(u"TDateTime")
-      .Public(u"Day", &TAll::Day).OfType(u"TDate")
+                     Kind, Color, Colors, When).OfType(u"TDateTime").Public(u"Day", &TAll::Day).OfType(u"TDate")
       .Public(u"Clock", &TAll::Clock).OfType(u"TTime")
       VN_TEST_PUBLIC(TAll, Any, Boxed, Point, Home, Other, Missing, Numbers, Words, Triple, Points, Places, Grid, Notes)
       .Public(u"Hidden", &TAll::Hidden).Attr<SerializerHint>(shoDoNotSerialize);

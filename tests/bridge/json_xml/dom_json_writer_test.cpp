@@ -122,8 +122,7 @@ TEST(DomJsonWriter, FormattedAndDocumentForms) {
   EXPECT_EQ(std::tuple(test::U8(GetJSON(*a->FirstAttribute())), test::U8(GetJSON(*a->ChildAt(0)))),
             std::tuple(R"("a_k": "v")", ""));
   // The serializable face of a node gives the element's JSON in UTF-8.
-  EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr),
-            R"({"r": {"a": "1", "a_k": "v"}})");
+  EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr), R"({"r": {"a": "1", "a_k": "v"}})");
 }
 
 // Every code page escapes alike: JSON escapes what Latin-1 lacks and drops U+0001..U+0007, and

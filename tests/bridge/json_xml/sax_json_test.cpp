@@ -106,8 +106,7 @@ TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
   // The handler checks come before the parse, unheard.
   Traced t;  // outlives the reader, which holds it
   TVnSAXJSONReader reader;
-  test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); },
-                                       _cVnJSONNoContentHandler);
+  test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); }, _cVnJSONNoContentHandler);
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(&t.Parser));
   test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); }, _cVnJSONNoErrorHandler);
   EXPECT_EQ(t.Trace, "");

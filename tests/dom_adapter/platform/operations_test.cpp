@@ -79,8 +79,7 @@ TEST(PlatformDOM, ImplementationFeaturesAndNewDocuments) {
         << U8(name);
   }
   IPtr<IDOMDocument> doc = impl->createDocument(u"", u"", nullptr);
-  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); },
-                                   cVnDomNoDoctype);
+  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); }, cVnDomNoDoctype);
   ExpectRaises<EVnDomNotSupported>([&] { impl->createDocumentType(u"a", u"", u""); }, cVnDomNotImplemented);
   ExpectRaises<EVnDomNotSupported>([&] { doc->createDocumentFragment(); }, cVnDomNoFragments);
   ExpectRaises<EVnDomNotSupported>([&] { doc->createEntityReference(u"e"); }, cVnDomNoEntityRefs);

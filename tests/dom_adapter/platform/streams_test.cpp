@@ -58,8 +58,7 @@ TEST(PlatformDOMStreams, ComponentAndLibraryStreams) {
   TTestStream shortRead;
   shortRead.Data = "<b/>";
   shortRead.Short = true;
-  ExpectRaises<EVnDomException>([&] { persist->loadFromStream(IPtr<IStream>(&shortRead)); },
-                                cVnDomStreamIncomplete);
+  ExpectRaises<EVnDomException>([&] { persist->loadFromStream(IPtr<IStream>(&shortRead)); }, cVnDomStreamIncomplete);
 
   // A library stream is read as UTF-8 and written in the document's encoding.
   TVnStringStream utf8("<c>\xC3\xA9</c>", 65001);

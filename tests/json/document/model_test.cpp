@@ -68,8 +68,7 @@ TEST(JsonModel, MembersFindCreateAndRaise) {
   object.AddMember(u"a", Variant(1));
   object.AddMember(u"a", Variant(2));  // names need not be unique; the first wins
   EXPECT_EQ(std::tuple(object.FindMember(u"a")->GetAsInteger(), object.FindMember(u"A", true)->GetAsInteger(),
-                       object.FindMember(u"A", false), object.GetMember(u"b")),
-            std::tuple(1, 1, nullptr, nullptr));
+                       object.FindMember(u"A", false), object.GetMember(u"b")), std::tuple(1, 1, nullptr, nullptr));
   ExpectJSONError([&] { object.GetMember(u"b", {jsoRaise}); }, cVnJSONErrNoMember, Format(_cVnJSONNoMember, {u"b"}));
   TVnJSONMember* created = object.GetMember(u"b", {jsoCreate, jsoRaise});
   ASSERT_NE(created, nullptr);

@@ -58,8 +58,7 @@ TEST(JsonPathFilter, TermsBuiltByHand) {
             std::tuple(false, true, false));
   TVnBoolExpression negation;
   negation.SetValue(new TVnExpressionValueNot(&negation));
-  test::ExpectFailure([&] { negation.Evaluate(list, 0); }, -1, UnicodeString(cVnJSONFilterNotNeedsChild),
-                      u"Exception");
+  test::ExpectFailure([&] { negation.Evaluate(list, 0); }, -1, UnicodeString(cVnJSONFilterNotNeedsChild), u"Exception");
   negation.AddFirstChild()->SetValue(new TVnExpressionValueExists(nullptr, u"@.b"));
   EXPECT_EQ(std::tuple(negation.Evaluate(list, 0), negation.Evaluate(list, 2)), std::tuple(true, false));
 }

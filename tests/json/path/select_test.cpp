@@ -43,8 +43,7 @@ TEST(JsonPathSelect, StartsOptionsAndForms) {
   ASSERT_NE(bicycle, nullptr);
   // "$" is the document's root from anywhere; a member stands for its value.
   EXPECT_EQ(std::tuple(Sel(*bicycle, u"@.price"), Sel(*bicycle, u"$.list[0]"),
-                       Sel(*doc.GetRootValue()->FindMember(u"x"), u"@['0']")),
-            std::tuple("20", "10", "\"m\""));
+                       Sel(*doc.GetRootValue()->FindMember(u"x"), u"@['0']")), std::tuple("20", "10", "\"m\""));
   EXPECT_EQ(std::tuple(Sel(doc, u"$.STORE.Bicycle.PRICE"), Sel(doc, u"$.STORE.Bicycle.PRICE", {jsoCaseInsensitive})),
             std::tuple("", "20"));
 
@@ -57,8 +56,7 @@ TEST(JsonPathSelect, StartsOptionsAndForms) {
   // The forms: first node, raise flag, interface; a result owns none of its nodes.
   EXPECT_EQ(std::tuple(doc.SelectSingleNode(u"$.list[*]")->GetAsInteger(),
                        doc.SelectSingleNode(u"$.nope | $.list[1]", false)->GetAsInteger(),
-                       doc.CreateNodeList(u"$.list[1:]", true)->Count()),
-            std::tuple(10, 11, 3));
+                       doc.CreateNodeList(u"$.list[1:]", true)->Count()), std::tuple(10, 11, 3));
   {
     IPtr<IVnJSONArray> list = doc.SelectIntf(u"$..title", {});
     ASSERT_EQ(list->Count(), 4);

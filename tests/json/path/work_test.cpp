@@ -48,8 +48,7 @@ TEST(JsonPathWork, DeepTreesLongPathsAndDeepFiltersUseNoCallStack) {
   UnicodeString path = u"$";
   for (int i = 0; i < kDepth; ++i) path += u".x";
   EXPECT_EQ(std::tuple(doc.CreateNodeList(u"$..x")->Count(), doc.SelectSingleNode(path)->GetAsInteger(),
-                       doc.CreateNodeList(u"$..x[?(@.x)]")->Count()),
-            std::tuple(kDepth, 1, kDepth - 2));
+                       doc.CreateNodeList(u"$..x[?(@.x)]")->Count()), std::tuple(kDepth, 1, kDepth - 2));
   // The nesting the library reads, at its limit.
   UnicodeString filter = u"$[?(";
   for (int i = 1; i < cVnJSONPathMaxNesting; ++i) filter += u"(";

@@ -90,8 +90,7 @@ Outcome ReadFile(const fs::path& APath, std::string& AWhat) {
     return Outcome::Accepted;
   } catch (const Exception& e) {
     if (dynamic_cast<const EVnJSONException*>(&e) || dynamic_cast<const EVnTextParserEOF*>(&e) ||
-        e.Message() == _cVnJSONEncodingNotSupported)
-      return Outcome::Refused;
+        e.Message() == _cVnJSONEncodingNotSupported) return Outcome::Refused;
     AWhat = UnicodeToUtf8(e.Message());
   } catch (const std::exception& e) {
     AWhat = e.what();

@@ -70,8 +70,7 @@ TEST(JsonStorage, OpenedNodesKeepIdentityAndTakeEdits) {
   EXPECT_EQ(root->ChildCount(), 2);  // counted from the records, nothing opened
   TVnJSONBase* a = root->FindMember(u"a")->GetValueObj();
   EXPECT_EQ(std::tuple(root->Child(0)->GetValueObj(), a->Item(1), static_cast<TVnJSONObject*>(root)->GetLastMember(),
-                       a->Item(1)->GetOwner()),
-            std::tuple(a, a->Child(1), root->Child(1), a));
+                       a->Item(1)->GetOwner()), std::tuple(a, a->Child(1), root->Child(1), a));
   a->Item(1)->FindMember(u"b")->SetAsInteger(3);
   a->AddValue(jdtString, u"new");
   root->AddMember(u"e", jdtNull);

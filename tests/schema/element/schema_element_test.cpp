@@ -182,8 +182,7 @@ TEST(SchemaElement, ClearAndAssignKeepTheTable) {
   to.Schema.FSubElements.Add(new TTestSchema(to.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
   to.Schema.Assign(&from.Schema);
   EXPECT_EQ(std::tuple(to.XML(), to.Schema.FArrayElements.Count() + to.Schema.FSubElements.Count(),
-                       to.Schema.GetIntValue(0)),
-            std::tuple("<r><a>1</a></r>", 0, 1));
+                       to.Schema.GetIntValue(0)), std::tuple("<r><a>1</a></r>", 0, 1));
   to.Schema.Clear();
   EXPECT_EQ(to.XML(), "<r />");
   TVnObjectEx plain;

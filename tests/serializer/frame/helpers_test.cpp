@@ -53,8 +53,7 @@ TEST(SerializerHelpers, NearestClassAndPatternsDecide) {
   EXPECT_EQ(ReaderOf(TPuppy::StaticClass()), TAnimalReader::StaticClass());
   EXPECT_EQ(MessageOf([] {
               VnRegisterSerializerHelper(TDog::StaticClass(), TDogWriter::StaticClass(), TCageReader::StaticClass());
-            }),
-            cVnInvalidHelperCombination);
+            }), cVnInvalidHelperCombination);
   EXPECT_EQ(ReaderOf(TPuppy::StaticClass()), TAnimalReader::StaticClass());
   // Helpers of the wrong base are refused before anything is stored.
   EXPECT_THROW(VnRegisterSerializerHelper(TPuppy::StaticClass(), TAnimalReader::StaticClass(), nullptr),

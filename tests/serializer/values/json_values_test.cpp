@@ -37,8 +37,7 @@ TEST(JSONValues, EnumerationsAndComplexKinds) {
   EXPECT_EQ(std::tuple(VnJSONToVal(u"tnLoud", TypeInfoOf<TTone>()).AsOrdinal(),
                       VnJSONToVal(u"0", u"uJSONValues.TTone").AsOrdinal()), std::tuple(Int64(1), Int64(0)));
   for (const char16_t* bad : {u"tnQuiet", u"2"})
-    EXPECT_EQ(MessageOf([&] { VnJSONToVal(bad, TypeInfoOf<TTone>()); }),
-              Format(cVnJSONToValueFailed, {bad, u"TTone"}));
+    EXPECT_EQ(MessageOf([&] { VnJSONToVal(bad, TypeInfoOf<TTone>()); }), Format(cVnJSONToValueFailed, {bad, u"TTone"}));
   EXPECT_EQ(MessageOf([] { VnJSONToVal(u"{}", TypeInfoOf<TSpot>()); }),
             Format(cVnJSONToValueUnsupported, {u"{}", u"TSpot"}));
   EXPECT_EQ(MessageOf([] { VnJSONToVal(u"1", u"TNoSuchType"); }),

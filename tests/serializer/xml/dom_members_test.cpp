@@ -51,10 +51,9 @@ TEST(XMLDOMMembers, DocumentsAndElementsStandInTheirElementAndReadBack) {
   page.Part->SetInnerXML(u"<p>t</p>");
   page.After = 3;
   const std::string text = Plain(&page);
-  EXPECT_EQ(text,
-            "<object><Doc><r a=\"1 &amp; 2\"><c>x &lt; y</c><![CDATA[<z>]]><e /></r></Doc>"
-            "<Docs><TVnDOMDocument><one /></TVnDOMDocument><TVnDOMDocument></TVnDOMDocument></Docs>"
-            "<Part><part k=\"v&quot;w\"><p>t</p></part></Part><After>3</After></object>");
+  EXPECT_EQ(text, "<object><Doc><r a=\"1 &amp; 2\"><c>x &lt; y</c><![CDATA[<z>]]><e /></r></Doc>"
+                  "<Docs><TVnDOMDocument><one /></TVnDOMDocument><TVnDOMDocument></TVnDOMDocument></Docs>"
+                  "<Part><part k=\"v&quot;w\"><p>t</p></part></Part><After>3</After></object>");
   // Read into a page whose element has another name and content, and whose documents are nil.
   TPage copy;
   copy.Part->SetQualifiedName(u"old");

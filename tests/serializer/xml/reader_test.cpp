@@ -47,8 +47,7 @@ TEST(XMLReader, MembersFromElementsAndRootAttributes) {
                  "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"/><Kind>2</Kind><Color>Blue</Color>"
                  "<Colors>[Red,Green]</Colors><Text>a&amp;b</Text><Markup><b>x</b></Markup><Notes><item>n</item>"
                  "<item></item></Notes><Numbers><int>4</int><int>5</int></Numbers><Grid><a><int>1</int></a></Grid>",
-                 "I32=\"42\" Unknown=\"1\" Title=\"T\""),
-            "<no exception>");
+                 "I32=\"42\" Unknown=\"1\" Title=\"T\""), "<no exception>");
   EXPECT_EQ(all.Home, home) << "an assigned member is filled in place";
   ASSERT_NE(CastObject<TPostBox>(all.Other), nullptr);
   EXPECT_EQ(std::tuple(all.I32, all.GetTitle(), all.Home->City, static_cast<TPostBox*>(all.Other)->Box, all.Missing),

@@ -115,8 +115,7 @@ TEST(XMLRoundTrip, AnArrayOfNoPlatformTypeHoldsItsElementsAsVariants) {
   EXPECT_EQ(test::MessageOf([&] {
               VnDeserialize(dsfXML, TValue::FromObject(&objects), head + "ArrayOfTPostBox\"><TPostBox/></Boxed></object>",
                             &created);
-            }),
-            Format(cVnBoxedObjectUnowned, {u"[0]"}));
+            }), Format(cVnBoxedObjectUnowned, {u"[0]"}));
 }
 
 struct TBox { TValue Inner; };

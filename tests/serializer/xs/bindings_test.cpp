@@ -118,8 +118,7 @@ TEST(XsBindings, EmptyXMLLeavesTheMemberAndJSONNullClearsIt) {
   TXsHolder holder;
   holder.Amount = 7;
   holder.Text = u"kept";
-  Read(
-      dsfXML, holder,
+  Read(dsfXML, holder,
       R"(<object><Amount/><Text xsi:nil="true" xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"/></object>)");
   EXPECT_EQ(std::tuple(Integer(holder.Amount), UnicodeString(holder.Text)), std::tuple(7, u"kept"));
   // An empty string is an empty element, and so reads back as no change.
@@ -153,10 +152,9 @@ TEST(XsBindings, BadTextAndForeignTypesFailClearly) {
   EXPECT_THROW(Read(dsfJSON, holder, R"({"amount":[1]})"), EVnSerializeException);
   EXPECT_EQ(Integer(holder.Amount), 1);
   for (TVnDataSerializationFormatType format : {dsfXML, dsfJSON}) {
-    VnRegisterSerializer(
-        format, TypeInfoOf<TNotXs>(),
-        format == dsfXML ? TVnXMLXsSerializer::StaticClass() : TVnJSONXsSerializer::StaticClass(),
-        format == dsfXML ? TVnXMLXsDeserializer::StaticClass() : TVnJSONXsDeserializer::StaticClass());
+    VnRegisterSerializer(format, TypeInfoOf<TNotXs>(),
+                         format == dsfXML ? TVnXMLXsSerializer::StaticClass() : TVnJSONXsSerializer::StaticClass(),
+                         format == dsfXML ? TVnXMLXsDeserializer::StaticClass() : TVnJSONXsDeserializer::StaticClass());
     TNotXsHolder foreign;
     EXPECT_EQ(test::MessageOf([&] { VnSerialize(format, &foreign); }), cVnXsNotAnXsType);
   }

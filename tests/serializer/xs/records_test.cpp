@@ -67,10 +67,8 @@ TEST(XsRecords, IntegerFacetsInOrder) {
   };
   for (const auto& c : cases) {
     TXsInteger<Int64> x;
-    if (c.F)
-      x.Restrictions.*c.F = c.Bound;
-    else
-      x.Restrictions.Pattern = u"^[0-9]{2}$";
+    if (c.F) x.Restrictions.*c.F = c.Bound;
+    else x.Restrictions.Pattern = u"^[0-9]{2}$";
     EXPECT_EQ(MessageOf([&] { x = c.Value; }), c.Message ? c.Message : u"(nothing raised)") << c.Value;
   }
   // Unsigned kinds compare unsigned: 2^63 is above 10, not below 1.
@@ -93,11 +91,9 @@ TEST(XsRecords, ArithmeticWrapsAtTheWidthOfT) {
   const Int64 min = std::numeric_limits<Int64>::min();
   EXPECT_EQ(std::tuple(Int64(TXsInteger<Int64>(std::numeric_limits<Int64>::max()) + 1),
                        Int64(TXsInteger<Int64>(min).Div(-1)), Int64(TXsInteger<Int64>(min) % -1),
-                       Int64(-TXsInteger<Int64>(min))),
-            std::tuple(min, min, 0, min));
+                       Int64(-TXsInteger<Int64>(min))), std::tuple(min, min, 0, min));
   EXPECT_EQ(std::tuple(UInt64(TXsInteger<UInt64>(~UInt64(0)) * 2), Integer(TXsInteger<Integer>(-7) % 2),
-                       Word(((TXsInteger<Word>(0xF0F1) & 0xFF) | 0x100) ^ 0x1)),
-            std::tuple(~UInt64(0) - 1, -1, 0x1F0));
+                       Word(((TXsInteger<Word>(0xF0F1) & 0xFF) | 0x100) ^ 0x1)), std::tuple(~UInt64(0) - 1, -1, 0x1F0));
   EXPECT_EQ((TXsInteger<Integer>(5) / 2).AsExtended(), 2.5L);
   EXPECT_THROW(TXsInteger<Integer>(5).Div(0), EDivByZero);
   EXPECT_THROW(TXsInteger<Cardinal>(5) % 0, EDivByZero);
