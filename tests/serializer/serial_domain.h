@@ -50,9 +50,7 @@ class TPostBox : public TAddress {
 VN_REGISTER_TYPE(TPostBox, u"uSerial") { b.Public(u"Box", &TPostBox::Box); }
 
 /// Registered, but no address: a text naming it for an address member must fail.
-class TStranger : public TObject {
-  VN_DECLARE_CLASS(TStranger, TObject)
-};
+class TStranger : public TObject { VN_DECLARE_CLASS(TStranger, TObject) };
 VN_REGISTER_TYPE(TStranger, u"uSerial") {}
 
 /// A chain of any length; freed without recursion.

@@ -39,9 +39,7 @@ class TRecorder : public TVnCustomSerializer, public IVnSerializer, public IVnDe
   static inline TObject *Owner = nullptr, *Parent = nullptr;
 };
 
-class TEcho : public TObject {
-  VN_DECLARE_CLASS(TEcho, TObject)
-};
+class TEcho : public TObject { VN_DECLARE_CLASS(TEcho, TObject) };
 
 /// Tells from another thread whether the object's critical section is taken.
 template <class T>
