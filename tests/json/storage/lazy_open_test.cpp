@@ -57,7 +57,8 @@ TEST(JsonStorage, OutputIsTheSameWhateverWasOpened) {
       for (bool formatted : {false, true})
         for (Word out : {cVnCodePageUTF8, cVnCodePageUTF16LE, Word{1252}}) {
           const auto saved = [&](TVnJSONDocument& ADoc) { return testing_support::SaveJSON(ADoc, formatted, out); };
-          EXPECT_EQ(std::tuple(saved(lazy), saved(half)), std::tuple(saved(open), saved(open))) << formatted << " " << out;
+          EXPECT_EQ(std::tuple(saved(lazy), saved(half)), std::tuple(saved(open), saved(open)))
+              << formatted << " " << out;
         }
       EXPECT_EQ(lazy.GetRootValue()->GetAsJSON(), open.GetRootValue()->GetAsJSON());
     }

@@ -107,7 +107,8 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   VnDeserialize(dsfJSON, TValue::FromObject(&listed), text, &created);
   ASSERT_EQ(created.GetCount(), 2) << "the cat and the document";
   ASSERT_TRUE(listed.Any.IsObject());
-  EXPECT_EQ(std::tuple(listed.Any.AsObject(), static_cast<TCat*>(listed.Any.AsObject())->Purrs, listed.Doc->GetAsJSON()),
+  EXPECT_EQ(std::tuple(listed.Any.AsObject(), static_cast<TCat*>(listed.Any.AsObject())->Purrs,
+                       listed.Doc->GetAsJSON()),
             std::tuple(created.GetItem(0), true, u"{\"className\": \"x\"}"));
   created.Extract(listed.Doc);
   // Given twice, the member keeps the later object; the earlier one is freed and unlisted.

@@ -98,8 +98,9 @@ TEST(Walker, ParametersAndRootShapes) {
   serialdomain::TAll all;
   serialdomain::Fill(all, 0);
   const std::string simple = Bare(&all, u"excludechildren");
-  EXPECT_EQ(std::tuple(simple.find("<City>"), simple.find("<Point>")), std::tuple(std::string::npos, std::string::npos));
+  EXPECT_EQ(simple.find("<City>"), std::string::npos);
   EXPECT_NE(simple.find("<Places><TAddress></TAddress><TAddress></TAddress></Places>"), std::string::npos);
+  EXPECT_EQ(simple.find("<Point>"), std::string::npos);
   EXPECT_EQ(Bare(all.Home, u"excluderoot"), "<City>Rome</City><Zip>100</Zip>");
 
   struct Case { TValue Value; const char* Text; } cases[] = {
