@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "vnxml/common/currency.h"
@@ -37,15 +38,17 @@ VN_REGISTER_TYPE(TPoint, u"uSerial") { b VN_TEST_PUBLIC(TPoint, X, Y, Label); }
 class TAddress : public TObject {
   VN_DECLARE_CLASS(TAddress, TObject)
  public:
+  explicit TAddress(UnicodeString ACity = {}, Integer AZip = 0) : City(std::move(ACity)), Zip(AZip) {}
   UnicodeString City;
-  Integer Zip = 0;
+  Integer Zip;
 };
 VN_REGISTER_TYPE(TAddress, u"uSerial") { b VN_TEST_PUBLIC(TAddress, City, Zip); }
 
 class TPostBox : public TAddress {
   VN_DECLARE_CLASS(TPostBox, TAddress)
  public:
-  Integer Box = 0;
+  explicit TPostBox(UnicodeString ACity = {}, Integer ABox = 0) : TAddress(std::move(ACity)), Box(ABox) {}
+  Integer Box;
 };
 VN_REGISTER_TYPE(TPostBox, u"uSerial") { b.Public(u"Box", &TPostBox::Box); }
 
@@ -132,22 +135,13 @@ inline void Fill(TAll& A, int AVariant) {
   A.Any = edge ? Variant(UnicodeString(u"text")) : Variant(Integer(17));
   A.Boxed = TValue::From<Integer>(edge ? -5 : 8);
   A.Point = TPoint{edge ? -1 : 3, 4, AVariant == 2 ? u"<&>" : u"p"};
-  A.Home = new TAddress();
-  A.Home->City = AVariant == 2 ? u"S\u00e3o & Paulo" : u"Rome";
-  A.Home->Zip = 100;
-  auto* box = new TPostBox();
-  box->City = u"Oslo";
-  box->Box = 12;
-  A.Other = box;
+  A.Home = new TAddress(AVariant == 2 ? u"S\u00e3o & Paulo" : u"Rome", 100);
+  A.Other = new TPostBox(u"Oslo", 12);
   A.Numbers = edge ? std::vector<Integer>{} : std::vector<Integer>{1, 2, 3};
   A.Words = {u"alpha", AVariant == 2 ? u"<b>" : u"beta", u""};
   A.Triple = {7, 8, 9};
   A.Points = {TPoint{1, 2, u"a"}, TPoint{3, 4, u"b"}};
-  for (int i = 0; i < (edge ? 1 : 2); ++i) {
-    auto* place = new TAddress();
-    place->City = u"P" + UnicodeString(1, static_cast<char16_t>(u'0' + i));
-    A.Places.push_back(place);
-  }
+  for (int i = 0; i < (edge ? 1 : 2); ++i) A.Places.push_back(new TAddress(i ? u"P1" : u"P0"));
   A.Grid = {{1, 2}, {}, {3}};
   A.Notes->Add(u"first");
   A.Notes->Add(AVariant == 2 ? u"a&b<c>" : u"second");

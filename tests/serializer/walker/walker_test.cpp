@@ -73,8 +73,7 @@ TEST(Walker, CyclesEndAndSharedObjectsAreWrittenTwice) {
   auto* child = new TNode();
   root.Next = child;
   child->Back = &root;  // back to the grandparent's level: left out
-  serialdomain::TAddress shared;
-  shared.City = u"S";
+  serialdomain::TAddress shared(u"S");
   child->PeerA = child->PeerB = &shared;
   EXPECT_EQ(Bare(&root), "<object><Next><Next/><PeerA><City>S</City><Zip>0</Zip></PeerA>"
                          "<PeerB><City>S</City><Zip>0</Zip></PeerB><Part></Part></Next>"
@@ -113,8 +112,7 @@ TEST(Walker, ParametersAndRootShapes) {
 }
 
 TEST(Walker, NamespacesAndNilFollowTheParameters) {
-  serialdomain::TAddress address;
-  address.City = u"Rome";
+  serialdomain::TAddress address(u"Rome");
   EXPECT_EQ(test::SerializeWith(dsfXML, TValue::FromObject(&address), {{u"xmlns", u"urn:demo"}, {u"xsi-prefix", u"i"}}),
             "<object xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\" "
             "i:type=\"xsd:TAddress\" xmlns=\"urn:demo\"><City i:type=\"xsd:string\">Rome</City>"

@@ -125,9 +125,7 @@ TEST(XMLReader, CreatedObjectsGoToTheListAndTheMembers) {
 }
 
 TEST(XMLReader, CreateFromTheClassTheTextNames) {
-  TPostBox box;
-  box.City = u"Bergen";
-  box.Box = 3;
+  TPostBox box(u"Bergen", 3);
   std::unique_ptr<TObject> made = VnCreateFrom(dsfXML, VnSerialize(dsfXML, &box));
   ASSERT_NE(made, nullptr);
   EXPECT_EQ(VnSerialize(dsfXML, made.get()), VnSerialize(dsfXML, &box));  // its type mark names the class

@@ -44,8 +44,7 @@ TEST(XMLRoundTrip, DocumentsAndElementsAreTheirOwnText) {
 }
 
 TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
-  auto* home = new TAddress();
-  home->City = u"Rome";
+  auto* home = new TAddress(u"Rome");
   const std::unique_ptr<TAddress> owned(home);
   const std::pair<const char*, TValue> cases[] = {
       {"enumeration", TValue::From(kStaff)},
