@@ -16,11 +16,6 @@ namespace {
 // Fragment: what the text must hold
 struct Shape { const char* Name; std::function<void(TShapes&)> Set; const char* Fragment; };
 
-TPet* NewPet(TPet* APet, const char16_t* AName) {
-  APet->Name = AName;
-  return APet;
-}
-
 const Shape kShapes[] = {
     {"byte", [](TShapes& o) { o.B = 255; }, R"("b":255)"},
     {"word", [](TShapes& o) { o.W = 65535; }, R"("w":65535)"},
@@ -54,12 +49,12 @@ const Shape kShapes[] = {
     {"array of enumerations", [](TShapes& o) { o.ToneList = {toMid}; }, R"("toneList":[{"className":"TTone","asString":"toMid","asInt":1}])"},
     {"record", [](TShapes& o) { o.Point = {3, -4}; }, R"("point":{"className":"TPoint","x":3,"y":-4})"},
     {"array of records", [](TShapes& o) { o.Points = {{1, 2}, {3, 4}}; }, R"("points":[{"className":"TPoint","x":1,"y":2},{"className":"TPoint","x":3,"y":4}])"},
-    {"object of the declared class", [](TShapes& o) { o.Pet = NewPet(new TPet, u"Rex"); }, R"("pet":{"className":"TPet","name":"Rex","legs":4,"friend":{}})"},
-    {"object of a subclass", [](TShapes& o) { o.Pet = NewPet(new TCat, u"Tom"); }, R"("pet":{"className":"TCat","purrs":false,"name":"Tom")"},
-    {"array of objects", [](TShapes& o) { o.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")}; }, R"("pets":[{"className":"TPet","name":"a","legs":4,"friend":{}},{"className":"TCat")"},
+    {"object of the declared class", [](TShapes& o) { o.Pet = new TPet(u"Rex"); }, R"("pet":{"className":"TPet","name":"Rex","legs":4,"friend":{}})"},
+    {"object of a subclass", [](TShapes& o) { o.Pet = new TCat(u"Tom"); }, R"("pet":{"className":"TCat","purrs":false,"name":"Tom")"},
+    {"array of objects", [](TShapes& o) { o.Pets = {new TPet(u"a"), new TCat(u"b")}; }, R"("pets":[{"className":"TPet","name":"a","legs":4,"friend":{}},{"className":"TCat")"},
     // created objects have the class the text names
     {"object and array of objects",
-     [](TShapes& o) { o.Pet = NewPet(new TCat, u"Tom"); o.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")}; },
+     [](TShapes& o) { o.Pet = new TCat(u"Tom"); o.Pets = {new TPet(u"a"), new TCat(u"b")}; },
      R"("pet":{"className":"TCat")"},
     {"string list", [](TShapes& o) { o.Notes->Add(u"a"); o.Notes->Add(u"b\n"); }, R"("notes":{"className":"StringList","items":["a","b\n"]})"},
     {"stream", [](TShapes& o) { o.Data->WriteBuffer("\0\1\xff", 3); }, R"("data":{"className":"TMemoryStream","data":"AAH/"})"},
