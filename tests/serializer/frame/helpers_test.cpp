@@ -43,10 +43,9 @@ TEST(SerializerHelpers, NearestClassAndPatternsDecide) {
       {TDogCage::StaticClass(), TCageWriter::StaticClass(), TCageReader::StaticClass()},
       {TStone::StaticClass(), nullptr, nullptr},
       {nullptr, nullptr, nullptr}};
-  for (const auto& [type, writer, reader] : cases) {
-    SCOPED_TRACE(type ? UnicodeToUtf8(ClassNameOf(type)) : "nil");
-    EXPECT_EQ(std::tuple(WriterOf(type), ReaderOf(type)), std::tuple(writer, reader));
-  }
+  for (const auto& [type, writer, reader] : cases)
+    EXPECT_EQ(std::tuple(WriterOf(type), ReaderOf(type)), std::tuple(writer, reader))
+        << (type ? UnicodeToUtf8(ClassNameOf(type)) : "nil");
 
   // The same class and writer again completes the pair; a different reader then is a fault.
   VnRegisterSerializerHelper(TDog::StaticClass(), TDogWriter::StaticClass(), TAnimalReader::StaticClass());
