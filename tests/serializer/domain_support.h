@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -32,17 +33,13 @@ inline std::string SerializeWith(TVnDataSerializationFormatType AFormat, const T
 }
 
 /// Deletes owned members in the order given: objects, and the objects of lists.
-template <class T>
-void DeleteOwned(T* AObject) {
-  delete AObject;
-}
-template <class T>
-void DeleteOwned(const std::vector<T*>& AObjects) {
-  for (T* object : AObjects) delete object;
-}
 template <class... T>
 void DeleteAll(const T&... AMembers) {
-  (DeleteOwned(AMembers), ...);
+  const auto deleteOwned = []<class M>(const M& AMember) {
+    if constexpr (std::is_pointer_v<M>) delete AMember;
+    else for (auto* object : AMember) delete object;
+  };
+  (deleteOwned(AMembers), ...);
 }
 
 /// Deletes the chain AHead starts, link by link: a long chain must not recurse in destructors.

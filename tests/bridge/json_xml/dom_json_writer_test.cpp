@@ -29,15 +29,21 @@ std::string ElementJSON(std::u16string_view AXml, bool AFormatted = false) {
   return test::U8(GetJSON(*doc->GetRootNode(), AFormatted));
 }
 
+/// The bytes SaveToJSONStream writes for ANode to a stream of ACodePage; AArgs follow the stream.
+template <class N, class... A>
+std::string Saved(N& ANode, Word ACodePage, A... AArgs) {
+  TVnStringStream out(ACodePage);
+  SaveToJSONStream(ANode, out, AArgs...);
+  return std::string(out.GetBytesView());
+}
+
 /// The same from a tree loaded from UTF-8 bytes to UTF-8 output, which takes its own road.
 std::string LoadedJSON(std::u16string_view AXml) {
   const std::string bytes = test::U8(AXml);
   TVnMemoryStream in(bytes.data(), Int64(bytes.size()));
   TVnDOMDocument doc;
   doc.LoadFromStream(in);
-  TVnStringStream out(cVnCodePageUTF8);
-  SaveToJSONStream(*doc.GetRootNode(), out, cVnCodePageUTF8, false);
-  return std::string(out.GetBytesView());
+  return Saved(*doc.GetRootNode(), cVnCodePageUTF8, cVnCodePageUTF8, false);
 }
 
 struct Case { const char16_t* Xml; const char* Json; };
@@ -88,8 +94,7 @@ TEST(DomJsonWriter, ShapesNamesAttributesAndTypedValues) {
   for (const auto& [cases, typed] : {Table(kShapes, false), Table(kTypedValues, true)})
     for (const Case& c : cases) {
       const std::u16string xml = typed ? WithNs(c.Xml) : std::u16string(c.Xml);
-      EXPECT_EQ(ElementJSON(xml), c.Json) << test::U8(c.Xml);
-      EXPECT_EQ(LoadedJSON(xml), c.Json) << test::U8(c.Xml);
+      EXPECT_EQ(std::tuple(ElementJSON(xml), LoadedJSON(xml)), std::tuple(c.Json, c.Json)) << test::U8(c.Xml);
     }
 }
 
@@ -112,19 +117,16 @@ TEST(DomJsonWriter, FormattedAndDocumentForms) {
   auto doc = TVnDOMDocument::FromXML(u"<?xml version=\"1.0\"?><!--c--><r><a>1</a></r>");
   for (const bool formatted : {false, true})
     for (const bool bom : {false, true}) {
-      TVnStringStream stream(cVnCodePageUTF8);
-      SaveToJSONStream(*doc, stream, formatted, bom);
       const std::string body = formatted ? "  \"r\": {\r\n    \"a\": \"1\"\r\n  }" : R"("r": {"a": "1"})";
-      EXPECT_EQ(stream.GetAString(), (bom ? std::string(cVnUTF8) : "") + body);
+      EXPECT_EQ(Saved(*doc, cVnCodePageUTF8, formatted, bom), (bom ? std::string(cVnUTF8) : "") + body);
     }
   // A node form: an attribute alone, and a text node, which writes nothing.
   TVnDOMElement* a = doc->GetRootNode()->FirstElement();
   a->SetAttribute(u"k", u"v");
-  EXPECT_EQ(test::U8(GetJSON(*a->FirstAttribute())), R"("a_k": "v")");
-  EXPECT_EQ(test::U8(GetJSON(*a->ChildAt(0))), "");
+  EXPECT_EQ(std::tuple(test::U8(GetJSON(*a->FirstAttribute())), test::U8(GetJSON(*a->ChildAt(0)))),
+            std::tuple(R"("a_k": "v")", ""));
   // The serializable face of a node gives the element's JSON in UTF-8.
-  EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr),
-            R"({"r": {"a": "1", "a_k": "v"}})");
+  EXPECT_EQ(doc->GetRootNode()->As<IVnSerializable>()->Serialize(dsfJSON, nullptr), R"({"r": {"a": "1", "a_k": "v"}})");
 }
 
 // Every code page escapes alike: JSON escapes what Latin-1 lacks and drops U+0001..U+0007, and
@@ -142,21 +144,18 @@ TEST(DomJsonWriter, CodePagesEscapeAlike) {
   TVnMemoryStream in(bytes.data(), Int64(bytes.size()));
   TVnDOMDocument loaded;
   loaded.LoadFromStream(in);
-  TVnStringStream utf8(cVnCodePageUTF8);
-  SaveToJSONStream(*loaded.GetRootNode(), utf8, cVnCodePageUTF8, false);
-  EXPECT_EQ(utf8.GetBytesView(), test::U8(GetJSON(*loaded.GetRootNode())));
-  EXPECT_EQ(Utf8ToUnicode(utf8.GetBytesView()),
+  const std::string utf8 = Saved(*loaded.GetRootNode(), cVnCodePageUTF8, cVnCodePageUTF8, false);
+  EXPECT_EQ(utf8, test::U8(GetJSON(*loaded.GetRootNode())));
+  EXPECT_EQ(Utf8ToUnicode(utf8),
             u"{\"r\": {\"r_a\": \"x\\/\u00e9\",\"b\": \"plain text long enough, \\\"q\\\" \\\\ \\/ \\t\u00ff\\u20AC\\uD83D\\uDE00\",\"c\": \"<&\u00e9\"}}");
   std::string latin1;  // every unit of the output is below U+0100
   for (const char16_t c : wide) latin1 += static_cast<char>(c);
-  for (const Word page : {Word(1252), cVnCodePageUTF8, cVnCodePageUTF16LE}) {
-    TVnStringStream stream(page);
-    SaveToJSONStream(*doc->GetRootNode(), stream, page, false);
-    EXPECT_EQ(stream.GetBytesView(), page == 1252               ? latin1
-                                     : page == cVnCodePageUTF8 ? test::U8(wide)
-                                                               : std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2))
+  for (const Word page : {Word(1252), cVnCodePageUTF8, cVnCodePageUTF16LE})
+    EXPECT_EQ(Saved(*doc->GetRootNode(), page, page, false),
+              page == 1252 ? latin1
+              : page == cVnCodePageUTF8 ? test::U8(wide)
+                                        : std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2))
         << page;
-  }
 }
 
 // Width costs no quadratic work: a hundred thousand siblings of distinct names beside as many

@@ -54,8 +54,7 @@ TEST(JsonDomLoad, EveryRoadBuildsTheSameTree) {
     streamed.LoadFromStream(stream);
     auto fragment = TVnDOMDocument::FromXML(u"<r/>");
     fragment->GetRootNode()->SetInnerXML(Utf8ToUnicode(json));
-    for (TVnDOMNode* doc : {&plain, &heard, &wide, &streamed})
-      EXPECT_EQ(XmlOf(*doc), c.Xml) << c.Json;
+    for (TVnDOMNode* doc : {&plain, &heard, &wide, &streamed}) EXPECT_EQ(XmlOf(*doc), c.Xml) << c.Json;
     EXPECT_EQ(XmlOf(*fragment), "<r>" + std::string(c.Xml) + "</r>") << c.Json;
     EXPECT_TRUE(plain.GetUseSchemaInstance());
   }
@@ -71,8 +70,7 @@ TEST(JsonDomLoad, FailuresKeepWhatWasBuilt) {
   const char* json = R"({"a":1,"b":tru})";
   TVnDOMDocument doc;
   const UnicodeString message = Format(_cVnJSONNotWellFormed, {u"e", u""});
-  test::ExpectRaises<EVnDomSyntax>([&] { doc.LoadFromAnsiXML(json); },
-                                   Format(cVnDomSyntaxAt, {1, 16, message}));
+  test::ExpectRaises<EVnDomSyntax>([&] { doc.LoadFromAnsiXML(json); }, Format(cVnDomSyntaxAt, {1, 16, message}));
   EXPECT_EQ(XmlOf(doc), R"(<object><a xsd:type="decimal">1</a></object>)");
   EXPECT_EQ(doc.GetLoadState(), lsLoaded);
 

@@ -44,19 +44,16 @@ struct Traced {
   }
 };
 
-// Error: class and code of what the parse raised, empty when nothing
-struct Outcome { std::string Trace; std::string Error; };
-
-Outcome Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
+/// The trace, and the class and code of what the parse raised (empty when nothing).
+std::tuple<std::string, std::string> Parse(std::string_view AText, Word ACodePage = cVnCodePageUTF8) {
   Traced t;
-  Outcome run;
+  std::string error;
   try {
     t.Parser.Parse(AText, ACodePage);
   } catch (const EVnException& e) {
-    run.Error = test::U8(e.ClassName()) + " " + std::to_string(e.GetCode());
+    error = test::U8(e.ClassName()) + " " + std::to_string(e.GetCode());
   }
-  run.Trace = t.Trace;
-  return run;
+  return {t.Trace, error};
 }
 
 struct Case { const char* Json; const char* Xml; };
@@ -91,20 +88,12 @@ const Case kMapping[] = {
 };
 
 TEST(SaxJsonReader, MapsJsonOntoElements) {
-  for (const Case& c : kMapping) {
-    const Outcome run = Parse(c.Json);
-    EXPECT_EQ(run.Trace, c.Xml) << c.Json;
-    EXPECT_EQ(run.Error, "") << c.Json;
-  }
+  for (const Case& c : kMapping) EXPECT_EQ(Parse(c.Json), std::tuple(c.Xml, "")) << c.Json;
 }
 
 // Failures reach FatalError with the position, then the caller; "!line:col" ends the trace.
 TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
-  const struct {
-    const char* Json;
-    const char* Trace;
-    const char* Error;
-  } kFailures[] = {
+  const struct { const char* Json; const char* Trace; const char* Error; } kFailures[] = {
       {"5", "|!1:2", "EVnJSONParseError 2"},  // no bracket at all
       {"", "|!1:1", "EVnJSONParseError 2"}, {"{} 5", "|<object>!1:4", "EVnJSONParseError 2"},
       {"{}xy{}", "|<object>!1:4", "EVnJSONParseError 2"},
@@ -113,16 +102,11 @@ TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
       {"{\"a\":\n1", R"(|<object><a xsd:type="decimal">1</a>!2:2)", "EVnTextParserEOF 0"},
       {"[[1", R"(|<array><arrayArray><array xsd:type="decimal">1</array></arrayArray>!1:4)", "EVnTextParserEOF 0"},
   };
-  for (const auto& f : kFailures) {
-    const Outcome run = Parse(f.Json);
-    EXPECT_EQ(run.Trace, f.Trace) << f.Json;
-    EXPECT_EQ(run.Error, f.Error) << f.Json;
-  }
+  for (const auto& f : kFailures) EXPECT_EQ(Parse(f.Json), std::tuple(f.Trace, f.Error)) << f.Json;
   // The handler checks come before the parse, unheard.
   Traced t;  // outlives the reader, which holds it
   TVnSAXJSONReader reader;
-  test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); },
-                                       _cVnJSONNoContentHandler);
+  test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); }, _cVnJSONNoContentHandler);
   reader.SetContentHandler(IPtr<IVnSAXContentHandler>(&t.Parser));
   test::ExpectRaises<EVnJSONException>([&] { reader.Parse(std::u16string_view(u"{}")); }, _cVnJSONNoErrorHandler);
   EXPECT_EQ(t.Trace, "");
@@ -131,11 +115,12 @@ TEST(SaxJsonReader, FailuresReportPositionThenRaise) {
 // The same events from UTF-8, UTF-16 with and without a code page, and a file with a mark.
 TEST(SaxJsonReader, ReadsEveryEncodingAlike) {
   const std::string expected = R"(|<object><a xsd:type="string">é€😀</a></object>|)";
-  EXPECT_EQ(Parse("{\"a\":\"é€😀\"}").Trace, expected);
+  EXPECT_EQ(Parse("{\"a\":\"é€😀\"}"), std::tuple(expected, ""));
   const std::u16string wide = u"{\"a\":\"é€😀\"}";
   const std::string bytes(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
-  EXPECT_EQ(Parse(bytes, cVnCodePageUTF16LE).Trace, expected);
-  EXPECT_EQ(Parse(bytes, 0).Trace, expected);  // the NUL pattern tells UTF-16
+  // With no code page, the NUL pattern tells UTF-16.
+  EXPECT_EQ(std::tuple(Parse(bytes, cVnCodePageUTF16LE), Parse(bytes, 0)),
+            std::tuple(std::tuple(expected, ""), std::tuple(expected, "")));
   const std::u16string marked = u"\uFEFF  " + wide;
   const test::TempFile file("sax_parser_utf16.json", {reinterpret_cast<const char*>(marked.data()), marked.size() * 2});
   Traced t(true);
@@ -155,8 +140,7 @@ TEST(SaxParser, FirstCharacterPicksTheReader) {
     Traced t(true);
     TVnStringStream stream{std::string(c.Json), cVnCodePageUTF8};
     test::MessageOf<EVnException>([&] { t.Parser.ParseStream(stream, cVnCodePageUTF8); });  // the trace tells
-    EXPECT_EQ(t.Trace, c.Xml) << c.Json;
-    EXPECT_EQ(t.Parser.GetReader(), nullptr);
+    EXPECT_EQ(std::tuple(t.Trace, t.Parser.GetReader()), std::tuple(c.Xml, nullptr)) << c.Json;
   }
   TVnSAXParser bare;
   bare.Parse(std::u16string_view(u"{\"a\":[1,{\"b\":null}]}"));

@@ -27,6 +27,8 @@ IPtr<IDOMDocument> Load(std::u16string_view AXML) {
 }
 std::string XML(const IPtr<IDOMNode>& ANode) { return U8(ANode.As<IDOMNodeEx>()->get_xml()); }
 
+using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
+
 template <class I>
 bool Answers(const IPtr<IDOMNode>& ANode) {
   return static_cast<bool>(ANode.As<I>());
@@ -52,8 +54,7 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
     std::string answered;
     for (const auto& [letter, answers] : kinds)
       if (answers(c.Node)) answered += letter;
-    EXPECT_EQ(answered, c.Answered) << int(c.Type);
-    EXPECT_EQ(c.Node->get_nodeType(), c.Type);
+    EXPECT_EQ(std::tuple(answered, c.Node->get_nodeType()), std::tuple(c.Answered, c.Type)) << int(c.Type);
     EXPECT_TRUE(Answers<IDOMNodeEx>(c.Node) && Answers<IDOMNodeSelect>(c.Node) && Answers<IDOMPersist>(c.Node));
   }
   // Both ways between the library's interfaces and these, to the same object.
@@ -66,25 +67,19 @@ TEST(PlatformDOM, EachKindAnswersItsInterfaces) {
 
 TEST(PlatformDOM, ImplementationFeaturesAndNewDocuments) {
   IPtr<IDOMImplementation> impl = GetDOM(cVnDomVendorName);
-  struct Feature {
-    const char16_t *Name, *Version;
-    WordBool Has;
-  } features[] = {{u"XML", u"2.0", -1}, {u"xml", u"1.0", -1}, {u"xml", u"3.0", 0}};
-  for (const Feature& f : features)
-    EXPECT_EQ(impl->hasFeature(f.Name, f.Version), f.Has) << U8(f.Name) << U8(f.Version);
+  const std::tuple<const char16_t*, const char16_t*, WordBool> features[] = {
+      {u"XML", u"2.0", -1}, {u"xml", u"1.0", -1}, {u"xml", u"3.0", 0}};
+  for (const auto& [name, version, has] : features)
+    EXPECT_EQ(impl->hasFeature(name, version), has) << U8(name) << U8(version);
 
-  struct NewDoc {
-    const char16_t *URI, *Name;
-    const char* XML;
-  } docs[] = {{u"u", u" ", ""}, {u"u", u"a", "<a xmlns=\"u\" />"}};
-  for (const NewDoc& d : docs) {
-    IPtr<IDOMDocument> doc = impl->createDocument(d.URI, d.Name, nullptr);
-    EXPECT_EQ(XML(doc), d.XML) << U8(d.Name);
-    EXPECT_EQ(static_cast<bool>(doc->get_documentElement()), d.XML[0] != 0);
+  const std::pair<const char16_t*, std::string> docs[] = {{u" ", ""}, {u"a", "<a xmlns=\"u\" />"}};
+  for (const auto& [name, xml] : docs) {
+    IPtr<IDOMDocument> doc = impl->createDocument(u"u", name, nullptr);
+    EXPECT_EQ(std::tuple(XML(doc), static_cast<bool>(doc->get_documentElement())), std::tuple(xml, !xml.empty()))
+        << U8(name);
   }
   IPtr<IDOMDocument> doc = impl->createDocument(u"", u"", nullptr);
-  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); },
-                                   cVnDomNoDoctype);
+  ExpectRaises<EVnDomNotSupported>([&] { impl->createDocument(u"", u"a", doc->get_doctype()); }, cVnDomNoDoctype);
   ExpectRaises<EVnDomNotSupported>([&] { impl->createDocumentType(u"a", u"", u""); }, cVnDomNotImplemented);
   ExpectRaises<EVnDomNotSupported>([&] { doc->createDocumentFragment(); }, cVnDomNoFragments);
   ExpectRaises<EVnDomNotSupported>([&] { doc->createEntityReference(u"e"); }, cVnDomNoEntityRefs);
@@ -100,8 +95,7 @@ TEST(PlatformDOM, VendorsAndFreeFunctions) {
   } other;
   RegisterDOMVendor(&other);
   RegisterDOMVendor(&other);
-  EXPECT_EQ(DOMVendors().Count(), 2);
-  EXPECT_TRUE(GetDOM(u"Other"));
+  EXPECT_EQ(std::tuple(DOMVendors().Count(), static_cast<bool>(GetDOM(u"Other"))), std::tuple(2, true));
   UnRegisterDOMVendor(&other);
   EXPECT_EQ(DOMVendors().Find(u"Other"), nullptr);
 
@@ -138,11 +132,7 @@ TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
 }
 
 TEST(PlatformDOM, ChildEditsAndSiblings) {
-  struct Case {
-    const char16_t* Start;
-    std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)> Edit;
-    const char* Expected;
-  } cases[] = {
+  struct Case { const char16_t* Start; Edit Call; const char* Expected; } cases[] = {
       {u"<r><a/></r>", [](auto d, auto r) { r->replaceChild(d->createElement(u"n"), r->get_firstChild()); },
        "<r><n /></r>"},
       {u"<r a=\"1\"/>", [](auto d, auto r) { r->setAttributeNode(d->createAttribute(u"a"))->set_value(u"2"); },
@@ -161,7 +151,7 @@ TEST(PlatformDOM, ChildEditsAndSiblings) {
   };
   for (const Case& c : cases) {
     IPtr<IDOMDocument> doc = Load(c.Start);
-    c.Edit(doc, doc->get_documentElement());
+    c.Call(doc, doc->get_documentElement());
     EXPECT_EQ(XML(doc), c.Expected) << U8(c.Start);
   }
   // An element's attributes stand first among its children.
@@ -197,18 +187,16 @@ TEST(PlatformDOM, LookupsAndRefusals) {
 }
 
 TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
-  using Edit = std::function<void(IPtr<IDOMDocument>, IPtr<IDOMElement>)>;
-  const char* unchanged = "<r a=\"1\">t<e /></r>";
-  struct Case { Edit Call; const char* Class; const char* After; } cases[] = {
-      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast", unchanged},
-      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest",
-       unchanged},
-      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest", unchanged},
-      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest", unchanged},
-      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed", unchanged},
-      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError", unchanged},
+  // After: the tree afterwards, as it was unless given
+  struct Case { Edit Call; const char* Class; const char* After = "<r a=\"1\">t<e /></r>"; } cases[] = {
+      {[](auto, auto r) { r->replaceChild(nullptr, r->get_firstChild()); }, "EInvalidCast"},
+      {[](auto, auto r) { r->replaceChild(r->get_lastChild(), r->get_firstChild()); }, "EVnDomHierarchyRequest"},
+      {[](auto, auto r) { r->get_lastChild()->appendChild(r); }, "EVnDomHierarchyRequest"},
+      {[](auto d, auto r) { r->appendChild(d); }, "EVnDomHierarchyRequest"},
+      {[](auto d, auto r) { r->removeChild(d->createElement(u"e")); }, "EAssertionFailed"},
+      {[](auto, auto r) { r->get_childNodes()->get_item(3); }, "EListError"},
       // A node without children has no first child: the list's First refuses.
-      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound", unchanged},
+      {[](auto, auto r) { r->get_lastChild()->get_firstChild(); }, "EVnDomNotFound"},
       // The old root goes before the new one fails the cast.
       {[](auto d, auto) { d->set_documentElement(nullptr); }, "EInvalidCast", ""},
   };
@@ -220,8 +208,7 @@ TEST(PlatformDOM, RefusedEditsLeaveTheTreeAsItWas) {
     } catch (const Exception& e) {
       raised = U8(e.ClassName());
     }
-    EXPECT_EQ(raised, c.Class);
-    EXPECT_EQ(XML(doc), c.After) << c.Class;
+    EXPECT_EQ(std::tuple(raised, XML(doc)), std::tuple(c.Class, c.After));
   }
 }
 

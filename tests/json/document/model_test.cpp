@@ -31,12 +31,7 @@ TEST(JsonModel, OperationsAKindLacksRaiseWithTheirWord) {
   TVnJSONBase* array = doc.GetRootValue()->FindMember(u"a")->GetValueObj();
   TVnJSONBase* simple = doc.GetRootValue()->FindMember(u"s")->GetValueObj();
   TVnJSONBase* member = doc.GetRootValue()->FindMember(u"s");
-  struct Case {
-    TVnJSONBase* Node;
-    const char16_t* Class;
-    const char16_t* Word;
-    std::function<void(TVnJSONBase&)> Call;
-  };
+  struct Case { TVnJSONBase* Node; const char16_t *Class, *Word; std::function<void(TVnJSONBase&)> Call; };
   const Case cases[] = {
       {simple, u"TVnJSONSimpleType", u"Count", [](TVnJSONBase& n) { n.Count(); }},
       {array, u"TVnJSONArray", u"FindMember", [](TVnJSONBase& n) { n.FindMember(u"x"); }},
@@ -65,25 +60,20 @@ TEST(JsonModel, OperationsAKindLacksRaiseWithTheirWord) {
     SCOPED_TRACE(UnicodeToUtf8(c.Word));
     ExpectJSONError([&] { c.Call(*c.Node); }, cVnJSONErrMethodNotSupported, NotSupportedText(c.Class, c.Word));
   }
-  EXPECT_EQ(object->GetAsObject(), object);
-  EXPECT_EQ(array->GetAsArray(), array);
+  EXPECT_EQ(std::tuple(object->GetAsObject(), array->GetAsArray()), std::tuple(object, array));
 }
 
 TEST(JsonModel, MembersFindCreateAndRaise) {
   TVnJSONObject object;
   object.AddMember(u"a", Variant(1));
   object.AddMember(u"a", Variant(2));  // names need not be unique; the first wins
-  EXPECT_EQ(object.FindMember(u"a")->GetAsInteger(), 1);
-  EXPECT_EQ(object.FindMember(u"A", true)->GetAsInteger(), 1);
-  EXPECT_EQ(object.FindMember(u"A", false), nullptr);
-  EXPECT_EQ(object.GetMember(u"b"), nullptr);
+  EXPECT_EQ(std::tuple(object.FindMember(u"a")->GetAsInteger(), object.FindMember(u"A", true)->GetAsInteger(),
+                       object.FindMember(u"A", false), object.GetMember(u"b")), std::tuple(1, 1, nullptr, nullptr));
   ExpectJSONError([&] { object.GetMember(u"b", {jsoRaise}); }, cVnJSONErrNoMember, Format(_cVnJSONNoMember, {u"b"}));
   TVnJSONMember* created = object.GetMember(u"b", {jsoCreate, jsoRaise});
   ASSERT_NE(created, nullptr);
-  EXPECT_EQ(object.GetLastMember(), created);
-  EXPECT_EQ(object.Count(), 3);
-  EXPECT_TRUE(object.HasMember(u"B", true));
-  EXPECT_EQ(object.GetName(), u"<object>");
+  EXPECT_EQ(std::tuple(object.GetLastMember(), object.Count(), object.HasMember(u"B", true), object.GetName()),
+            std::tuple(created, 3, true, u"<object>"));
   // a member without a value makes one of the setter's kind
   created->SetAsString(u"x");
   EXPECT_EQ(created->GetValueObj()->GetJSONType(), jdtString);
@@ -125,17 +115,14 @@ TEST(JsonModel, SimpleValuesReadAndWrite) {
     TVnJSONDocument doc;
     TVnJSONBase* value = doc.CreateRootValue(jdtArray)->AddValue(jdtNull);
     c.Set(*value);
-    EXPECT_EQ(value->GetAsJSON(), c.Text);
-    EXPECT_EQ(value->GetAsString(), c.String);
+    EXPECT_EQ(std::tuple(value->GetAsJSON(), value->GetAsString()), std::tuple(c.Text, c.String));
   }
   // a loaded value reads through its text
   TVnJSONDocument doc(u"[\"12\", 1.50, true, \"a\\u00e9\"]");
   TVnJSONBase* root = doc.GetRootValue();
-  EXPECT_EQ(root->Item(0)->GetAsInteger(), 12);
-  EXPECT_DOUBLE_EQ(root->Item(1)->GetAsDouble(), 1.5);
-  EXPECT_TRUE(root->Item(2)->GetAsBoolean());
-  EXPECT_EQ(root->Item(3)->GetAsString(), u"a\u00e9");
-  EXPECT_EQ(VarToUStr(root->Item(1)->GetAsVariant()), u"1.50");
+  EXPECT_EQ(std::tuple(root->Item(0)->GetAsInteger(), root->Item(1)->GetAsDouble(), root->Item(2)->GetAsBoolean(),
+                       root->Item(3)->GetAsString(), VarToUStr(root->Item(1)->GetAsVariant())),
+            std::tuple(12, 1.5, true, u"a\u00e9", u"1.50"));
   // loaded nodes that took heap memory since must still free it (LeakSanitizer watches)
   root->Item(3)->SetAsString(u"changed");
   root->AddValue(jdtObject)->AddMember(u"n")->SetName(u"renamed");
@@ -152,13 +139,12 @@ TEST(JsonModel, DocumentForwardsToTheRoot) {
     ExpectJSONError(call, cVnJSONErrNoRoot, UnicodeString(_cVnJSONNoRoot));
   TVnJSONDocument doc(u"{\"a\":{\"b\":[1]}}");
   TVnJSONBase& asBase = doc;
-  EXPECT_EQ(asBase.FindMember(u"a")->GetName(), u"a");
-  EXPECT_EQ(doc.GetMember(u"a")->GetAsObject()->FindMember(u"b")->GetAsArray()->Count(), 1);
-  EXPECT_EQ(doc.GetMember(u"a")->GetAsObject()->GetPath(), u"#/a");
-  EXPECT_EQ(doc.GetRootValue()->GetAsObject()->GetPath(), u"#/");
+  EXPECT_EQ(std::tuple(asBase.FindMember(u"a")->GetName(),
+                       doc.GetMember(u"a")->GetAsObject()->FindMember(u"b")->GetAsArray()->Count(),
+                       doc.GetMember(u"a")->GetAsObject()->GetPath(), doc.GetRootValue()->GetAsObject()->GetPath()),
+            std::tuple(u"a", 1, u"#/a", u"#/"));
   TVnJSONBase* array = doc.CreateRootValue(jdtArray);
-  EXPECT_EQ(doc.GetRootValue(), array);
-  EXPECT_EQ(doc.ChildCount(), 1);
+  EXPECT_EQ(std::tuple(doc.GetRootValue(), doc.ChildCount()), std::tuple(array, 1));
 }
 
 TEST(JsonModel, InterfacesShareTheNodesCount) {
@@ -167,8 +153,7 @@ TEST(JsonModel, InterfacesShareTheNodesCount) {
   ASSERT_TRUE(held);
   doc.GetRootValue()->DeleteMember(0);
   // still usable until released; its value went with it
-  EXPECT_EQ(held->GetName(), u"a");
-  EXPECT_EQ(held->GetAsInteger(), 1);
+  EXPECT_EQ(std::tuple(held->GetName(), held->GetAsInteger()), std::tuple(u"a", 1));
   held = nullptr;
 
   IPtr<IVnJSONBase> root = doc.GetRootValueIntf();
@@ -180,8 +165,7 @@ TEST(JsonModel, InterfacesShareTheNodesCount) {
   array->DeleteValue(1);
   IPtr<IVnJSONBase> kept = array->GetItem(0);
   array->RemoveValueIntf(kept);
-  EXPECT_EQ(kept->GetAsInteger(), 3);
-  EXPECT_EQ(object->GetMemberEx(u"c")->GetName(), u"c");  // made on demand
+  EXPECT_EQ(std::tuple(kept->GetAsInteger(), object->GetMemberEx(u"c")->GetName()), std::tuple(3, u"c"));  // c: made
   EXPECT_EQ(doc.GetAsJSON(), u"{\"b\": [1], \"c\": null}");
 }
 

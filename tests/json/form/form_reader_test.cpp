@@ -59,8 +59,8 @@ const Case kForms[] = {
 TEST(FormReader, KeysAndValuesBuildOneObject) {
   FormReader r;
   for (const Case& c : kForms) {
-    EXPECT_EQ(r.Read(c.Text), c.Trace) << c.Text;
-    EXPECT_EQ(r.Failure, u"") << c.Text;
+    const std::string trace = r.Read(c.Text);
+    EXPECT_EQ(std::tuple(trace, r.Failure), std::tuple(c.Trace, u"")) << c.Text;
   }
 }
 
@@ -81,9 +81,8 @@ TEST(FormReader, FailuresReachTheErrorHandlerWithTheirPlace) {
   };
   FormReader r;
   for (const Failure& c : kFailures) {
-    EXPECT_EQ(r.Read(c.Text), c.Trace) << c.Text;
-    EXPECT_EQ(r.Failure, c.Message) << c.Text;
-    EXPECT_EQ(r.Rec.FatalMessage, c.Message) << c.Text;
+    const std::string trace = r.Read(c.Text);
+    EXPECT_EQ(std::tuple(trace, r.Failure, r.Rec.FatalMessage), std::tuple(c.Trace, c.Message, c.Message)) << c.Text;
   }
   // The end-of-text flag is the JSON reader's own.
   EXPECT_FALSE(r.Reader.GetUnexpectedEOF());
@@ -136,8 +135,7 @@ TEST(FormReader, DeepAndWideKeysReadWithoutRecursion) {
   text += "=1&b=2";
   vntest::RecordingReader<TVnFormURLEncodedJSONReader, false, vntest::JsonCounter> r;
   r.Reader.Parse(std::string_view(text), 65001);
-  EXPECT_EQ(r.Rec.Opened, kDepth + 1);
-  EXPECT_EQ(r.Rec.Closed, r.Rec.Opened);
+  EXPECT_EQ(std::tuple(r.Rec.Opened, r.Rec.Closed), std::tuple(kDepth + 1, kDepth + 1));
 }
 
 }  // namespace

@@ -56,9 +56,9 @@ TEST(JsonPathFailure, AStepFailsOnlyWhereItRuns) {
       u"$.list[?(@.a==1 || @.b==)]",  // the term that can't compare is never reached
   };
   for (const char16_t* path : quiet) EXPECT_NO_THROW(doc.CreateNodeList(path)) << UnicodeToUtf8(path);
-  EXPECT_EQ(doc.CreateNodeList(u"$.list[?(@.a==1 || @.b==)]")->Count(), 1);
   // With the first-only flag the alternatives after a selecting one are not run.
-  EXPECT_EQ(doc._CreateNodeList(u"$.list | x", true, {})->Count(), 1);
+  EXPECT_EQ(std::tuple(doc.CreateNodeList(u"$.list[?(@.a==1 || @.b==)]")->Count(),
+                       doc._CreateNodeList(u"$.list | x", true, {})->Count()), std::tuple(1, 1));
 }
 
 }  // namespace

@@ -24,11 +24,7 @@ std::string Names(TVnJSONDocument& ADoc, std::u16string_view AFilter, TVnJDOCSel
 
 TEST(JsonPathFilter, ComparesAsIntegersFloatsBooleansOrTexts) {
   TVnJSONDocument doc(kItems);
-  struct Case {
-    const char16_t* FFilter;
-    const char* FExpected;
-    TVnJDOCSelectOptions FOptions = {};
-  };
+  struct Case { const char16_t* FFilter; const char* FExpected; TVnJDOCSelectOptions FOptions = {}; };
   const Case cases[] = {
       // numbers; a missing or non-numeric operand drops the candidate
       {u"?(@.p<10)", "abc"}, {u"?(@.p >= 5)", "abc ABC"}, {u"?(@.p>12.4)", "ABC"},
@@ -41,13 +37,12 @@ TEST(JsonPathFilter, ComparesAsIntegersFloatsBooleansOrTexts) {
   };
   for (const Case& c : cases) EXPECT_EQ(Names(doc, c.FFilter, c.FOptions), c.FExpected) << UnicodeToUtf8(c.FFilter);
   // A filter keeps each node once per step; other items may repeat one.
-  EXPECT_EQ(Names(doc, u"?(@.p), ?(@.ok)"), "abc ABC x");
-  EXPECT_EQ(Names(doc, u"0, ?(@.p)"), "abc ABC x");
-  EXPECT_EQ(Names(doc, u"0, 0"), "abc abc");
+  EXPECT_EQ(std::tuple(Names(doc, u"?(@.p), ?(@.ok)"), Names(doc, u"0, ?(@.p)"), Names(doc, u"0, 0")),
+            std::tuple("abc ABC x", "abc ABC x", "abc abc"));
   // Members are candidates by their values.
   TVnJSONDocument nested(u"{\"a\":{\"v\":1},\"b\":{\"v\":2,\"c\":{\"d\":{\"v\":3}}}}");
-  EXPECT_EQ(Sel(nested, u"$[?(@.v>1)]"), "{\"v\": 2, \"c\": {\"d\": {\"v\": 3}}}");
-  EXPECT_EQ(Sel(nested, u"$.b.*[?(@.v>=1)]"), "{\"v\": 3}");
+  EXPECT_EQ(std::tuple(Sel(nested, u"$[?(@.v>1)]"), Sel(nested, u"$.b.*[?(@.v>=1)]")),
+            std::tuple("{\"v\": 2, \"c\": {\"d\": {\"v\": 3}}}", "{\"v\": 3}"));
 }
 
 TEST(JsonPathFilter, TermsBuiltByHand) {
@@ -58,16 +53,14 @@ TEST(JsonPathFilter, TermsBuiltByHand) {
   top.SetValue(new TVnExpValueHasNodeWithValue(&top, u"@.a", u"$[0].a", opGreater));
   TVnBoolExpression* other = top.AddSibling(opOr);
   other->SetValue(new TVnExpressionValueExists(other, u"@.b"));
-  EXPECT_FALSE(top.Evaluate(list, 0));
-  EXPECT_TRUE(top.Evaluate(list, 1));
-  EXPECT_FALSE(top.Evaluate(list, 2));  // "a" is missing: false, though "b" exists
+  // The third: "a" is missing, so false, though "b" exists.
+  EXPECT_EQ(std::tuple(top.Evaluate(list, 0), top.Evaluate(list, 1), top.Evaluate(list, 2)),
+            std::tuple(false, true, false));
   TVnBoolExpression negation;
   negation.SetValue(new TVnExpressionValueNot(&negation));
-  test::ExpectFailure([&] { negation.Evaluate(list, 0); }, -1, UnicodeString(cVnJSONFilterNotNeedsChild),
-                      u"Exception");
+  test::ExpectFailure([&] { negation.Evaluate(list, 0); }, -1, UnicodeString(cVnJSONFilterNotNeedsChild), u"Exception");
   negation.AddFirstChild()->SetValue(new TVnExpressionValueExists(nullptr, u"@.b"));
-  EXPECT_TRUE(negation.Evaluate(list, 0));
-  EXPECT_FALSE(negation.Evaluate(list, 2));
+  EXPECT_EQ(std::tuple(negation.Evaluate(list, 0), negation.Evaluate(list, 2)), std::tuple(true, false));
 }
 
 // The chain rule as written, term by term, for comparison with the library's evaluation.

@@ -14,8 +14,7 @@ namespace vn::test {
 inline std::string Sel(TVnJSONBase& ANode, std::u16string_view APath, TVnJDOCSelectOptions AOptions = {}) {
   std::unique_ptr<TVnJSONArray> list = ANode.CreateNodeList(APath, AOptions);
   std::string text;
-  for (Integer i = 0; i < list->ChildCount(); ++i)
-    text += (i ? " " : "") + UnicodeToUtf8(list->Child(i)->GetAsJSON());
+  for (Integer i = 0; i < list->ChildCount(); ++i) text += (i ? " " : "") + UnicodeToUtf8(list->Child(i)->GetAsJSON());
   return text;
 }
 

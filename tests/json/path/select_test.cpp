@@ -34,32 +34,29 @@ TEST(JsonPathSelect, StepsAndItems) {
 TEST(JsonPathSelect, RecursiveStepsGiveANodesMatchesBeforeItsChildrens) {
   TVnJSONDocument prices(u"{\"price\":1,\"a\":{\"b\":{\"price\":3},\"price\":2}}");
   TVnJSONDocument nested(u"{\"a\":{\"a\":{\"a\":1}}}");
-  EXPECT_EQ(Sel(prices, u"$..price"), "1 2 3");
-  EXPECT_EQ(Sel(nested, u"$..a.a"), "{\"a\": 1} 1");
+  EXPECT_EQ(std::tuple(Sel(prices, u"$..price"), Sel(nested, u"$..a.a")), std::tuple("1 2 3", "{\"a\": 1} 1"));
 }
 
 TEST(JsonPathSelect, StartsOptionsAndForms) {
   TVnJSONDocument doc(kStore);
   TVnJSONBase* bicycle = doc.SelectSingleNode(u"$.store.bicycle");
   ASSERT_NE(bicycle, nullptr);
-  EXPECT_EQ(Sel(*bicycle, u"@.price"), "20");
-  EXPECT_EQ(Sel(*bicycle, u"$.list[0]"), "10");  // "$" is the document's root from anywhere
-  EXPECT_EQ(Sel(*doc.GetRootValue()->FindMember(u"x"), u"@['0']"), "\"m\"");  // a member stands for its value
-  EXPECT_EQ(Sel(doc, u"$.STORE.Bicycle.PRICE"), "");
-  EXPECT_EQ(Sel(doc, u"$.STORE.Bicycle.PRICE", {jsoCaseInsensitive}), "20");
+  // "$" is the document's root from anywhere; a member stands for its value.
+  EXPECT_EQ(std::tuple(Sel(*bicycle, u"@.price"), Sel(*bicycle, u"$.list[0]"),
+                       Sel(*doc.GetRootValue()->FindMember(u"x"), u"@['0']")), std::tuple("20", "10", "\"m\""));
+  EXPECT_EQ(std::tuple(Sel(doc, u"$.STORE.Bicycle.PRICE"), Sel(doc, u"$.STORE.Bicycle.PRICE", {jsoCaseInsensitive})),
+            std::tuple("", "20"));
 
   // Nothing to start from: no document, or a document without root.
   TVnJSONDocument empty;
-  EXPECT_EQ(Sel(empty, u"$.a"), "");
   TVnJSONObject loose;
   loose.AddMember(u"a", jdtNumber, u"1");
-  EXPECT_EQ(Sel(loose, u"$.a"), "");
-  EXPECT_EQ(Sel(loose, u"@.a"), "1");
+  EXPECT_EQ(std::tuple(Sel(empty, u"$.a"), Sel(loose, u"$.a"), Sel(loose, u"@.a")), std::tuple("", "", "1"));
 
   // The forms: first node, raise flag, interface; a result owns none of its nodes.
-  EXPECT_EQ(doc.SelectSingleNode(u"$.list[*]")->GetAsInteger(), 10);
-  EXPECT_EQ(doc.SelectSingleNode(u"$.nope | $.list[1]", false)->GetAsInteger(), 11);
-  EXPECT_EQ(doc.CreateNodeList(u"$.list[1:]", true)->Count(), 3);
+  EXPECT_EQ(std::tuple(doc.SelectSingleNode(u"$.list[*]")->GetAsInteger(),
+                       doc.SelectSingleNode(u"$.nope | $.list[1]", false)->GetAsInteger(),
+                       doc.CreateNodeList(u"$.list[1:]", true)->Count()), std::tuple(10, 11, 3));
   {
     IPtr<IVnJSONArray> list = doc.SelectIntf(u"$..title", {});
     ASSERT_EQ(list->Count(), 4);
@@ -68,13 +65,12 @@ TEST(JsonPathSelect, StartsOptionsAndForms) {
   EXPECT_EQ(doc.SelectSingleNode(u"$.store.book[3].title")->GetAsString(), u"D");
   TVnJSONArray result;
   doc.GetRootValue()->_SelectNodes(result, u".price", true, {});
-  EXPECT_EQ(result.Count(), 4);
-  EXPECT_EQ(doc._CreateNodeList(u"$.nope | $.list[0] | $.list[1]", true, {})->Count(), 1);
+  EXPECT_EQ(std::tuple(result.Count(), doc._CreateNodeList(u"$.nope | $.list[0] | $.list[1]", true, {})->Count()),
+            std::tuple(4, 1));
 
   // Repeated names: every member counts, and the first node may lie behind a later one.
   TVnJSONDocument twice(u"{\"a\":{\"x\":1},\"a\":{\"b\":2},\"a\":{\"b\":3}}");
-  EXPECT_EQ(twice.SelectSingleNode(u"$.a.b")->GetAsInteger(), 2);
-  EXPECT_EQ(Sel(twice, u"$.a.b"), "2 3");
+  EXPECT_EQ(std::tuple(twice.SelectSingleNode(u"$.a.b")->GetAsInteger(), Sel(twice, u"$.a.b")), std::tuple(2, "2 3"));
   EXPECT_EQ(twice.SelectSingleNode(u"$.A.B"), nullptr);  // the same text read again, other options
   EXPECT_EQ(twice.SelectSingleNode(u"$.A.B", {jsoCaseInsensitive})->GetAsInteger(), 2);
 }

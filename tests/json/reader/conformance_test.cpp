@@ -48,17 +48,15 @@ enum Rule {
 // Files (without ".json") whose verdict departs from their prefix, by the rule that causes it.
 const std::map<Rule, std::vector<std::string>> kDepartures = {
     {kNoBigEndian, {"i_string_utf16BE_no_BOM"}},
-    {kSkipAfterValue,
-     {"n_array_1_true_without_comma", "n_array_colon_instead_of_comma", "n_array_items_separated_by_semicolon",
-      "n_multidigit_number_then_00", "n_number_+Inf", "n_number_-NaN", "n_number_1_000", "n_number_hex_1_digit",
-      "n_number_hex_2_digits", "n_number_invalid-negative-real", "n_number_invalid-utf-8-in-bigger-int",
-      "n_number_invalid-utf-8-in-exponent", "n_number_minus_infinity", "n_number_minus_sign_with_trailing_garbage",
-      "n_number_minus_space_1", "n_number_neg_with_garbage_at_end", "n_number_real_garbage_after_e",
-      "n_number_real_with_invalid_utf8_after_e", "n_number_with_alpha", "n_number_with_alpha_char",
-      "n_object_garbage_at_end"}},
+    {kSkipAfterValue, {"n_array_1_true_without_comma", "n_array_colon_instead_of_comma",
+      "n_array_items_separated_by_semicolon", "n_multidigit_number_then_00", "n_number_+Inf", "n_number_-NaN",
+      "n_number_1_000", "n_number_hex_1_digit", "n_number_hex_2_digits", "n_number_invalid-negative-real",
+      "n_number_invalid-utf-8-in-bigger-int", "n_number_invalid-utf-8-in-exponent", "n_number_minus_infinity",
+      "n_number_minus_sign_with_trailing_garbage", "n_number_minus_space_1", "n_number_neg_with_garbage_at_end",
+      "n_number_real_garbage_after_e", "n_number_real_with_invalid_utf8_after_e", "n_number_with_alpha",
+      "n_number_with_alpha_char", "n_object_garbage_at_end"}},
     {kArrayTrailingComma, {"n_array_extra_comma", "n_array_number_and_comma"}},
-    {kNumberRun,
-     {"n_array_just_minus", "n_number_++", "n_number_+1", "n_number_-01", "n_number_-1.0.", "n_number_-2.",
+    {kNumberRun, {"n_array_just_minus", "n_number_++", "n_number_+1", "n_number_-01", "n_number_-1.0.", "n_number_-2.",
       "n_number_.-1", "n_number_.2e-3", "n_number_0.1.2", "n_number_0.3e+", "n_number_0.3e", "n_number_0.e1",
       "n_number_0_capital_E+", "n_number_0_capital_E", "n_number_0e+", "n_number_0e", "n_number_1.0e+",
       "n_number_1.0e-", "n_number_1.0e", "n_number_1eE2", "n_number_2.e+3", "n_number_2.e-3", "n_number_2.e3",
@@ -66,18 +64,15 @@ const std::map<Rule, std::vector<std::string>> kDepartures = {
       "n_number_neg_real_without_int_part", "n_number_real_without_fractional_part", "n_number_starting_with_dot",
       "n_number_with_leading_zero"}},
     {kControlIsWhiteSpace, {"n_array_spaces_vertical_tab_formfeed", "n_structure_whitespace_formfeed"}},
-    {kSkipToName,
-     {"n_object_emoji", "n_object_key_with_single_quotes", "n_object_non_string_key",
+    {kSkipToName, {"n_object_emoji", "n_object_key_with_single_quotes", "n_object_non_string_key",
       "n_object_non_string_key_but_huge_number_instead", "n_object_repeated_null_null", "n_object_single_quote",
       "n_object_two_commas_in_a_row"}},
-    {kRawStrings,
-     {"n_string_incomplete_escaped_character", "n_string_invalid_unicode_escape", "n_string_unescaped_ctrl_char",
-      "n_string_unescaped_newline", "n_string_unescaped_tab"}},
+    {kRawStrings, {"n_string_incomplete_escaped_character", "n_string_invalid_unicode_escape",
+      "n_string_unescaped_ctrl_char", "n_string_unescaped_newline", "n_string_unescaped_tab"}},
     {kTopLevelSequence, {"n_structure_UTF8_BOM_no_data", "n_structure_double_array", "n_structure_no_data"}},
     {kTopLevelSkip, {"n_structure_close_unopened_array", "n_structure_number_with_trailing_garbage"}},
-    {kNoSpaceAroundContainer,
-     {"y_array_with_trailing_space", "y_number_double_close_to_zero", "y_structure_trailing_newline",
-      "y_structure_whitespace_array"}},
+    {kNoSpaceAroundContainer, {"y_array_with_trailing_space", "y_number_double_close_to_zero",
+      "y_structure_trailing_newline", "y_structure_whitespace_array"}},
 };
 
 enum class Outcome { Accepted, Refused, Foreign };
@@ -88,12 +83,9 @@ Outcome ReadFile(const fs::path& APath, std::string& AWhat) {
   try {
     r.Reader.ParseFile(Utf8ToUnicode(APath.string()), fmOpenRead, u"");
     return Outcome::Accepted;
-  } catch (const EVnJSONException&) {
-    return Outcome::Refused;
-  } catch (const EVnTextParserEOF&) {
-    return Outcome::Refused;
   } catch (const Exception& e) {
-    if (e.Message() == _cVnJSONEncodingNotSupported) return Outcome::Refused;
+    if (dynamic_cast<const EVnJSONException*>(&e) || dynamic_cast<const EVnTextParserEOF*>(&e) ||
+        e.Message() == _cVnJSONEncodingNotSupported) return Outcome::Refused;
     AWhat = UnicodeToUtf8(e.Message());
   } catch (const std::exception& e) {
     AWhat = e.what();

@@ -74,12 +74,9 @@ struct RecordingReader {
     Failure.clear();
     try {
       AParse(Reader);
-    } catch (const vn::EVnJSONException& e) {
-      Failure = e.Message();
-    } catch (const vn::EVnTextParserEOF& e) {
-      Failure = e.Message();
     } catch (const vn::Exception& e) {
-      if (!AAny) throw;
+      if (!AAny && !dynamic_cast<const vn::EVnJSONException*>(&e) && !dynamic_cast<const vn::EVnTextParserEOF*>(&e))
+        throw;
       Failure = e.Message();
     }
     return Rec.Trace;

@@ -112,16 +112,10 @@ TEST(JsonReader, EncodingDecision) {
   };
   for (const Enc& c : cases) {
     RecordingJsonReader r;
-    bool plainFailure = false;
-    r.Rec.Trace.clear();
-    try {
-      r.Reader.ParseBuffer(c.Bytes.data(), static_cast<Cardinal>(c.Bytes.size()), c.CodePage, u"");
-    } catch (const EVnJSONException&) {
-    } catch (const Exception& e) {
-      plainFailure = e.Message() == _cVnJSONEncodingNotSupported;
-    }
-    EXPECT_EQ(r.Rec.Trace, c.Trace) << c.Bytes.size() << " bytes, code page " << c.CodePage;
-    EXPECT_EQ(plainFailure, *c.Trace == 0);
+    const UnicodeString failure = test::MessageOf(
+        [&] { r.Reader.ParseBuffer(c.Bytes.data(), static_cast<Cardinal>(c.Bytes.size()), c.CodePage, u""); });
+    EXPECT_EQ(std::tuple(r.Rec.Trace, failure == _cVnJSONEncodingNotSupported), std::tuple(c.Trace, *c.Trace == 0))
+        << c.Bytes.size() << " bytes, code page " << c.CodePage;
   }
 }
 
@@ -149,10 +143,9 @@ TEST(JsonReader, LocatorAndHandlerChecks) {
   reader.SetContentHandler(IPtr<IVnJSONContentHandler>(&thrower));
   reader.SetErrorHandler(IPtr<IVnJSONErrorHandler>(&thrower));
   EXPECT_THROW(reader.Parse(u"[\n\n  {\"ab\":1}]"), EConvertError);
-  EXPECT_EQ(thrower.Line, 3);
-  EXPECT_EQ(thrower.Col, 7);  // the member's closing quote
-  EXPECT_EQ(thrower.FatalMessage, u"boom");
-  EXPECT_EQ(reader.GetParser(), nullptr);
+  // column 7: the member's closing quote
+  EXPECT_EQ(std::tuple(thrower.Line, thrower.Col, thrower.FatalMessage, reader.GetParser()),
+            std::tuple(3, 7, u"boom", nullptr));
 }
 
 // Depth costs no call stack: a million levels of arrays, objects, or both alternating.
@@ -167,9 +160,7 @@ TEST(JsonReader, MillionLevelsDeep) {
     vntest::RecordingReader<TVnJSONReader, false, vntest::JsonCounter> r;
     vntest::JsonCounter& c = r.Rec;
     r.Reader.Parse(std::string_view(text), 65001, u"");
-    EXPECT_EQ(c.Opened, kDepth);
-    EXPECT_EQ(c.Closed, kDepth);
-    EXPECT_EQ(c.Values, 1u);
+    EXPECT_EQ(std::tuple(c.Opened, c.Closed, c.Values), std::tuple(kDepth, kDepth, 1u));
     // The last bracket cut off: every container still fires its end, then the step past the
     // outermost one meets the end of the text.
     c.Opened = c.Closed = 0;

@@ -70,10 +70,8 @@ TEST(JsonValues, VarToJSON) {
       {arr, u"[1,2]", jdtArray}, {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
       {Variant::Null(), u"null", jdtNull}, {Variant(), u"null", jdtNull},
   };
-  for (const auto& [v, text, kind] : cases) {
-    EXPECT_EQ(VnVarToJSON(v), text);
-    EXPECT_EQ(VnVarTypeToJSONType(v), kind) << UnicodeToUtf8(text);
-  }
+  for (const auto& [v, text, kind] : cases)
+    EXPECT_EQ(std::tuple(VnVarToJSON(v), VnVarTypeToJSONType(v)), std::tuple(text, kind)) << UnicodeToUtf8(text);
 }
 
 TEST(JsonValues, Dates) {
@@ -89,15 +87,12 @@ TEST(JsonValues, Dates) {
   };
   for (const auto& [fn, text, want] : cases) EXPECT_DOUBLE_EQ(fn(text), want) << UnicodeToUtf8(text);
   for (std::u16string_view bad : {u"/Date(0+0100)/", u"/Date()/"}) EXPECT_THROW(VnJSONToDateTime(bad), EConvertError);
-  EXPECT_DOUBLE_EQ(VnJSONToDateDef(u"garbage", 7), 7);
-  EXPECT_DOUBLE_EQ(VnJSONToTimeDef(u"/Date(x)/", 7), 7);
-  EXPECT_DOUBLE_EQ(VnJSONToDateTimeDef(u"/Date(0)/", 7), epoch);
-
+  EXPECT_EQ(std::tuple(VnJSONToDateDef(u"garbage", 7), VnJSONToTimeDef(u"/Date(x)/", 7),
+                       VnJSONToDateTimeDef(u"/Date(0)/", 7)), std::tuple(7.0, 7.0, epoch));
   // Variants: Null gives the default, numbers and dates their value, strings are read.
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(Variant::Null(), 7), 7);
-  EXPECT_DOUBLE_EQ(VnJSONToDate(Variant(2.5), 7), 2.5);
-  EXPECT_DOUBLE_EQ(VnJSONToTime(Variant::FromDate(0.25), 7), 0.25);
-  EXPECT_DOUBLE_EQ(VnJSONToDateTime(Variant(u"/Date(0)/"), 7), epoch);
+  EXPECT_EQ(std::tuple(VnJSONToDateTime(Variant::Null(), 7), VnJSONToDate(Variant(2.5), 7),
+                       VnJSONToTime(Variant::FromDate(0.25), 7), VnJSONToDateTime(Variant(u"/Date(0)/"), 7)),
+            std::tuple(7.0, 2.5, 0.25, epoch));
   const std::pair<TDateTime (*)(const Variant&, TDateTime), std::u16string_view> failing[] = {
       {&VnJSONToDate, cVnJSONInvalidDateValue}, {&VnJSONToTime, cVnJSONInvalidTimeValue},
       {&VnJSONToDateTime, cVnJSONInvalidDateTimeValue}};

@@ -59,10 +59,9 @@ TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
     Fixture f(u"<r/>");
     f.Schema.AddSchemaInfo(0, c.Type, u"x", c.MinOccurs, 1, c.Required);
     UnicodeString value = u"old";
-    bool created = std::string(c.Expected) != "<r />";
-    EXPECT_EQ(f.Schema.GetValue(0, value), created);
-    EXPECT_EQ(value, u"");
-    EXPECT_EQ(f.XML(), c.Expected) << c.Type << " min " << c.MinOccurs;
+    const bool created = f.Schema.GetValue(0, value);
+    EXPECT_EQ(std::tuple(created, value, f.XML()), std::tuple(std::string(c.Expected) != "<r />", u"", c.Expected))
+        << c.Type << " min " << c.MinOccurs;
   }
 }
 
@@ -114,14 +113,11 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
 
 TEST(SchemaElement, MissingNodesReadAsZeroAndStringsDecodeTwice) {
   Fixture f(u"<r><s>&amp;amp;</s></r>", {u"missing", u"s"});
-  EXPECT_EQ(f.Schema.GetIntValue(0), 0);
-  EXPECT_EQ(f.Schema.GetDatetimeValue(0), 0.0);
-  EXPECT_EQ(f.Schema.GetStringValue(0), u"");
-  EXPECT_EQ(f.Schema.GetGuidValue(0), TGUID{});
-  EXPECT_FALSE(f.Schema.GetBooleanValue(0));
-  EXPECT_EQ(f.XML(), "<r><s>&amp;amp;</s></r>");
-  EXPECT_EQ(f.Schema.GetXmlValue(1), u"&amp;");
-  EXPECT_EQ(f.Schema.GetStringValue(1), u"&");
+  EXPECT_EQ(std::tuple(f.Schema.GetIntValue(0), f.Schema.GetDatetimeValue(0), f.Schema.GetStringValue(0),
+                       f.Schema.GetGuidValue(0) == TGUID{}, f.Schema.GetBooleanValue(0)),
+            std::tuple(0, 0.0, u"", true, false));
+  EXPECT_EQ(std::tuple(f.XML(), f.Schema.GetXmlValue(1), f.Schema.GetStringValue(1)),
+            std::tuple("<r><s>&amp;amp;</s></r>", u"&amp;", u"&"));
 }
 
 TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
@@ -135,9 +131,8 @@ TEST(SchemaElement, RefusedIndexesNamesAndTexts) {
   ExpectRaises<EListError>([&] { f.Schema.AddSchemaInfo(0, ntElement, u"other"); }, cRtlDuplicateItem);
   EXPECT_THROW(f.Schema.GetIntValue(0), EConvertError);
   EXPECT_THROW(f.Schema.GetGuidValue(0), EConvertError);
-  EXPECT_FALSE(f.Schema.FindNode(u"zz"));
-  EXPECT_EQ(f.Schema.FindSchemaInfo(u"zz"), nullptr);
-  EXPECT_EQ(f.XML(), "<r><n>abc</n></r>");
+  EXPECT_EQ(std::tuple(static_cast<bool>(f.Schema.FindNode(u"zz")), f.Schema.FindSchemaInfo(u"zz"), f.XML()),
+            std::tuple(false, nullptr, "<r><n>abc</n></r>"));
 }
 
 TEST(SchemaElement, NamesMatchWithAndWithoutPrefix) {
@@ -145,9 +140,9 @@ TEST(SchemaElement, NamesMatchWithAndWithoutPrefix) {
   EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.GetNode(u"").Get()), f.Doc->GetRootNode());
   EXPECT_EQ(TVnDOMObjectImpl::Node(f.Schema.FindNode(u"").Get()), f.Doc->GetRootNode());
   ASSERT_TRUE(f.Schema.FindNode(u"b"));
-  EXPECT_EQ(f.Schema.FindNode(u"b")->GetNodeValue(), u"1");
-  EXPECT_FALSE(f.Schema.FindNode(u"B"));  // exact in FindNode, ASCII case-blind in FindSchemaInfo
-  EXPECT_EQ(f.Schema.FindSchemaInfo(u"b"), nullptr);
+  // Exact in FindNode, ASCII case-blind in FindSchemaInfo.
+  EXPECT_EQ(std::tuple(f.Schema.FindNode(u"b")->GetNodeValue(), static_cast<bool>(f.Schema.FindNode(u"B")),
+                       f.Schema.FindSchemaInfo(u"b")), std::tuple(u"1", false, nullptr));
   ASSERT_NE(f.Schema.FindSchemaInfo(u"P:B"), nullptr);
   EXPECT_EQ(f.Schema.FindSchemaInfo(u"P:B")->FName, u"p:b");
 }
@@ -160,11 +155,11 @@ TEST(SchemaElement, EventFiresOncePerRowAndMayReadItsOwnRow) {
     EXPECT_EQ(ASender, &f.Schema);
     ASender->GetIntValue(0);  // its own row for a, another row (fired too) for b
   };
-  EXPECT_EQ(f.Schema.GetIntValue(0), 1);
-  EXPECT_EQ(fired, (std::vector<UnicodeString>{u"a"}));
+  const Integer a = f.Schema.GetIntValue(0);
+  EXPECT_EQ(std::tuple(a, fired), std::tuple(1, std::vector<UnicodeString>{u"a"}));
   fired.clear();
-  EXPECT_EQ(f.Schema.GetIntValue(1), 2);
-  EXPECT_EQ(fired, (std::vector<UnicodeString>{u"b", u"a"}));
+  const Integer b = f.Schema.GetIntValue(1);
+  EXPECT_EQ(std::tuple(b, fired), std::tuple(2, std::vector<UnicodeString>{u"b", u"a"}));
 }
 
 TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
@@ -176,8 +171,7 @@ TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
   f.Schema.RemoveNode(u"absent");
   EXPECT_EQ(f.Schema.FSubElements.Count(), 3);
   f.Schema.RemoveNode(u"ITEM");
-  EXPECT_EQ(f.Schema.FSubElements.Count(), 1);
-  EXPECT_EQ(f.XML(), "<r><keep /></r>");
+  EXPECT_EQ(std::tuple(f.Schema.FSubElements.Count(), f.XML()), std::tuple(1, "<r><keep /></r>"));
   // The removed element lives on in the interface held here; its last release frees it.
   EXPECT_EQ(item->GetNodeValue(), u"1");
 }
@@ -187,9 +181,8 @@ TEST(SchemaElement, ClearAndAssignKeepTheTable) {
   to.Schema.FArrayElements.Add(0, TValue::FromObject(new TObject()));  // disposed by Clear
   to.Schema.FSubElements.Add(new TTestSchema(to.Doc->GetRootNode()->LastElement()->As<IVnDOMElement>()));
   to.Schema.Assign(&from.Schema);
-  EXPECT_EQ(to.XML(), "<r><a>1</a></r>");
-  EXPECT_EQ(to.Schema.FArrayElements.Count() + to.Schema.FSubElements.Count(), 0);
-  EXPECT_EQ(to.Schema.GetIntValue(0), 1);
+  EXPECT_EQ(std::tuple(to.XML(), to.Schema.FArrayElements.Count() + to.Schema.FSubElements.Count(),
+                       to.Schema.GetIntValue(0)), std::tuple("<r><a>1</a></r>", 0, 1));
   to.Schema.Clear();
   EXPECT_EQ(to.XML(), "<r />");
   TVnObjectEx plain;

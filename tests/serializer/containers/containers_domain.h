@@ -62,10 +62,8 @@ class TValueList : public TList {
 };
 template <class T>
 void ValueListMembers(TTypeBuilder<TValueList<T>>& b) {
-  b.Name(GenericTypeName(u"TValueList", {TypeInfoOf<T>()}), u"uBox")
-      .Public(u"Count", &TValueList<T>::Count)
-      .Indexed(mvPublic, u"Items", &TValueList<T>::Item)
-      .Method(mvPublic, u"Add", &TValueList<T>::Add);
+  b.Name(GenericTypeName(u"TValueList", {TypeInfoOf<T>()}), u"uBox").Public(u"Count", &TValueList<T>::Count)
+      .Indexed(mvPublic, u"Items", &TValueList<T>::Item).Method(mvPublic, u"Add", &TValueList<T>::Add);
 }
 #define CONTAINERS_VALUE_LIST(Alias, T) \
   using Alias = TValueList<T>;          \
@@ -122,8 +120,7 @@ VN_REGISTER_TYPE(TBasket, u"uBox") {
   b.CONTAINERS_PROPERTY(Items).CONTAINERS_PROPERTY(Plain).CONTAINERS_PROPERTY(Ints).CONTAINERS_PROPERTY(Int64s)
       .CONTAINERS_PROPERTY(Floats).CONTAINERS_PROPERTY(Texts).CONTAINERS_PROPERTY(Flags)
       .CONTAINERS_PROPERTY(Tones).CONTAINERS_PROPERTY(Lines).CONTAINERS_PROPERTY(Price)
-      .CONTAINERS_PROPERTY(Tone).CONTAINERS_PROPERTY(Notes).CONTAINERS_PROPERTY(ById)
-      .CONTAINERS_PROPERTY(ByItem);
+      .CONTAINERS_PROPERTY(Tone).CONTAINERS_PROPERTY(Notes).CONTAINERS_PROPERTY(ById).CONTAINERS_PROPERTY(ByItem);
 }
 #undef CONTAINERS_PROPERTY
 

@@ -12,46 +12,36 @@ namespace {
 using namespace containersdomain;
 
 TEST(ContainerReading, EveryKindComesBackInBothNotations) {
-  const std::tuple<const char*, std::function<void(TBasket&)>, bool> cases[] = {
-      {"object list with a descendant, platform list, empty list",
-       [](TBasket& b) {
+  const std::tuple<const char*, bool, std::function<void(TBasket&)>> cases[] = {
+      {"object list with a descendant, platform list, empty list", true, [](auto& b) {
          (b.Items = new TItemList())->Add(new TItem(u"a<1>", 2));
          b.Items->Add(new TGift());
          (b.Plain = new TObjectList())->Add(new TGift());
-       },
-       true},
-      {"empty object list", [](TBasket& b) { b.Items = new TItemList(); }, true},
-      {"numbers at their limits",
-       [](TBasket& b) {
+       }},
+      {"empty object list", true, [](auto& b) { b.Items = new TItemList(); }},
+      {"numbers at their limits", true, [](auto& b) {
          (b.Ints = new TIntList())->Values = {-2147483647 - 1, 0};
          (b.Int64s = new TInt64List())->Values = {9007199254740993LL};
          (b.Floats = new TFloatList())->Values = {-0.125, 1e300};
-       },
-       true},
-      {"texts with escapes and an empty one, booleans, a string list",
-       [](TBasket& b) {
+       }},
+      {"texts with escapes and an empty one, booleans, a string list", true, [](auto& b) {
          (b.Texts = new TTextList())->Values = {u"\"<&>\u00e9\r\n", u""};
          (b.Flags = new TFlagList())->Values = {true, false};
          (b.Lines = new TStringList())->Add(u"l&1");
-       },
-       true},
-      {"simple wrappers",
-       [](TBasket& b) {
+       }},
+      {"simple wrappers", true, [](auto& b) {
          (b.Price = new TMoney())->Amount = 0.5;
          (b.Tone = new TToneBox())->Tone = toHigh;
-       },
-       true},
-      {"nil elements keep their places",
-       [](TBasket& b) {
+       }},
+      {"nil elements keep their places", true, [](auto& b) {
          (b.Items = new TItemList())->Add(nullptr);
          b.Items->Add(new TItem(u"n", 1));
          b.Items->Add(nullptr);
-       },
-       true},
+       }},
       // JSON writes enumerations as objects, which a value list passes over.
-      {"enumerations", [](TBasket& b) { (b.Tones = new TToneList())->Values = {toMid}; }, false},
+      {"enumerations", false, [](auto& b) { (b.Tones = new TToneList())->Values = {toMid}; }},
   };
-  for (const auto& [name, fill, json] : cases) {
+  for (const auto& [name, json, fill] : cases) {
     for (TVnDataSerializationFormatType format : {dsfXML, dsfJSON}) {
       if (format == dsfJSON && !json) continue;
       SCOPED_TRACE(std::string(name) + (format == dsfXML ? " in XML" : " in JSON"));
@@ -73,8 +63,7 @@ TEST(ContainerReading, ListsAppendToWhatTheyHold) {
   Read(dsfJSON, basket, R"({"ints":["4",5.0],"items":[{"className":"TItem","sku":"new"}]})");
   EXPECT_EQ(basket.Ints->Values, (std::vector<Integer>{1, 2, 3, 4, 5}));
   ASSERT_EQ(basket.Items->Count(), 3);
-  EXPECT_TRUE(basket.Items->GetItem(1)->Is<TGift>());
-  EXPECT_EQ(basket.Items->GetItem(2)->Sku, u"new");
+  EXPECT_EQ(std::tuple(basket.Items->GetItem(1)->Is<TGift>(), basket.Items->GetItem(2)->Sku), std::tuple(true, u"new"));
 }
 
 TEST(ContainerReading, AWrapperConvertsTheTextStraightFirst) {

@@ -13,9 +13,8 @@ using namespace framedomain;
 
 TEST(SerializerEnums, NamesBothWays) {
   const TTypeInfo* color = TypeInfoOf<TColor>();
-  EXPECT_EQ(VnEnumPrefix(color), u"co");
-  EXPECT_EQ(VnEnumPrefix(TypeInfoOf<TColors>()), u"co");
-  EXPECT_EQ(VnEnumPrefix(TypeInfoOf<bool>()), u"");
+  EXPECT_EQ(std::tuple(VnEnumPrefix(color), VnEnumPrefix(TypeInfoOf<TColors>()), VnEnumPrefix(TypeInfoOf<bool>())),
+            std::tuple(u"co", u"co", u""));
   // ordinal, prefix, name written, further texts that read as the ordinal
   const std::tuple<Int64, const char16_t*, const char16_t*, const char16_t*> cases[] = {
       {0, u"co", u"Red", u"coRed"},      {2, u"co", u"Blue", u"BLUE"},     {1, u"", u"coGreen", u"1"},
@@ -36,8 +35,8 @@ TEST(SerializerEnums, NamesBothWays) {
 
 TEST(SerializerEnums, SetsBothWays) {
   const TTypeInfo* colors = TypeInfoOf<TColors>();
-  EXPECT_EQ(VnSetNames(colors, 0b101, u"co"), u"[Red,Blue]");
-  EXPECT_EQ(VnSetNames(colors, 0b010, u""), u"[coGreen]");
+  EXPECT_EQ(std::tuple(VnSetNames(colors, 0b101, u"co"), VnSetNames(colors, 0b010, u"")),
+            std::tuple(u"[Red,Blue]", u"[coGreen]"));
   const std::tuple<const char16_t*, UInt64> texts[] = {
       {u"[Red,Blue]", 0b101}, {u"Red, coGreen", 0b011}, {u"[]", 0}, {u" 6 ", 6}};
   for (const auto& [text, bits] : texts) {

@@ -38,18 +38,11 @@ VN_REGISTER_TYPE(TColor, u"uFrame") {
 using TColors = TSet<TColor>;
 VN_REGISTER_TYPE(TColors, u"uFrame") {}
 
-struct THinted {
-  Integer Plain = 0;
-  Integer Named = 0;
-};
+struct THinted { Integer Plain = 0, Named = 0; };
 VN_REGISTER_TYPE(THinted, u"uFrame") {
-  b.TypeAttr<SerializerHint>(shoDoNotSerialize)
-      .Public(u"Plain", &THinted::Plain)
-      .Public(u"Named", &THinted::Named)
-      .Attr<SerializerHint>(shoName, u"first")
-      .Attr<SerializerHint>(shoRequired)
-      .Attr<SerializerHint>(shoName, u"second")
-      .Attr<SerializerHint>(shoSerializerHelper, u"uFrame.TAnimalWriter")
+  b.TypeAttr<SerializerHint>(shoDoNotSerialize).Public(u"Plain", &THinted::Plain)
+      .Public(u"Named", &THinted::Named).Attr<SerializerHint>(shoName, u"first").Attr<SerializerHint>(shoRequired)
+      .Attr<SerializerHint>(shoName, u"second").Attr<SerializerHint>(shoSerializerHelper, u"uFrame.TAnimalWriter")
       .Attr<SerializerHint>(shoDeserializerHelper, u"uFrame.TAnimalWriter");
 }
 

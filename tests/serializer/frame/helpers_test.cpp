@@ -43,26 +43,23 @@ TEST(SerializerHelpers, NearestClassAndPatternsDecide) {
       {TDogCage::StaticClass(), TCageWriter::StaticClass(), TCageReader::StaticClass()},
       {TStone::StaticClass(), nullptr, nullptr},
       {nullptr, nullptr, nullptr}};
-  for (const auto& [type, writer, reader] : cases) {
-    SCOPED_TRACE(type ? UnicodeToUtf8(ClassNameOf(type)) : "nil");
-    EXPECT_EQ(WriterOf(type), writer);
-    EXPECT_EQ(ReaderOf(type), reader);
-  }
+  for (const auto& [type, writer, reader] : cases)
+    EXPECT_EQ(std::tuple(WriterOf(type), ReaderOf(type)), std::tuple(writer, reader))
+        << (type ? UnicodeToUtf8(ClassNameOf(type)) : "nil");
 
   // The same class and writer again completes the pair; a different reader then is a fault.
   VnRegisterSerializerHelper(TDog::StaticClass(), TDogWriter::StaticClass(), TAnimalReader::StaticClass());
   EXPECT_EQ(ReaderOf(TPuppy::StaticClass()), TAnimalReader::StaticClass());
   EXPECT_EQ(MessageOf([] {
               VnRegisterSerializerHelper(TDog::StaticClass(), TDogWriter::StaticClass(), TCageReader::StaticClass());
-            }),
-            cVnInvalidHelperCombination);
+            }), cVnInvalidHelperCombination);
   EXPECT_EQ(ReaderOf(TPuppy::StaticClass()), TAnimalReader::StaticClass());
   // Helpers of the wrong base are refused before anything is stored.
   EXPECT_THROW(VnRegisterSerializerHelper(TPuppy::StaticClass(), TAnimalReader::StaticClass(), nullptr),
                EAssertionFailed);
   EXPECT_THROW(VnRegisterSerializerHelper(u"TCage<T>", nullptr, TDogWriter::StaticClass()), EAssertionFailed);
-  EXPECT_EQ(WriterOf(TPuppy::StaticClass()), TDogWriter::StaticClass());
-  EXPECT_EQ(ReaderOf(TDogCage::StaticClass()), TCageReader::StaticClass());
+  EXPECT_EQ(std::tuple(WriterOf(TPuppy::StaticClass()), ReaderOf(TDogCage::StaticClass())),
+            std::tuple(TDogWriter::StaticClass(), TCageReader::StaticClass()));
 }
 
 }  // namespace

@@ -26,10 +26,9 @@ TEST(SerializerHints, FirstHintOfAnOptionInDeclaredOrder) {
 }
 
 TEST(SerializerHints, HelperClassesByQualifiedName) {
-  EXPECT_EQ(SerializerHint(shoSerializerHelper, u"uFrame.TAnimalWriter").GetSerializerHelperClass(),
-            TAnimalWriter::StaticClass());
-  EXPECT_EQ(SerializerHint(shoDeserializerHelper, u"uFrame.TAnimalReader").GetDeserializerHelperClass(),
-            TAnimalReader::StaticClass());
+  EXPECT_EQ(std::tuple(SerializerHint(shoSerializerHelper, u"uFrame.TAnimalWriter").GetSerializerHelperClass(),
+                       SerializerHint(shoDeserializerHelper, u"uFrame.TAnimalReader").GetDeserializerHelperClass()),
+            std::tuple(TAnimalWriter::StaticClass(), TAnimalReader::StaticClass()));
   // A class of the wrong base is bad input (Exception); an unknown name a broken hint (assertion).
   EXPECT_EQ(MessageOf([] { SerializerHint(shoDeserializerHelper, u"uFrame.TAnimalWriter").GetDeserializerHelperClass(); }),
             cVnNotADeserializerHelper);

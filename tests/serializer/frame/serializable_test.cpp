@@ -39,9 +39,7 @@ class TRecorder : public TVnCustomSerializer, public IVnSerializer, public IVnDe
   static inline TObject *Owner = nullptr, *Parent = nullptr;
 };
 
-class TEcho : public TObject {
-  VN_DECLARE_CLASS(TEcho, TObject)
-};
+class TEcho : public TObject { VN_DECLARE_CLASS(TEcho, TObject) };
 
 /// Tells from another thread whether the object's critical section is taken.
 template <class T>
@@ -81,19 +79,17 @@ TEST(Serializable, CriticalSectionSpansEachRun) {
 TEST(Serializable, ObjectOperationsAndCreationFromText) {
   VnRegisterSerializer(dsfXML, TEcho::StaticClass(), TRecorder::StaticClass(), nullptr);
   TEcho echo;
-  EXPECT_EQ(AsXML(echo), ";");
-  EXPECT_EQ(AsXML(echo, u"urn:shop"), "urn:shop;");
-  EXPECT_EQ(AsXML(echo, u"urn:shop", true), ";true");
+  EXPECT_EQ(std::tuple(AsXML(echo), AsXML(echo, u"urn:shop"), AsXML(echo, u"urn:shop", true)),
+            std::tuple(";", "urn:shop;", ";true"));
   EXPECT_EQ(MessageOf([&] { Deserialize(echo, dsfXML, "<TEcho/>"); }),
             u"There is no registered XML deserializer for TEcho!");
 
   VnRegisterSerializer(kFake, static_cast<const TTypeInfo*>(nullptr), nullptr, TRecorder::StaticClass());
   std::unique_ptr<TObject> dog = VnCreateFrom(kFake, "uFrame.TDog");
-  EXPECT_EQ(dog->ClassType(), TDog::StaticClass());
   TComponent owner, parent;
   std::unique_ptr<TObject> animal(VnCreateFrom(kFake, &owner, &parent, "uFrame.TAnimal"));
-  EXPECT_EQ(animal->ClassType(), TAnimal::StaticClass());
-  EXPECT_TRUE(TRecorder::Owner == &owner && TRecorder::Parent == &parent);
+  EXPECT_EQ(std::tuple(dog->ClassType(), animal->ClassType(), TRecorder::Owner, TRecorder::Parent),
+            std::tuple(TDog::StaticClass(), TAnimal::StaticClass(), &owner, &parent));
   // Reading into an existing object gives that object back; the list goes to the deserializer.
   TObjectList created(false);
   EXPECT_EQ(VnDeserialize(kFake, TValue::FromObject(&echo), "x", &created), &echo);

@@ -16,10 +16,7 @@ UnicodeString Shape(std::u16string_view APath, std::u16string_view AExpected, st
   return vn::Format(cVnJSONShapeMismatch, {APath, AExpected, AFound});
 }
 
-struct TBox {
-  TValue Inner;
-  TPet* Pet = nullptr;
-};
+struct TBox { TValue Inner; TPet* Pet = nullptr; };
 VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner).Public(u"Pet", &TBox::Pet); }
 
 struct BadText { const char* Text; UnicodeString Message; };
@@ -82,13 +79,10 @@ TEST(JSONBadInput, ReservedAndUnknownNamesInPlaces) {
   EXPECT_EQ(o.Pet->Name, u"y");
   // So does an array's own text.
   FromJSON(o, R"({"ints":" [4,5]","points":"[{\"x\":1}]"})");
-  EXPECT_EQ(o.Ints, (std::vector<Integer>{4, 5}));
-  EXPECT_EQ(o.Points, (std::vector<TPoint>{{1, 0}}));
+  EXPECT_EQ(std::tuple(o.Ints, o.Points), std::tuple(std::vector<Integer>{4, 5}, std::vector<TPoint>{{1, 0}}));
   // An enumeration by name or number, a set by its names; asInt decides when it comes last.
   FromJSON(o, R"({"tone":"toMid","tones":{"asString":"[toMid]"},"shade":{"asString":"Light","asInt":1}})");
-  EXPECT_EQ(o.Tone, toMid);
-  EXPECT_EQ(o.Tones, TTones{toMid});
-  EXPECT_EQ(o.Shade, shDark);
+  EXPECT_EQ(std::tuple(o.Tone, o.Tones, o.Shade), std::tuple(toMid, TTones{toMid}, shDark));
 }
 
 TEST(JSONBadInput, CutTextFailsAndLeavesNoCreatedObjectLinked) {
@@ -111,15 +105,14 @@ TEST(JSONBadInput, DeepTextEndsInAFailureNotInTheStack) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += R"({"className":"TPet","friend":)";
   TShapes o;
-  const UnicodeString message = MessageOf([&] { FromJSON(o, R"({"pets":[)" + deep); });
-  EXPECT_NE(message.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(message);
-  EXPECT_TRUE(o.Pets.empty());
   // Records boxed in TValue members are read by readers of their own: their depth is bounded too.
   std::string boxed = R"({"any":)";
   for (int i = 0; i < 100; ++i) boxed += R"({"className":"TBox","inner":)";
-  const UnicodeString boxedMessage = MessageOf([&] { FromJSON(o, boxed + "1" + std::string(101, '}')); });
-  EXPECT_NE(boxedMessage.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(boxedMessage);
-  EXPECT_TRUE(o.Any.IsEmpty());
+  for (const std::string& text : {R"({"pets":[)" + deep, boxed + "1" + std::string(101, '}')}) {
+    const UnicodeString message = MessageOf([&] { FromJSON(o, text); });
+    EXPECT_NE(message.find(u"nesting is too deep"), UnicodeString::npos) << UnicodeToUtf8(message);
+  }
+  EXPECT_TRUE(o.Pets.empty() && o.Any.IsEmpty());
 }
 
 TEST(JSONBadInput, FormTextThroughTheUrlEncodedParameter) {
@@ -127,10 +120,7 @@ TEST(JSONBadInput, FormTextThroughTheUrlEncodedParameter) {
   IPtr<IVnDeserializer> reader = VnCreateDeserializer(dsfJSON, &o, TypeInfoOf<TShapes>());
   reader->SetParam(u"UrlEncoded", u"true");
   reader->Deserialize(TVnSerializedData("i=5&s=a+b%21&ints[]=1&ints[]=2&point[x]=3"));
-  EXPECT_EQ(o.I, 5);
-  EXPECT_EQ(o.S, u"a b!");
-  EXPECT_EQ(o.Ints, (std::vector<Integer>{1, 2}));
-  EXPECT_EQ(o.Point.X, 3);
+  EXPECT_EQ(std::tuple(o.I, o.S, o.Ints, o.Point.X), std::tuple(5, u"a b!", std::vector<Integer>{1, 2}, 3));
 }
 
 }  // namespace

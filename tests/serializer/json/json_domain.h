@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/message_of.h"
@@ -32,8 +33,7 @@ using TTones = TSet<TTone>;
 VN_REGISTER_TYPE(TTones, u"uJSONTest") {}
 
 struct TPoint {
-  Integer X = 0;
-  Integer Y = 0;
+  Integer X = 0, Y = 0;
   bool operator==(const TPoint&) const = default;
 };
 VN_REGISTER_TYPE(TPoint, u"uJSONTest") { b VN_TEST_PUBLIC(TPoint, X, Y); }
@@ -41,6 +41,7 @@ VN_REGISTER_TYPE(TPoint, u"uJSONTest") { b VN_TEST_PUBLIC(TPoint, X, Y); }
 class TPet : public TObject {
   VN_DECLARE_CLASS(TPet, TObject)
  public:
+  explicit TPet(UnicodeString AName = {}) : Name(std::move(AName)) {}
   ~TPet() override { test::DeleteChain(Friend, &TPet::Friend); }
   UnicodeString Name;
   Integer Legs = 4;
@@ -50,6 +51,7 @@ VN_REGISTER_TYPE(TPet, u"uJSONTest") { b VN_TEST_PUBLIC(TPet, Name, Legs, Friend
 class TCat : public TPet {
   VN_DECLARE_CLASS(TCat, TPet)
  public:
+  using TPet::TPet;
   Boolean Purrs = false;
 };
 VN_REGISTER_TYPE(TCat, u"uJSONTest") { b.Public(u"Purrs", &TCat::Purrs); }

@@ -16,11 +16,6 @@ namespace {
 // Fragment: what the text must hold
 struct Shape { const char* Name; std::function<void(TShapes&)> Set; const char* Fragment; };
 
-TPet* NewPet(TPet* APet, const char16_t* AName) {
-  APet->Name = AName;
-  return APet;
-}
-
 const Shape kShapes[] = {
     {"byte", [](TShapes& o) { o.B = 255; }, R"("b":255)"},
     {"word", [](TShapes& o) { o.W = 65535; }, R"("w":65535)"},
@@ -54,12 +49,12 @@ const Shape kShapes[] = {
     {"array of enumerations", [](TShapes& o) { o.ToneList = {toMid}; }, R"("toneList":[{"className":"TTone","asString":"toMid","asInt":1}])"},
     {"record", [](TShapes& o) { o.Point = {3, -4}; }, R"("point":{"className":"TPoint","x":3,"y":-4})"},
     {"array of records", [](TShapes& o) { o.Points = {{1, 2}, {3, 4}}; }, R"("points":[{"className":"TPoint","x":1,"y":2},{"className":"TPoint","x":3,"y":4}])"},
-    {"object of the declared class", [](TShapes& o) { o.Pet = NewPet(new TPet, u"Rex"); }, R"("pet":{"className":"TPet","name":"Rex","legs":4,"friend":{}})"},
-    {"object of a subclass", [](TShapes& o) { o.Pet = NewPet(new TCat, u"Tom"); }, R"("pet":{"className":"TCat","purrs":false,"name":"Tom")"},
-    {"array of objects", [](TShapes& o) { o.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")}; }, R"("pets":[{"className":"TPet","name":"a","legs":4,"friend":{}},{"className":"TCat")"},
+    {"object of the declared class", [](TShapes& o) { o.Pet = new TPet(u"Rex"); }, R"("pet":{"className":"TPet","name":"Rex","legs":4,"friend":{}})"},
+    {"object of a subclass", [](TShapes& o) { o.Pet = new TCat(u"Tom"); }, R"("pet":{"className":"TCat","purrs":false,"name":"Tom")"},
+    {"array of objects", [](TShapes& o) { o.Pets = {new TPet(u"a"), new TCat(u"b")}; }, R"("pets":[{"className":"TPet","name":"a","legs":4,"friend":{}},{"className":"TCat")"},
     // created objects have the class the text names
     {"object and array of objects",
-     [](TShapes& o) { o.Pet = NewPet(new TCat, u"Tom"); o.Pets = {NewPet(new TPet, u"a"), NewPet(new TCat, u"b")}; },
+     [](TShapes& o) { o.Pet = new TCat(u"Tom"); o.Pets = {new TPet(u"a"), new TCat(u"b")}; },
      R"("pet":{"className":"TCat")"},
     {"string list", [](TShapes& o) { o.Notes->Add(u"a"); o.Notes->Add(u"b\n"); }, R"("notes":{"className":"StringList","items":["a","b\n"]})"},
     {"stream", [](TShapes& o) { o.Data->WriteBuffer("\0\1\xff", 3); }, R"("data":{"className":"TMemoryStream","data":"AAH/"})"},
@@ -90,13 +85,12 @@ TEST(JSONRoundTrip, TextShowsEachMemberAndReadsBackToTheSameText) {
 
 TEST(JSONRoundTrip, TValueNumbersKeepTheirKind) {
   TShapes o;
-  FromJSON(o, R"({"any":5})");
-  EXPECT_EQ(o.Any.Kind(), tkInt64);
-  FromJSON(o, R"({"any":5.0})");
-  EXPECT_EQ(o.Any.Kind(), tkFloat);
+  for (const auto& [text, kind] : {std::pair(R"({"any":5})", tkInt64), std::pair(R"({"any":5.0})", tkFloat)}) {
+    FromJSON(o, text);
+    EXPECT_EQ(o.Any.Kind(), kind) << text;
+  }
   FromJSON(o, R"({"any":null,"v":null})");
-  EXPECT_TRUE(VarIsNull(o.Any.AsVariant()));
-  EXPECT_TRUE(VarIsNull(o.V));
+  EXPECT_TRUE(VarIsNull(o.Any.AsVariant()) && VarIsNull(o.V));
 }
 
 TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
@@ -108,9 +102,9 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   VnDeserialize(dsfJSON, TValue::FromObject(&listed), text, &created);
   ASSERT_EQ(created.GetCount(), 2) << "the cat and the document";
   ASSERT_TRUE(listed.Any.IsObject());
-  EXPECT_EQ(listed.Any.AsObject(), created.GetItem(0));
-  EXPECT_TRUE(static_cast<TCat*>(listed.Any.AsObject())->Purrs);
-  EXPECT_EQ(listed.Doc->GetAsJSON(), u"{\"className\": \"x\"}");
+  EXPECT_EQ(std::tuple(listed.Any.AsObject(), static_cast<TCat*>(listed.Any.AsObject())->Purrs,
+                       listed.Doc->GetAsJSON()),
+            std::tuple(created.GetItem(0), true, u"{\"className\": \"x\"}"));
   created.Extract(listed.Doc);
   // Given twice, the member keeps the later object; the earlier one is freed and unlisted.
   TShapes twice;
@@ -118,19 +112,17 @@ TEST(JSONRoundTrip, ATValueTakesAnObjectOnlyForACallerThatListsCreatedObjects) {
   VnDeserialize(dsfJSON, TValue::FromObject(&twice),
                 R"({"any":{"className":"TCat","name":"Tom"},"any":{"className":"TCat","name":"Kit"}})", &madeTwice);
   ASSERT_EQ(madeTwice.GetCount(), 1);
-  EXPECT_EQ(twice.Any.AsObject(), madeTwice.GetItem(0));
-  EXPECT_EQ(static_cast<TCat*>(twice.Any.AsObject())->Name, u"Kit");
+  EXPECT_EQ(std::tuple(twice.Any.AsObject(), static_cast<TCat*>(twice.Any.AsObject())->Name),
+            std::tuple(madeTwice.GetItem(0), u"Kit"));
   TShapes textLast;
   TObjectList madeThenText(true);
   VnDeserialize(dsfJSON, TValue::FromObject(&textLast), R"({"any":{"className":"TCat"},"any":"x"})", &madeThenText);
-  EXPECT_EQ(madeThenText.GetCount(), 0);
-  EXPECT_EQ(textLast.Any.AsString(), u"x");
+  EXPECT_EQ(std::tuple(madeThenText.GetCount(), textLast.Any.AsString()), std::tuple(0, u"x"));
   // A failed read frees the object again and empties the value.
   TShapes failed;
   TObjectList none(false);
   EXPECT_NE(MessageOf([&] { VnDeserialize(dsfJSON, TValue::FromObject(&failed), text + "x", &none); }), u"(nothing raised)");
-  EXPECT_TRUE(failed.Any.IsEmpty());
-  EXPECT_EQ(none.GetCount(), 0);
+  EXPECT_EQ(std::tuple(failed.Any.IsEmpty(), none.GetCount()), std::tuple(true, 0));
 }
 
 TEST(JSONRoundTrip, DocumentsAndStreamsAsTheirOwnText) {
@@ -143,8 +135,8 @@ TEST(JSONRoundTrip, DocumentsAndStreamsAsTheirOwnText) {
   // A stream member also reads from a bare Base64 string.
   TShapes o;
   FromJSON(o, R"({"data":"AAH/"})");
-  EXPECT_EQ(o.Data->GetSize(), 3);
-  EXPECT_EQ(static_cast<const unsigned char*>(o.Data->GetMemory())[2], 0xFF);
+  EXPECT_EQ(std::string(static_cast<const char*>(o.Data->GetMemory()), static_cast<size_t>(o.Data->GetSize())),
+            std::string("\0\1\xFF", 3));
 }
 
 }  // namespace

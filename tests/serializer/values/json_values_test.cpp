@@ -15,9 +15,7 @@ using namespace vn;
 
 enum TTone : uint8_t { tnSoft, tnLoud };
 VN_REGISTER_TYPE(TTone, u"uJSONValues") { b.Values({u"tnSoft", u"tnLoud"}); }
-struct TSpot {
-  Integer X = 0;
-};
+struct TSpot { Integer X = 0; };
 VN_REGISTER_TYPE(TSpot, u"uJSONValues") { b.Public(u"X", &TSpot::X); }
 
 namespace {
@@ -28,18 +26,18 @@ TEST(JSONValues, TextsThatDifferFromXML) {
   EXPECT_EQ(VnValToJSON(TValue::From<bool>(true)), u"true");
   // Without decoding the escapes stay.
   EXPECT_EQ(VnJSONToVal(u"a\\nb", TypeInfoOf<UnicodeString>(), false).AsString(), u"a\\nb");
-  EXPECT_EQ(VnJSONToVal(u"\\u00e9", TypeInfoOf<char>(), true).AsOrdinal(), 0xE9);
-  EXPECT_EQ(VnJSONToVal(u"\\u20ac", TypeInfoOf<char>(), true).AsOrdinal(), '?');
+  EXPECT_EQ(std::tuple(VnJSONToVal(u"\\u00e9", TypeInfoOf<char>(), true).AsOrdinal(),
+                      VnJSONToVal(u"\\u20ac", TypeInfoOf<char>(), true).AsOrdinal()),
+            std::tuple(Int64(0xE9), Int64('?')));
   const TDateTime epochDay = 25569;  // 1970-01-01
   EXPECT_EQ(VnJSONToVal(u"/Date(86400000)/", u"TDate", true).AsExtended(), epochDay + 1);
 }
 
 TEST(JSONValues, EnumerationsAndComplexKinds) {
-  EXPECT_EQ(VnJSONToVal(u"tnLoud", TypeInfoOf<TTone>()).AsOrdinal(), 1);
-  EXPECT_EQ(VnJSONToVal(u"0", u"uJSONValues.TTone").AsOrdinal(), 0);
+  EXPECT_EQ(std::tuple(VnJSONToVal(u"tnLoud", TypeInfoOf<TTone>()).AsOrdinal(),
+                      VnJSONToVal(u"0", u"uJSONValues.TTone").AsOrdinal()), std::tuple(Int64(1), Int64(0)));
   for (const char16_t* bad : {u"tnQuiet", u"2"})
-    EXPECT_EQ(MessageOf([&] { VnJSONToVal(bad, TypeInfoOf<TTone>()); }),
-              Format(cVnJSONToValueFailed, {bad, u"TTone"}));
+    EXPECT_EQ(MessageOf([&] { VnJSONToVal(bad, TypeInfoOf<TTone>()); }), Format(cVnJSONToValueFailed, {bad, u"TTone"}));
   EXPECT_EQ(MessageOf([] { VnJSONToVal(u"{}", TypeInfoOf<TSpot>()); }),
             Format(cVnJSONToValueUnsupported, {u"{}", u"TSpot"}));
   EXPECT_EQ(MessageOf([] { VnJSONToVal(u"1", u"TNoSuchType"); }),
@@ -65,8 +63,7 @@ TEST(JSONValues, SchemaNames) {
     UnicodeString actualFormat = u"stale";
     TVnSchemaDataType actualSchema = sdtArray;
     EXPECT_EQ(VnJSONType(TRttiContext::FindType(type), actualFormat, &actualSchema), name);
-    EXPECT_EQ(actualFormat, format);
-    EXPECT_EQ(actualSchema, schema);
+    EXPECT_EQ(std::tuple(actualFormat, actualSchema), std::tuple(UnicodeString(format), schema));
   }
   UnicodeString format = u"stale";
   EXPECT_EQ(VnJSONType(TVnTypes::GetTypeInfo(TypeInfoOf<IInterface>()), format), u"any");

@@ -22,15 +22,12 @@ class TPicky : public TObject {
 };
 VN_REGISTER_TYPE(TPicky, u"uWalker") {
   b.Published(u"Pub", &TPicky::Get)
-      .Public(u"PublicBare", &TPicky::Get)
-      .Public(u"PublicNamed", &TPicky::Get).Attr<SerializerHint>(shoName, u"x")
+      .Public(u"PublicBare", &TPicky::Get).Public(u"PublicNamed", &TPicky::Get).Attr<SerializerHint>(shoName, u"x")
       .Published(u"PubHidden", &TPicky::Get).Attr<SerializerHint>(shoName, u"")
       .Public(u"Same", &TPicky::Get).Attr<SerializerHint>(shoDoNotSerialize)
-      .Private(u"FPrivate", &TPicky::FPrivate)
-      .Public(u"FHidden", &TPicky::FHidden).Attr<SerializerHint>(shoName, u"")
+      .Private(u"FPrivate", &TPicky::FPrivate).Public(u"FHidden", &TPicky::FHidden).Attr<SerializerHint>(shoName, u"")
       .Public(u"FRenamed", &TPicky::FRenamed).Attr<SerializerHint>(shoName, u"y")
-      .Public(u"Same", &TPicky::Same)
-      .Public(u"Plain", &TPicky::Plain);
+      .Public(u"Same", &TPicky::Same).Public(u"Plain", &TPicky::Plain);
 }
 
 /// A node of a chain: Next is owned, Back and Peer are not.
@@ -76,14 +73,11 @@ TEST(Walker, CyclesEndAndSharedObjectsAreWrittenTwice) {
   auto* child = new TNode();
   root.Next = child;
   child->Back = &root;  // back to the grandparent's level: left out
-  serialdomain::TAddress shared;
-  shared.City = u"S";
+  serialdomain::TAddress shared(u"S");
   child->PeerA = child->PeerB = &shared;
-  const std::string text = Bare(&root);
-  EXPECT_EQ(text,
-            "<object><Next><Next/><PeerA><City>S</City><Zip>0</Zip></PeerA>"
-            "<PeerB><City>S</City><Zip>0</Zip></PeerB><Part></Part></Next>"
-            "<Back/><PeerA/><PeerB/><Part></Part></object>");
+  EXPECT_EQ(Bare(&root), "<object><Next><Next/><PeerA><City>S</City><Zip>0</Zip></PeerA>"
+                         "<PeerB><City>S</City><Zip>0</Zip></PeerB><Part></Part></Next>"
+                         "<Back/><PeerA/><PeerB/><Part></Part></object>");
 }
 
 TEST(Walker, ComponentsOwnedElsewhereAreWrittenByName) {
@@ -118,10 +112,8 @@ TEST(Walker, ParametersAndRootShapes) {
 }
 
 TEST(Walker, NamespacesAndNilFollowTheParameters) {
-  serialdomain::TAddress address;
-  address.City = u"Rome";
-  EXPECT_EQ(test::SerializeWith(dsfXML, TValue::FromObject(&address),
-                                {{u"xmlns", u"urn:demo"}, {u"xsi-prefix", u"i"}}),
+  serialdomain::TAddress address(u"Rome");
+  EXPECT_EQ(test::SerializeWith(dsfXML, TValue::FromObject(&address), {{u"xmlns", u"urn:demo"}, {u"xsi-prefix", u"i"}}),
             "<object xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\" "
             "i:type=\"xsd:TAddress\" xmlns=\"urn:demo\"><City i:type=\"xsd:string\">Rome</City>"
             "<Zip i:type=\"xsd:int\">0</Zip></object>");

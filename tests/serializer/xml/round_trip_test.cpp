@@ -44,8 +44,7 @@ TEST(XMLRoundTrip, DocumentsAndElementsAreTheirOwnText) {
 }
 
 TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
-  auto* home = new TAddress();
-  home->City = u"Rome";
+  auto* home = new TAddress(u"Rome");
   const std::unique_ptr<TAddress> owned(home);
   const std::pair<const char*, TValue> cases[] = {
       {"enumeration", TValue::From(kStaff)},
@@ -66,30 +65,26 @@ TEST(XMLRoundTrip, ATValueHoldsWhatItsTypeMarkNames) {
     EXPECT_EQ(VnSerialize(dsfXML, &copy), text);
     EXPECT_EQ(created.GetCount(), value.IsObject() ? 1 : 0);
     if (value.IsObject()) {
-      // Given twice, the member keeps the later object; the earlier one is freed and unlisted.
       const size_t from = text.find("<Boxed"), to = text.find("</Boxed>") + 8;
-      TVnSerializedData twice = text;
-      twice.insert(to, text.substr(from, to - from));
-      twice.replace(twice.find("Rome"), 4, "Oslo");
-      TObjectList madeTwice(true);
-      TAll copyTwice;
-      VnDeserialize(dsfXML, TValue::FromObject(&copyTwice), twice, &madeTwice);
-      ASSERT_EQ(madeTwice.GetCount(), 1);
-      EXPECT_EQ(static_cast<TAddress*>(copyTwice.Boxed.AsObject())->City, u"Rome");
-      // So does a later text: the object goes.
-      TObjectList madeThenText(true);
-      TAll textLast;
-      VnDeserialize(dsfXML, TValue::FromObject(&textLast), text.substr(0, to) + "<Boxed>x</Boxed>" + text.substr(to),
-                    &madeThenText);
-      EXPECT_EQ(madeThenText.GetCount(), 0);
-      EXPECT_EQ(textLast.Boxed.AsString(), u"x");
-      // And markup under a type that takes none: the value is left empty, never dangling.
-      TObjectList madeThenNone(true);
-      TAll noneLast;
-      VnDeserialize(dsfXML, TValue::FromObject(&noneLast),
-                    text.substr(0, to) + "<Boxed xsi:type=\"xsd:TKind\"><k/></Boxed>" + text.substr(to), &madeThenNone);
-      EXPECT_EQ(madeThenNone.GetCount(), 0);
-      EXPECT_TRUE(noneLast.Boxed.IsEmpty());
+      std::string oslo = text.substr(from, to - from);
+      oslo.replace(oslo.find("Rome"), 4, "Oslo");
+      // A later element of the member, the objects the read leaves made, the value shown after it.
+      const std::tuple<std::string, Integer, UnicodeString> laterOnes[] = {
+          {oslo, 1, u"Oslo"},  // given twice, the later object stays; the earlier one is freed and unlisted
+          {"<Boxed>x</Boxed>", 0, u"x"},  // a later text: the object goes
+          // Markup under a type that takes none: the value is left empty, never dangling.
+          {"<Boxed xsi:type=\"xsd:TKind\"><k/></Boxed>", 0, u"(empty)"},
+      };
+      for (const auto& [later, made, shown] : laterOnes) {
+        TObjectList listed(true);
+        TAll again;
+        VnDeserialize(dsfXML, TValue::FromObject(&again), text.substr(0, to) + later + text.substr(to), &listed);
+        const TValue& boxed = again.Boxed;
+        const UnicodeString got = boxed.IsEmpty()    ? u"(empty)"
+                                  : boxed.IsObject() ? static_cast<TAddress*>(boxed.AsObject())->City
+                                                     : boxed.AsString();
+        EXPECT_EQ(std::tuple(listed.GetCount(), got), std::tuple(made, shown)) << later;
+      }
     }
     // Without the caller's list no object is made for it, and the value stays empty.
     TAll unlisted;
@@ -119,13 +114,10 @@ TEST(XMLRoundTrip, AnArrayOfNoPlatformTypeHoldsItsElementsAsVariants) {
   EXPECT_EQ(test::MessageOf([&] {
               VnDeserialize(dsfXML, TValue::FromObject(&objects), head + "ArrayOfTPostBox\"><TPostBox/></Boxed></object>",
                             &created);
-            }),
-            Format(cVnBoxedObjectUnowned, {u"[0]"}));
+            }), Format(cVnBoxedObjectUnowned, {u"[0]"}));
 }
 
-struct TBox {
-  TValue Inner;
-};
+struct TBox { TValue Inner; };
 VN_REGISTER_TYPE(TBox, u"uSerial") { b.Public(u"Inner", &TBox::Inner); }
 
 TEST(XMLRoundTrip, BoxedValuesNestOnlySoDeep) {
