@@ -35,6 +35,33 @@ inline const uint8_t* FindUnit(const uint8_t* p, const uint8_t* e, uint8_t c) {
   return hit ? static_cast<const uint8_t*>(hit) : e;
 }
 
+/// What the bytes before the unit that FindUnitNoting found hold.
+struct ScanNotes {
+  bool High = false;   // a byte from 0x80 up: the run is not plain ASCII
+  bool Quote = false;  // a double quote
+};
+
+/// As FindUnit, noting what the bytes on the way hold, so that a reader of the run needs no
+/// second pass to learn it.
+inline const uint8_t* FindUnitNoting(const uint8_t* p, const uint8_t* e, uint8_t c, ScanNotes& ANotes) {
+#if defined(__SSE2__)
+  const __m128i stop = _mm_set1_epi8(static_cast<char>(c)), quote = _mm_set1_epi8('"');
+  for (; e - p >= 16; p += 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const auto hit = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, stop)));
+    const unsigned before = hit ? (hit & (0u - hit)) - 1 : 0xFFFFu;  // the bytes before the unit
+    if (static_cast<unsigned>(_mm_movemask_epi8(v)) & before) ANotes.High = true;
+    if (static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, quote))) & before) ANotes.Quote = true;
+    if (hit) return p + std::countr_zero(hit);
+  }
+#endif
+  for (; p < e && *p != c; ++p) {
+    ANotes.High |= *p >= 0x80;
+    ANotes.Quote |= *p == '"';
+  }
+  return p;
+}
+
 inline const char16_t* FindUnit(const char16_t* p, const char16_t* e, char16_t c) {
   while (e - p >= 4) {
     if (p[0] == c) return p;

@@ -36,8 +36,9 @@ class BuildSink {
                  bool ASingleQuoted) {
     B.AddAttribute(AQName, AValue, ASingleQuoted);
   }
-  void AttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool ASingleQuoted) {
-    B.AddAttributeUtf8(AQName, AValue, ASingleQuoted);
+  /// AMayHoldQuote: read from single quotes and holding a double quote; AHigh: not plain ASCII.
+  void AttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
+    B.AddAttributeUtf8(AQName, AValue, AMayHoldQuote, AHigh);
   }
   void StartElement(std::u16string_view, std::u16string_view, std::u16string_view, bool) { B.EnterElement(); }
   void EndElement(std::u16string_view, std::u16string_view, std::u16string_view) { B.EndElement(); }
@@ -47,7 +48,7 @@ class BuildSink {
     else
       B.AddText(AText);
   }
-  void CharactersUtf8(std::string_view AText) { B.AddTextUtf8(AText); }
+  void CharactersUtf8(std::string_view AText, bool AHigh) { B.AddTextUtf8(AText, AHigh); }
   void IgnorableWhitespaceUtf8(std::string_view AText) { B.AddWhitespaceUtf8(AText); }
   bool KeepsWhitespace() const { return B.KeepsWhitespace(); }
   void IgnorableWhitespace(std::u16string_view AText) { B.AddWhitespace(AText); }

@@ -182,8 +182,9 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
   if (!FSchemaInstance && IsSchemaInstanceURI(AValue)) FSchemaInstance = true;
 }
 
-void TreeBuilder::AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote) {
-  if (!IsWellFormedUtf8(AValue)) {
+void TreeBuilder::AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote,
+                                   bool AHigh) {
+  if (AHigh && !IsWellFormedUtf8(AValue)) {
     AddAttribute(AQName, DecodeUtf8Bytes(AValue, FDecoded), AMayHoldQuote);
     return;
   }
@@ -348,9 +349,9 @@ void TreeBuilder::AddText(std::u16string_view AStoredValue) {
   Place(t);
 }
 
-void TreeBuilder::AddTextUtf8(std::string_view AStoredValue) {
+void TreeBuilder::AddTextUtf8(std::string_view AStoredValue, bool AHigh) {
   Current();
-  if (!IsWellFormedUtf8(AStoredValue)) {
+  if (AHigh && !IsWellFormedUtf8(AStoredValue)) {
     AddText(DecodeUtf8Bytes(AStoredValue, FDecoded));
     return;
   }
@@ -366,7 +367,7 @@ void TreeBuilder::AddWhitespace(std::u16string_view AText) {
 
 void TreeBuilder::AddWhitespaceUtf8(std::string_view AText) {
   Current();
-  if (FKeepsWhitespace) AddTextUtf8(AText);
+  if (FKeepsWhitespace) AddTextUtf8(AText, false);  // white space is ASCII
 }
 
 void TreeBuilder::AddCDATA(std::u16string_view AText) {

@@ -35,8 +35,10 @@ class TreeBuilder {
   /// AValue as read. Values are written back in double quotes, so one that may hold a double
   /// quote (read from single quotes) keeps it as a reference and the saved text loads the same.
   void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true);
-  /// As AddAttribute for a value of UTF-8 bytes, kept as they are when well-formed.
-  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote = true);
+  /// As AddAttribute for a value of UTF-8 bytes, kept as they are when well-formed; without
+  /// AHigh the reader saw only ASCII, which needs no check.
+  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote = true,
+                        bool AHigh = true);
   /// The element of the start tag joins the node being filled and is filled next.
   void EnterElement();
   /// An end tag: the element being filled is complete. One for the target itself ends the load
@@ -44,8 +46,8 @@ class TreeBuilder {
   void EndElement();
 
   void AddText(std::u16string_view AStoredValue);
-  /// As AddText for UTF-8 bytes, kept as they are when well-formed.
-  void AddTextUtf8(std::string_view AStoredValue);
+  /// As AddText for UTF-8 bytes, kept as they are when well-formed (ASCII without AHigh).
+  void AddTextUtf8(std::string_view AStoredValue, bool AHigh = true);
   /// White space between tags, kept only where the node being filled preserves space.
   void AddWhitespace(std::u16string_view AText);
   void AddWhitespaceUtf8(std::string_view AText);

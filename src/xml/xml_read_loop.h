@@ -454,8 +454,9 @@ class XmlReadLoop {
       if constexpr (kRawUtf8) {
         if (FastUtf8) {
           const U* start = p;
-          p = FindUnit(p, end, quote);
-          S.AttributeUtf8(name.QName, Bytes(start, p), quote == U('\''));
+          ScanNotes notes;
+          p = FindUnitNoting(p, end, quote, notes);
+          S.AttributeUtf8(name.QName, Bytes(start, p), quote == U('\'') && notes.Quote, notes.High);
           p = SkipInClass(p, end, read_loop::kQuotesAndWhite);
           continue;
         }
@@ -494,13 +495,14 @@ class XmlReadLoop {
         const U* start = p;
         const U* q = SkipAtMost(p, end, 0x20);
         const bool white = q >= end || *q == U('<');
-        p = white ? q : FindUnit(q, end, U('<'));
+        ScanNotes notes;
+        p = white ? q : FindUnitNoting(q, end, U('<'), notes);
         Sync();
         if (Check && p >= end) TVnTextParser::RaiseEOF();
         if (white) {
           S.IgnorableWhitespaceUtf8(Bytes(start, p));
         } else {
-          S.CharactersUtf8(Bytes(start, p));
+          S.CharactersUtf8(Bytes(start, p), notes.High);
           if (p >= end) S.IgnorableWhitespace({});
         }
         return;
