@@ -51,7 +51,8 @@ TEST(DomUtf8Values, ReadAndSavedAsTheSameTextLoadedFromUtf16) {
       // a run longer than a step of the ASCII scans, with a sequence near its end
       "<r><k v='0123456789abcdef0123456789\xC3\xA9'>0123456789abcdef0123456789abcdef\xE2\x82\xAC</k></r>",
       // values of seven bytes and less are kept in place, from eight on in a block
-      "<r a='1234567' b='12345678' c='\xC3\xA9\xE2\x82\xAC&lt;' d='x'><k>\xF0\x9D\x84\x9E" "12</k><k>1234567</k>12345678</r>",
+      "<r a='1234567' b='12345678' c='\xC3\xA9\xE2\x82\xAC&lt;' d='x' e='0123456789abcdef say \"hi\"'>"
+      "<k>\xF0\x9D\x84\x9E" "12</k><k>1234567</k>12345678</r>",
       // white space kept, declarations with non-ASCII URIs, comments and sections
       "<r xml:space='preserve' xmlns='urn:\xC3\xA9' xmlns:p='urn:p'> <p:k p:a='v'>  </p:k><!--\xC3\xA9-->"
       "<![CDATA[<\xC3\xA9>]]> </r>",
@@ -84,7 +85,7 @@ TEST(DomUtf8Values, ReadAndSavedAsTheSameTextLoadedFromUtf16) {
 TEST(DomUtf8Values, MalformedBytesKeepTheirDecodingThroughASave) {
   // an overlong form, a lone surrogate, a cut sequence and a stray byte
   TVnDOMDocument doc;
-  doc.LoadFromAnsiXML(std::string(kDecl) + "<r a='\xC0\x80' b='\xED\xA0\x80'>x\xE2\x82</r><!--\xFF-->");
+  doc.LoadFromAnsiXML(std::string(kDecl) + "<r a='\xC0\x80' b='\xED\xA0\x80'>0123456789abcdefx\xE2\x82</r><!--\xFF-->");
   TVnDOMElement* r = doc.GetRootNode();
   const UnicodeString a = r->GetAttribute(u"a"), b = r->GetAttribute(u"b"), text = r->GetNodeValue();
   EXPECT_FALSE(a.empty());
