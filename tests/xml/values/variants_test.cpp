@@ -95,8 +95,7 @@ TEST(XMLToVariant, ScalarsAndArrays) {
   ASSERT_EQ(v.VarType(), varArray | varByte);
   EXPECT_EQ(VarArrayToBytes(v), (TBytes{0x0A, 0xFF, 0x10}));
   EXPECT_TRUE(VarIsNull(VnXMLToVariant(u"  ", varArray | varByte)));
-  EXPECT_THROW(VnXMLToVariant(u"0AF", varArray | varByte), EConvertError);
-  EXPECT_THROW(VnXMLToVariant(u"0G", varArray | varByte), EConvertError);
+  for (const char16_t* text : {u"0AF", u"0G"}) EXPECT_THROW(VnXMLToVariant(text, varArray | varByte), EConvertError);
   const Byte bytes[] = {0, 1, 0x7F, 0x80, 0xFE};
   EXPECT_EQ(VarArrayToBytes(VnXMLToVariant(VnVariantToXML(VarArrayFromBytes(bytes)), varArray | varByte)),
             TBytes(std::begin(bytes), std::end(bytes)));
