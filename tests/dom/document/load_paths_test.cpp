@@ -35,10 +35,8 @@ TEST(DomLoadPaths, DeclaredEncodingOfStreamsAndFiles) {
     TVnDOMDocument fromMemory, fromFileStream, fromFile;
     TVnStringStream memory(std::string_view(text), cVnCodePageDefault);
     fromMemory.LoadFromStream(memory);
-    {
-      TFileStream stream(name, fmOpenRead);
-      fromFileStream.LoadFromStream(stream);
-    }
+    TFileStream stream(name, fmOpenRead);
+    fromFileStream.LoadFromStream(stream);
     fromFile.LoadFromFile(name, fmOpenRead);
     for (TVnDOMDocument* doc : {&fromMemory, &fromFileStream, &fromFile}) {
       ASSERT_NE(doc->GetRootNode(), nullptr);
