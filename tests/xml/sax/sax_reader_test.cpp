@@ -32,9 +32,7 @@ Outcome ReadWith(const std::function<void(vn::TVnSAXXMLReader&)>& AParse, bool A
     out.Code = -1;
     out.Message = vn::UnicodeToUtf8(e.Message());
   }
-  out.Events = r.Events();
-  out.Line = r.Rec->FatalLine;
-  out.Col = r.Rec->FatalCol;
+  std::tie(out.Events, out.Line, out.Col) = std::tuple(r.Events(), r.Rec->FatalLine, r.Rec->FatalCol);
   return out;
 }
 
