@@ -59,9 +59,8 @@ TEST(JsonDomLoad, EveryRoadBuildsTheSameTree) {
     EXPECT_TRUE(plain.GetUseSchemaInstance());
   }
   // The text reads back as the JSON wrote it, escapes and all.
-  TVnDOMDocument doc;
-  doc.LoadFromAnsiXML(kLoads[1].Json);
-  EXPECT_EQ(test::U8(doc.GetRootNode()->SelectSingleElement(u"//a")->GetNodeValue()), "<&>\\n");
+  auto doc = TVnDOMDocument::FromAnsiXML(kLoads[1].Json);
+  EXPECT_EQ(test::U8(doc->GetRootNode()->SelectSingleElement(u"//a")->GetNodeValue()), "<&>\\n");
 }
 
 // A failed load raises EVnDomSyntax with the position, keeps what was built and ends the load;
@@ -91,11 +90,8 @@ TEST(JsonDomLoad, TripThroughBothBridges) {
       {R"({"a":[1]})", R"({"object": {"aArray": {"a": "1"}}})"},
       {R"({"a":[]})", R"({"object": {"aArray": null}})"}, {R"({"a":{}})", R"({"object": {"a": null}})"},
   };
-  for (const Case& c : kTrips) {
-    TVnDOMDocument doc;
-    doc.LoadFromAnsiXML(c.Json);
-    EXPECT_EQ(test::U8(GetJSON(*doc.GetRootNode())), c.Xml) << c.Json;
-  }
+  for (const Case& c : kTrips)
+    EXPECT_EQ(test::U8(GetJSON(*TVnDOMDocument::FromAnsiXML(c.Json)->GetRootNode())), c.Xml) << c.Json;
   // The other way: attributes become elements, and prefixes, declarations, comments,
   // instructions, text beside child elements and the order of repeated names are lost.
   auto xml = TVnDOMDocument::FromXML(u"<p:r xmlns:p=\"u\" id=\"7\"><!--c--><?i d?><x>t<y>1</y></x><z/><x>2</x></p:r>");
@@ -128,14 +124,12 @@ TEST(JsonDomLoad, CorporaLoadOrFailInOrder) {
 // A million levels load and write back without call stack; the cut text fails in order.
 TEST(JsonDomLoad, MillionDeepLoadsAndWrites) {
   const size_t depth = 1000000;
-  TVnDOMDocument doc;
-  doc.LoadFromAnsiXML(std::string(depth, '[') + "1" + std::string(depth, ']'));
-  const UnicodeString json = GetJSON(*doc.GetRootNode());
+  auto doc = TVnDOMDocument::FromAnsiXML(std::string(depth, '[') + "1" + std::string(depth, ']'));
+  const UnicodeString json = GetJSON(*doc->GetRootNode());
   // The object around it, the root and 999,999 levels of arrayArray around "array": "1".
   EXPECT_EQ(std::count(json.begin(), json.end(), u'{'), static_cast<std::ptrdiff_t>(depth + 1));
   EXPECT_EQ(json.find(u"\"array\": \"1\"}"), json.size() - depth - 1 - 12);
-  TVnDOMDocument cut;
-  EXPECT_THROW(cut.LoadFromAnsiXML(std::string(depth, '[')), EVnDomSyntax);
+  EXPECT_THROW(TVnDOMDocument::FromAnsiXML(std::string(depth, '[')), EVnDomSyntax);
 }
 
 }  // namespace

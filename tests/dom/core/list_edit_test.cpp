@@ -74,12 +74,10 @@ TEST(DomListEdits, EditsThroughANodesOwnListsKeepTheTreeWholeOthersAreRefused) {
     // Delete takes the child out of the tree: gone without an interface on it (LSan), else
     // detached and given back.
     Integer count = list->Count();
-    EXPECT_EQ(list->Delete(list->Last()), nullptr);
-    EXPECT_EQ(list->Count(), count - 1);
+    EXPECT_EQ((std::tuple{list->Delete(list->Last()), list->Count()}), std::tuple(nullptr, count - 1));
     IPtr<IVnDOMNode> held = list->First()->As<IVnDOMNode>();
     TVnDOMNode* first = list->First();
-    EXPECT_EQ(list->Delete(first), first);
-    EXPECT_EQ(first->GetParent(), nullptr);
+    EXPECT_EQ((std::tuple{list->Delete(first), first->GetParent()}), std::tuple(first, nullptr));
     ExpectConsistent(*e);
     held = nullptr;  // the interface owns it now and frees it
 
@@ -129,9 +127,8 @@ TEST(DomListEdits, EditsThroughANodesOwnListsKeepTheTreeWholeOthersAreRefused) {
 TEST(DomListEdits, DocumentListsKeepTheRootPointer) {
   TVnDOMDocument doc;
   TVnDOMNode* root = doc.GetChildNodes()->Add(new TVnDOMElement(), rdpFirst);
-  EXPECT_EQ(doc.GetRootNode(), root);
-  EXPECT_EQ(doc.GetChildNodes()->Delete(root), nullptr);
-  EXPECT_EQ(doc.GetRootNode(), nullptr);
+  EXPECT_EQ((std::tuple{doc.GetRootNode(), doc.GetChildNodes()->Delete(root), doc.GetRootNode()}),
+            std::tuple(root, nullptr, nullptr));
   doc.CreateRootNode(u"r");
   doc.GetChildNodes()->Clear();
   EXPECT_EQ(doc.GetRootNode(), nullptr);

@@ -82,8 +82,7 @@ TEST(DomSideTables, ReusedAddressesStartCleanAndThreadsShareTheTables) {
     e->SetQualifiedName(u"e");
     e->AddElement(u"c");
     EXPECT_EQ(e->GetChildNodes()->Count(), 1);
-    IPtr<IVnDOMElement> held = e->As<IVnDOMElement>();
-    held = nullptr;  // frees e, its Impl and its list object
+    e->As<IVnDOMElement>();  // an interface taken and dropped frees e, its Impl and its list object
     TVnDOMElement fresh;
     EXPECT_EQ((std::tuple{fresh.GetDOMImpl(), fresh.GetChildNodes()->Count(), fresh.GetNamespaceURI()}),
               std::tuple(nullptr, 0, u""));

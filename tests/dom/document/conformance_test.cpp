@@ -89,8 +89,7 @@ TEST(DomConformance, ManifestVerdictsOwnFailuresAndStableRoundTrips) {
 }
 
 // A parser of another class hears every event through the handler interfaces.
-class EventParser : public TVnDOMParser {
- public:
+struct EventParser : TVnDOMParser {
   using TVnDOMParser::TVnDOMParser;
 };
 

@@ -22,11 +22,7 @@ TEST(DomDocumentInterface, EveryRoadInGivesTheSameTreeSettingsAndSavedBytes) {
   // The 8-bit form names its code page: é is one byte, which UTF-8 would refuse.
   const std::string latin1 = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><r a=\"1\"><b>\xe9</b></r>";
   using Load = std::function<void(IVnDOMDocument&)>;
-  struct Road {
-    const char* Name;
-    Load In;
-  };
-  const Road roads[] = {
+  const std::pair<const char*, Load> roads[] = {
       {"LoadXML text", [](IVnDOMDocument& d) { d.LoadXML(kText); }},
       {"LoadFromXML 8-bit", [&](IVnDOMDocument& d) { d.LoadFromXML(std::string_view(latin1)); }},
       {"LoadXML stream",
@@ -37,14 +33,14 @@ TEST(DomDocumentInterface, EveryRoadInGivesTheSameTreeSettingsAndSavedBytes) {
        }},
       {"LoadFromFile", [&](IVnDOMDocument& d) { d.LoadFromFile(file, fmOpenRead); }},
   };
-  for (const Road& r : roads) {
-    SCOPED_TRACE(r.Name);
+  for (const auto& [name, load] : roads) {
+    SCOPED_TRACE(name);
     IPtr<IVnDOMDocument> doc = (new TVnDOMDocument())->As<IVnDOMDocument>();
-    r.In(*doc);
+    load(*doc);
     ASSERT_TRUE(doc->GetRootNode());
     EXPECT_EQ(doc->GetRootNode()->GetXML(), kText);
     EXPECT_EQ(doc->SelectSingleElement(u"b", {})->GetText(), u"\u00e9");
-    EXPECT_EQ(doc->GetDocumentURI(), std::string(r.Name) == "LoadFromFile" ? file : UnicodeString());
+    EXPECT_EQ(doc->GetDocumentURI(), std::string(name) == "LoadFromFile" ? file : UnicodeString());
   }
 
   IPtr<IVnDOMDocument> doc = (new TVnDOMDocument())->As<IVnDOMDocument>();

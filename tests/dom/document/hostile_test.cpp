@@ -74,12 +74,11 @@ TEST(DomHostile, LongTextRunAndDeepNesting) {
   s.reserve(depth * 7);
   for (size_t i = 0; i < depth; ++i) s += u"<d>";
   for (size_t i = 0; i < depth; ++i) s += u"</d>";
-  TVnDOMDocument doc;
-  doc.LoadXML(s);
-  TVnDOMNode* n = doc.GetRootNode();
+  auto doc = TVnDOMDocument::FromXML(s);
+  TVnDOMNode* n = doc->GetRootNode();
   size_t levels = 0;
   for (; n && n->HasChilds(); ++levels) n = n->ChildAt(0);
-  EXPECT_EQ((std::tuple{levels, doc.GetXML().size()}), std::tuple(depth - 1, depth * 7 - 2));  // innermost "<d />"
+  EXPECT_EQ((std::tuple{levels, doc->GetXML().size()}), std::tuple(depth - 1, depth * 7 - 2));  // innermost "<d />"
 }
 
 }  // namespace

@@ -16,37 +16,31 @@ namespace {
 
 TEST(DomLoadPaths, DeclaredEncodingOfStreamsAndFiles) {
   // Each text holds the byte E9: one character in ISO-8859-1, a broken sequence in UTF-8.
-  struct Case {
-    const char* Text;
-    const char16_t* RootText;
-  };
-  const Case cases[] = {
-      {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>", u"\u00e9"},
-      {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", u"\u00e9"},
-      {"<?xml version=\"1.0\" encoding='ISO-8859-1'?><a>\xE9</a>", u"\u00e9"},
+  const char* const texts[] = {
+      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>",
+      "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>",
+      "<?xml version=\"1.0\" encoding='ISO-8859-1'?><a>\xE9</a>",
       // A later double-quoted value is no encoding name.
-      {"<?xml version='1.0' encoding='ISO-8859-1' standalone=\"yes\"?><a>\xE9</a>", u"\u00e9"},
+      "<?xml version='1.0' encoding='ISO-8859-1' standalone=\"yes\"?><a>\xE9</a>",
       // The first tag is searched in any case, after blanks.
-      {" \r\n<?XML version=\"1.0\" encoding=\"iso-8859-1\"?><a>\xE9</a>", u"\u00e9"},
-      {"<a>\xC3\xA9</a>", u"\u00e9"},
-      {"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xC3\xA9</a>", u"\u00e9"},
+      " \r\n<?XML version=\"1.0\" encoding=\"iso-8859-1\"?><a>\xE9</a>",
+      "<a>\xC3\xA9</a>",
+      "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xC3\xA9</a>",
   };
   const test::TempFile file("paths.xml");
   const UnicodeString name = file.Name();
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.Text);
-    file.Write(c.Text);
+  for (const char* text : texts) {
+    SCOPED_TRACE(text);
+    file.Write(text);
     TVnDOMDocument fromMemory, fromFileStream, fromFile;
-    TVnStringStream memory(std::string_view(c.Text), cVnCodePageDefault);
+    TVnStringStream memory(std::string_view(text), cVnCodePageDefault);
     fromMemory.LoadFromStream(memory);
-    {
-      TFileStream stream(name, fmOpenRead);
-      fromFileStream.LoadFromStream(stream);
-    }
+    TFileStream stream(name, fmOpenRead);
+    fromFileStream.LoadFromStream(stream);
     fromFile.LoadFromFile(name, fmOpenRead);
     for (TVnDOMDocument* doc : {&fromMemory, &fromFileStream, &fromFile}) {
       ASSERT_NE(doc->GetRootNode(), nullptr);
-      EXPECT_EQ(doc->GetRootNode()->GetText(), c.RootText);
+      EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
     }
   }
 }

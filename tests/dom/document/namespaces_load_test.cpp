@@ -93,28 +93,24 @@ size_t LoadWork(const std::u16string& AText, std::u16string_view ADeepestURI) {
 
 TEST(DomNamespacesLoad, NestedDeclarationsCostTheSameAtAnyDepthOtherDocumentsKeepTheirLookups) {
   // One new prefix per level, and the twin that redeclares the default namespace per level.
-  struct Shape {
-    const char* Name;
-    std::u16string (*Open)(const std::u16string& AIndex);
-    std::u16string (*Close)(const std::u16string& AIndex);
-  };
-  const Shape shapes[] = {
+  using Tag = std::u16string (*)(const std::u16string& AIndex);
+  const std::tuple<const char*, Tag, Tag> shapes[] = {
       {"prefix per level", [](const std::u16string& k) { return u"<p" + k + u":a xmlns:p" + k + u"=\"urn:n" + k + u"\">"; },
        [](const std::u16string& k) { return u"</p" + k + u":a>"; }},
       {"default per level", [](const std::u16string& k) { return u"<a xmlns=\"urn:n" + k + u"\">"; },
        [](const std::u16string&) { return std::u16string(u"</a>"); }},
   };
-  for (const Shape& shape : shapes) {
-    SCOPED_TRACE(shape.Name);
+  for (const auto& [name, open, close] : shapes) {
+    SCOPED_TRACE(name);
     size_t work[2];
     for (size_t levels : {50000u, 100000u}) {
       std::u16string text;
-      for (size_t i = 0; i < levels; ++i) text += shape.Open(Utf8ToUnicode(std::to_string(i)));
-      for (size_t i = levels; i-- > 0;) text += shape.Close(Utf8ToUnicode(std::to_string(i)));
+      for (size_t i = 0; i < levels; ++i) text += open(Utf8ToUnicode(std::to_string(i)));
+      for (size_t i = levels; i-- > 0;) text += close(Utf8ToUnicode(std::to_string(i)));
       work[levels == 100000u] = LoadWork(text, u"urn:n" + Utf8ToUnicode(std::to_string(levels - 1)));
     }
     EXPECT_LT(work[1], work[0] * 5 / 2) << work[0] << " bytes at n, " << work[1] << " at 2n";
-    RecordProperty(std::string(shape.Name) + " bytes at n, 2n", std::to_string(work[0]) + ", " + std::to_string(work[1]));
+    RecordProperty(std::string(name) + " bytes at n, 2n", std::to_string(work[0]) + ", " + std::to_string(work[1]));
   }
 
   // Declaration changes in one document keep another's lookups.

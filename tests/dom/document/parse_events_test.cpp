@@ -15,17 +15,14 @@ namespace {
 TEST(DomParseEvents, EachLoadReachesTheEventsOfItsTargetNode) {
   enum Target { Detached, InDocument, Document };
   enum Answer { Leave, Handle, Raise };
-  struct Case {
-    Target Into;
-    Answer Hook;
-  };
-  for (Case c : {Case{Detached, Leave}, Case{Detached, Handle}, Case{Detached, Raise}, Case{InDocument, Leave},
-                 Case{Document, Handle}}) {
-    SCOPED_TRACE(testing::Message() << "target " << c.Into << ", answer " << c.Hook);
+  using Case = std::pair<Target, Answer>;
+  for (auto [into, hook] : {Case{Detached, Leave}, Case{Detached, Handle}, Case{Detached, Raise},
+                            Case{InDocument, Leave}, Case{Document, Handle}}) {
+    SCOPED_TRACE(testing::Message() << "target " << into << ", answer " << hook);
     TVnDOMDocument doc;
     TVnDOMElement detached;
-    TVnDOMElement* element = c.Into == Detached ? &detached : doc.CreateRootNode(u"r");
-    TVnDOMNode* target = c.Into == Document ? static_cast<TVnDOMNode*>(&doc) : element;
+    TVnDOMElement* element = into == Detached ? &detached : doc.CreateRootNode(u"r");
+    TVnDOMNode* target = into == Document ? static_cast<TVnDOMNode*>(&doc) : element;
     int targetCalls = 0, otherCalls = 0;
     Integer line = 0;
     UnicodeString message;
@@ -33,8 +30,8 @@ TEST(DomParseEvents, EachLoadReachesTheEventsOfItsTargetNode) {
       ++targetCalls;
       line = ALocator->GetLineNr();
       message = AErrMsg;
-      if (c.Hook == Raise) throw EVnSAXNotSupportedException(u"stop");
-      AHandled = c.Hook == Handle;
+      if (hook == Raise) throw EVnSAXNotSupportedException(u"stop");
+      AHandled = hook == Handle;
     });
     // Events of other nodes stay silent: the document's hears nothing of a load into its element.
     TVnDOMNode* other = target == &doc ? static_cast<TVnDOMNode*>(element) : &doc;
@@ -46,7 +43,7 @@ TEST(DomParseEvents, EachLoadReachesTheEventsOfItsTargetNode) {
       else
         element->SetInnerXML(u"<a/>\r\n<b x=/>");
     };
-    switch (c.Hook) {
+    switch (hook) {
       case Leave: {
         const UnicodeString raised = test::MessageOf<EVnDomSyntax>(load);
         EXPECT_EQ(raised.rfind(u"Line 2, column ", 0), 0u) << UnicodeToUtf8(raised);

@@ -2,6 +2,8 @@
 // would read back differently is refused instead of written.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "common/message_of.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
@@ -23,11 +25,8 @@ void ExpectOutputs(TVnDOMDocument& ADoc, std::u16string_view AMessage) {
 }
 
 TEST(OutputNames, LoadSaveReloadGivesTheSameTreeOrTheSaveRefuses) {
-  struct Case {
-    const char16_t* FXML;
-    const char16_t* FRefused;  // the attribute name refused, or nil where the round trip holds
-  };
-  const Case cases[] = {
+  // Each text with the attribute name refused, or nil where the round trip holds.
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
       {u"<a p::b=\"1\" c:d=\"2\" e:=\"3\"/>", nullptr},
       {u"<c =\"\" x=\"1\" =\"2\"/>", nullptr},  // empty names read back empty
       {u"<a b/c=\"1\" d\"e=\"2\" f g=\"3\"/>", nullptr}, {u"<a\t b \t= '1'\r\nc='x\"y'/>", nullptr},
@@ -36,12 +35,12 @@ TEST(OutputNames, LoadSaveReloadGivesTheSameTreeOrTheSaveRefuses) {
       {u"<c =\"\":\"=\"\">", u"\""},          // a quote behind a value is skipped
       {u"<a x=\"1\"::y=\"2\"/>", u":y"},      // one colon in front is dropped
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FXML));
+  for (const auto& [xml, refused] : cases) {
+    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(xml));
     TVnDOMDocument doc;
-    doc.LoadXML(c.FXML);
-    if (c.FRefused) {
-      ExpectOutputs(doc, Format(cVnDomAttributeNameNotWritable, {c.FRefused}));
+    doc.LoadXML(xml);
+    if (refused) {
+      ExpectOutputs(doc, Format(cVnDomAttributeNameNotWritable, {refused}));
       continue;
     }
     ExpectOutputs(doc, u"");
@@ -53,54 +52,45 @@ TEST(OutputNames, LoadSaveReloadGivesTheSameTreeOrTheSaveRefuses) {
 }
 
 TEST(OutputNames, NamesGivenByProgramAreCheckedLikeLoadedOnes) {
-  struct Case {
-    bool FElement;
-    const char16_t* FName;
-    bool FWritable;
-  };
-  const Case cases[] = {
+  const std::tuple<bool, const char16_t*, bool> cases[] = {  // element or attribute, name, writable
       {true, u"a:b:c", true},  {true, u"_x.y-z", true}, {true, u"\u00e9t\u00e9", true},
       {true, u"a b", false},   {true, u"1a", false},    {true, u"a:", false},
       {true, u"a:1", false},   {true, u"a/b", false},   {true, u"<a", false},
       {true, u"", false},      {false, u"a<b", false},  {false, u"a=b", false},
       {false, u" a", false},   {false, u"a\t", false},  {false, u"'a", false},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FName));
+  for (const auto& [element, name, writable] : cases) {
+    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(name));
     TVnDOMDocument doc;
     TVnDOMElement* root = doc.CreateRootNode(u"r");
-    if (c.FElement)
-      root->AddElement(c.FName);
+    if (element)
+      root->AddElement(name);
     else
-      root->AddAttribute(c.FName)->SetNodeValue(u"v");
-    const char16_t* message = c.FElement ? cVnDomElementNameNotWritable : cVnDomAttributeNameNotWritable;
-    ExpectOutputs(doc, c.FWritable ? UnicodeString() : Format(message, {c.FName}));
+      root->AddAttribute(name)->SetNodeValue(u"v");
+    const char16_t* message = element ? cVnDomElementNameNotWritable : cVnDomAttributeNameNotWritable;
+    ExpectOutputs(doc, writable ? UnicodeString() : Format(message, {name}));
   }
 }
 
 TEST(OutputNames, TextsThatWouldEndTheirNodeEarlyAreRefused) {
-  struct Case {
-    const char16_t* FValue;
-    const char16_t* FMessage;  // nullptr: written
-    void (*FAdd)(TVnDOMDocument&, const char16_t*);
-  };
+  using Add = void (*)(TVnDOMDocument&, const char16_t*);
   auto cdata = [](TVnDOMDocument& d, const char16_t* v) { d.GetRootNode()->AddCDATA(v); };
   auto comment = [](TVnDOMDocument& d, const char16_t* v) { d.GetRootNode()->AddComment(v); };
   auto instruction = [](TVnDOMDocument& d, const char16_t* v) { d.SetProcessingInstruction(u"pi", v); };
   auto target = [](TVnDOMDocument& d, const char16_t* v) { d.SetProcessingInstruction(v, u"d"); };
-  const Case cases[] = {
+  const std::tuple<const char16_t*, const char16_t*, Add> cases[] = {  // value, message (nullptr: written), how
       {u"a]]b>", nullptr, cdata},      {u"a]]>b", cVnDomCDATANotWritable, cdata},
       {u"a--b-", nullptr, comment},    {u"a-->b", cVnDomCommentNotWritable, comment},
       {u"a>b", nullptr, instruction},  {u"a?b>", cVnDomInstructionNotWritable, instruction},
       {u"a?>b", cVnDomInstructionNotWritable, instruction}, {u" a", cVnDomInstructionNotWritable, instruction},
       {u"p i", cVnDomInstructionTargetNotWritable, target}, {u"p?", cVnDomInstructionTargetNotWritable, target},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FValue));
+  for (const auto& [value, message, add] : cases) {
+    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(value));
     TVnDOMDocument doc;
     doc.CreateRootNode(u"r");
-    c.FAdd(doc, c.FValue);
-    ExpectOutputs(doc, c.FMessage ? Format(c.FMessage, {c.FValue}) : UnicodeString());
+    add(doc, value);
+    ExpectOutputs(doc, message ? Format(message, {value}) : UnicodeString());
   }
 }
 

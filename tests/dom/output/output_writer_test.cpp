@@ -20,8 +20,7 @@ namespace {
 using test::ReadFile;
 
 // A stream that is no memory stream: the writer has to hand it blocks through Write.
-class TRecordingStream : public TStream {
- public:
+struct TRecordingStream : TStream {
   Int64 Read(void* ABuffer, Int64 ACount) override {
     const Int64 n = std::min<Int64>(ACount, static_cast<Int64>(Bytes.size()) - FPos);
     if (n <= 0) return 0;
@@ -49,8 +48,7 @@ class TRecordingStream : public TStream {
 };
 
 // A memory stream of the host's: its Write must still be called.
-class TCountingMemoryStream : public TMemoryStream {
- public:
+struct TCountingMemoryStream : TMemoryStream {
   Int64 Write(const void* ABuffer, Int64 ACount) override {
     ++Writes;
     return TMemoryStream::Write(ABuffer, ACount);
@@ -60,8 +58,7 @@ class TCountingMemoryStream : public TMemoryStream {
 };
 
 // Host classes without a class record of their own, which mark where they write.
-class TMarkedElement : public TVnDOMElement {
- public:
+struct TMarkedElement : TVnDOMElement {
   void _SaveToStream(TStream& AStream, Word ACodePage, bool AFormatted, Integer& ALevel) override {
     AStream.WriteBuffer("[", 1);
     TVnDOMElement::_SaveToStream(AStream, ACodePage, AFormatted, ALevel);
@@ -69,8 +66,7 @@ class TMarkedElement : public TVnDOMElement {
   }
 };
 
-class TMarkedText : public TVnDOMText {
- public:
+struct TMarkedText : TVnDOMText {
   void _SaveToStream(TStream& AStream, Word, bool, Integer&) override { AStream.WriteBuffer("{}", 2); }
 };
 

@@ -43,8 +43,7 @@ class TEcho : public TObject { VN_DECLARE_CLASS(TEcho, TObject) };
 
 /// Tells from another thread whether the object's critical section is taken.
 template <class T>
-class TLockProbe : public T {
- public:
+struct TLockProbe : T {
   bool LockedElsewhere() {
     bool free = false;
     std::thread([&] {

@@ -19,10 +19,8 @@ UnicodeString Shape(std::u16string_view APath, std::u16string_view AExpected, st
 struct TBox { TValue Inner; TPet* Pet = nullptr; };
 VN_REGISTER_TYPE(TBox, u"uJSONTest") { b.Public(u"Inner", &TBox::Inner).Public(u"Pet", &TBox::Pet); }
 
-struct BadText { const char* Text; UnicodeString Message; };
-
 TEST(JSONBadInput, FailsNamingTheMember) {
-  const BadText cases[] = {
+  const std::pair<const char*, UnicodeString> cases[] = {
       {R"({"i":{}})", Shape(u"i", u"a value of Integer", u"an object")},
       {R"({"i":[1]})", Shape(u"i", u"a value of Integer", u"an array")},
       {R"({"ints":{}})", Shape(u"ints", u"an array of Integer", u"an object")},
@@ -44,10 +42,8 @@ TEST(JSONBadInput, FailsNamingTheMember) {
       {R"({"pets":[{"className":"TPet"},{"className":"TRock","weight":1}]})",
        At(u"pets[1]", vn::Format(cVnClassNotADescendant, {u"TRock", u"TPet"}))},
   };
-  for (const BadText& c : cases) {
-    TShapes o;
-    EXPECT_EQ(MessageOf([&] { FromJSON(o, c.Text); }), c.Message) << c.Text;
-  }
+  for (const auto& [text, message] : cases)
+    EXPECT_EQ(MessageOf([&] { TShapes o; FromJSON(o, text); }), message) << text;
 }
 
 TEST(JSONBadInput, ConversionFailuresKeepTheirCauseBehindThePath) {
@@ -59,8 +55,7 @@ TEST(JSONBadInput, ConversionFailuresKeepTheirCauseBehindThePath) {
       {R"({"any":{"className":"SetOfTTone","asInt":8}})", u"any"},
   };
   for (const auto& [text, path] : cases) {
-    TShapes o;
-    const UnicodeString message = MessageOf([&] { FromJSON(o, text); });
+    const UnicodeString message = MessageOf([&] { TShapes o; FromJSON(o, text); });
     EXPECT_TRUE(message.starts_with(At(path, u""))) << text << " gave " << UnicodeToUtf8(message);
   }
 }

@@ -14,11 +14,7 @@ class TPicky : public TObject {
   VN_DECLARE_CLASS(TPicky, TObject)
  public:
   Integer Get() const { return 1; }
-  Integer FPrivate = 2;
-  Integer FHidden = 3;
-  Integer FRenamed = 4;
-  Integer Same = 5;
-  Integer Plain = 6;
+  Integer FPrivate = 2, FHidden = 3, FRenamed = 4, Same = 5, Plain = 6;
 };
 VN_REGISTER_TYPE(TPicky, u"uWalker") {
   b.Published(u"Pub", &TPicky::Get)

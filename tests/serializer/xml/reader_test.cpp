@@ -38,8 +38,7 @@ using vn::test::U8;
 
 TEST(XMLReader, MembersFromElementsAndRootAttributes) {
   TAll all;
-  const auto* home = new TAddress();
-  all.Home = const_cast<TAddress*>(home);
+  const TAddress* const home = all.Home = new TAddress();
   EXPECT_EQ(Read(all,
                  "<type>ignored</type><className>x</className>"
                  "<Home><City>Rome</City></Home><Other xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
@@ -64,8 +63,7 @@ TEST(XMLReader, EnumerationTextsAndEmptyTexts) {
   for (const auto& [text, kind] : cases) {
     TAll all;
     all.Kind = kStaff;
-    EXPECT_EQ(Read(all, text), "<no exception>") << text;
-    EXPECT_EQ(all.Kind, kind) << text;
+    EXPECT_EQ((std::tuple{Read(all, text), all.Kind}), std::tuple("<no exception>", kind)) << text;
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 #include "vnxml/common/exception.h"
 #include "vnxml/common/vn_streams.h"
@@ -13,15 +14,9 @@ namespace {
 
 // ---- escaping ----
 
-struct EscapeCase {
-  std::u16string_view Input;
-  bool Apostrophe;
-  bool Quote;
-  std::u16string_view Expected;
-};
-
 TEST(VnStrToXML, ReplacesMarkupAndControlCharacters) {
-  const EscapeCase cases[] = {
+  // Input, apostrophe, quote, expected.
+  const std::tuple<std::u16string_view, bool, bool, std::u16string_view> cases[] = {
       {u"", true, true, u""}, {u"plain text", true, true, u"plain text"},
       {u"a<b>c&d", false, false, u"a&lt;b&gt;c&amp;d"},
       {u"]]>", false, false, u"]]&gt;"},  // '>' always, not only after "]]"
@@ -33,9 +28,8 @@ TEST(VnStrToXML, ReplacesMarkupAndControlCharacters) {
       {u"<<", true, true, u"&lt;&lt;"},
       {u"&amp;", true, true, u"&amp;amp;"},  // already escaped text is escaped again
   };
-  for (const EscapeCase& c : cases)
-    EXPECT_EQ(VnStrToXML(c.Input, c.Apostrophe, c.Quote), c.Expected)
-        << std::string(c.Input.begin(), c.Input.end());
+  for (const auto& [input, apostrophe, quote, expected] : cases)
+    EXPECT_EQ(VnStrToXML(input, apostrophe, quote), expected) << std::string(input.begin(), input.end());
 }
 
 TEST(VnStrToXML, StringFormDropsCharacterZeroOtherFormsKeepItAndWorkOnBytes) {

@@ -131,31 +131,26 @@ TEST(SaxReaderFrame, LocatorInterfacesAndTheLocatorDuringEvents) {
 TEST(SaxReaderFrame, EntryPoints) {
   const std::string xml = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>";
   auto chars = [](RecordingReader& r) { return r.Events().at(3); };
-  {
-    RecordingReader r;  // a stream stays the caller's and is read from its position
-    TMemoryStream stream;
-    stream.WriteBuffer("junk", 4);
-    stream.WriteBuffer(xml.data(), static_cast<Int64>(xml.size()));
-    stream.SetPosition(4);
-    r.Reader.ParseStream(&stream, 0, u"");
-    EXPECT_EQ(chars(r), "chars(\xC3\xA9)");
-  }
-  {
-    RecordingReader r;  // 8-bit text with the caller's code page: the declaration is not read
-    r.Reader.Parse(std::string_view("<a>\xC3\xA9</a>"), 65001, u"");
-    EXPECT_EQ(r.Events().at(2), "chars(\xC3\xA9)");
-  }
-  {
-    // Only ParseFile looks for a byte-order mark, and the mark wins over the declaration.
-    std::string bom = "\xFF\xFE";
-    for (char c : std::string("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>")) bom += {c, '\0'};
-    const test::TempFile file("sax_entry.xml", bom);
-    RecordingReader r;
-    r.Reader.ParseFile(file.Name(), fmOpenRead, u"file");
-    EXPECT_EQ(chars(r), "chars(\xC3\xA9)");
-    // The same bytes through ParseBuffer: the mark isn't looked for.
-    EXPECT_THROW(RecordingReader().Reader.ParseBuffer(bom.data(), Int64(bom.size()), 0, u""), EVnXMLParseError);
-  }
+  RecordingReader fromStream;  // a stream stays the caller's and is read from its position
+  TMemoryStream stream;
+  stream.WriteBuffer("junk", 4);
+  stream.WriteBuffer(xml.data(), static_cast<Int64>(xml.size()));
+  stream.SetPosition(4);
+  fromStream.Reader.ParseStream(&stream, 0, u"");
+  EXPECT_EQ(chars(fromStream), "chars(\xC3\xA9)");
+  RecordingReader withCodePage;  // 8-bit text with the caller's code page: the declaration is not read
+  withCodePage.Reader.Parse(std::string_view("<a>\xC3\xA9</a>"), 65001, u"");
+  EXPECT_EQ(withCodePage.Events().at(2), "chars(\xC3\xA9)");
+
+  // Only ParseFile looks for a byte-order mark, and the mark wins over the declaration.
+  std::string bom = "\xFF\xFE";
+  for (char c : std::string("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>")) bom += {c, '\0'};
+  const test::TempFile file("sax_entry.xml", bom);
+  RecordingReader fromFile;
+  fromFile.Reader.ParseFile(file.Name(), fmOpenRead, u"file");
+  EXPECT_EQ(chars(fromFile), "chars(\xC3\xA9)");
+  // The same bytes through ParseBuffer: the mark isn't looked for.
+  EXPECT_THROW(RecordingReader().Reader.ParseBuffer(bom.data(), Int64(bom.size()), 0, u""), EVnXMLParseError);
   EXPECT_THROW(RecordingReader().Reader.ParseFile(test::TempFile("missing.xml").Name(), fmOpenRead, u""), EFOpenError);
 }
 

@@ -32,9 +32,7 @@ Outcome ReadWith(const std::function<void(vn::TVnSAXXMLReader&)>& AParse, bool A
     out.Code = -1;
     out.Message = vn::UnicodeToUtf8(e.Message());
   }
-  out.Events = r.Events();
-  out.Line = r.Rec->FatalLine;
-  out.Col = r.Rec->FatalCol;
+  std::tie(out.Events, out.Line, out.Col) = std::tuple(r.Events(), r.Rec->FatalLine, r.Rec->FatalCol);
   return out;
 }
 
@@ -136,10 +134,7 @@ TEST(SaxReader, SingleRootCheckAndFailures) {
 
   // Codes (-1: the text ended), and where the locator stands when FatalError hears of them: at the
   // end of text, the start of the construct in which the text ended.
-  struct Case {
-    const char* Xml;
-    int Code, Line, Col;
-  } cases[] = {
+  const std::tuple<const char*, int, int, int> cases[] = {
       {"<a/>x", vn::cVnXMLErrInvalidTextAtRoot, 1, 5}, {"<a/><b/>", vn::cVnXMLErrMultipleRoot, 1, 5},
       {"", vn::cVnXMLErrNotWellFormed, 1, 1}, {"<a></a\n>", vn::cVnXMLErrNotWellFormed, 1, 7},
       {"<a b/>", vn::cVnXMLErrMissingAttribute, 1, 6}, {"<r>\n  <a<b/></r>", vn::cVnXMLErrELMNotClosed, 2, 5},
@@ -154,7 +149,7 @@ TEST(SaxReader, SingleRootCheckAndFailures) {
       {"<r>\n<a", -1, 2, 3},                 // the attribute list that never began
       {"<!DOCTYPE r [\n<!ELEMENT r>", -1, 1, 2},
   };
-  for (const Case& c : cases) ExpectFailure(c.Xml, c.Code, c.Line, c.Col);
+  for (const auto& [xml, code, line, col] : cases) ExpectFailure(xml, code, line, col);
 
   const std::string rowCol = Read("<r>\n<a<b/></r>").Message;
   EXPECT_NE(rowCol.find("(Row: 2, Col: 1)"), std::string::npos) << rowCol;

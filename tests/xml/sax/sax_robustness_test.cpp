@@ -14,8 +14,7 @@ using namespace vn;
 namespace {
 
 // Counts events without keeping them.
-class Counter : public test::NullSaxHandler {
- public:
+struct Counter : test::NullSaxHandler {
   int64_t Starts = 0, Ends = 0, Other = 0;
   bool Ended = false;
   void Characters(SV) override { ++Other; }

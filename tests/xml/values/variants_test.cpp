@@ -58,12 +58,7 @@ TEST(VariantToXML, ScalarsAndArrays) {
 
 TEST(XMLToVariant, ScalarsAndArrays) {
   TimeZoneScope zone(test::cZoneBerlin);
-  struct Case {
-    const char16_t* Text;
-    TVarType Type;
-    Variant Expected;
-  };
-  const Case cases[] = {
+  const std::tuple<const char16_t*, TVarType, Variant> cases[] = {
       {u"-7", varSmallint, Variant(SmallInt(-7))}, {u"70000", varInteger, Variant(70000)},
       {u"300", varShortInt, Variant(ShortInt(44))}, {u"255", varByte, Variant(Byte(255))},
       {u"65535", varWord, Variant(Word(65535))}, {u"4294967295", varLongWord, Variant(LongWord(4294967295u))},
@@ -75,11 +70,11 @@ TEST(XMLToVariant, ScalarsAndArrays) {
       {u"a&amp;b", varVariant, Variant(u"a&amp;b")},  // kept as it stands
       {u"", varInteger, Variant(0)},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(U8(c.Text));
-    Variant v = VnXMLToVariant(c.Text, c.Type);
-    EXPECT_EQ(v.VarType(), c.Expected.VarType());
-    EXPECT_TRUE(v == c.Expected) << U8(VarToStr(v));
+  for (const auto& [text, type, expected] : cases) {
+    SCOPED_TRACE(U8(text));
+    Variant v = VnXMLToVariant(text, type);
+    EXPECT_EQ(v.VarType(), expected.VarType());
+    EXPECT_TRUE(v == expected) << U8(VarToStr(v));
   }
   EXPECT_TRUE(VarIsEmpty(VnXMLToVariant(u"x", varEmpty)));
   EXPECT_TRUE(VarIsNull(VnXMLToVariant(u"x", varNull)));
@@ -100,8 +95,7 @@ TEST(XMLToVariant, ScalarsAndArrays) {
   ASSERT_EQ(v.VarType(), varArray | varByte);
   EXPECT_EQ(VarArrayToBytes(v), (TBytes{0x0A, 0xFF, 0x10}));
   EXPECT_TRUE(VarIsNull(VnXMLToVariant(u"  ", varArray | varByte)));
-  EXPECT_THROW(VnXMLToVariant(u"0AF", varArray | varByte), EConvertError);
-  EXPECT_THROW(VnXMLToVariant(u"0G", varArray | varByte), EConvertError);
+  for (const char16_t* text : {u"0AF", u"0G"}) EXPECT_THROW(VnXMLToVariant(text, varArray | varByte), EConvertError);
   const Byte bytes[] = {0, 1, 0x7F, 0x80, 0xFE};
   EXPECT_EQ(VarArrayToBytes(VnXMLToVariant(VnVariantToXML(VarArrayFromBytes(bytes)), varArray | varByte)),
             TBytes(std::begin(bytes), std::end(bytes)));

@@ -34,15 +34,13 @@ TEST(XPathRegistries, HoldFunctionsInOrderAndFindCollationsByExactURI) {
 }
 
 // A host function: the count of its parameters.
-class TestFnArgCount : public TVnXPathFunction {
- public:
+struct TestFnArgCount : TVnXPathFunction {
   using TVnXPathFunction::TVnXPathFunction;
   Variant Value(const TVnDOMObjectList&, Integer) override { return ParamCount(); }
 };
 
 // A host function registered under a library name: never reached, the first registration wins.
-class TestFnShadow : public TVnXPathFunction {
- public:
+struct TestFnShadow : TVnXPathFunction {
   using TVnXPathFunction::TVnXPathFunction;
   Variant Value(const TVnDOMObjectList&, Integer) override { return u"shadow"; }
 };

@@ -1,5 +1,7 @@
 // Work of a selection: it stays within nodes x steps where a node is reached again with the same
 // rest of the path, absolute paths in filters run once, and soCreate below a "//" search ends.
+#include <tuple>
+
 #include "vnxml/common/utf.h"
 #include "xpath/path/select_helpers.h"
 #include "xpath/path_engine.h"
@@ -20,12 +22,8 @@ std::unique_ptr<TVnDOMDocument> Tree(int AN, bool AWide) {
 }
 
 TEST(PathWork, NodesReachedAgainCostLinearWorkAndKeepTheOrderOfFirstDiscovery) {
-  struct Case {
-    const char16_t* FPath;
-    bool FWide;
-    int FSize, FPerNode, FLess;  // selects FPerNode * size - FLess nodes
-  };
-  const Case cases[] = {
+  // Path, wide tree, size, and the nodes it selects: perNode * size - less.
+  const std::tuple<const char16_t*, bool, int, int, int> cases[] = {
       // The rest of the path ran again from every "a" above a node.
       {u"//a//a//a", false, 200, 1, 2},
       {u"//a//a//a//a", false, 60, 1, 3},
@@ -39,14 +37,14 @@ TEST(PathWork, NodesReachedAgainCostLinearWorkAndKeepTheOrderOfFirstDiscovery) {
       {u"//((((a))))", false, 200, 1, 0},
       {u"//((x))/y", true, 100, 1, 0},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(c.FPath));
+  for (const auto& [path, wide, size, perNode, less] : cases) {
+    SCOPED_TRACE(testing::Message() << UnicodeToUtf8(path));
     uint64_t work[2];
     for (int i = 0; i < 2; ++i) {
-      const int n = c.FSize << i;
-      auto doc = Tree(n, c.FWide);
+      const int n = size << i;
+      auto doc = Tree(n, wide);
       const uint64_t before = detail::PathWork();
-      EXPECT_EQ(CreateNodeList(doc.get(), c.FPath)->Count(), c.FPerNode * n - c.FLess);
+      EXPECT_EQ(CreateNodeList(doc.get(), path)->Count(), perNode * n - less);
       work[i] = detail::PathWork() - before;
     }
     // Twice the nodes, about twice the work; a power of two or more would give four times.

@@ -40,8 +40,6 @@ inline UnicodeString Sel(TVnDOMNode* ANode, std::u16string_view APath, TVnDOMSel
 
 /// Runs AAction and expects an exception of class E whose message is AMessage.
 template <class E, class F>
-void ExpectError(F&& AAction, std::u16string_view AMessage) {
-  EXPECT_EQ(MessageOf<E>(AAction), AMessage);
-}
+void ExpectError(F&& AAction, std::u16string_view AMessage) { EXPECT_EQ(MessageOf<E>(AAction), AMessage); }
 
 }  // namespace vn::test
