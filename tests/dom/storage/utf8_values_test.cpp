@@ -5,6 +5,8 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "dom/stored_text.h"
@@ -92,9 +94,9 @@ TEST(DomUtf8Values, MalformedBytesKeepTheirDecodingThroughASave) {
   EXPECT_FALSE(static_cast<TVnDOMText*>(r->CharNodesView()[0])->StoredText().IsUtf8());
   TVnDOMDocument again;
   again.LoadFromAnsiXML(Save(doc, cVnCodePageUTF8));
-  EXPECT_EQ(again.GetRootNode()->GetAttribute(u"a"), a);
-  EXPECT_EQ(again.GetRootNode()->GetAttribute(u"b"), b);
-  EXPECT_EQ(again.GetRootNode()->GetNodeValue(), text);
+  TVnDOMElement* back = again.GetRootNode();
+  EXPECT_EQ((std::tuple{back->GetAttribute(u"a"), back->GetAttribute(u"b"), back->GetNodeValue()}),
+            std::tuple(a, b, text));
 }
 
 TEST(DomUtf8Values, LoadedValuesEditCloneAndMoveAsBefore) {
@@ -107,8 +109,7 @@ TEST(DomUtf8Values, LoadedValuesEditCloneAndMoveAsBefore) {
   auto* t0 = static_cast<TVnDOMText*>(k0->CharNodesView()[0]);
   t0->AppendStr(u"\u00e9");
   t0->InsertStr(1, u">");
-  EXPECT_EQ(t0->GetNodeValue(), u">\u20ac<1\u00e9");
-  EXPECT_EQ(t0->Substring(2, 2), u"\u20ac<");
+  EXPECT_EQ((std::tuple{t0->GetNodeValue(), t0->Substring(2, 2)}), std::tuple(u">\u20ac<1\u00e9", u"\u20ac<"));
   r->AttributeByName(u"a")->SetNodeValue(r->GetAttribute(u"a") + u"\"");
   EXPECT_EQ(r->GetAttribute(u"a"), u"\u00e9&\"");
   // a clone and a moved node keep their values in the other document, after this one is gone
@@ -124,11 +125,7 @@ TEST(DomUtf8Values, LoadedValuesEditCloneAndMoveAsBefore) {
 }
 
 TEST(DomUtf8Values, WellFormedUtf8IsTheStrictForm) {
-  struct Case {
-    const char* Bytes;
-    bool Ok;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, bool> cases[] = {
       {"", true},
       {"plain ascii, longer than eight bytes", true},
       {"\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E\xF4\x8F\xBF\xBF", true},
@@ -142,7 +139,7 @@ TEST(DomUtf8Values, WellFormedUtf8IsTheStrictForm) {
       {"\x80", false},
       {"\xFF", false},
   };
-  for (const Case& c : cases) EXPECT_EQ(detail::IsWellFormedUtf8(c.Bytes), c.Ok) << c.Bytes;
+  for (const auto& [bytes, ok] : cases) EXPECT_EQ(detail::IsWellFormedUtf8(bytes), ok) << bytes;
 }
 
 }  // namespace
