@@ -49,7 +49,7 @@ TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
   }
 }
 
-TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
+TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOneEmptyWritesNothing) {
   struct Case { TVnDOMNodeType Type; Integer MinOccurs; bool Required; const char* Expected; } cases[] = {
       {ntElement, 0, false, "<r />"},   {ntElement, 1, false, "<r><x /></r>"},
       {ntElement, 2, false, "<r />"},   {ntElement, 0, true, "<r><x /></r>"},
@@ -63,9 +63,7 @@ TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
     EXPECT_EQ(std::tuple(created, value, f.XML()), std::tuple(std::string(c.Expected) != "<r />", u"", c.Expected))
         << c.Type << " min " << c.MinOccurs;
   }
-}
-
-TEST(SchemaElement, EmptyValueOnAMissingNodeCreatesNothing) {
+  // An empty value written to a missing node creates nothing.
   Fixture f(u"<r/>", {u"s"});
   f.Schema.AddSchemaInfo(1, ntAttribute, u"t");
   f.Schema.SetStringValue(0, u"");
@@ -155,11 +153,9 @@ TEST(SchemaElement, EventFiresOncePerRowAndMayReadItsOwnRow) {
     EXPECT_EQ(ASender, &f.Schema);
     ASender->GetIntValue(0);  // its own row for a, another row (fired too) for b
   };
-  const Integer a = f.Schema.GetIntValue(0);
-  EXPECT_EQ(std::tuple(a, fired), std::tuple(1, std::vector<UnicodeString>{u"a"}));
+  EXPECT_EQ((std::tuple{f.Schema.GetIntValue(0), fired}), std::tuple(1, std::vector<UnicodeString>{u"a"}));
   fired.clear();
-  const Integer b = f.Schema.GetIntValue(1);
-  EXPECT_EQ(std::tuple(b, fired), std::tuple(2, std::vector<UnicodeString>{u"b", u"a"}));
+  EXPECT_EQ((std::tuple{f.Schema.GetIntValue(1), fired}), std::tuple(2, std::vector<UnicodeString>{u"b", u"a"}));
 }
 
 TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
