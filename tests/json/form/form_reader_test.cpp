@@ -58,10 +58,7 @@ const Case kForms[] = {
 
 TEST(FormReader, KeysAndValuesBuildOneObject) {
   FormReader r;
-  for (const Case& c : kForms) {
-    const std::string trace = r.Read(c.Text);
-    EXPECT_EQ(std::tuple(trace, r.Failure), std::tuple(c.Trace, u"")) << c.Text;
-  }
+  for (const Case& c : kForms) EXPECT_EQ((std::tuple{r.Read(c.Text), r.Failure}), std::tuple(c.Trace, u"")) << c.Text;
 }
 
 // Trace: ends with the place of the failure, !line:col
@@ -80,10 +77,9 @@ TEST(FormReader, FailuresReachTheErrorHandlerWithTheirPlace) {
       {"a[b", "< { m:a !1:4", eof},
   };
   FormReader r;
-  for (const Failure& c : kFailures) {
-    const std::string trace = r.Read(c.Text);
-    EXPECT_EQ(std::tuple(trace, r.Failure, r.Rec.FatalMessage), std::tuple(c.Trace, c.Message, c.Message)) << c.Text;
-  }
+  for (const Failure& c : kFailures)
+    EXPECT_EQ((std::tuple{r.Read(c.Text), r.Failure, r.Rec.FatalMessage}), std::tuple(c.Trace, c.Message, c.Message))
+        << c.Text;
   // The end-of-text flag is the JSON reader's own.
   EXPECT_FALSE(r.Reader.GetUnexpectedEOF());
   EXPECT_THROW(r.Reader.Parse(std::string_view("a=%G0"), 65001), EConvertError);

@@ -91,8 +91,7 @@ TEST(JsonReader, NotWellFormedNamesExpectedAndFound) {
   // An end of text is the scanner's exception; the locator then says -1.
   RecordingJsonReader r;
   EXPECT_THROW(r.Reader.Parse(std::string_view("[1"), 0, u""), EVnTextParserEOF);
-  EXPECT_TRUE(r.Reader.GetUnexpectedEOF());
-  EXPECT_EQ(r.Reader.GetLineNr(), -1);
+  EXPECT_EQ(std::tuple(r.Reader.GetUnexpectedEOF(), r.Reader.GetLineNr()), std::tuple(true, -1));
 }
 
 TEST(JsonReader, EncodingDecision) {

@@ -53,9 +53,6 @@ TEST(JsonValues, JSONtoStr) {
 }
 
 TEST(JsonValues, VarToJSON) {
-  Variant arr = VarArrayCreate({0, 1}, varVariant);
-  VarArrayPut(arr, Variant(1), {0});
-  VarArrayPut(arr, Variant(2), {1});
   Variant mixed = VarArrayCreate({1, 3}, varVariant);
   VarArrayPut(mixed, Variant(u"a/\u20AC"), {1});
   VarArrayPut(mixed, Variant(true), {2});
@@ -67,7 +64,8 @@ TEST(JsonValues, VarToJSON) {
       {Variant(std::nan("")), u"null", jdtNumber}, {Variant(u"say \"hi\""), u"\"say \\\"hi\\\"\"", jdtString},
       {Variant(false), u"false", jdtBoolean},
       {Variant::FromDate(EncodeDate(2024, 2, 29) + 0.5), u"\"2024-02-29T12:00:00.000\"", jdtString},
-      {arr, u"[1,2]", jdtArray}, {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
+      {VarArrayOf({Variant(1), Variant(2)}), u"[1,2]", jdtArray},
+      {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
       {Variant::Null(), u"null", jdtNull}, {Variant(), u"null", jdtNull},
   };
   for (const auto& [v, text, kind] : cases)
