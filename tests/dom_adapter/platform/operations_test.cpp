@@ -116,9 +116,8 @@ TEST(PlatformDOM, VendorsAndFreeFunctions) {
 TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
   IPtr<IDOMDocument> doc = Load(u"<a><b/></a>");
   IPtr<IDOMPersist> persist = doc.As<IDOMPersist>();
-  // A missing file: nothing loaded, nothing raised.
-  EXPECT_EQ((std::tuple{persist->load(u"no such file"), XML(doc), persist->asyncLoadState()}),
-            std::tuple(0, "<a><b /></a>", lsLoaded));
+  EXPECT_EQ(persist->load(u"no such file"), 0);  // nothing loaded, nothing raised
+  EXPECT_EQ((std::tuple{XML(doc), persist->asyncLoadState()}), std::tuple("<a><b /></a>", lsLoaded));
   // Other nodes take the text as their inner XML.
   doc->get_documentElement().As<IDOMPersist>()->load(u"<c/>text");
   EXPECT_EQ(XML(doc), "<a><c />text</a>");
@@ -127,7 +126,8 @@ TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
   const test::TempFile file("platform_dom_saved.xml");
   persist->save(file.Name());
   IPtr<IDOMDocument> again = GetDOM()->createDocument(u"", u"", nullptr);
-  EXPECT_EQ((std::tuple{again.As<IDOMPersist>()->load(file.Name()), XML(again)}), std::tuple(-1, "<a><c />text</a>"));
+  EXPECT_EQ(again.As<IDOMPersist>()->load(file.Name()), -1);
+  EXPECT_EQ(XML(again), "<a><c />text</a>");
 }
 
 TEST(PlatformDOM, ChildEditsAndSiblings) {
