@@ -134,10 +134,9 @@ TEST(TValueText, EnumerationsAndSets) {
                         GetEnumValue(TypeInfoOf<Integer>(), u"12")}),
             std::tuple(2, -1, -1, 12));
 
-  const std::pair<TValue, const char16_t*> texts[] = {{TValue::From<Integer>(-3), u"-3"},
-                                                      {TValue::From<Double>(0.5), u"0.5"},
-                                                      {TValue::From(TAddress{}), u"(record)"},
-                                                      {TValue::From(std::vector<TLine>(1)), u"(dynamic array)"}};
+  const std::pair<TValue, const char16_t*> texts[] = {
+      {TValue::From<Integer>(-3), u"-3"}, {TValue::From<Double>(0.5), u"0.5"}, {TValue::From(TAddress{}), u"(record)"},
+      {TValue::From(std::vector<TLine>(1)), u"(dynamic array)"}};
   for (const auto& [value, text] : texts) EXPECT_EQ(value.ToString(), text);
   TItem item;
   EXPECT_EQ(TValue::From(&item).ToString().rfind(u"(TItem @ ", 0), 0u);

@@ -70,17 +70,7 @@ TEST(MemoryStream, GrowsGeometricallyAndKeepsContent) {
   EXPECT_EQ(m.GetCapacity(), m.GetSize());
 }
 
-TEST(MemoryStream, ReadAndWriteBufferErrors) {
-  TMemoryStream m;
-  m.WriteBuffer("abc", 3);
-  m.SetPosition(1);
-  char buf[4];
-  EXPECT_EQ(test::MessageOf<EReadError>([&] { m.ReadBuffer(buf, 3); }), u"Stream read error");
-  EXPECT_THROW(TMemoryStream().ReadBuffer(buf, 1), EReadError);
-  TMemoryStream().ReadBuffer(buf, 0);  // nothing asked, nothing missing
-}
-
-TEST(MemoryStream, CopyFromAndLoadFromStream) {
+TEST(MemoryStream, CopyFromLoadFromStreamAndReadErrors) {
   TMemoryStream source;
   std::string content(3 * 1024 * 1024 + 17, '\0');
   for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7);
@@ -102,6 +92,14 @@ TEST(MemoryStream, CopyFromAndLoadFromStream) {
   TMemoryStream loaded;
   loaded.LoadFromStream(&source);
   EXPECT_EQ((std::tuple{loaded.GetPosition(), ReadAll(loaded)}), std::tuple(0, content));
+
+  TMemoryStream m;
+  m.WriteBuffer("abc", 3);
+  m.SetPosition(1);
+  char buf[4];
+  EXPECT_EQ(test::MessageOf<EReadError>([&] { m.ReadBuffer(buf, 3); }), u"Stream read error");
+  EXPECT_THROW(TMemoryStream().ReadBuffer(buf, 1), EReadError);
+  TMemoryStream().ReadBuffer(buf, 0);  // nothing asked, nothing missing
 }
 
 TEST(BytesAndStringStream, RoundTrips) {
@@ -177,8 +175,8 @@ TEST(FileStream, ShareModesExcludeEachOther) {
   const UnicodeString name = dir.File("locked");
   TFileStream writer(name, fmCreate | fmShareExclusive);
   writer.WriteBuffer("data", 4);
-  EXPECT_THROW(TFileStream(name, fmOpenRead | fmShareDenyWrite), EFOpenError);
-  EXPECT_THROW(TFileStream(name, fmOpenRead | fmShareExclusive), EFOpenError);
+  for (Word share : {fmShareDenyWrite, fmShareExclusive})
+    EXPECT_THROW(TFileStream(name, fmOpenRead | share), EFOpenError);
   // A stream that asks for no lock still opens, as share-compatible opens do.
   TFileStream reader(name, fmOpenRead | fmShareDenyNone);
   EXPECT_EQ(ReadAll(reader), "data");

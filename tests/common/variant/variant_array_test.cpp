@@ -132,10 +132,9 @@ TEST(VariantArray, BadCreationAndNonArrays) {
     ExpectRaise<EVariantArrayCreateError>([&] { (void)VarArrayCreate(bounds, type); }, create);
   Variant grow = VarArrayCreate({0, 0}, varInteger);
   ExpectRaise<EVariantArrayCreateError>([&] { VarArrayRedim(grow, 2000000000); }, create);
-  EXPECT_EQ(VarArrayHighBound(grow, 1), 0);
-  EXPECT_EQ(VarArrayHighBound(VarArrayCreate({0, -1}, varInteger), 1), -1);
-
-  EXPECT_EQ(VarArrayDimCount(Variant(1)), 0);
+  EXPECT_EQ((std::tuple{VarArrayHighBound(grow, 1), VarArrayHighBound(VarArrayCreate({0, -1}, varInteger), 1),
+                        VarArrayDimCount(Variant(1))}),
+            std::tuple(0, -1, 0));
   const std::string invalid = test::U8(cRtlVarInvalidArg);
   ExpectRaise<EVariantInvalidArgError>([] { (void)VarArrayLowBound(Variant(1), 1); }, invalid);
   ExpectRaise<EVariantInvalidArgError>([] { (void)Variant(u"ab").GetItem(0); }, invalid);

@@ -35,8 +35,7 @@ TEST(VariantConversion, TextToNumbers) {
             std::tuple(-42, INT64_MAX, UINT64_MAX, 12346));
   EXPECT_DOUBLE_EQ(Variant(u"-1.25E2").AsDouble(), -125);
 
-  ExpectCast([] { (void)Variant(u"abc").AsInteger(); }, u"UnicodeString", u"Integer");
-  ExpectCast([] { (void)Variant(u"").AsInteger(); }, u"UnicodeString", u"Integer");
+  for (auto bad : {u"abc", u""}) ExpectCast([&] { (void)Variant(bad).AsInteger(); }, u"UnicodeString", u"Integer");
   ExpectCast([] { (void)Variant(u"1,5").AsDouble(); }, u"UnicodeString", u"Double");
   ExpectCast([] { (void)Variant("x").AsInt64(); }, u"String", u"Int64");
   ExpectCast([] { (void)Variant::FromOleStr(u"x").AsCurrency(); }, u"OleStr", u"Currency");
@@ -198,8 +197,7 @@ TEST(Currency, ExactDecimalsAndRounding) {
             std::tuple(u"2.25", u"0.6667", 2, 1000));
   ExpectRaise<EZeroDivide>([] { (void)(Currency::FromInt64(1) / Currency()); });
   ExpectRaise<EIntOverflow>([] { (void)(Currency::FromRaw(INT64_MAX) + Currency::FromRaw(1)); });
-  ExpectRaise<EInvalidOp>([] { (void)Currency::FromDouble(1e20); });
-  ExpectRaise<EInvalidOp>([] { (void)Currency::FromDouble(std::nan("")); });
+  for (double outside : {1e20, std::nan("")}) ExpectRaise<EInvalidOp>([&] { (void)Currency::FromDouble(outside); });
 }
 
 }  // namespace
