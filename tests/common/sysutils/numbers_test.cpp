@@ -54,16 +54,14 @@ TEST(StrToInt64, RangeAndHex) {
     EXPECT_THROW(StrToUInt64(text), EConvertError) << UnicodeToUtf8(text);
 }
 
-TEST(IntToStr, ExtremesAndBooleans) {
+TEST(IntToStr, ExtremesAndBooleansBothWays) {
   const std::pair<UnicodeString, const char16_t*> cases[] = {
       {IntToStr(0), u"0"},         {IntToStr(-17), u"-17"},      {IntToStr(INT64_MIN), u"-9223372036854775808"},
       {IntToHex(255, 4), u"00FF"}, {IntToHex(0x1234, 2), u"1234"}, {UIntToStr(UINT64_MAX), u"18446744073709551615"},
       {IntToHex(0, 0), u"0"},      {BoolToStr(true), u"-1"},      {BoolToStr(false), u"0"},
       {BoolToStr(true, true), u"True"}, {BoolToStr(false, true), u"False"}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(text, expected);
-}
-
-TEST(StrToBool, NumbersAndWords) {
+  // Back: numbers and words.
   for (const char16_t* text : {u"true", u"TRUE", u"-1", u"0.5"}) EXPECT_TRUE(StrToBool(text)) << UnicodeToUtf8(text);
   for (const char16_t* text : {u"False", u"0"}) EXPECT_FALSE(StrToBool(text)) << UnicodeToUtf8(text);
   EXPECT_EQ(ConvertErrorOf([] { StrToBool(u"yes"); }), Format(cRtlInvalidBoolean, {u"yes"}));
