@@ -109,7 +109,7 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
   EXPECT_THROW(owner.GetComponents(2), EListError);
 }
 
-TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
+TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotifyFreeNotificationTellsTheSurvivor) {
   TProbe first, second;
   auto* child = new TComponent(&first);
   EXPECT_EQ(first.Events, (std::vector<TProbe::Event>{{child, opInsert}}));
@@ -125,9 +125,7 @@ TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
   second.RemoveComponent(child);
   EXPECT_EQ(child->GetOwner(), nullptr);
   delete child;
-}
-
-TEST(TComponent, FreeNotificationTellsTheSurvivor) {
+  // A free notification tells the survivor.
   TProbe watcher;
   int freed = 0;
   auto* target = new TProbe(nullptr, &freed);

@@ -173,7 +173,7 @@ TEST_F(RttiMembers, RecordsAtAnAddress) {
   EXPECT_EQ(shop.FAddress.Number, 3);
 }
 
-TEST_F(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
+TEST_F(RttiMembers, ArraysOfRecordsGrowAndTakeElementsElementsMetaclassesHandles) {
   TRttiField* lines = type->GetField(u"Lines");
   TRttiType* linesType = lines->FieldType();
   EXPECT_EQ((std::tuple{linesType->TypeKind(), linesType->Name(), linesType->GetElementType()}),
@@ -197,9 +197,7 @@ TEST_F(RttiMembers, ArraysOfRecordsGrowAndTakeElements) {
   EXPECT_EQ((std::tuple{ratings->TypeKind(), ratings->Name(), r.GetArrayLength()}),
             std::tuple(tkArray, u"array[0..2] of Integer", 3));
   EXPECT_THROW(r.SetArrayLength(4), EInvalidCast);  // a static array keeps its size
-}
-
-TEST_F(RttiMembers, ElementMetaclassAndHandle) {
+  // Element types, metaclasses and handles of other types.
   TRttiType* colors = TRttiContext::GetType(TypeInfoOf<TColors>());
   EXPECT_EQ((std::tuple{colors->TypeKind(), colors->QualifiedName(), colors->GetElementType()->GetHandle()}),
             std::tuple(tkSet, u"uShop.TColors", TypeInfoOf<TColor>()));
@@ -257,7 +255,7 @@ TEST_F(RttiMethods, Constructors) {
   EXPECT_THROW(type->GetMethod(u"Add")->Invoke(TShop::StaticClass(), {}), EInvocationError);
 }
 
-TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
+TEST(RttiClasses, NamesInheritanceRegistrationPlatformAndSelfReferencingClasses) {
   TSpecialItem special;
   EXPECT_EQ((std::tuple{special.ClassName(), special.InheritsFrom(TNamed::StaticClass()),
                         special.InheritsFrom(TShop::StaticClass()), TItem().ClassInfo()}),
@@ -268,9 +266,6 @@ TEST(RttiClasses, NamesInheritanceAndRegisteredClasses) {
   EXPECT_EQ(GetClass(u"titem"), TItem::StaticClass());
   UnRegisterClass(TItem::StaticClass());
   EXPECT_EQ(GetClass(u"TItem"), nullptr);
-}
-
-TEST(RttiClasses, PlatformAndSelfReferencingClassesAreRegistered) {
   TRttiType* component = TypeOfName(u"System.Classes.TComponent");
 
   TComponent owner;

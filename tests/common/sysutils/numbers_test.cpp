@@ -20,7 +20,7 @@ UnicodeString ConvertErrorOf(F AFunc) { return test::MessageOf<EConvertError>(AF
 
 }  // namespace
 
-TEST(StrToInt, AcceptedFormsAndRefusedOnesRaiseThePlatformText) {
+TEST(StrToInt, AcceptedFormsRefusedOnesAndSixtyFourBitRange) {
   const std::pair<const char16_t*, Int64> cases[] = {
       {u"0", 0},           {u"42", 42},       {u"+42", 42},         {u"-42", -42},
       {u"007", 7},         {u"$1F", 31},      {u"0x1f", 31},        {u"0X1F", 31},
@@ -38,9 +38,7 @@ TEST(StrToInt, AcceptedFormsAndRefusedOnesRaiseThePlatformText) {
   }
   EXPECT_EQ((std::tuple{ConvertErrorOf([] { StrToInt(u"12x"); }), StrToIntDef(u"nope", -7)}),
             std::tuple(Format(cRtlInvalidInteger, {u"12x"}), -7));
-}
-
-TEST(StrToInt64, RangeAndHex) {
+  // 64-bit: range and hex.
   EXPECT_EQ((std::tuple{StrToInt64(u"9223372036854775807"), StrToInt64(u"-9223372036854775808"),
                         StrToInt64(u"$FFFFFFFFFFFFFFFF"), StrToInt64(u"$FFFFFFFF")}),
             std::tuple(INT64_MAX, INT64_MIN, -1, 4294967295LL));

@@ -13,7 +13,7 @@ namespace {
 
 using namespace test;  // the Variant checks of variant_test_support.h
 
-TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
+TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSignKindNamesAndPredicates) {
   const std::pair<Variant, TVarType> rows[] = {
       {true, varBoolean}, {int8_t(-1), varShortInt}, {int16_t(-1), varSmallint}, {-1, varInteger},
       {int64_t(-1), varInt64}, {-1LL, varInt64}, {uint8_t(1), varByte}, {uint16_t(1), varWord},
@@ -24,6 +24,15 @@ TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
       {Variant::FromOleStr(u"x"), varOleStr}, {Variant::Null(), varNull}, {Variant::Unassigned(), varEmpty},
   };
   for (const auto& [value, type] : rows) EXPECT_EQ(value.VarType(), type) << test::U8(VarTypeAsText(type));
+  EXPECT_EQ((std::tuple{VarTypeAsText(varArray | varByte), VarTypeAsText(0x42)}), std::tuple(u"Array Byte", u"$0042"));
+
+  // Booleans count as ordinal, hence numeric; a date is neither float nor numeric.
+  const Variant date = Variant::FromDate(1);
+  EXPECT_EQ((std::tuple{VarIsNumeric(true), VarIsOrdinal(uint64_t(1)), VarIsFloat(Currency()), VarIsFloat(date),
+                        VarIsNumeric(date), VarIsNumeric(u"1"), VarIsStr("a")}),
+            std::tuple(true, true, true, false, false, false, true));
+  EXPECT_EQ((std::tuple{VarIsClear(Variant()), VarIsClear(IPtr<IInterface>()), VarIsClear(Variant::Null())}),
+            std::tuple(true, true, false));
 }
 
 TEST(VariantConversion, TextToNumbers) {
@@ -135,18 +144,6 @@ TEST(VariantConversion, VarAsType) {
   ExpectCast([] { (void)VarAsType(VarArrayOf({1}), varInteger); }, u"Array Variant", u"Integer");
   ExpectCast([] { (void)VarAsType(1, varArray | varInteger); }, u"Integer", u"Array Integer");
   ExpectCast([] { (void)Variant::FromError(5).AsInteger(); }, u"Error", u"Integer");
-}
-
-TEST(VariantConversion, TypeNamesAndPredicates) {
-  EXPECT_EQ((std::tuple{VarTypeAsText(varArray | varByte), VarTypeAsText(0x42)}), std::tuple(u"Array Byte", u"$0042"));
-
-  // Booleans count as ordinal, hence numeric; a date is neither float nor numeric.
-  const Variant date = Variant::FromDate(1);
-  EXPECT_EQ((std::tuple{VarIsNumeric(true), VarIsOrdinal(uint64_t(1)), VarIsFloat(Currency()), VarIsFloat(date),
-                        VarIsNumeric(date), VarIsNumeric(u"1"), VarIsStr("a")}),
-            std::tuple(true, true, true, false, false, false, true));
-  EXPECT_EQ((std::tuple{VarIsClear(Variant()), VarIsClear(IPtr<IInterface>()), VarIsClear(Variant::Null())}),
-            std::tuple(true, true, false));
 }
 
 TEST(VariantStorage, CopiesAndMovesKeepValuesAndInterfaceCountsExact) {
