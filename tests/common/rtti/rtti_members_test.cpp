@@ -104,7 +104,7 @@ TEST_F(RttiMembers, VisibilityIsOrderedAttributesKeepTheirOrder) {
             std::tuple(V{u"first", u"second"}, V{u"tag"}, V{}, V{u"shop"}, V{u"cl"}));
 }
 
-TEST_F(RttiMembers, ReadAndWriteObjectMembers) {
+TEST_F(RttiMembers, ReadAndWriteObjectMembersAndAnIndexedProperty) {
   shop.SetName(u"Corner");
   EXPECT_EQ(type->GetProperty(u"Name")->GetValue(&shop).AsString(), u"Corner");
   type->GetProperty(u"Name")->SetValue(&shop, TValue::From(UnicodeString(u"Main")));
@@ -130,6 +130,18 @@ TEST_F(RttiMembers, ReadAndWriteObjectMembers) {
   // Protected and private members read like any other.
   EXPECT_EQ(type->GetProperty(u"Internal")->GetValue(&shop).AsInteger(), 42);
   EXPECT_EQ(type->GetField(u"Secret")->GetValue(&shop).AsInteger(), 42);
+  // An indexed property.
+  shop.Add(new TItem);
+  shop.Add(new TItem);
+  TRttiIndexedProperty* items = type->GetIndexedProperty(u"items");
+  ASSERT_NE(items, nullptr);
+  EXPECT_EQ(items->GetValue(&shop, TValue::From<Integer>(1)).AsObject(), shop.GetItem(1));
+  auto* replacement = new TSpecialItem;
+  TItem* old = shop.GetItem(0);
+  items->SetValue(&shop, TValue::From<Integer>(0), TValue::From(replacement));
+  EXPECT_EQ(shop.GetItem(0), replacement);
+  delete old;
+  EXPECT_THROW(items->GetValue(&shop, TValue::From(UnicodeString(u"x"))), EInvalidCast);
 }
 
 TEST_F(RttiMembers, WritesConvertOrRefuse) {
@@ -204,20 +216,6 @@ TEST_F(RttiMembers, ArraysOfRecordsGrowAndTakeElementsElementsMetaclassesHandles
   TRttiType* itemClass = TRttiContext::GetType(TypeInfoOf<TClassRef<TItem>>());
   EXPECT_EQ((std::tuple{itemClass->TypeKind(), itemClass->GetMetaclassType(), itemType->GetElementType()}),
             std::tuple(tkClassRef, TItem::StaticClass(), nullptr));
-}
-
-TEST_F(RttiMembers, IndexedProperty) {
-  shop.Add(new TItem);
-  shop.Add(new TItem);
-  TRttiIndexedProperty* items = type->GetIndexedProperty(u"items");
-  ASSERT_NE(items, nullptr);
-  EXPECT_EQ(items->GetValue(&shop, TValue::From<Integer>(1)).AsObject(), shop.GetItem(1));
-  auto* replacement = new TSpecialItem;
-  TItem* old = shop.GetItem(0);
-  items->SetValue(&shop, TValue::From<Integer>(0), TValue::From(replacement));
-  EXPECT_EQ(shop.GetItem(0), replacement);
-  delete old;
-  EXPECT_THROW(items->GetValue(&shop, TValue::From(UnicodeString(u"x"))), EInvalidCast);
 }
 
 TEST_F(RttiMethods, ParametersAndInvoke) {

@@ -160,7 +160,7 @@ void ExpectFileError(const UnicodeString& AName, Word AMode, std::u16string_view
   test::ExpectRaises<E>([&] { TFileStream f(AName, AMode); }, Format(format, {AName, AReason}));
 }
 
-TEST(FileStream, ErrorsCarryFileNameAndSystemReason) {
+TEST(FileStream, ErrorsCarryFileNameAndSystemReasonShareModesExcludeEachOther) {
   TempDir dir;
   ExpectFileError<EFOpenError>(dir.File("missing.xml"), fmOpenRead, u"No such file or directory");
   ExpectFileError<EFCreateError>(dir.File("no/such/dir.xml"), fmCreate, u"No such file or directory");
@@ -168,20 +168,18 @@ TEST(FileStream, ErrorsCarryFileNameAndSystemReason) {
   const UnicodeString name = dir.File("x");
   { TFileStream f(name, fmCreate); }
   ExpectFileError<EFCreateError>(name, fmCreate | fmExclusive, u"File exists");
-}
 
-TEST(FileStream, ShareModesExcludeEachOther) {
-  TempDir dir;
-  const UnicodeString name = dir.File("locked");
-  TFileStream writer(name, fmCreate | fmShareExclusive);
+  // Share modes exclude each other.
+  const UnicodeString locked = dir.File("locked");
+  TFileStream writer(locked, fmCreate | fmShareExclusive);
   writer.WriteBuffer("data", 4);
   for (Word share : {fmShareDenyWrite, fmShareExclusive})
-    EXPECT_THROW(TFileStream(name, fmOpenRead | share), EFOpenError);
+    EXPECT_THROW(TFileStream(locked, fmOpenRead | share), EFOpenError);
   // A stream that asks for no lock still opens, as share-compatible opens do.
-  TFileStream reader(name, fmOpenRead | fmShareDenyNone);
+  TFileStream reader(locked, fmOpenRead | fmShareDenyNone);
   EXPECT_EQ(ReadAll(reader), "data");
   // fmCreate doesn't truncate a file it isn't allowed to lock.
-  EXPECT_THROW(TFileStream(name, fmCreate | fmShareExclusive), EFCreateError);
+  EXPECT_THROW(TFileStream(locked, fmCreate | fmShareExclusive), EFCreateError);
   EXPECT_EQ(reader.GetSize(), 4);
 }
 
