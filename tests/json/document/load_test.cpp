@@ -64,7 +64,7 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
   }
 }
 
-TEST(JsonLoad, HandlerRules) {
+TEST(JsonLoad, HandlerRulesLoadsIntoOtherNodesFollowTheTable) {
   // the walk up passes the member and ends on the document
   TVnJSONDocument doc;
   TVnJSONReader reader;
@@ -89,20 +89,18 @@ TEST(JsonLoad, HandlerRules) {
     const UnicodeString failure = test::MessageOf([&] { d.SetAsJSON(c.Input); });
     EXPECT_EQ(std::tuple(failure, d.GetAsJSON()), std::tuple(c.Failure, c.Tree));
   }
-}
-
-TEST(JsonLoad, LoadsIntoOtherNodesFollowTheHandlersTable) {
-  TVnJSONDocument doc(u"{\"m\":1,\"a\":[0]}");
-  TVnJSONBase* root = doc.GetRootValue();
+  // Loads into other nodes follow the handler's table.
+  TVnJSONDocument target(u"{\"m\":1,\"a\":[0]}");
+  TVnJSONBase* root = target.GetRootValue();
   root->FindMember(u"a")->GetValueObj()->SetAsJSON(u"[1,2]");  // into an array: appended
   root->FindMember(u"m")->SetAsJSON(u"{\"x\":true}");           // into a member: its value
-  EXPECT_EQ(doc.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [0, [1, 2]]}");
+  EXPECT_EQ(target.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [0, [1, 2]]}");
   root->SetAsJSON(u"[3]");  // into an object: the value of its last member
-  EXPECT_EQ(doc.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [3]}");
+  EXPECT_EQ(target.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [3]}");
   TVnJSONObject empty;
   EXPECT_THROW(empty.SetAsJSON(u"[1]"), EVnJSONException);
-  doc.SetAsJSON(u"");  // an empty text clears
-  EXPECT_EQ(doc.GetRootValue(), nullptr);
+  target.SetAsJSON(u"");  // an empty text clears
+  EXPECT_EQ(target.GetRootValue(), nullptr);
 }
 
 TEST(JsonLoad, MillionDeepInputLoadsSavesAndFrees) {
