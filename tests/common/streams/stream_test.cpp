@@ -29,7 +29,7 @@ struct TempDir : test::TempFile {
   UnicodeString File(const std::string& AName) const { return (Path / AName).u16string(); }
 };
 
-TEST(MemoryStream, WriteSeekReadAndSize) {
+TEST(MemoryStream, WriteSeekReadSizeAndGeometricGrowth) {
   TMemoryStream m;
   m.WriteBuffer("hello world", 11);
   char buf[8] = {};
@@ -52,22 +52,21 @@ TEST(MemoryStream, WriteSeekReadAndSize) {
   EXPECT_EQ(m.GetPosition(), 2);  // clipped with the size
   m.Clear();
   EXPECT_EQ((std::tuple{m.GetSize(), m.GetCapacity(), m.GetMemory()}), std::tuple(0, 0, nullptr));
-}
 
-TEST(MemoryStream, GrowsGeometricallyAndKeepsContent) {
-  TMemoryStream m;
+  // Growth is geometric and keeps the content.
+  TMemoryStream grown;
   std::string expected;
   Int64 reallocations = 0, lastCapacity = 0;
   for (int i = 0; i < 100000; ++i) {
     const std::string piece = std::to_string(i) + ",";
-    m.WriteBuffer(piece.data(), static_cast<Int64>(piece.size()));
+    grown.WriteBuffer(piece.data(), static_cast<Int64>(piece.size()));
     expected += piece;
-    if (m.GetCapacity() != lastCapacity) ++reallocations, lastCapacity = m.GetCapacity();
+    if (grown.GetCapacity() != lastCapacity) ++reallocations, lastCapacity = grown.GetCapacity();
   }
-  EXPECT_EQ(ReadAll(m), expected);
+  EXPECT_EQ(ReadAll(grown), expected);
   EXPECT_LT(reallocations, 40);
-  m.SetCapacity(1);  // never below the size
-  EXPECT_EQ(m.GetCapacity(), m.GetSize());
+  grown.SetCapacity(1);  // never below the size
+  EXPECT_EQ(grown.GetCapacity(), grown.GetSize());
 }
 
 TEST(MemoryStream, CopyFromLoadFromStreamAndReadErrors) {

@@ -44,7 +44,7 @@ TEST(VnMemoryStream, ViewsCallerMemoryWithoutCopyAndRefusesWrites) {
   EXPECT_EQ((std::tuple{ReadAll(view), TVnMemoryStream(1024).GetCapacity()}), std::tuple("ok", 1024));
 }
 
-TEST(VnStringStream, AddStoresTextInItsCodePageConstructorsConvert) {
+TEST(VnStringStream, AddStoresTextInItsCodePageConstructorsConvertManySmallAddsOverwrite) {
   const std::u16string text = u"a<\u00E9>\u20AC\U0001F600";
   const std::pair<Word, std::string> cases[] = {
       {1200, Utf16Bytes(text)}, {65001, UnicodeToUtf8(text)},
@@ -81,9 +81,7 @@ TEST(VnStringStream, AddStoresTextInItsCodePageConstructorsConvert) {
   mixed.Add(u"!");
   ansi.Add(std::string_view("\x80"));
   EXPECT_EQ((std::tuple{mixed.GetWString(), ansi.GetWString()}), std::tuple(u"\u00E9!", u"\u20AC"));
-}
-
-TEST(VnStringStream, ManySmallAddsAndOverwrites) {
+  // Many small adds, and overwrites.
   TVnStringStream utf16(1200, 16), utf8(65001, 16);
   std::u16string expected;
   for (int i = 0; i < 20000; ++i) {

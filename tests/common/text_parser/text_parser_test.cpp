@@ -128,7 +128,7 @@ TEST(TextParser, SkipOperators) {
   EXPECT_EQ(w.GetCurPos(), 3);
 }
 
-TEST(TextParser, TheEndOfTheText) {
+TEST(TextParser, TheEndOfTheTextAndOddInput) {
   std::string text = "ab";
   TVnTextParser p(text.data(), text.size(), cVnCodePageUTF8);
   EXPECT_EQ((std::tuple{p.PrevCharW(), p.ReadCharA(), p.PeekCharW()}), std::tuple(0, 'a', 0));
@@ -147,9 +147,6 @@ TEST(TextParser, TheEndOfTheText) {
   TVnTextParser empty(static_cast<const void*>(nullptr), 0, 0);
   EXPECT_EQ((std::tuple{empty._GetEOF(), empty.GetLineNr(), empty.Selected(tpCurrent, tpNext, false)}),
             std::tuple(true, 1, u""));
-}
-
-TEST(TextParser, OddInput) {
   // A UTF-16 text cut in the middle of a unit, and one that starts on an odd address.
   std::string le = Bytes(u"ab", cVnCodePageUTF16LE) + "c";
   TVnTextParser cut(le.data(), le.size(), cVnCodePageUTF16LE);
