@@ -51,7 +51,7 @@ TEST(EncodeDateTime, SerialNumbersFractionsAndInvalidArguments) {
     EXPECT_THROW(EncodeTime(h, n, s, ms), EConvertError) << h << ":" << n << ":" << s << "." << ms;
 }
 
-TEST(DecodeDateTime, NegativeValuesCountTimeForwardSundayIsOne) {
+TEST(DecodeDateTime, NegativeValuesCountTimeForwardSundayIsOneStepsCrossTheOrigin) {
   // The whole part counts days back from 1899-12-30; the fraction is still the time of day.
   EXPECT_EQ(Decode(-1.25), (Parts{1899, 12, 29, 6, 0, 0, 0}));
   EXPECT_EQ(Decode(-0.5), (Parts{1899, 12, 30, 12, 0, 0, 0}));
@@ -66,9 +66,7 @@ TEST(DecodeDateTime, NegativeValuesCountTimeForwardSundayIsOne) {
   // 1899-12-30 was a Saturday, 2024-01-01 a Monday; then a Sunday evening.
   EXPECT_EQ((std::tuple{DayOfWeek(0), DayOfWeek(EncodeDate(2024, 1, 1)), DayOfWeek(EncodeDate(2023, 12, 31) + 0.9)}),
             std::tuple(7, 2, 1));
-}
-
-TEST(IncDateTime, StepsAcrossTheOrigin) {
+  // Steps across the origin.
   EXPECT_EQ(Decode(IncMilliSecond(0, -1)), (Parts{1899, 12, 29, 23, 59, 59, 999}));
   EXPECT_EQ(Decode(IncMilliSecond(-1.25, 1)), (Parts{1899, 12, 29, 6, 0, 0, 1}));
   EXPECT_EQ(Decode(IncSecond(-0.0, -3600)), (Parts{1899, 12, 29, 23, 0, 0, 0}));
