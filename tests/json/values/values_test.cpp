@@ -15,7 +15,7 @@ using namespace vn;
 
 namespace {
 
-TEST(JsonValues, StrToJSON) {
+TEST(JsonValues, StrToJSONAndBack) {
   const std::pair<std::u16string_view, std::u16string_view> cases[] = {
       {u"", u""}, {u"plain text", u"plain text"}, {u"a/b", u"a\\/b"}, {u"q\"b\\", u"q\\\"b\\\\"},
       {u"\b\t\n\f\r", u"\\b\\t\\n\\f\\r"},
@@ -28,11 +28,10 @@ TEST(JsonValues, StrToJSON) {
       {u"\xD800", u"\\uD800"},                        // a lone surrogate too
   };
   for (const auto& [in, out] : cases) EXPECT_EQ(VnStrToJSON(in), out);
-}
 
-TEST(JsonValues, JSONtoStr) {
+  // And back.
   struct Case { std::u16string_view In; TVnJSONDataType Type; std::u16string_view Out; };
-  const Case cases[] = {
+  const Case back[] = {
       {u"", jdtString, u""}, {u"\\\"\\/\\\\\\b\\f\\n\\r\\t", jdtString, u"\"/\\\b\f\n\r\t"},
       {u"\\u00e9\\u00E9", jdtString, u"\u00E9\u00E9"}, {u"\\uD83D\\uDE00", jdtString, u"\U0001F600"},
       {u"\\uDE00x", jdtString, u"\xDE00x"},          // a lone surrogate stays alone
@@ -41,7 +40,7 @@ TEST(JsonValues, JSONtoStr) {
       {u"100%", jdtString, u"100%"}, {u"1%41", jdtNumber, u"1A"}, {u"-1.5e3", jdtNumber, u"-1.5e3"},
       {u"true", jdtBoolean, u"true"}, {u"ab\\", jdtString, u"ab\\"},
   };
-  for (const Case& c : cases) EXPECT_EQ(VnJSONtoStr(c.In, c.Type), c.Out) << UnicodeToUtf8(c.In);
+  for (const Case& c : back) EXPECT_EQ(VnJSONtoStr(c.In, c.Type), c.Out) << UnicodeToUtf8(c.In);
   for (std::u16string_view bad : {u"\\uZZZZ", u"\\u", u"\\%g1", u"%zz"})
     EXPECT_THROW(VnJSONtoStr(bad, jdtNumber), EConvertError) << UnicodeToUtf8(bad);
 
