@@ -42,7 +42,8 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
   const char* inputs[] = {
       "", "[1,{\"a\":[2]}]", "{\"a\":{}}{\"b\":[]}", "[truex, nul]", "5", "[\"\\q\"]",
       "[\"a\\tb\", \"\\u00e9\\ud800\"]", "[\"\xC3\xA9\xE2\x82\xAC\", \"\xFF\xFE\xC3\"]", "[{\"a\"", "{\"a\":1,}",
-      "[\"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\", \"\xED\xA0\x80\xC0\xAF\xF5\x80\"]",
+      "[\"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\", "
+      "\"\xED\xA0\x80\xC0\xAF\xF5\x80\"]",
       "[\"\b\f\n\r\t\x7f\x00\\b\\/\\\\\\\"\", \"\xE2\x82\"]",
       "[1,{\"a\":\"\\uqqqq\"}]",  // a bad escape fails the load where it stands
   };
