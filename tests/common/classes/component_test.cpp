@@ -109,7 +109,7 @@ TEST(TComponent, NamesAreIdentifiersUniqueWithinTheOwner) {
   EXPECT_THROW(owner.GetComponents(2), EListError);
 }
 
-TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
+TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotifyFreeNotificationTellsTheSurvivor) {
   TProbe first, second;
   auto* child = new TComponent(&first);
   EXPECT_EQ(first.Events, (std::vector<TProbe::Event>{{child, opInsert}}));
@@ -125,9 +125,7 @@ TEST(TComponent, InsertAndRemoveMoveOwnershipAndNotify) {
   second.RemoveComponent(child);
   EXPECT_EQ(child->GetOwner(), nullptr);
   delete child;
-}
-
-TEST(TComponent, FreeNotificationTellsTheSurvivor) {
+  // A free notification tells the survivor.
   TProbe watcher;
   int freed = 0;
   auto* target = new TProbe(nullptr, &freed);
@@ -146,10 +144,9 @@ TEST(TComponent, FreeNotificationTellsTheSurvivor) {
 }
 
 TEST(ClassRegistry, PlatformClassesAreFoundByName) {
-  EXPECT_EQ(GetClass(u"tstringlist"), TStringList::StaticClass());
-  EXPECT_EQ(FindClass(u"TComponent"), TComponent::StaticClass());
   TObject* created = CreateInstance(GetClass(u"TStringList"));
   ASSERT_NE(created, nullptr);
-  EXPECT_EQ(created->ClassName(), u"TStringList");
+  EXPECT_EQ((std::tuple{GetClass(u"tstringlist"), FindClass(u"TComponent"), created->ClassName()}),
+            std::tuple(TStringList::StaticClass(), TComponent::StaticClass(), u"TStringList"));
   delete created;
 }

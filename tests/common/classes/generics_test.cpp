@@ -43,7 +43,7 @@ TEST(GenericList, OrderSearchAndErrors) {
   EXPECT_THROW(list.Last(), EArgumentOutOfRangeException);
 }
 
-TEST(GenericObjectList, OwnsAndFrees) {
+TEST(GenericObjectList, OwnsAndFreesClassNamesPerInstantiation) {
   int freed = 0;
   auto* list = new TObjectList<TTracked>();
   for (int i = 1; i <= 4; ++i) list->Add(new TTracked(&freed, i));
@@ -65,15 +65,12 @@ TEST(GenericObjectList, OwnsAndFrees) {
     borrowed.Add(&a);
     borrowed.Remove(&a);
     borrowed.Add(&a);
+    // Class names per instantiation.
+    EXPECT_EQ((std::tuple{borrowed.ClassName(), borrowed.InheritsFrom(TList<TTracked*>::StaticClass()),
+                          borrowed.InheritsFrom(TList<int>::StaticClass())}),
+              std::tuple(u"TObjectList<T>", true, false));
   }
   EXPECT_EQ(freed, 5);  // only kept
-}
-
-TEST(GenericList, ClassNamesPerInstantiation) {
-  TObjectList<TTracked> list;
-  EXPECT_EQ((std::tuple{list.ClassName(), list.InheritsFrom(TList<TTracked*>::StaticClass()),
-                        list.InheritsFrom(TList<int>::StaticClass())}),
-            std::tuple(u"TObjectList<T>", true, false));
   TList<double>::SetClassName(u"TList<System.Double>");
   EXPECT_EQ(TList<double>().ClassName(), u"TList<System.Double>");
 }

@@ -25,12 +25,12 @@ constexpr TDateTime c2020Oct25 = 44129;  // clocks go back
 // Half a millisecond: the resolution TDateTime callers rely on.
 constexpr double cMoment = 0.5 / 86400000;
 
-// ---- parsing ----
+// ---- parsing and durations ----
 
 // A text, its year to millisecond, whether the year is negative, it has a date, a time; its zone and offset.
 using PartsCase = std::tuple<const char16_t*, std::array<Word, 7>, bool, bool, bool, TVnTimeZoneFormat, int>;
 
-TEST(DecodeISODateTime, AcceptedFormsAndRejectedTexts) {
+TEST(DecodeISODateTime, AcceptedFormsRejectedTextsAndDurationsSummedIntoMonthsAndSeconds) {
   const PartsCase cases[] = {
       {u"2020-03-04T05:06:07", {2020, 3, 4, 5, 6, 7, 0}, false, true, true, tzfNone, 0},
       {u"2020-03-04T05:06:07.1239+02:30", {2020, 3, 4, 5, 6, 7, 123}, false, true, true, tzfOffset, 150},
@@ -71,11 +71,7 @@ TEST(DecodeISODateTime, AcceptedFormsAndRejectedTexts) {
   // The message names the text.
   const UnicodeString message = test::MessageOf<EConvertError>([] { VnDecodeISODateTime(u"2020-02-30"); });
   EXPECT_NE(message.find(u"'2020-02-30'"), UnicodeString::npos) << UnicodeToUtf8(message);
-}
-
-// ---- durations ----
-
-TEST(EncodeDuration, SumsPartsIntoMonthsAndSeconds) {
+  // Durations sum their parts into months and seconds.
   TVnDuration d = VnEncodeDuration(1, 14, 2, 25, 61, 59, 250, true);
   EXPECT_EQ((std::tuple{d.Negative, d.Months}), std::tuple(true, 26));
   EXPECT_DOUBLE_EQ(d.Seconds, 2 * 86400.0 + 25 * 3600.0 + 61 * 60.0 + 59.25);

@@ -14,7 +14,7 @@
 namespace vn {
 namespace {
 
-TEST(VnGetCodePage, PassesTheMarkOrLeavesTheStreamAlone) {
+TEST(VnCodePage, MarksPassedOrStreamLeftAloneNamesWithAliasesAndCase) {
   const std::tuple<std::string, Word, Int64> cases[] = {
       {"\xEF\xBB\xBF<a/>", 65001, 3}, {"\xFF\xFE<\0", 1200, 2}, {"\xFE\xFF\0<", 1201, 2},
       {std::string("\xFF\xFE\0\0<\0\0\0", 8), 12000, 4}, {std::string("\0\0\xFE\xFF\0\0\0<", 8), 12001, 4},
@@ -29,15 +29,14 @@ TEST(VnGetCodePage, PassesTheMarkOrLeavesTheStreamAlone) {
     s.SetPosition(2);
     EXPECT_EQ((std::tuple{VnGetCodePage(&s), s.GetPosition()}), std::tuple(codePage, 2 + after)) << bytes.size();
   }
-}
 
-TEST(VnCodePage, AliasesAndCaseAreAcceptedEmptyAndUnknownAreNot) {
-  const std::pair<const char16_t*, Word> cases[] = {
+  // Names: aliases and case are accepted, empty and unknown ones are not.
+  const std::pair<const char16_t*, Word> names[] = {
       {u"utf-8", 65001},      {u"UTF8", 65001},   {u"ucs-2", 1200},    {u"latin1", 28591},
       {u"ISO_8859-1", 28591}, {u"cp1252", 1252},  {u"ibm-1047", 1047}, {u"cp437", 437},
       {u"x-mac-cyrillic", 10007},  // known to ICU only
   };
-  for (const auto& [name, codePage] : cases) EXPECT_EQ(VnCodePage(name), codePage) << UnicodeToUtf8(name);
+  for (const auto& [name, codePage] : names) EXPECT_EQ(VnCodePage(name), codePage) << UnicodeToUtf8(name);
   // Numbers only the converter library knows get a "cpN" name that maps back.
   EXPECT_EQ((std::tuple{VnCodePage(Word{10007}), VnCodePage(u"cp10007")}), std::tuple(u"cp10007", 10007));
 

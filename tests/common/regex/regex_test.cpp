@@ -101,9 +101,9 @@ TEST(TRegEx, NextMatchAndMatchesWalkTheInput) {
             std::tuple(u"three", 2, true, false));
 }
 
-// ---- replacement ----
+// ---- replacement and splitting ----
 
-TEST(TRegEx, ReplacementReferencesCountAndEvaluator) {
+TEST(TRegEx, ReplacementReferencesCountEvaluatorAndSplitting) {
   // Pattern, input, replacement, result.
   const std::tuple<std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view> cases[] = {
       {u"(\\w+)@(\\w+)", u"joe@host", u"$2 at \\1", u"host at joe"},
@@ -125,17 +125,14 @@ TEST(TRegEx, ReplacementReferencesCountAndEvaluator) {
       {digits.Replace(u"1a2b3", [](const TMatch& m) { return m.GetValue() + m.GetValue(); }), u"11a22b33"},
       {TRegEx(u"\\w+").Replace(u"ab cd", [](const TMatch& m) { return UpperCase(m.GetValue()); }, 1), u"AB cd"}};
   for (const auto& [result, expected] : results) EXPECT_EQ(result, expected);
-}
 
-// ---- splitting ----
-
-TEST(TRegEx, SplitKeepsEmptyPieces) {
+  // Splitting keeps empty pieces.
   using Pieces = std::vector<UnicodeString>;
-  const std::pair<Pieces, Pieces> results[] = {
+  const std::pair<Pieces, Pieces> splits[] = {
       {TRegEx::Split(u"a,b,,c", u","), {u"a", u"b", u"", u"c"}}, {TRegEx::Split(u"abc", u"x"), {u"abc"}},
       {TRegEx::Split(u"", u","), {u""}}, {TRegEx(u",").Split(u"a,b,c,d", 2), {u"a", u"b,c,d"}},
       {TRegEx(u",").Split(u"a,b", 1), {u"a,b"}}, {TRegEx::Split(u"A1b2C", u"\\d", {roIgnoreCase}), {u"A", u"b", u"C"}}};
-  for (size_t i = 0; i < std::size(results); ++i) EXPECT_EQ(results[i].first, results[i].second) << i;
+  for (size_t i = 0; i < std::size(splits); ++i) EXPECT_EQ(splits[i].first, splits[i].second) << i;
 }
 
 // ---- failures ----
@@ -208,10 +205,9 @@ TEST(TRegEx, StaticFormsStayCorrectPastTheCacheCapacityAndShareItAcrossThreads) 
 TEST(TRegEx, EscapeQuotesMetacharacters) {
   const UnicodeString text = u"a.b*c+(d)[e]{f}^$|?\\-#";
   EXPECT_EQ((std::tuple{TRegEx::IsMatch(text, u"^" + TRegEx::Escape(text) + u"$"),
-                        TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b"))}),
-            std::tuple(true, false));
-  EXPECT_EQ(TRegEx::Escape(u"*.txt?", true), u".*\\.txt.");
-  EXPECT_TRUE(TRegEx::IsMatch(u"notes.txt", u"^" + TRegEx::Escape(u"*.tx?", true) + u"$"));
+                        TRegEx::IsMatch(u"aXb", TRegEx::Escape(u"a.b")), TRegEx::Escape(u"*.txt?", true),
+                        TRegEx::IsMatch(u"notes.txt", u"^" + TRegEx::Escape(u"*.tx?", true) + u"$")}),
+            std::tuple(true, false, u".*\\.txt.", true));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 using namespace vn;
 using namespace shop;
 
-TEST(TValueBasics, EmptyKindAndTypeInfo) {
+TEST(TValueBasics, EmptyKindTypeInfoAndCopiesOwnTheirPayload) {
   TValue empty = TValue::GetEmpty();
   EXPECT_EQ((std::tuple{empty.IsEmpty(), empty.Kind(), empty.TypeInfo(), empty.GetReferenceToRawData(),
                         empty.ToString(), empty.AsObject()}),
@@ -24,9 +24,6 @@ TEST(TValueBasics, EmptyKindAndTypeInfo) {
   EXPECT_EQ((std::tuple{nilShop.IsEmpty(), nilShop.TypeInfo(), TValue::From(IPtr<IInterface>()).IsEmpty(),
                         TValue::From(std::vector<TLine>{}).IsEmpty(), TValue::From<Integer>(0).IsEmpty()}),
             std::tuple(true, TypeInfoOf<TShop>(), true, true, false));
-}
-
-TEST(TValueBasics, CopiesOwnTheirPayload) {
   // Large payloads live on the heap; copies and moves must not share or leak them.
   TValue a = TValue::From(TAddress{u"a long enough street name to leave small-string storage", 1});
   TValue b = a;
@@ -134,10 +131,9 @@ TEST(TValueText, EnumerationsAndSets) {
                         GetEnumValue(TypeInfoOf<Integer>(), u"12")}),
             std::tuple(2, -1, -1, 12));
 
-  const std::pair<TValue, const char16_t*> texts[] = {{TValue::From<Integer>(-3), u"-3"},
-                                                      {TValue::From<Double>(0.5), u"0.5"},
-                                                      {TValue::From(TAddress{}), u"(record)"},
-                                                      {TValue::From(std::vector<TLine>(1)), u"(dynamic array)"}};
+  const std::pair<TValue, const char16_t*> texts[] = {
+      {TValue::From<Integer>(-3), u"-3"}, {TValue::From<Double>(0.5), u"0.5"}, {TValue::From(TAddress{}), u"(record)"},
+      {TValue::From(std::vector<TLine>(1)), u"(dynamic array)"}};
   for (const auto& [value, text] : texts) EXPECT_EQ(value.ToString(), text);
   TItem item;
   EXPECT_EQ(TValue::From(&item).ToString().rfind(u"(TItem @ ", 0), 0u);

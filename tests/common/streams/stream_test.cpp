@@ -29,7 +29,7 @@ struct TempDir : test::TempFile {
   UnicodeString File(const std::string& AName) const { return (Path / AName).u16string(); }
 };
 
-TEST(MemoryStream, WriteSeekReadAndSize) {
+TEST(MemoryStream, WriteSeekReadSizeAndGeometricGrowth) {
   TMemoryStream m;
   m.WriteBuffer("hello world", 11);
   char buf[8] = {};
@@ -52,35 +52,24 @@ TEST(MemoryStream, WriteSeekReadAndSize) {
   EXPECT_EQ(m.GetPosition(), 2);  // clipped with the size
   m.Clear();
   EXPECT_EQ((std::tuple{m.GetSize(), m.GetCapacity(), m.GetMemory()}), std::tuple(0, 0, nullptr));
-}
 
-TEST(MemoryStream, GrowsGeometricallyAndKeepsContent) {
-  TMemoryStream m;
+  // Growth is geometric and keeps the content.
+  TMemoryStream grown;
   std::string expected;
   Int64 reallocations = 0, lastCapacity = 0;
   for (int i = 0; i < 100000; ++i) {
     const std::string piece = std::to_string(i) + ",";
-    m.WriteBuffer(piece.data(), static_cast<Int64>(piece.size()));
+    grown.WriteBuffer(piece.data(), static_cast<Int64>(piece.size()));
     expected += piece;
-    if (m.GetCapacity() != lastCapacity) ++reallocations, lastCapacity = m.GetCapacity();
+    if (grown.GetCapacity() != lastCapacity) ++reallocations, lastCapacity = grown.GetCapacity();
   }
-  EXPECT_EQ(ReadAll(m), expected);
+  EXPECT_EQ(ReadAll(grown), expected);
   EXPECT_LT(reallocations, 40);
-  m.SetCapacity(1);  // never below the size
-  EXPECT_EQ(m.GetCapacity(), m.GetSize());
+  grown.SetCapacity(1);  // never below the size
+  EXPECT_EQ(grown.GetCapacity(), grown.GetSize());
 }
 
-TEST(MemoryStream, ReadAndWriteBufferErrors) {
-  TMemoryStream m;
-  m.WriteBuffer("abc", 3);
-  m.SetPosition(1);
-  char buf[4];
-  EXPECT_EQ(test::MessageOf<EReadError>([&] { m.ReadBuffer(buf, 3); }), u"Stream read error");
-  EXPECT_THROW(TMemoryStream().ReadBuffer(buf, 1), EReadError);
-  TMemoryStream().ReadBuffer(buf, 0);  // nothing asked, nothing missing
-}
-
-TEST(MemoryStream, CopyFromAndLoadFromStream) {
+TEST(MemoryStream, CopyFromLoadFromStreamAndReadErrors) {
   TMemoryStream source;
   std::string content(3 * 1024 * 1024 + 17, '\0');
   for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7);
@@ -102,6 +91,14 @@ TEST(MemoryStream, CopyFromAndLoadFromStream) {
   TMemoryStream loaded;
   loaded.LoadFromStream(&source);
   EXPECT_EQ((std::tuple{loaded.GetPosition(), ReadAll(loaded)}), std::tuple(0, content));
+
+  TMemoryStream m;
+  m.WriteBuffer("abc", 3);
+  m.SetPosition(1);
+  char buf[4];
+  EXPECT_EQ(test::MessageOf<EReadError>([&] { m.ReadBuffer(buf, 3); }), u"Stream read error");
+  EXPECT_THROW(TMemoryStream().ReadBuffer(buf, 1), EReadError);
+  TMemoryStream().ReadBuffer(buf, 0);  // nothing asked, nothing missing
 }
 
 TEST(BytesAndStringStream, RoundTrips) {
@@ -162,7 +159,7 @@ void ExpectFileError(const UnicodeString& AName, Word AMode, std::u16string_view
   test::ExpectRaises<E>([&] { TFileStream f(AName, AMode); }, Format(format, {AName, AReason}));
 }
 
-TEST(FileStream, ErrorsCarryFileNameAndSystemReason) {
+TEST(FileStream, ErrorsCarryFileNameAndSystemReasonShareModesExcludeEachOther) {
   TempDir dir;
   ExpectFileError<EFOpenError>(dir.File("missing.xml"), fmOpenRead, u"No such file or directory");
   ExpectFileError<EFCreateError>(dir.File("no/such/dir.xml"), fmCreate, u"No such file or directory");
@@ -170,20 +167,18 @@ TEST(FileStream, ErrorsCarryFileNameAndSystemReason) {
   const UnicodeString name = dir.File("x");
   { TFileStream f(name, fmCreate); }
   ExpectFileError<EFCreateError>(name, fmCreate | fmExclusive, u"File exists");
-}
 
-TEST(FileStream, ShareModesExcludeEachOther) {
-  TempDir dir;
-  const UnicodeString name = dir.File("locked");
-  TFileStream writer(name, fmCreate | fmShareExclusive);
+  // Share modes exclude each other.
+  const UnicodeString locked = dir.File("locked");
+  TFileStream writer(locked, fmCreate | fmShareExclusive);
   writer.WriteBuffer("data", 4);
-  EXPECT_THROW(TFileStream(name, fmOpenRead | fmShareDenyWrite), EFOpenError);
-  EXPECT_THROW(TFileStream(name, fmOpenRead | fmShareExclusive), EFOpenError);
+  for (Word share : {fmShareDenyWrite, fmShareExclusive})
+    EXPECT_THROW(TFileStream(locked, fmOpenRead | share), EFOpenError);
   // A stream that asks for no lock still opens, as share-compatible opens do.
-  TFileStream reader(name, fmOpenRead | fmShareDenyNone);
+  TFileStream reader(locked, fmOpenRead | fmShareDenyNone);
   EXPECT_EQ(ReadAll(reader), "data");
   // fmCreate doesn't truncate a file it isn't allowed to lock.
-  EXPECT_THROW(TFileStream(name, fmCreate | fmShareExclusive), EFCreateError);
+  EXPECT_THROW(TFileStream(locked, fmCreate | fmShareExclusive), EFCreateError);
   EXPECT_EQ(reader.GetSize(), 4);
 }
 

@@ -25,7 +25,7 @@ Parts Decode(TDateTime AValue) {
 
 }  // namespace
 
-TEST(EncodeDate, SerialNumbersAndInvalidArguments) {
+TEST(EncodeDateTime, SerialNumbersFractionsAndInvalidArguments) {
   // Year, month, day and the serial number.
   const std::tuple<Word, Word, Word, double> cases[] = {
       {1899, 12, 30, 0},   {1899, 12, 31, 1},    {1900, 1, 1, 2},    {1900, 3, 1, 61},
@@ -44,16 +44,14 @@ TEST(EncodeDate, SerialNumbersAndInvalidArguments) {
               std::tuple(false, cRtlDateEncodeError));
   EXPECT_EQ((std::tuple{IsLeapYear(2000), IsLeapYear(1900), DaysInAMonth(2024, 2)}),
             std::tuple(true, false, 29));
-}
 
-TEST(EncodeTime, RangeAndFractions) {
   EXPECT_EQ(EncodeTime(12, 0, 0, 0), 0.5);
   EXPECT_EQ(Decode(EncodeTime(23, 59, 59, 999)), (Parts{1899, 12, 30, 23, 59, 59, 999}));
   for (const auto& [h, n, s, ms] : {std::array<Word, 4>{24, 0, 0, 0}, {0, 60, 0, 0}, {0, 0, 0, 1000}})
     EXPECT_THROW(EncodeTime(h, n, s, ms), EConvertError) << h << ":" << n << ":" << s << "." << ms;
 }
 
-TEST(DecodeDateTime, NegativeValuesCountTimeForward) {
+TEST(DecodeDateTime, NegativeValuesCountTimeForwardSundayIsOneStepsCrossTheOrigin) {
   // The whole part counts days back from 1899-12-30; the fraction is still the time of day.
   EXPECT_EQ(Decode(-1.25), (Parts{1899, 12, 29, 6, 0, 0, 0}));
   EXPECT_EQ(Decode(-0.5), (Parts{1899, 12, 30, 12, 0, 0, 0}));
@@ -64,15 +62,11 @@ TEST(DecodeDateTime, NegativeValuesCountTimeForward) {
   Word y = 1, m = 1, d = 1;
   DecodeDate(-700000, y, m, d);  // before 0001-01-01
   EXPECT_EQ(y + m + d, 0);
-}
 
-TEST(DayOfWeek, SundayIsOne) {
   // 1899-12-30 was a Saturday, 2024-01-01 a Monday; then a Sunday evening.
   EXPECT_EQ((std::tuple{DayOfWeek(0), DayOfWeek(EncodeDate(2024, 1, 1)), DayOfWeek(EncodeDate(2023, 12, 31) + 0.9)}),
             std::tuple(7, 2, 1));
-}
-
-TEST(IncDateTime, StepsAcrossTheOrigin) {
+  // Steps across the origin.
   EXPECT_EQ(Decode(IncMilliSecond(0, -1)), (Parts{1899, 12, 29, 23, 59, 59, 999}));
   EXPECT_EQ(Decode(IncMilliSecond(-1.25, 1)), (Parts{1899, 12, 29, 6, 0, 0, 1}));
   EXPECT_EQ(Decode(IncSecond(-0.0, -3600)), (Parts{1899, 12, 29, 23, 0, 0, 0}));

@@ -16,14 +16,10 @@ struct FormatCase {
   UnicodeString Expected;
 };
 
-void ExpectFormats(std::initializer_list<FormatCase> ACases) {
-  for (const auto& c : ACases) EXPECT_EQ(Format(c.Fmt, c.Args), c.Expected) << UnicodeToUtf8(c.Fmt);
-}
-
 }  // namespace
 
 TEST(Format, IntegersStringsIndexesStarsAndFloats) {
-  ExpectFormats({
+  const FormatCase cases[] = {
       {u"%d", {42}, u"42"}, {u"%d", {-7}, u"-7"}, {u"[%5d]", {42}, u"[   42]"}, {u"[%-5d]", {42}, u"[42   ]"},
       {u"%.5d", {-12}, u"-00012"}, {u"%d", {INT64_MIN}, u"-9223372036854775808"}, {u"%u", {-1}, u"4294967295"},
       {u"%u", {INT64_C(-5000000000)}, u"18446744068709551616"}, {u"%x", {255}, u"FF"}, {u"%.4X", {255}, u"00FF"},
@@ -41,7 +37,8 @@ TEST(Format, IntegersStringsIndexesStarsAndFloats) {
       {u"%.3e", {-12345.678}, u"-1.23E+004"}, {u"%.2e", {0.000123}, u"1.2E-004"}, {u"%g", {0.5}, u"0.5"},
       {u"%g", {1e20}, u"1E020"}, {u"%.3g", {1234.5}, u"1.23E003"}, {u"%n", {1234567.891}, u"1,234,567.89"},
       {u"%.0n", {999.5}, u"1,000"}, {u"%m", {1234.5}, u"$1,234.50"}, {u"%m", {-3.0}, u"-$3.00"},
-  });
+  };
+  for (const FormatCase& c : cases) EXPECT_EQ(Format(c.Fmt, c.Args), c.Expected) << UnicodeToUtf8(c.Fmt);
 }
 
 TEST(Format, MisuseRaisesEConvertError) {

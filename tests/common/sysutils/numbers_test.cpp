@@ -20,7 +20,7 @@ UnicodeString ConvertErrorOf(F AFunc) { return test::MessageOf<EConvertError>(AF
 
 }  // namespace
 
-TEST(StrToInt, AcceptedFormsAndRefusedOnesRaiseThePlatformText) {
+TEST(StrToInt, AcceptedFormsRefusedOnesAndSixtyFourBitRange) {
   const std::pair<const char16_t*, Int64> cases[] = {
       {u"0", 0},           {u"42", 42},       {u"+42", 42},         {u"-42", -42},
       {u"007", 7},         {u"$1F", 31},      {u"0x1f", 31},        {u"0X1F", 31},
@@ -38,9 +38,7 @@ TEST(StrToInt, AcceptedFormsAndRefusedOnesRaiseThePlatformText) {
   }
   EXPECT_EQ((std::tuple{ConvertErrorOf([] { StrToInt(u"12x"); }), StrToIntDef(u"nope", -7)}),
             std::tuple(Format(cRtlInvalidInteger, {u"12x"}), -7));
-}
-
-TEST(StrToInt64, RangeAndHex) {
+  // 64-bit: range and hex.
   EXPECT_EQ((std::tuple{StrToInt64(u"9223372036854775807"), StrToInt64(u"-9223372036854775808"),
                         StrToInt64(u"$FFFFFFFFFFFFFFFF"), StrToInt64(u"$FFFFFFFF")}),
             std::tuple(INT64_MAX, INT64_MIN, -1, 4294967295LL));
@@ -54,16 +52,14 @@ TEST(StrToInt64, RangeAndHex) {
     EXPECT_THROW(StrToUInt64(text), EConvertError) << UnicodeToUtf8(text);
 }
 
-TEST(IntToStr, ExtremesAndBooleans) {
+TEST(IntToStr, ExtremesAndBooleansBothWays) {
   const std::pair<UnicodeString, const char16_t*> cases[] = {
       {IntToStr(0), u"0"},         {IntToStr(-17), u"-17"},      {IntToStr(INT64_MIN), u"-9223372036854775808"},
       {IntToHex(255, 4), u"00FF"}, {IntToHex(0x1234, 2), u"1234"}, {UIntToStr(UINT64_MAX), u"18446744073709551615"},
       {IntToHex(0, 0), u"0"},      {BoolToStr(true), u"-1"},      {BoolToStr(false), u"0"},
       {BoolToStr(true, true), u"True"}, {BoolToStr(false, true), u"False"}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(text, expected);
-}
-
-TEST(StrToBool, NumbersAndWords) {
+  // Back: numbers and words.
   for (const char16_t* text : {u"true", u"TRUE", u"-1", u"0.5"}) EXPECT_TRUE(StrToBool(text)) << UnicodeToUtf8(text);
   for (const char16_t* text : {u"False", u"0"}) EXPECT_FALSE(StrToBool(text)) << UnicodeToUtf8(text);
   EXPECT_EQ(ConvertErrorOf([] { StrToBool(u"yes"); }), Format(cRtlInvalidBoolean, {u"yes"}));

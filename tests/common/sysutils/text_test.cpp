@@ -46,15 +46,7 @@ TEST(Text, ComparisonSigns) {
     EXPECT_EQ(Sign(cmp(a, b)), sign) << UnicodeToUtf8(a) << " vs " << UnicodeToUtf8(b);
 }
 
-TEST(Text, QuotedAndDequoted) {
-  EXPECT_EQ((std::tuple{QuotedStr(u"it's"), QuotedStr(u"", u'"')}), std::tuple(u"'it''s'", u"\"\""));
-  const std::pair<const char16_t*, const char16_t*> cases[] = {
-      {u"'abc'", u"abc"}, {u"'ab''c'", u"ab'c"}, {u"abc", u"abc"}, {u"'abc", u"'abc"}, {u"'abc'def", u"abc"},
-      {u"''", u""},       {u"'", u""},           {u"", u""},       {u"abc'", u"abc'"}, {u"''''", u"'"}};
-  for (const auto& [text, expected] : cases) EXPECT_EQ(AnsiDequotedStr(text, u'\''), expected);
-}
-
-TEST(Text, PosCopyAndAffixes) {
+TEST(Text, PosCopyAffixesAndQuotes) {
   const std::tuple<const char16_t*, const char16_t*, Integer, Integer> positions[] = {
       {u"b", u"abcb", 1, 2}, {u"b", u"abcb", 3, 4}, {u"z", u"abc", 1, 0},
       {u"", u"abc", 1, 0},   {u"a", u"abc", 0, 0},  {u"a", u"abc", 4, 0}};
@@ -66,6 +58,12 @@ TEST(Text, PosCopyAndAffixes) {
                         EndsText(u"abcd", u"abc"), EndsStr(u"", u"abc"), ContainsText(u"Hello World", u"lo w")}),
             std::tuple(true, false, true, false, true, true));
   EXPECT_EQ((std::tuple{StringOfChar(u'-', 3), StringOfChar(u'-', -1)}), std::tuple(u"---", u""));
+  // Quoted and dequoted.
+  EXPECT_EQ((std::tuple{QuotedStr(u"it's"), QuotedStr(u"", u'"')}), std::tuple(u"'it''s'", u"\"\""));
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
+      {u"'abc'", u"abc"}, {u"'ab''c'", u"ab'c"}, {u"abc", u"abc"}, {u"'abc", u"'abc"}, {u"'abc'def", u"abc"},
+      {u"''", u""},       {u"'", u""},           {u"", u""},       {u"abc'", u"abc'"}, {u"''''", u"'"}};
+  for (const auto& [text, expected] : cases) EXPECT_EQ(AnsiDequotedStr(text, u'\''), expected);
 }
 
 TEST(Text, StringReplaceFlagsDecideCountAndCase) {

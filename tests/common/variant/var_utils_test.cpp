@@ -10,7 +10,7 @@ namespace {
 
 using namespace test;  // the Variant checks of variant_test_support.h
 
-TEST(VnVarHelpers, EmptyValuesGiveTheDefault) {
+TEST(VnVarHelpers, EmptyValuesAndFailuresGiveTheDefaultUnlessRaising) {
   EXPECT_EQ((std::tuple{VnVarIsEmpty(Variant()), VnVarIsEmpty(Variant::Null()), VnVarIsEmpty(Variant(u"")),
                         VnVarIsEmpty(VarArrayOf({}))}),
             std::tuple(true, true, false, false));
@@ -20,6 +20,17 @@ TEST(VnVarHelpers, EmptyValuesGiveTheDefault) {
                           VnVarToDouble(empty, 2.5, true)}),
               std::tuple(true, u"d", 1.5L, 7, -7, 2.5));
   }
+  EXPECT_EQ((std::tuple{VnVarToBool(Variant(u"yes"), true), VnVarToStr(VarArrayOf({1}), u"d"),
+                        VnVarToExtended(Variant(u"x"), 3), VnVarToInt(Variant(1e10), 3), VnVarToInt64(Variant(u"x"), 4),
+                        VnVarToDouble(Variant(IPtr<IInterface>()), 5)}),
+            std::tuple(true, u"d", 3.0L, 3, 4, 5.0));
+
+  ExpectCast([] { (void)VnVarToBool(Variant(u"yes"), false, true); }, u"UnicodeString", u"Boolean");
+  ExpectCast([] { (void)VnVarToStr(VarArrayOf({1}), u"", true); }, u"Array Variant", u"UnicodeString");
+  ExpectCast([] { (void)VnVarToExtended(Variant(u"x"), 0, true); }, u"UnicodeString", u"Double");
+  ExpectOverflow([] { (void)VnVarToInt(Variant(1e10), 0, true); }, u"Double", u"Integer");
+  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToInt64(Variant(u"x"), 0, true); });
+  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToDouble(Variant::FromError(1), 0, true); });
 }
 
 TEST(VnVarHelpers, Conversions) {
@@ -35,20 +46,6 @@ TEST(VnVarHelpers, Conversions) {
   EXPECT_EQ((std::tuple{VnVarToExtended(Variant(u"2.5")), VnVarToExtended(Variant(int64_t(INT64_MAX))),
                         VnVarToInt(Variant(u"12")), VnVarToDouble(Variant(Currency::FromRaw(5)))}),
             std::tuple(2.5L, static_cast<long double>(INT64_MAX), 12, 0.0005));
-}
-
-TEST(VnVarHelpers, FailuresGiveTheDefaultUnlessRaising) {
-  EXPECT_EQ((std::tuple{VnVarToBool(Variant(u"yes"), true), VnVarToStr(VarArrayOf({1}), u"d"),
-                        VnVarToExtended(Variant(u"x"), 3), VnVarToInt(Variant(1e10), 3), VnVarToInt64(Variant(u"x"), 4),
-                        VnVarToDouble(Variant(IPtr<IInterface>()), 5)}),
-            std::tuple(true, u"d", 3.0L, 3, 4, 5.0));
-
-  ExpectCast([] { (void)VnVarToBool(Variant(u"yes"), false, true); }, u"UnicodeString", u"Boolean");
-  ExpectCast([] { (void)VnVarToStr(VarArrayOf({1}), u"", true); }, u"Array Variant", u"UnicodeString");
-  ExpectCast([] { (void)VnVarToExtended(Variant(u"x"), 0, true); }, u"UnicodeString", u"Double");
-  ExpectOverflow([] { (void)VnVarToInt(Variant(1e10), 0, true); }, u"Double", u"Integer");
-  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToInt64(Variant(u"x"), 0, true); });
-  ExpectRaise<EVariantTypeCastError>([] { (void)VnVarToDouble(Variant::FromError(1), 0, true); });
 }
 
 TEST(TVnTypes, VarMainTypeKind) {

@@ -13,7 +13,7 @@ namespace {
 
 using namespace test;  // the Variant checks of variant_test_support.h
 
-TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
+TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSignKindNamesAndPredicates) {
   const std::pair<Variant, TVarType> rows[] = {
       {true, varBoolean}, {int8_t(-1), varShortInt}, {int16_t(-1), varSmallint}, {-1, varInteger},
       {int64_t(-1), varInt64}, {-1LL, varInt64}, {uint8_t(1), varByte}, {uint16_t(1), varWord},
@@ -24,6 +24,15 @@ TEST(VariantConversion, EachCppTypeGetsTheKindOfItsWidthAndSign) {
       {Variant::FromOleStr(u"x"), varOleStr}, {Variant::Null(), varNull}, {Variant::Unassigned(), varEmpty},
   };
   for (const auto& [value, type] : rows) EXPECT_EQ(value.VarType(), type) << test::U8(VarTypeAsText(type));
+  EXPECT_EQ((std::tuple{VarTypeAsText(varArray | varByte), VarTypeAsText(0x42)}), std::tuple(u"Array Byte", u"$0042"));
+
+  // Booleans count as ordinal, hence numeric; a date is neither float nor numeric.
+  const Variant date = Variant::FromDate(1);
+  EXPECT_EQ((std::tuple{VarIsNumeric(true), VarIsOrdinal(uint64_t(1)), VarIsFloat(Currency()), VarIsFloat(date),
+                        VarIsNumeric(date), VarIsNumeric(u"1"), VarIsStr("a")}),
+            std::tuple(true, true, true, false, false, false, true));
+  EXPECT_EQ((std::tuple{VarIsClear(Variant()), VarIsClear(IPtr<IInterface>()), VarIsClear(Variant::Null())}),
+            std::tuple(true, true, false));
 }
 
 TEST(VariantConversion, TextToNumbers) {
@@ -35,8 +44,7 @@ TEST(VariantConversion, TextToNumbers) {
             std::tuple(-42, INT64_MAX, UINT64_MAX, 12346));
   EXPECT_DOUBLE_EQ(Variant(u"-1.25E2").AsDouble(), -125);
 
-  ExpectCast([] { (void)Variant(u"abc").AsInteger(); }, u"UnicodeString", u"Integer");
-  ExpectCast([] { (void)Variant(u"").AsInteger(); }, u"UnicodeString", u"Integer");
+  for (auto bad : {u"abc", u""}) ExpectCast([&] { (void)Variant(bad).AsInteger(); }, u"UnicodeString", u"Integer");
   ExpectCast([] { (void)Variant(u"1,5").AsDouble(); }, u"UnicodeString", u"Double");
   ExpectCast([] { (void)Variant("x").AsInt64(); }, u"String", u"Int64");
   ExpectCast([] { (void)Variant::FromOleStr(u"x").AsCurrency(); }, u"OleStr", u"Currency");
@@ -138,18 +146,6 @@ TEST(VariantConversion, VarAsType) {
   ExpectCast([] { (void)Variant::FromError(5).AsInteger(); }, u"Error", u"Integer");
 }
 
-TEST(VariantConversion, TypeNamesAndPredicates) {
-  EXPECT_EQ((std::tuple{VarTypeAsText(varArray | varByte), VarTypeAsText(0x42)}), std::tuple(u"Array Byte", u"$0042"));
-
-  // Booleans count as ordinal, hence numeric; a date is neither float nor numeric.
-  const Variant date = Variant::FromDate(1);
-  EXPECT_EQ((std::tuple{VarIsNumeric(true), VarIsOrdinal(uint64_t(1)), VarIsFloat(Currency()), VarIsFloat(date),
-                        VarIsNumeric(date), VarIsNumeric(u"1"), VarIsStr("a")}),
-            std::tuple(true, true, true, false, false, false, true));
-  EXPECT_EQ((std::tuple{VarIsClear(Variant()), VarIsClear(IPtr<IInterface>()), VarIsClear(Variant::Null())}),
-            std::tuple(true, true, false));
-}
-
 TEST(VariantStorage, CopiesAndMovesKeepValuesAndInterfaceCountsExact) {
   auto* object = new TInterfacedObject;
   IPtr<IInterface> intf(object);
@@ -198,8 +194,7 @@ TEST(Currency, ExactDecimalsAndRounding) {
             std::tuple(u"2.25", u"0.6667", 2, 1000));
   ExpectRaise<EZeroDivide>([] { (void)(Currency::FromInt64(1) / Currency()); });
   ExpectRaise<EIntOverflow>([] { (void)(Currency::FromRaw(INT64_MAX) + Currency::FromRaw(1)); });
-  ExpectRaise<EInvalidOp>([] { (void)Currency::FromDouble(1e20); });
-  ExpectRaise<EInvalidOp>([] { (void)Currency::FromDouble(std::nan("")); });
+  for (double outside : {1e20, std::nan("")}) ExpectRaise<EInvalidOp>([&] { (void)Currency::FromDouble(outside); });
 }
 
 }  // namespace

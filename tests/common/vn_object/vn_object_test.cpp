@@ -40,7 +40,7 @@ class TGreeter : public TVnObject, public IGreeter, public ICounter {
   int FNext = 0;
 };
 
-TEST(VnObject, LastInterfaceFreesTheObjectThroughAnyOfItsInterfaces) {
+TEST(VnObject, LastInterfaceFreesTheObjectThroughAnyOfItsInterfacesUnlessAutoDestroyIsOff) {
   bool destroyed = false;
   {
     IPtr<IGreeter> greeter(new TGreeter(&destroyed));
@@ -58,22 +58,21 @@ TEST(VnObject, LastInterfaceFreesTheObjectThroughAnyOfItsInterfaces) {
     EXPECT_FALSE(destroyed);
   }
   EXPECT_TRUE(destroyed);
-}
 
-TEST(VnObject, AutoDestroyOffLeavesTheObjectToItsCreator) {
-  bool destroyed = false;
-  auto* object = new TGreeter(&destroyed);
+  // With auto-destruction off the object is left to its creator.
+  bool freed = false;
+  auto* object = new TGreeter(&freed);
   object->SetAutoDestroy(false);
   {
     IPtr<IGreeter> held(object);
     IPtr<IVnObject> other = held.As<IVnObject>();
   }
-  EXPECT_EQ((std::tuple{destroyed, object->GetRefCount()}), std::tuple(false, 0));
+  EXPECT_EQ((std::tuple{freed, object->GetRefCount()}), std::tuple(false, 0));
   // Turning it back on doesn't free by itself; the next count that reaches 0 does.
   object->SetAutoDestroy(true);
-  EXPECT_FALSE(destroyed);
+  EXPECT_FALSE(freed);
   { IPtr<IGreeter> again(object); }
-  EXPECT_TRUE(destroyed);
+  EXPECT_TRUE(freed);
 }
 
 TEST(VnObject, UnknownInterfacesAndPlainObjects) {

@@ -14,7 +14,7 @@ using namespace vn;
 using test::ExpectRaises;
 using test::U8;
 
-TEST(PlatformDOMLifetime, ReferencesKeepWhatTheyReach) {
+TEST(PlatformDOMLifetime, ReferencesKeepWhatTheyReachAHeldInterfaceItsSubtree) {
   // A document that only an interface on its root holds lives as long as that interface.
   IPtr<IDOMElement> root = GetDOM()->createDocument(u"", u"r", nullptr)->get_documentElement();
   IPtr<IDOMElement> child = VnAddElement(root, u"c");
@@ -34,17 +34,16 @@ TEST(PlatformDOMLifetime, ReferencesKeepWhatTheyReach) {
   doc->createAttribute(u"a");
   root = nullptr;
   EXPECT_TRUE(doc->get_documentElement());
-}
 
-TEST(PlatformDOMLifetime, InterfaceHeldWhenTheTreeIsFreedKeepsItsSubtree) {
-  auto doc = TVnDOMDocument::FromXML(u"<r><c/></r>");
-  IPtr<IDOMElement> held = doc->GetRootNode()->FirstElement()->As<IDOMElement>();
+  // An interface held when the tree is freed keeps its subtree.
+  auto tree = TVnDOMDocument::FromXML(u"<r><c/></r>");
+  IPtr<IDOMElement> held = tree->GetRootNode()->FirstElement()->As<IDOMElement>();
   ASSERT_TRUE(held);
   VnAddText(held, u"t");
   // The checked free refuses while an interface counts; deleting leaves the held node and its
   // ancestors below the document, detached.
-  ExpectRaises<Exception>([&] { doc->Free(); }, Format(cVnDomDestroyedWhileCounted, {u"TVnDOMDocument"}));
-  doc.reset();
+  ExpectRaises<Exception>([&] { tree->Free(); }, Format(cVnDomDestroyedWhileCounted, {u"TVnDOMDocument"}));
+  tree.reset();
   EXPECT_FALSE(held->get_parentNode()->get_parentNode());
   EXPECT_FALSE(held->get_ownerDocument());
   EXPECT_EQ(U8(held->get_parentNode().As<IDOMNodeEx>()->get_xml()), "<r><c>t</c></r>");

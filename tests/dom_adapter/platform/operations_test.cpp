@@ -117,8 +117,7 @@ TEST(PlatformDOM, LoadingTakesTextFileNamesAndStreams) {
   IPtr<IDOMDocument> doc = Load(u"<a><b/></a>");
   IPtr<IDOMPersist> persist = doc.As<IDOMPersist>();
   EXPECT_EQ(persist->load(u"no such file"), 0);  // nothing loaded, nothing raised
-  EXPECT_EQ(XML(doc), "<a><b /></a>");
-  EXPECT_EQ(persist->asyncLoadState(), lsLoaded);
+  EXPECT_EQ((std::tuple{XML(doc), persist->asyncLoadState()}), std::tuple("<a><b /></a>", lsLoaded));
   // Other nodes take the text as their inner XML.
   doc->get_documentElement().As<IDOMPersist>()->load(u"<c/>text");
   EXPECT_EQ(XML(doc), "<a><c />text</a>");
@@ -156,9 +155,9 @@ TEST(PlatformDOM, ChildEditsAndSiblings) {
   }
   // An element's attributes stand first among its children.
   IPtr<IDOMElement> r = Load(u"<r a=\"1\">t</r>")->get_documentElement();
-  EXPECT_EQ(r->get_firstChild()->get_nodeType(), ntAttribute);
-  EXPECT_EQ(r->get_firstChild()->get_nextSibling()->get_nodeType(), ntText);
-  EXPECT_EQ(r->get_firstChild().As<IDOMAttr>()->get_ownerElement()->get_tagName(), u"r");
+  EXPECT_EQ((std::tuple{r->get_firstChild()->get_nodeType(), r->get_firstChild()->get_nextSibling()->get_nodeType(),
+                        r->get_firstChild().As<IDOMAttr>()->get_ownerElement()->get_tagName()}),
+            std::tuple(ntAttribute, ntText, u"r"));
 }
 
 TEST(PlatformDOM, LookupsAndRefusals) {
@@ -166,11 +165,10 @@ TEST(PlatformDOM, LookupsAndRefusals) {
   IPtr<IDOMElement> root = doc->get_documentElement();
   IPtr<IDOMNamedNodeMap> attrs = root->get_attributes();
   ExpectRaises<EVnDomNotFound>([&] { attrs->getNamedItem(u"x"); }, Format(cVnDomNoNodeForName, {u"x"}));
-  EXPECT_FALSE(attrs->getNamedItemNS(u"", u"x"));
-  EXPECT_EQ(U8(attrs->getNamedItemNS(u"u", u"a")->get_nodeValue()), "1");
-  EXPECT_EQ(root->hasAttributeNS(u"u", u"a"), -1);
-  EXPECT_EQ(U8(doc->getElementById(u"y").As<IDOMNodeEx>()->get_text()), "t");
-  EXPECT_FALSE(doc->getElementById(u"z"));
+  EXPECT_EQ((std::tuple{bool(attrs->getNamedItemNS(u"", u"x")), U8(attrs->getNamedItemNS(u"u", u"a")->get_nodeValue()),
+                        root->hasAttributeNS(u"u", u"a"), U8(doc->getElementById(u"y").As<IDOMNodeEx>()->get_text()),
+                        bool(doc->getElementById(u"z"))}),
+            std::tuple(false, "1", -1, "t", false));
   EXPECT_EQ(GetDOM()->createDocument(u"", u"", nullptr)->getElementsByTagName(u"e")->get_length(), 0);
 
   IPtr<IDOMNode> text = doc->getElementById(u"y")->get_firstChild();

@@ -44,7 +44,7 @@ struct TTestStream final : IStream {
   }
 };
 
-TEST(PlatformDOMStreams, ComponentAndLibraryStreams) {
+TEST(PlatformDOMStreams, ComponentAndLibraryStreamsAndTransformations) {
   IPtr<IDOMDocument> doc = GetDOM()->createDocument(u"", u"", nullptr);
   IPtr<IDOMPersist> persist = doc.As<IDOMPersist>();
   TTestStream in;
@@ -68,20 +68,19 @@ TEST(PlatformDOMStreams, ComponentAndLibraryStreams) {
   TVnStringStream latin1(28591);
   other.As<IDOMPersist>()->saveToStream(latin1);
   EXPECT_EQ(latin1.GetBytesView(), "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><c>\xE9</c>");
-}
 
-TEST(PlatformDOMStreams, TransformIntoTextOrDocument) {
-  IPtr<IDOMDocument> doc = VnCreateDOM(u"Ondrel", u"", u"a");
-  doc->get_documentElement().As<IDOMNodeEx>()->set_text(u"v");
+  // Transformations into text or into another document.
+  IPtr<IDOMDocument> source = VnCreateDOM(u"Ondrel", u"", u"a");
+  source->get_documentElement().As<IDOMNodeEx>()->set_text(u"v");
   IPtr<IDOMDocument> xsl = GetDOM()->createDocument(u"", u"", nullptr);
   xsl.As<IDOMPersist>()->loadxml(
       u"<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
       u"<xsl:template match=\"/\"><out><xsl:value-of select=\"/a\"/></out></xsl:template></xsl:stylesheet>");
   WideString text;
-  doc.As<IDOMNodeEx>()->transformNode(xsl, text);
+  source.As<IDOMNodeEx>()->transformNode(xsl, text);
   EXPECT_NE(U8(text).find("<out>v</out>"), std::string::npos);
   IPtr<IDOMDocument> result = GetDOM()->createDocument(u"", u"", nullptr);
-  doc.As<IDOMNodeEx>()->transformNode(xsl, result);
+  source.As<IDOMNodeEx>()->transformNode(xsl, result);
   EXPECT_EQ(U8(result->get_documentElement().As<IDOMNodeEx>()->get_xml()), "<out>v</out>");
 }
 

@@ -42,7 +42,8 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
   const char* inputs[] = {
       "", "[1,{\"a\":[2]}]", "{\"a\":{}}{\"b\":[]}", "[truex, nul]", "5", "[\"\\q\"]",
       "[\"a\\tb\", \"\\u00e9\\ud800\"]", "[\"\xC3\xA9\xE2\x82\xAC\", \"\xFF\xFE\xC3\"]", "[{\"a\"", "{\"a\":1,}",
-      "[\"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\", \"\xED\xA0\x80\xC0\xAF\xF5\x80\"]",
+      "[\"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\", "
+      "\"\xED\xA0\x80\xC0\xAF\xF5\x80\"]",
       "[\"\b\f\n\r\t\x7f\x00\\b\\/\\\\\\\"\", \"\xE2\x82\"]",
       "[1,{\"a\":\"\\uqqqq\"}]",  // a bad escape fails the load where it stands
   };
@@ -64,7 +65,7 @@ TEST(JsonLoad, BothRoadsGiveTheSameTreeAndFailure) {
   }
 }
 
-TEST(JsonLoad, HandlerRules) {
+TEST(JsonLoad, HandlerRulesLoadsIntoOtherNodesFollowTheTable) {
   // the walk up passes the member and ends on the document
   TVnJSONDocument doc;
   TVnJSONReader reader;
@@ -89,20 +90,18 @@ TEST(JsonLoad, HandlerRules) {
     const UnicodeString failure = test::MessageOf([&] { d.SetAsJSON(c.Input); });
     EXPECT_EQ(std::tuple(failure, d.GetAsJSON()), std::tuple(c.Failure, c.Tree));
   }
-}
-
-TEST(JsonLoad, LoadsIntoOtherNodesFollowTheHandlersTable) {
-  TVnJSONDocument doc(u"{\"m\":1,\"a\":[0]}");
-  TVnJSONBase* root = doc.GetRootValue();
+  // Loads into other nodes follow the handler's table.
+  TVnJSONDocument target(u"{\"m\":1,\"a\":[0]}");
+  TVnJSONBase* root = target.GetRootValue();
   root->FindMember(u"a")->GetValueObj()->SetAsJSON(u"[1,2]");  // into an array: appended
   root->FindMember(u"m")->SetAsJSON(u"{\"x\":true}");           // into a member: its value
-  EXPECT_EQ(doc.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [0, [1, 2]]}");
+  EXPECT_EQ(target.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [0, [1, 2]]}");
   root->SetAsJSON(u"[3]");  // into an object: the value of its last member
-  EXPECT_EQ(doc.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [3]}");
+  EXPECT_EQ(target.GetAsJSON(), u"{\"m\": {\"x\": true}, \"a\": [3]}");
   TVnJSONObject empty;
   EXPECT_THROW(empty.SetAsJSON(u"[1]"), EVnJSONException);
-  doc.SetAsJSON(u"");  // an empty text clears
-  EXPECT_EQ(doc.GetRootValue(), nullptr);
+  target.SetAsJSON(u"");  // an empty text clears
+  EXPECT_EQ(target.GetRootValue(), nullptr);
 }
 
 TEST(JsonLoad, MillionDeepInputLoadsSavesAndFrees) {

@@ -27,9 +27,8 @@ void ExpectJSONError(F&& AAction, Integer ACode, const UnicodeString& AMessage) 
 
 TEST(JsonModel, OperationsAKindLacksRaiseWithTheirWord) {
   TVnJSONDocument doc(u"{\"o\":{},\"a\":[],\"s\":1}");
-  TVnJSONBase* object = doc.GetRootValue()->FindMember(u"o")->GetValueObj();
-  TVnJSONBase* array = doc.GetRootValue()->FindMember(u"a")->GetValueObj();
-  TVnJSONBase* simple = doc.GetRootValue()->FindMember(u"s")->GetValueObj();
+  auto valueOf = [&](const char16_t* AName) { return doc.GetRootValue()->FindMember(AName)->GetValueObj(); };
+  TVnJSONBase *object = valueOf(u"o"), *array = valueOf(u"a"), *simple = valueOf(u"s");
   TVnJSONBase* member = doc.GetRootValue()->FindMember(u"s");
   struct Case { TVnJSONBase* Node; const char16_t *Class, *Word; std::function<void(TVnJSONBase&)> Call; };
   const Case cases[] = {
@@ -76,11 +75,10 @@ TEST(JsonModel, MembersFindCreateAndRaise) {
             std::tuple(created, 3, true, u"<object>"));
   // a member without a value makes one of the setter's kind
   created->SetAsString(u"x");
-  EXPECT_EQ(created->GetValueObj()->GetJSONType(), jdtString);
   TVnJSONMember* nested = object.AddMember(u"n");
   TVnJSONArray* deep = nested->GetAsObject()->AddMember(u"deep")->GetAsArray();
-  EXPECT_EQ(deep->GetOwner()->GetOwner(), nested->GetValueObj());
-  EXPECT_EQ(object.GetAsJSON(), u"{\"a\": 1, \"a\": 2, \"b\": \"x\", \"n\": {\"deep\": []}}");
+  EXPECT_EQ(std::tuple(created->GetValueObj()->GetJSONType(), deep->GetOwner()->GetOwner(), object.GetAsJSON()),
+            std::tuple(jdtString, nested->GetValueObj(), u"{\"a\": 1, \"a\": 2, \"b\": \"x\", \"n\": {\"deep\": []}}"));
   object.DeleteMember(0);
   object.RemoveMember(object.FindMember(u"b"));
   EXPECT_EQ(object.GetAsJSON(), u"{\"a\": 2, \"n\": {\"deep\": []}}");
@@ -89,11 +87,9 @@ TEST(JsonModel, MembersFindCreateAndRaise) {
 
 TEST(JsonModel, VariantsBecomeValuesByMainKind) {
   TVnJSONObject object;
-  Variant list = VarArrayCreate({0, 1}, varVariant);
-  VarArrayPut(list, Variant(1), {0});
-  VarArrayPut(list, Variant(u"x"), {1});
   const std::pair<const char16_t*, Variant> members[] = {{u"i", Variant(7)}, {u"f", Variant(1.5)},
-      {u"s", Variant(u"a/b")}, {u"b", Variant(true)}, {u"l", list}, {u"n", Variant::Null()}};
+      {u"s", Variant(u"a/b")}, {u"b", Variant(true)}, {u"l", VarArrayOf({Variant(1), Variant(u"x")})},
+      {u"n", Variant::Null()}};
   for (const auto& [name, value] : members) object.AddMember(name, value);
   EXPECT_EQ(object.GetAsJSON(),
             u"{\"i\": 7, \"f\": 1.5, \"s\": \"a\\/b\", \"b\": true, \"l\": [1, \"x\"], \"n\": null}");
@@ -134,8 +130,8 @@ TEST(JsonModel, SimpleValuesReadAndWrite) {
 
 TEST(JsonModel, DocumentForwardsToTheRoot) {
   TVnJSONDocument empty;
-  for (auto call : {std::function<void()>([&] { empty.FindMember(u"a"); }), std::function<void()>([&] { empty.Item(0); }),
-                    std::function<void()>([&] { empty.GetMember(u"a"); })})
+  for (auto call : std::initializer_list<std::function<void()>>{
+           [&] { empty.FindMember(u"a"); }, [&] { empty.Item(0); }, [&] { empty.GetMember(u"a"); }})
     ExpectJSONError(call, cVnJSONErrNoRoot, UnicodeString(_cVnJSONNoRoot));
   TVnJSONDocument doc(u"{\"a\":{\"b\":[1]}}");
   TVnJSONBase& asBase = doc;
@@ -169,7 +165,7 @@ TEST(JsonModel, InterfacesShareTheNodesCount) {
   EXPECT_EQ(doc.GetAsJSON(), u"{\"b\": [1], \"c\": null}");
 }
 
-TEST(JsonModel, DocumentsAndNodesHeldByInterfaceDieWithTheLast) {
+TEST(JsonModel, DocumentsAndNodesHeldByInterfaceDieWithTheLastHooksMakeOne) {
   IPtr<IVnJSONDocument> held(static_cast<IVnJSONDocument*>(new TVnJSONDocument(u"{\"a\":[true]}")));
   IPtr<IVnJSONBase> asBase = held.As<IVnJSONBase>();
   ASSERT_TRUE(asBase);
@@ -192,6 +188,10 @@ TEST(JsonModel, DocumentsAndNodesHeldByInterfaceDieWithTheLast) {
   IPtr<IVnJSONObject> object(static_cast<IVnJSONObject*>(new TVnJSONObject()));
   object->AddMemberIntf2(u"x", jdtArray)->GetAsArrayIntf()->AddValueIntf2(jdtNumber, u"1e5");
   EXPECT_EQ(object->GetAsJSON(), u"{\"x\": [1e5]}");
+  // the common package reaches the JSON unit only through its hooks
+  IPtr<IVnJSONDocument> asDoc = GetCreateJSONDoc()(u"{\"a\":[1]}").As<IVnJSONDocument>();
+  ASSERT_TRUE(asDoc);
+  EXPECT_EQ(asDoc->GetAsJSON(), u"{\"a\": [1]}");
 }
 
 TEST(JsonModel, DeepTreesSaveAndFreeWithoutRecursion) {
@@ -200,14 +200,6 @@ TEST(JsonModel, DeepTreesSaveAndFreeWithoutRecursion) {
   TVnJSONBase* node = doc.CreateRootValue(jdtArray);
   for (int i = 0; i < 100000; ++i) node = node->AddValue(jdtObject)->AddMember(u"k", jdtArray)->GetValueObj();
   EXPECT_EQ(doc.GetAsJSON().size(), 100000 * 9 + 2);
-}
-
-TEST(JsonModel, CommonHooksMakeADocument) {
-  // the common package reaches the JSON unit only through its hooks
-  IPtr<IInterface> doc = GetCreateJSONDoc()(u"{\"a\":[1]}");
-  IPtr<IVnJSONDocument> asDoc = doc.As<IVnJSONDocument>();
-  ASSERT_TRUE(asDoc);
-  EXPECT_EQ(asDoc->GetAsJSON(), u"{\"a\": [1]}");
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ TEST(JsonWriter, ValuesSetByCallers) {
   EXPECT_EQ(doc.GetAsJSON(), u"{\"s\": null, \"m\": null, \"a\": [\"\"], \"d\": 0.1, \"x\": 0x1F, \"b\": yes}");
 }
 
-TEST(JsonWriter, CodePagesAndMarks) {
+TEST(JsonWriter, CodePagesAndMarksFilesInUtf8WithMark) {
   TVnJSONDocument doc(u"{\"k\":\"\u00e9\u20ac\"}");
   const std::string text = "{\"k\": \"\xC3\xA9\\u20AC\"}";
   EXPECT_EQ(std::tuple(SaveJSON(doc, false, cVnCodePageUTF8, false), SaveJSON(doc, false, cVnCodePageUTF8, true)),
@@ -74,12 +74,10 @@ TEST(JsonWriter, CodePagesAndMarks) {
   // any other code page: the text's bytes there, never a mark
   EXPECT_EQ(std::tuple(SaveJSON(doc, false, 28591, true), SaveJSON(doc, true, 1252, false)),
             std::tuple("{\"k\": \"\xE9\\u20AC\"}", "{ \r\n  \"k\": \"\xE9\\u20AC\"\r\n}"));
-}
-
-TEST(JsonWriter, SaveToFileWritesUtf8WithMark) {
-  TVnJSONDocument doc(u"[1]");
+  // A file: UTF-8 with a mark.
+  TVnJSONDocument one(u"[1]");
   const test::TempFile file("json_writer.json");
-  doc.SaveToFile(file.Name(), false);
+  one.SaveToFile(file.Name(), false);
   TVnJSONDocument again(file.Name(), fmOpenRead);
   EXPECT_EQ(again.GetAsJSON(), u"[1]");
   TVnMemoryStream saved;  // read back through the library's own file stream

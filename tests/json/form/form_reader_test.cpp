@@ -56,12 +56,17 @@ const Case kForms[] = {
     {"a[0]=1&a[]=2", "< { m:a [ s:1 ] /m m:a [ s:2 ] /m } >"},
 };
 
-TEST(FormReader, KeysAndValuesBuildOneObject) {
+TEST(FormReader, KeysAndValuesBuildOneObjectDeepKeysWithoutRecursion) {
   FormReader r;
-  for (const Case& c : kForms) {
-    const std::string trace = r.Read(c.Text);
-    EXPECT_EQ(std::tuple(trace, r.Failure), std::tuple(c.Trace, u"")) << c.Text;
-  }
+  for (const Case& c : kForms) EXPECT_EQ((std::tuple{r.Read(c.Text), r.Failure}), std::tuple(c.Trace, u"")) << c.Text;
+  // A key of many levels, then a pair that closes them all: the close walks a list.
+  constexpr size_t kDepth = 100000;
+  std::string text = "a";
+  for (size_t i = 0; i < kDepth; ++i) text += i % 2 ? "[x]" : "[]";
+  text += "=1&b=2";
+  vntest::RecordingReader<TVnFormURLEncodedJSONReader, false, vntest::JsonCounter> deep;
+  deep.Reader.Parse(std::string_view(text), 65001);
+  EXPECT_EQ(std::tuple(deep.Rec.Opened, deep.Rec.Closed), std::tuple(kDepth + 1, kDepth + 1));
 }
 
 // Trace: ends with the place of the failure, !line:col
@@ -80,10 +85,9 @@ TEST(FormReader, FailuresReachTheErrorHandlerWithTheirPlace) {
       {"a[b", "< { m:a !1:4", eof},
   };
   FormReader r;
-  for (const Failure& c : kFailures) {
-    const std::string trace = r.Read(c.Text);
-    EXPECT_EQ(std::tuple(trace, r.Failure, r.Rec.FatalMessage), std::tuple(c.Trace, c.Message, c.Message)) << c.Text;
-  }
+  for (const Failure& c : kFailures)
+    EXPECT_EQ((std::tuple{r.Read(c.Text), r.Failure, r.Rec.FatalMessage}), std::tuple(c.Trace, c.Message, c.Message))
+        << c.Text;
   // The end-of-text flag is the JSON reader's own.
   EXPECT_FALSE(r.Reader.GetUnexpectedEOF());
   EXPECT_THROW(r.Reader.Parse(std::string_view("a=%G0"), 65001), EConvertError);
@@ -125,17 +129,6 @@ TEST(FormReader, HandlersAndEntryPoints) {
   // so a backslash-u that names no code fails there, though the reader took it.
   EXPECT_EQ(r.Read("a=[%5Cu12zz"), "< { m:a s:[\\u12zz /m } >");
   EXPECT_THROW(load("a=[%5Cu12zz"), EConvertError);
-}
-
-TEST(FormReader, DeepAndWideKeysReadWithoutRecursion) {
-  // A key of many levels, then a pair that closes them all: the close walks a list.
-  constexpr size_t kDepth = 100000;
-  std::string text = "a";
-  for (size_t i = 0; i < kDepth; ++i) text += i % 2 ? "[x]" : "[]";
-  text += "=1&b=2";
-  vntest::RecordingReader<TVnFormURLEncodedJSONReader, false, vntest::JsonCounter> r;
-  r.Reader.Parse(std::string_view(text), 65001);
-  EXPECT_EQ(std::tuple(r.Rec.Opened, r.Rec.Closed), std::tuple(kDepth + 1, kDepth + 1));
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ constexpr char16_t kStore[] =
     u"{\"title\":\"C\",\"price\":\"na\"},{\"title\":\"D\"}],\"bicycle\":{\"price\":20}},"
     u"\"a.b\":1,\"0\":\"zero\",\"list\":[10,11,12,13],\"x\":{\"0\":\"m\"},\"a$\":true}";
 
-TEST(JsonPathSelect, StepsAndItems) {
+TEST(JsonPathSelect, StepsItemsAndRecursiveSteps) {
   TVnJSONDocument doc(kStore);
   const std::pair<const char16_t*, const char*> cases[] = {
       {u"$.store.book[*].title", "\"A\" \"B\" \"C\" \"D\""},
@@ -29,9 +29,8 @@ TEST(JsonPathSelect, StepsAndItems) {
   };
   for (const auto& [path, expected] : cases) EXPECT_EQ(Sel(doc, path), expected) << UnicodeToUtf8(path);
   EXPECT_EQ(Sel(doc, u"  $ "), UnicodeToUtf8(doc.GetRootValue()->GetAsJSON()));
-}
 
-TEST(JsonPathSelect, RecursiveStepsGiveANodesMatchesBeforeItsChildrens) {
+  // Recursive steps give a node's matches before its children's.
   TVnJSONDocument prices(u"{\"price\":1,\"a\":{\"b\":{\"price\":3},\"price\":2}}");
   TVnJSONDocument nested(u"{\"a\":{\"a\":{\"a\":1}}}");
   EXPECT_EQ(std::tuple(Sel(prices, u"$..price"), Sel(nested, u"$..a.a")), std::tuple("1 2 3", "{\"a\": 1} 1"));

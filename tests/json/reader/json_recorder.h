@@ -15,7 +15,6 @@ class JsonRecorder : public vn::TVnObject, public vn::IVnJSONContentHandler, pub
  public:
   std::string Trace;
   vn::UnicodeString FatalMessage;
-  int FatalLine = 0, FatalCol = 0;
 
   JsonRecorder() { SetAutoDestroy(false); }
 
@@ -35,10 +34,8 @@ class JsonRecorder : public vn::TVnObject, public vn::IVnJSONContentHandler, pub
   void Warning(vn::IVnJSONLocator*, std::u16string_view) override {}
   void Error(vn::IVnJSONLocator*, std::u16string_view) override {}
   void FatalError(vn::IVnJSONLocator* loc, std::u16string_view msg) override {
-    FatalLine = loc->GetLineNr();
-    FatalCol = loc->GetColNr();
     FatalMessage = vn::UnicodeString(msg);
-    Add("!" + std::to_string(FatalLine) + ":" + std::to_string(FatalCol));
+    Add("!" + std::to_string(loc->GetLineNr()) + ":" + std::to_string(loc->GetColNr()));
   }
 
  private:

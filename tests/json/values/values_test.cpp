@@ -15,7 +15,7 @@ using namespace vn;
 
 namespace {
 
-TEST(JsonValues, StrToJSON) {
+TEST(JsonValues, StrToJSONAndBack) {
   const std::pair<std::u16string_view, std::u16string_view> cases[] = {
       {u"", u""}, {u"plain text", u"plain text"}, {u"a/b", u"a\\/b"}, {u"q\"b\\", u"q\\\"b\\\\"},
       {u"\b\t\n\f\r", u"\\b\\t\\n\\f\\r"},
@@ -28,11 +28,10 @@ TEST(JsonValues, StrToJSON) {
       {u"\xD800", u"\\uD800"},                        // a lone surrogate too
   };
   for (const auto& [in, out] : cases) EXPECT_EQ(VnStrToJSON(in), out);
-}
 
-TEST(JsonValues, JSONtoStr) {
+  // And back.
   struct Case { std::u16string_view In; TVnJSONDataType Type; std::u16string_view Out; };
-  const Case cases[] = {
+  const Case back[] = {
       {u"", jdtString, u""}, {u"\\\"\\/\\\\\\b\\f\\n\\r\\t", jdtString, u"\"/\\\b\f\n\r\t"},
       {u"\\u00e9\\u00E9", jdtString, u"\u00E9\u00E9"}, {u"\\uD83D\\uDE00", jdtString, u"\U0001F600"},
       {u"\\uDE00x", jdtString, u"\xDE00x"},          // a lone surrogate stays alone
@@ -41,7 +40,7 @@ TEST(JsonValues, JSONtoStr) {
       {u"100%", jdtString, u"100%"}, {u"1%41", jdtNumber, u"1A"}, {u"-1.5e3", jdtNumber, u"-1.5e3"},
       {u"true", jdtBoolean, u"true"}, {u"ab\\", jdtString, u"ab\\"},
   };
-  for (const Case& c : cases) EXPECT_EQ(VnJSONtoStr(c.In, c.Type), c.Out) << UnicodeToUtf8(c.In);
+  for (const Case& c : back) EXPECT_EQ(VnJSONtoStr(c.In, c.Type), c.Out) << UnicodeToUtf8(c.In);
   for (std::u16string_view bad : {u"\\uZZZZ", u"\\u", u"\\%g1", u"%zz"})
     EXPECT_THROW(VnJSONtoStr(bad, jdtNumber), EConvertError) << UnicodeToUtf8(bad);
 
@@ -53,9 +52,6 @@ TEST(JsonValues, JSONtoStr) {
 }
 
 TEST(JsonValues, VarToJSON) {
-  Variant arr = VarArrayCreate({0, 1}, varVariant);
-  VarArrayPut(arr, Variant(1), {0});
-  VarArrayPut(arr, Variant(2), {1});
   Variant mixed = VarArrayCreate({1, 3}, varVariant);
   VarArrayPut(mixed, Variant(u"a/\u20AC"), {1});
   VarArrayPut(mixed, Variant(true), {2});
@@ -67,7 +63,8 @@ TEST(JsonValues, VarToJSON) {
       {Variant(std::nan("")), u"null", jdtNumber}, {Variant(u"say \"hi\""), u"\"say \\\"hi\\\"\"", jdtString},
       {Variant(false), u"false", jdtBoolean},
       {Variant::FromDate(EncodeDate(2024, 2, 29) + 0.5), u"\"2024-02-29T12:00:00.000\"", jdtString},
-      {arr, u"[1,2]", jdtArray}, {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
+      {VarArrayOf({Variant(1), Variant(2)}), u"[1,2]", jdtArray},
+      {mixed, u"[\"a\\/\\u20AC\",true,null]", jdtArray},
       {Variant::Null(), u"null", jdtNull}, {Variant(), u"null", jdtNull},
   };
   for (const auto& [v, text, kind] : cases)

@@ -49,7 +49,7 @@ TEST(SchemaElement, NewElementsGoInTheOrderOfTheTable) {
   }
 }
 
-TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
+TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOneEmptyWritesNothing) {
   struct Case { TVnDOMNodeType Type; Integer MinOccurs; bool Required; const char* Expected; } cases[] = {
       {ntElement, 0, false, "<r />"},   {ntElement, 1, false, "<r><x /></r>"},
       {ntElement, 2, false, "<r />"},   {ntElement, 0, true, "<r><x /></r>"},
@@ -63,9 +63,7 @@ TEST(SchemaElement, ReadingCreatesRequiredRowsAndElementsOfAtLeastOne) {
     EXPECT_EQ(std::tuple(created, value, f.XML()), std::tuple(std::string(c.Expected) != "<r />", u"", c.Expected))
         << c.Type << " min " << c.MinOccurs;
   }
-}
-
-TEST(SchemaElement, EmptyValueOnAMissingNodeCreatesNothing) {
+  // An empty value written to a missing node creates nothing.
   Fixture f(u"<r/>", {u"s"});
   f.Schema.AddSchemaInfo(1, ntAttribute, u"t");
   f.Schema.SetStringValue(0, u"");
@@ -73,7 +71,7 @@ TEST(SchemaElement, EmptyValueOnAMissingNodeCreatesNothing) {
   EXPECT_EQ(f.XML(), "<r />");
 }
 
-TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
+TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBackMissingNodesZero) {
   const TDateTime day = EncodeDate(1999, 10, 20);
   const TGUID guid = TGUID::Parse("01234567-89ab-cdef-0123-456789abcdef");
   // Each case writes through one accessor and reads back through an alias of it.
@@ -109,14 +107,13 @@ TEST(SchemaElement, TypedAccessorsWriteTheirTextAndReadItBack) {
   f.Schema.AddSchemaInfo(0, ntAttribute, u"d");
   f.Schema.SetDatetimeValue(0, day);
   EXPECT_EQ(f.Schema.GetXmlValue(0).back(), u'Z');
-}
 
-TEST(SchemaElement, MissingNodesReadAsZeroAndStringsDecodeTwice) {
-  Fixture f(u"<r><s>&amp;amp;</s></r>", {u"missing", u"s"});
-  EXPECT_EQ(std::tuple(f.Schema.GetIntValue(0), f.Schema.GetDatetimeValue(0), f.Schema.GetStringValue(0),
-                       f.Schema.GetGuidValue(0) == TGUID{}, f.Schema.GetBooleanValue(0)),
+  // Missing nodes read as zero; strings decode twice.
+  Fixture m(u"<r><s>&amp;amp;</s></r>", {u"missing", u"s"});
+  EXPECT_EQ(std::tuple(m.Schema.GetIntValue(0), m.Schema.GetDatetimeValue(0), m.Schema.GetStringValue(0),
+                       m.Schema.GetGuidValue(0) == TGUID{}, m.Schema.GetBooleanValue(0)),
             std::tuple(0, 0.0, u"", true, false));
-  EXPECT_EQ(std::tuple(f.XML(), f.Schema.GetXmlValue(1), f.Schema.GetStringValue(1)),
+  EXPECT_EQ(std::tuple(m.XML(), m.Schema.GetXmlValue(1), m.Schema.GetStringValue(1)),
             std::tuple("<r><s>&amp;amp;</s></r>", u"&amp;", u"&"));
 }
 
@@ -155,11 +152,9 @@ TEST(SchemaElement, EventFiresOncePerRowAndMayReadItsOwnRow) {
     EXPECT_EQ(ASender, &f.Schema);
     ASender->GetIntValue(0);  // its own row for a, another row (fired too) for b
   };
-  const Integer a = f.Schema.GetIntValue(0);
-  EXPECT_EQ(std::tuple(a, fired), std::tuple(1, std::vector<UnicodeString>{u"a"}));
+  EXPECT_EQ((std::tuple{f.Schema.GetIntValue(0), fired}), std::tuple(1, std::vector<UnicodeString>{u"a"}));
   fired.clear();
-  const Integer b = f.Schema.GetIntValue(1);
-  EXPECT_EQ(std::tuple(b, fired), std::tuple(2, std::vector<UnicodeString>{u"b", u"a"}));
+  EXPECT_EQ((std::tuple{f.Schema.GetIntValue(1), fired}), std::tuple(2, std::vector<UnicodeString>{u"b", u"a"}));
 }
 
 TEST(SchemaElement, RemoveNodeDropsTheNodeAndItsWrappers) {
