@@ -108,6 +108,20 @@ class NodePool {
   char* FBlockEnd = nullptr;  // the end of the block being carved
 };
 
+/// The destroying delete of the nodes of either tree: ANode, made on the heap or (AInPool) in a
+/// pool, is destroyed and its memory given back where it came from. The flag is read first, as
+/// the node is gone after its destructor.
+template <class T>
+void DestroyNode(T* ANode, bool AInPool) noexcept {
+  NodePool* pool = AInPool ? NodePool::Of(ANode) : nullptr;
+  const size_t size = pool ? ANode->ClassType()->InstanceSize : 0;
+  ANode->~T();
+  if (pool)
+    pool->FreeNode(ANode, size);
+  else
+    ::operator delete(ANode);
+}
+
 /// A growable array of pointers that owns nothing it points at; one null pointer while empty.
 /// Growing with a pool takes the new block from it; a block from a pool is never freed here.
 template <class T>

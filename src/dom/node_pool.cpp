@@ -279,15 +279,7 @@ void* TVnDOMNode::operator new(size_t ASize) { return ::operator new(ASize); }
 void TVnDOMNode::operator delete(void* APtr) noexcept { ::operator delete(APtr); }
 
 void TVnDOMNode::operator delete(TVnDOMNode* ANode, std::destroying_delete_t) noexcept {
-  if (!ANode->FInPool) {
-    ANode->~TVnDOMNode();
-    ::operator delete(ANode);
-    return;
-  }
-  detail::NodePool* pool = detail::NodePool::Of(ANode);
-  const size_t size = ANode->ClassType()->InstanceSize;
-  ANode->~TVnDOMNode();
-  pool->FreeNode(ANode, size);
+  detail::DestroyNode(ANode, ANode->FInPool);
 }
 
 void TVnDOMNode::operator delete(void* APtr, detail::NodePool& APool) noexcept { APool.FreeNode(APtr, 0); }

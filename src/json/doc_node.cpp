@@ -16,15 +16,7 @@ void* TVnJSONBase::operator new(size_t ASize) { return ::operator new(ASize); }
 void TVnJSONBase::operator delete(void* APtr) noexcept { ::operator delete(APtr); }
 
 void TVnJSONBase::operator delete(TVnJSONBase* ANode, std::destroying_delete_t) noexcept {
-  if (!ANode->FInPool) {
-    ANode->~TVnJSONBase();
-    ::operator delete(ANode);
-    return;
-  }
-  detail::NodePool* pool = detail::NodePool::Of(ANode);
-  const size_t size = ANode->ClassType()->InstanceSize;
-  ANode->~TVnJSONBase();
-  pool->FreeNode(ANode, size);
+  detail::DestroyNode(ANode, ANode->FInPool);
 }
 
 void TVnJSONBase::operator delete(void* APtr, detail::NodePool& APool) noexcept { APool.FreeNode(APtr, 0); }
