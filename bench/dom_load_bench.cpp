@@ -161,8 +161,11 @@ void MeasurePeak(benchmark::State& state, std::string AArg) {
   }
   size_t colon = AArg.find(':');
   const Library* lib = FindLibrary(AArg.substr(0, colon));
-  std::ifstream in(std::string(VNXML_CORPORA_DIR) + "/perf/" + AArg.substr(colon + 1), std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  // read at its size: a string grown while reading would leave a high-water mark of its own
+  std::ifstream in(std::string(VNXML_CORPORA_DIR) + "/perf/" + AArg.substr(colon + 1), std::ios::binary | std::ios::ate);
+  std::string bytes(static_cast<size_t>(in.tellg()), '\0');
+  in.seekg(0);
+  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   long base = StatusKiB("VmHWM:");
   Holder doc = lib ? lib->Load(bytes) : nullptr;
   long peak = StatusKiB("VmHWM:");

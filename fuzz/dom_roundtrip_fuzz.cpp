@@ -5,6 +5,9 @@
 // output must refuse it alike. The formatted text loads
 // too and gives the plain text but for white space (indentation beside mixed content becomes
 // text); it is checked on trees of bounded depth only, its indentation being quadratic in depth.
+// A load that defers its nodes gives the tree of one that makes them all at once: read as it
+// is, and after a change that makes the deferred part whole (same failures, same nodes, names,
+// namespaces and space handling).
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +16,7 @@
 #include <vector>
 
 #include "vnxml/common/exception.h"
+#include "vnxml/common/sysutils.h"
 #include "vnxml/common/utf.h"
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
@@ -59,6 +63,52 @@ void Expect(bool AHolds, const char* AWhat, const vn::UnicodeString& AWant, cons
   std::abort();
 }
 
+// The tree as text: each node's kind, name, namespace, space handling and child count, then the
+// document's XML (or the writer's refusal). Reading it makes a deferred tree's nodes.
+std::string Dump(vn::TVnDOMDocument& ADoc) {
+  std::u16string out;
+  std::vector<vn::TVnDOMNode*> stack{&ADoc};
+  while (!stack.empty()) {
+    vn::TVnDOMNode* n = stack.back();
+    stack.pop_back();
+    out += vn::IntToStr(static_cast<int>(n->GetNodeType())) + u"|" + n->GetQualifiedName() + u"|";
+    try {
+      out += n->GetNamespaceURI();
+    } catch (const vn::Exception& e) {
+      out += u"!" + e.Message();
+    }
+    out += (n->GetPreserveSpace() ? u"|p|" : u"|-|") + vn::IntToStr(n->NodeCount()) + u"\n";
+    for (vn::Integer i = n->NodeCount(); i-- > 0;) stack.push_back(n->ChildAt(i));
+  }
+  try {
+    out += ADoc.GetXML();
+  } catch (const vn::Exception& e) {
+    out += u"!" + e.Message();
+  }
+  return vn::UnicodeToUtf8(out);
+}
+
+// The document of ABytes loaded with or without deferred nodes, AChange applied; the dump, or
+// the failure.
+template <class AChange>
+std::string LoadAndDump(std::string_view ABytes, bool ADefer, AChange AChangeIt) {
+  vn::TVnDOMDocument doc;
+  doc.SetDeferChildren(ADefer);
+  try {
+    vn::TVnStringStream in(ABytes, vn::cVnCodePageDefault);
+    doc.LoadFromStream(in);
+  } catch (const vn::Exception& e) {
+    return "failed: " + vn::UnicodeToUtf8(e.Message()) + "\n" + Dump(doc);
+  }
+  AChangeIt(doc);
+  return Dump(doc);
+}
+
+void ExpectSameDump(const std::string& AWant, const std::string& AGot, const char* AWhat) {
+  if (AWant == AGot) return;
+  Expect(false, AWhat, vn::Utf8ToUnicode(AWant), vn::Utf8ToUnicode(AGot));
+}
+
 // UTF-8 has no form for a lone surrogate: it comes back as U+FFFD.
 vn::UnicodeString PairedOnly(vn::UnicodeString AText) {
   for (size_t i = 0; i < AText.size(); ++i) {
@@ -84,6 +134,20 @@ vn::UnicodeString ReloadBytes(vn::TVnDOMDocument& ADoc, vn::Word ACodePage) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* AData, size_t ASize) {
   std::string_view bytes(reinterpret_cast<const char*>(AData), ASize);
+  {
+    auto none = [](vn::TVnDOMDocument&) {};
+    ExpectSameDump(LoadAndDump(bytes, false, none), LoadAndDump(bytes, true, none), "deferred nodes as read");
+    // A change below the root: the root opens one level, the changed element's part whole.
+    auto change = [](vn::TVnDOMDocument& ADoc) {
+      vn::TVnDOMElement* root = ADoc.GetRootNode();
+      if (!root || !root->ElementCount()) return;
+      try {
+        root->FirstElement()->SetAttribute(u"fz", u"1");
+      } catch (const vn::Exception&) {
+      }
+    };
+    ExpectSameDump(LoadAndDump(bytes, false, change), LoadAndDump(bytes, true, change), "deferred nodes changed");
+  }
   vn::TVnDOMDocument doc;
   try {
     vn::TVnStringStream in(bytes, vn::cVnCodePageDefault);

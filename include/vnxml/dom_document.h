@@ -96,11 +96,22 @@ class TVnDOMDocument : public TVnDOMNode {
   /// False chooses TVnXPathCollationASCIICI; true leaves a case-sensitive collation in place.
   void SetCaseSensitive(bool AValue);
   TVnXPathCollationClass GetCollation() const override { return FCollation; }
-  void SetCollation(TVnXPathCollationClass AValue) { FCollation = AValue; }
+  /// The load's records still waiting below are read by the collation they were loaded with.
+  void SetCollation(TVnXPathCollationClass AValue) {
+    OpenSubtree();
+    FCollation = AValue;
+  }
   TVnDOMSelectMatchOption GetSelectMatchOption() const override { return FSelectMatchOption; }
   void SetSelectMatchOption(TVnDOMSelectMatchOption AValue) { FSelectMatchOption = AValue; }
   TVnDOMSelectCheckOption GetSelectCheckOption() const noexcept { return FSelectCheckOption; }
   void SetSelectCheckOption(TVnDOMSelectCheckOption AValue) { FSelectCheckOption = AValue; }
+  /// Loads keep the root element's content as compact records and make child nodes on first
+  /// access (the default): a loaded document costs little until it is read, and a part never
+  /// read costs no nodes; the tree is the same either way. As reading makes nodes, threads that
+  /// share a document read it under one lock, or load it with this off (every node made during
+  /// the load).
+  bool GetDeferChildren() const noexcept { return FDeferChildren; }
+  void SetDeferChildren(bool AValue) noexcept { FDeferChildren = AValue; }
   bool GetUseSchemaInstance() const noexcept { return FUseSchemaInstance; }
   /// True also declares the xsi and xsd namespaces on the root when they are missing.
   void SetUseSchemaInstance(bool AValue);
@@ -136,6 +147,7 @@ class TVnDOMDocument : public TVnDOMNode {
   TVnDOMSelectCheckOption FSelectCheckOption;
   TVnDOMElement* FRootNode = nullptr;
   bool FUseSchemaInstance = false;
+  bool FDeferChildren = true;
   UnicodeString FEncoding;
   Word FCodePage = 0;
   UnicodeString FDocumentURI;

@@ -95,13 +95,19 @@ class TVnDOMElement : public TVnDOMNode {
   TVnDOMNodeList* GetCharNodes();
   /// The declarations in scope here, parent's first (a snapshot refreshed at each call).
   TVnDOMAttrList* GetNamespaces();
-  Integer ElementCount() const noexcept { return static_cast<Integer>(FElems.size()); }
+  Integer ElementCount() const { return static_cast<Integer>(ElementsView().size()); }
   Integer AttributeCount() const noexcept { return static_cast<Integer>(FAttrs.size()); }
   bool HasAttributes() const override { return !FAttrs.empty(); }
-  bool HasChildElements() const noexcept { return !FElems.empty(); }
+  bool HasChildElements() const { return !ElementsView().empty(); }
   const detail::PtrVector<TVnDOMNode>& AttributesView() const noexcept { return FAttrs; }
-  const detail::PtrVector<TVnDOMNode>& ElementsView() const noexcept { return FElems; }
-  const detail::PtrVector<TVnDOMNode>& CharNodesView() const noexcept { return FChars; }
+  const detail::PtrVector<TVnDOMNode>& ElementsView() const {
+    EnsureOpen();
+    return FElems;
+  }
+  const detail::PtrVector<TVnDOMNode>& CharNodesView() const {
+    EnsureOpen();
+    return FChars;
+  }
   /// The AIndex-th CDATA child; one past the last adds an empty one.
   TVnDOMCDATA* GetCDATA(Integer AIndex);
   Integer GetCDATACount() const;
@@ -204,6 +210,8 @@ class TVnDOMElement : public TVnDOMNode {
   void InheritPreserveSpace(const TVnDOMElement* AParentElement);
   void _GetChildElements(TVnDOMElementList& AList, std::u16string_view APrefix, TVnDOMSelectOptions AOptions,
                          bool ARecursive, std::u16string_view ALocalName);
+  /// Before AChild joins or leaves the child lists.
+  void OpenFor(const TVnDOMNode* AChild);
   /// The list beside FChildren that holds ANode's kind, or nullptr.
   detail::PtrVector<TVnDOMNode>* TypedListFor(const TVnDOMNode* ANode) noexcept {
     switch (ANode->GetNodeType()) {
@@ -225,6 +233,8 @@ class TVnDOMElement : public TVnDOMNode {
   detail::PtrVector<TVnDOMNode> FChars;
   detail::NsScope* FScope = nullptr;
   TVnDOMAttribute* FNamespace = nullptr;
+  /// The element's record on its load's tape (kept once opened: its declarations as read).
+  const char* FTapeBegin = nullptr;
 
   friend class TVnDOMAttribute;
   friend class detail::TreeBuilder;

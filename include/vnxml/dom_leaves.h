@@ -24,7 +24,7 @@ class TVnDOMCharacterData : public TVnDOMNode {
   const detail::CompactString& StoredText() const noexcept { return FNodeValue; }
   /// Stores ready-made text as it is.
   void SetStoredValue(std::u16string_view AValue) {
-    TouchPool();
+    Changing();
     FNodeValue.assign(AValue);
   }
   std::unique_ptr<TVnDOMNode> CreateClone() const override;
@@ -126,7 +126,7 @@ class TVnDOMProcessingInstruction : public TVnDOMNode {
   TVnDOMProcessingInstruction();
   std::u16string_view GetData() const noexcept { return FData.Wide(); }
   void SetData(std::u16string_view AValue) {
-    TouchPool();
+    Changing();
     FData.assign(AValue);
   }
   std::unique_ptr<TVnDOMNode> CreateClone() const override;

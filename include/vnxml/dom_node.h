@@ -136,10 +136,19 @@ class TVnDOMNode : public TVnDOMObject {
   /// A detached copy of this node alone: same class, same name (and stored value for leaves).
   virtual std::unique_ptr<TVnDOMNode> CreateClone() const;
 
-  Integer NodeCount() const noexcept { return static_cast<Integer>(FChildren.size()); }
+  Integer NodeCount() const {
+    EnsureOpen();
+    return static_cast<Integer>(FChildren.size());
+  }
   /// Child by position in document order, attributes included; no range check.
-  TVnDOMNode* ChildAt(Integer AIndex) const noexcept { return FChildren[static_cast<uint32_t>(AIndex)]; }
-  bool HasChilds() const noexcept { return !FChildren.empty(); }
+  TVnDOMNode* ChildAt(Integer AIndex) const {
+    EnsureOpen();
+    return FChildren[static_cast<uint32_t>(AIndex)];
+  }
+  bool HasChilds() const {
+    EnsureOpen();
+    return !FChildren.empty();
+  }
   /// The node is an element and has attributes.
   virtual bool HasAttributes() const;
   /// The list of all children (made on first use, owned by this node).
@@ -174,14 +183,25 @@ class TVnDOMNode : public TVnDOMObject {
   void SetParentNode(TVnDOMObject* AParent) override;
   void BeforeDestruction() override;
   /// The children array itself, for walks that must not allocate.
-  const detail::PtrVector<TVnDOMNode>& ChildrenView() const noexcept { return FChildren; }
+  const detail::PtrVector<TVnDOMNode>& ChildrenView() const {
+    EnsureOpen();
+    return FChildren;
+  }
+  /// A loaded element makes its children from the load's records on first access; every
+  /// reader of the child arrays comes through here first.
+  void EnsureOpen() const {
+    if (FLazy) OpenLazy();
+  }
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;
   /// Puts ANode into the children array at its place, with no other effect.
   void InsertIntoChildren(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition);
   /// The children array of another node, for the typed bookkeeping of subclasses.
-  static detail::PtrVector<TVnDOMNode>& ChildrenOf(TVnDOMNode* ANode) noexcept { return ANode->FChildren; }
+  static detail::PtrVector<TVnDOMNode>& ChildrenOf(TVnDOMNode* ANode) {
+    ANode->EnsureOpen();
+    return ANode->FChildren;
+  }
   detail::NodeExtras& Extras();
   detail::ParseEvents& Events();
   detail::NodeExtras* ExtrasIfAny() const noexcept { return FHasExtras ? LookupExtras() : nullptr; }
@@ -199,6 +219,11 @@ class TVnDOMNode : public TVnDOMObject {
   void TouchPool() const noexcept {
     if (FInPool) detail::NodePool::Of(this)->Touch();
   }
+  /// This node is about to change in a way that decides how the load's records below it would
+  /// be read (names, declarations, space handling, its place): they become nodes first.
+  void Changing() const {
+    if (FInPool) ChangingInPool();
+  }
 
   /// Shared through the document's name table while the node is in a document.
   detail::NameRef FName;
@@ -209,6 +234,12 @@ class TVnDOMNode : public TVnDOMObject {
 
  private:
   detail::NodeExtras* LookupExtras() const noexcept;
+  void OpenLazy() const;
+  void ChangingInPool() const;
+ protected:
+  /// Makes every element below this node whose children are still the load's records.
+  void OpenSubtree() const;
+ private:
   static void ReleaseChildrenForDestruction(TVnDOMNode* ANode, std::vector<TVnDOMNode*>& ADoomed);
   /// Frees a pristine pool with all its nodes, whose target is being freed.
   static void DropPool(detail::NodePool* APool) noexcept;

@@ -161,6 +161,8 @@ class TVnDOMObject : public TVnObject {
   bool FInPool : 1 = false;
   /// Elements: the namespace scope is held by the pool, not counted by the element.
   bool FScopeHeld : 1 = false;
+  /// Elements of a load: the children are still records on the load's tape.
+  bool FLazy : 1 = false;
   TVnDOMNodeType FNodeType = ntUnknown;
   TVnDOMLoadState FLoadState = lsUninitialized;
   TVnDOMDocument* FDOMDocument = nullptr;

@@ -14,6 +14,7 @@ namespace vn {
 
 class TVnSAXReader;
 namespace detail {
+class LoadRecorder;
 class TreeBuilder;
 }
 
@@ -33,6 +34,11 @@ class TVnDOMParser : public TVnObject,
   void Parse(TStream& AStream, Word ACodePage);
   /// The same over ASize bytes at AText, which stay the caller's and are scanned in place.
   void Parse(const void* AText, Int64 ASize, Word ACodePage);
+
+  /// A load into a document keeps its root element's content as compact records and makes its
+  /// nodes on first access (any read of child nodes, or a change that decides how they read);
+  /// off, every node is made during the load. The tree is the same either way.
+  bool DeferChildren = true;
 
   TVnDOMParseError OnParseWarning;
   TVnDOMParseError OnParseError;
@@ -68,10 +74,13 @@ class TVnDOMParser : public TVnObject,
  private:
   /// The builder of this parse, made on the first event for a reader not run by Parse.
   detail::TreeBuilder& Builder();
+  /// Ends the load: what was read becomes a whole tree.
+  void Finish();
 
   TVnDOMNode* FTarget;
   IVnSAXLocator* FLocator = nullptr;
   std::unique_ptr<detail::TreeBuilder> FBuilder;
+  std::unique_ptr<detail::LoadRecorder> FRecorder;  // deferring loads: the sink before FBuilder
   bool FInCDATA = false;
 };
 

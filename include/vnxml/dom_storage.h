@@ -23,6 +23,7 @@ namespace vn::detail {
 
 struct NameRec;
 struct NsScope;
+class LoadTape;
 
 /// Memory for the nodes of one load and everything they hold, carved front to back from large
 /// blocks. Each node made here counts on the pool; the values and arrays of those nodes ride
@@ -60,6 +61,13 @@ class NodePool {
   void FreeNode(void* ANode, size_t ASize) noexcept;
   /// The loader is done: from now on the nodes alone keep the pool.
   void Seal() noexcept;
+  /// A loader goes on making nodes here (opening content left on the tape), until Seal.
+  void Reopen() noexcept { ++FLive; }
+  /// The tape of the load's content not yet made into nodes, freed with the pool.
+  void HoldTape(LoadTape* ATape) noexcept { FTape = ATape; }
+  /// Every element is open: the tape goes.
+  void DropTape() noexcept;
+  LoadTape* Tape() const noexcept { return FTape; }
 
   // ---- freeing a loaded tree in one step ----
   // While pristine, every node of the pool is where its load put it (below one target) and owns
@@ -101,6 +109,7 @@ class NodePool {
   bool FPristine = true;
   bool FSealed = false;
   Held* FHeld = nullptr;
+  LoadTape* FTape = nullptr;
   Block* FBlocks = nullptr;
   Large* FLarge = nullptr;
   char* FNext = nullptr;

@@ -27,6 +27,7 @@ TVnDOMDocument::~TVnDOMDocument() {
 bool TVnDOMDocument::GetCaseSensitive() const { return FCollation != TVnXPathCollationASCIICI::Class(); }
 
 void TVnDOMDocument::SetCaseSensitive(bool AValue) {
+  OpenSubtree();  // records still waiting are read by the names' old rules
   if (!AValue)
     FCollation = TVnXPathCollationASCIICI::Class();
   else if (FCollation == TVnXPathCollationASCIICI::Class())

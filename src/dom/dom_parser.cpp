@@ -5,6 +5,7 @@
 #include <typeinfo>
 
 #include "bridge/json_dom_load.h"
+#include "dom/load_recorder.h"
 #include "dom/load_source.h"
 #include "dom/tree_builder.h"
 #include "xml/xml_read_loop.h"
@@ -19,15 +20,17 @@ namespace vn {
 
 namespace {
 
-// The loader's own sink for the reading loop: events become nodes at once, with no handler
-// calls, attribute records or namespace bookkeeping between the scan and the tree.
+// The loader's own sink for the reading loop: events go to the builder (or the recorder that
+// keeps them for it) at once, with no handler calls, attribute records or namespace
+// bookkeeping between the scan and the tree.
+template <class Builder>
 class BuildSink {
  public:
   static constexpr bool kNamespaces = false;
   static constexpr bool kEndTagNames = false;
   static constexpr bool kUtf8Values = true;
 
-  explicit BuildSink(detail::TreeBuilder& ABuilder) : B(ABuilder) {}
+  explicit BuildSink(Builder& ABuilder) : B(ABuilder) {}
 
   void StartDocument() {}
   void EndDocument() {}
@@ -63,7 +66,7 @@ class BuildSink {
   void EndDTD() {}
 
  private:
-  detail::TreeBuilder& B;
+  Builder& B;
   bool InCDATA = false;
 };
 
@@ -71,16 +74,23 @@ class BuildSink {
 // calls, attribute records or namespace bookkeeping between the scan and the tree.
 class BuildingReader final : public TVnSAXXMLReader {
  public:
-  explicit BuildingReader(detail::TreeBuilder& ABuilder) : FBuilder(ABuilder) {}
+  BuildingReader(detail::TreeBuilder& ABuilder, detail::LoadRecorder* ARecorder)
+      : FBuilder(ABuilder), FRecorder(ARecorder) {}
 
  protected:
   void ReadContent() override {
-    BuildSink sink(FBuilder);
-    detail::RunXmlReadLoop(*this, sink);
+    if (FRecorder) {
+      BuildSink<detail::LoadRecorder> sink(*FRecorder);
+      detail::RunXmlReadLoop(*this, sink);
+    } else {
+      BuildSink<detail::TreeBuilder> sink(FBuilder);
+      detail::RunXmlReadLoop(*this, sink);
+    }
   }
 
  private:
   detail::TreeBuilder& FBuilder;
+  detail::LoadRecorder* FRecorder;
 };
 
 }  // namespace
@@ -108,8 +118,11 @@ void TVnDOMParser::Parse(const void* AText, Int64 ASize, Word ACodePage) {
     owned = detail::MakeJSONLoadReader(plain ? FBuilder.get() : nullptr);
   } else {
     std::unique_ptr<TVnSAXXMLReader> xml;
-    if (plain)
-      xml = std::make_unique<BuildingReader>(*FBuilder);
+    if (plain) {
+      if (DeferChildren && FTarget->GetNodeType() == ntDocument)
+        FRecorder = std::make_unique<detail::LoadRecorder>(*FBuilder);
+      xml = std::make_unique<BuildingReader>(*FBuilder, FRecorder.get());
+    }
     else
       xml = std::make_unique<TVnSAXXMLReader>();
     xml->SetCheckSingleRootElm(FTarget->GetNodeType() == ntDocument);
@@ -124,6 +137,7 @@ void TVnDOMParser::Parse(const void* AText, Int64 ASize, Word ACodePage) {
     TVnSAXReader& Reader;
     ~Detach() {
       Parser.FLocator = nullptr;
+      Parser.FRecorder.reset();
       Parser.FBuilder.reset();
       Reader.SetContentHandler(nullptr);
       Reader.SetLexicalHandler(nullptr);
@@ -131,7 +145,14 @@ void TVnDOMParser::Parse(const void* AText, Int64 ASize, Word ACodePage) {
     }
   } detach{*this, reader};
   reader.ParseBuffer(source.Data(), static_cast<Int64>(source.Size()), ACodePage);
-  FBuilder->Finish();
+  Finish();
+}
+
+void TVnDOMParser::Finish() {
+  if (FRecorder)
+    FRecorder->Finish();
+  else if (FBuilder)
+    FBuilder->Finish();
 }
 
 detail::TreeBuilder& TVnDOMParser::Builder() {
@@ -151,7 +172,7 @@ void TVnDOMParser::Error(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
 
 void TVnDOMParser::FatalError(IVnSAXLocator* ALocator, std::u16string_view AErrMsg) {
   // The load ends here: whoever hears of it finds a whole tree.
-  if (FBuilder) FBuilder->Finish();
+  Finish();
   bool handled = false;
   if (OnParseFatalError) OnParseFatalError(ALocator, AErrMsg, handled);
   if (handled) return;
@@ -170,9 +191,7 @@ void TVnDOMParser::EndElement(std::u16string_view, std::u16string_view, std::u16
   Builder().EndElement();
 }
 
-void TVnDOMParser::EndDocument() {
-  if (FBuilder) FBuilder->Finish();
-}
+void TVnDOMParser::EndDocument() { Finish(); }
 
 void TVnDOMParser::Characters(std::u16string_view AText) {
   if (FInCDATA)
@@ -194,6 +213,8 @@ void TVnDOMParser::Comment(std::u16string_view AComment) { Builder().AddComment(
 void detail::LoadInto(TVnDOMNode& ATarget, LoadSource& ASource, Word ACodePage) {
   // Each node hears the failures of loads into it through its own events.
   TVnDOMParser parser(&ATarget);
+  if (ATarget.GetNodeType() == ntDocument)
+    parser.DeferChildren = static_cast<TVnDOMDocument&>(ATarget).GetDeferChildren();
   TVnDOMNode* target = &ATarget;
   parser.OnParseWarning = [target](IVnSAXLocator* L, std::u16string_view M, bool& H) {
     target->DoDOMParseWarning(L, M, H);
@@ -213,6 +234,7 @@ void TVnDOMNode::LoadFromStream(TStream& AStream, Word ACodePage) {
 }
 
 void TVnDOMElement::SetInnerXML(std::u16string_view AXML) {
+  EnsureOpen();
   while (!FElems.empty()) RemoveChild(FElems.back());
   if (AXML.empty()) return;
   // The caller's text is scanned where it stands.

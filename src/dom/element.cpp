@@ -49,10 +49,20 @@ void TVnDOMElement::ForgetAllChildren() {
 
 // ---- child bookkeeping ----
 
+void TVnDOMElement::OpenFor(const TVnDOMNode* AChild) {
+  // The typed lists change first: the load's records must be nodes by then. An attribute
+  // decides how every record below reads.
+  if (AChild->GetNodeType() == ntAttribute)
+    Changing();
+  else
+    EnsureOpen();
+}
+
 TVnDOMNode* TVnDOMElement::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
   if (!ANode) return nullptr;
   if (ANode->GetParent()) throw EVnDomHierarchyRequest(cVnDomHasParent);
   if (ANode == this) throw EVnDomHierarchyRequest(cVnDomAddToItself);
+  OpenFor(ANode);
   detail::PtrVector<TVnDOMNode>* typed = TypedListFor(ANode);
   if (typed) detail::InsertByPosition(*typed, ANode, ARefNode, APosition);
   try {
@@ -69,6 +79,7 @@ TVnDOMNode* TVnDOMElement::AddChild(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVn
 void TVnDOMElement::RemoveChild(TVnDOMNode* ANode) {
   if (!ANode) return;
   VnAssert(ANode->GetParent() == this, cVnDomNotAChild);
+  OpenFor(ANode);
   bool declaration = ANode->GetNodeType() == ntAttribute && static_cast<TVnDOMAttribute*>(ANode)->IsNamespace();
   if (ANode == FNamespace) FNamespace = nullptr;
   if (detail::PtrVector<TVnDOMNode>* typed = TypedListFor(ANode)) {
@@ -90,12 +101,14 @@ TVnDOMAttrList* TVnDOMElement::GetAttributes() {
 
 TVnDOMElementList* TVnDOMElement::GetElements() {
   auto& x = Extras();
+  EnsureOpen();
   if (!x.Elements) x.Elements = std::make_unique<TVnDOMElementList>(this, &FElems);
   return x.Elements.get();
 }
 
 TVnDOMNodeList* TVnDOMElement::GetCharNodes() {
   auto& x = Extras();
+  EnsureOpen();
   if (!x.CharNodes) x.CharNodes = std::make_unique<TVnDOMNodeList>(this, &FChars);
   return x.CharNodes.get();
 }
@@ -111,6 +124,7 @@ TVnDOMAttrList* TVnDOMElement::GetNamespaces() {
 }
 
 TVnDOMCDATA* TVnDOMElement::GetCDATA(Integer AIndex) {
+  EnsureOpen();
   Integer n = 0;
   for (TVnDOMNode* c : FChars)
     if (c->GetNodeType() == ntCDATA) {
@@ -122,6 +136,7 @@ TVnDOMCDATA* TVnDOMElement::GetCDATA(Integer AIndex) {
 }
 
 Integer TVnDOMElement::GetCDATACount() const {
+  EnsureOpen();
   Integer n = 0;
   for (TVnDOMNode* c : FChars)
     if (c->GetNodeType() == ntCDATA) ++n;
@@ -197,7 +212,7 @@ TVnDOMAttribute* TVnDOMElement::AddAttribute(std::u16string_view AURI, std::u16s
 void TVnDOMElement::RemoveElement(TVnDOMElement* AElement) { RemoveChild(AElement); }
 
 void TVnDOMElement::RemoveElement(std::u16string_view AName) {
-  if (TVnDOMNode* e = detail::FindInItems(FElems, *this, AName, {soQualifiedName})) RemoveChild(e);
+  if (TVnDOMNode* e = detail::FindInItems(ElementsView(), *this, AName, {soQualifiedName})) RemoveChild(e);
 }
 
 void TVnDOMElement::RemoveElement(std::u16string_view AURI, std::u16string_view ALocalName) {
@@ -274,11 +289,11 @@ TVnDOMNode* TVnDOMElement::NodeByName(TVnDOMNodeListBase* AList, std::u16string_
 }
 
 TVnDOMElement* TVnDOMElement::FindElement(std::u16string_view AName, TVnDOMSelectOptions AOptions) {
-  return static_cast<TVnDOMElement*>(detail::FindInItems(FElems, *this, AName, AOptions));
+  return static_cast<TVnDOMElement*>(detail::FindInItems(ElementsView(), *this, AName, AOptions));
 }
 
 TVnDOMElement* TVnDOMElement::FindElement(std::u16string_view AURI, std::u16string_view ALocalName) {
-  return static_cast<TVnDOMElement*>(detail::FindInItems(FElems, *this, AURI, ALocalName));
+  return static_cast<TVnDOMElement*>(detail::FindInItems(ElementsView(), *this, AURI, ALocalName));
 }
 
 TVnDOMElement* TVnDOMElement::ElementByName(std::u16string_view AURI, std::u16string_view ALocalName,
@@ -352,11 +367,11 @@ void TVnDOMElement::SetAttributeNS(std::u16string_view AURI, std::u16string_view
 }
 
 TVnDOMElement* TVnDOMElement::FirstElement() const {
-  if (FElems.empty()) throw EVnDomNotFound(cVnDomListEmpty);
+  if (ElementsView().empty()) throw EVnDomNotFound(cVnDomListEmpty);
   return static_cast<TVnDOMElement*>(FElems.front());
 }
 TVnDOMElement* TVnDOMElement::LastElement() const {
-  if (FElems.empty()) throw EVnDomNotFound(cVnDomListEmpty);
+  if (ElementsView().empty()) throw EVnDomNotFound(cVnDomListEmpty);
   return static_cast<TVnDOMElement*>(FElems.back());
 }
 TVnDOMAttribute* TVnDOMElement::FirstAttribute() const {
@@ -413,7 +428,8 @@ void TVnDOMElement::_GetChildElements(TVnDOMElementList& AList, std::u16string_v
     stack.pop_back();
     if (matches(e)) AList.Add(e);
     if (!ARecursive) break;
-    for (uint32_t i = e->FElems.size(); i-- > 0;) stack.push_back(static_cast<TVnDOMElement*>(e->FElems[i]));
+    const auto& elems = e->ElementsView();
+    for (uint32_t i = elems.size(); i-- > 0;) stack.push_back(static_cast<TVnDOMElement*>(elems[i]));
   }
 }
 
@@ -427,7 +443,8 @@ std::unique_ptr<TVnDOMElementList> TVnDOMElement::CreateElementList(std::u16stri
     TVnXPathCollationClass coll = e->GetCollation();
     if (coll->SameText(e->LocalNameView(), ALocalName) && coll->SameText(e->GetNamespaceURI(), AURI)) list->Add(e);
     if (!ARecursive) break;
-    for (uint32_t i = e->FElems.size(); i-- > 0;) stack.push_back(static_cast<TVnDOMElement*>(e->FElems[i]));
+    const auto& elems = e->ElementsView();
+    for (uint32_t i = elems.size(); i-- > 0;) stack.push_back(static_cast<TVnDOMElement*>(elems[i]));
   }
   return list;
 }
@@ -436,7 +453,7 @@ std::unique_ptr<TVnDOMElementList> TVnDOMElement::CreateElementList(std::u16stri
 
 UnicodeString TVnDOMElement::GetNodeValue() const {
   UnicodeString s;
-  for (TVnDOMNode* c : FChars)
+  for (TVnDOMNode* c : CharNodesView())
     if (c->GetNodeType() != ntComment) s += c->GetNodeValue();
   return s;
 }
@@ -447,7 +464,7 @@ UnicodeString TVnDOMElement::GetText() const {
   while (!stack.empty()) {
     const TVnDOMElement* e = stack.back();
     stack.pop_back();
-    for (TVnDOMNode* c : e->FChars) s += c->GetNodeValue();
+    for (TVnDOMNode* c : e->CharNodesView()) s += c->GetNodeValue();
     for (uint32_t i = e->FElems.size(); i-- > 0;) stack.push_back(static_cast<const TVnDOMElement*>(e->FElems[i]));
   }
   return s;
@@ -458,6 +475,7 @@ void TVnDOMElement::SetNodeValue(std::u16string_view AValue) {
 }
 
 void TVnDOMElement::SetNodeValueEx(std::u16string_view AValue) {
+  EnsureOpen();
   for (uint32_t i = FChars.size(); i-- > 0;)
     if (i < FChars.size() && FChars[i]->GetNodeType() != ntCDATA) RemoveChild(FChars[i]);
   std::unique_ptr<TVnDOMText> t(MakeNode<TVnDOMText>());
@@ -466,6 +484,7 @@ void TVnDOMElement::SetNodeValueEx(std::u16string_view AValue) {
 }
 
 void TVnDOMElement::NormalizeTextNodes() {
+  EnsureOpen();
   if (FChars.size() <= 1) return;
   for (uint32_t i = 0; i + 1 < FChildren.size(); ++i) {
     TVnDOMNode* a = FChildren[i];
@@ -493,6 +512,8 @@ void TVnDOMElement::_SetPreseveSpace(bool AValue) {
 }
 
 void TVnDOMElement::SetPreseveSpace(bool AValue) {
+  // the load's records below keep white space as the setting was
+  OpenSubtree();
   FPreserveSpace = AValue;
   AttributeByName(u"xml:space", {soCreate, soQualifiedName})->SetNodeValue(AValue ? u"preserve" : u"default");
   _SetPreseveSpace(AValue);

@@ -76,7 +76,7 @@ AnsiString TVnDOMElement::GetAsAnsiString() const { return TVnEncoding::ConvertW
 Variant TVnDOMElement::GetAsVariant() const {
   if (SchemaInstanceAttribute(*this, u"nil")) return Variant::Null();
   TVnDOMAttribute* typeAttribute = SchemaInstanceAttribute(*this, u"type");
-  if (!typeAttribute) return FChars.empty() ? Variant::Null() : Variant(GetNodeValue());
+  if (!typeAttribute) return CharNodesView().empty() ? Variant::Null() : Variant(GetNodeValue());
   const UnicodeString typeName = SchemaTypeName(*typeAttribute);
   const TVarType varType = TVnTypes::GetVarType(typeName, tntSchemaName, varUnknown);
   const UnicodeString text = GetNodeValue();
@@ -92,7 +92,7 @@ TValue TVnDOMElement::GetAsValue() const {
   const TVnTypeInfo* type = nullptr;
   if (TVnDOMAttribute* typeAttribute = SchemaInstanceAttribute(*this, u"type"))
     type = TVnTypes::GetTypeInfo(SchemaTypeName(*typeAttribute), tntSchemaName, false, mtkUnknown);
-  if (!FChars.empty()) {
+  if (!CharNodesView().empty()) {
     const UnicodeString text = GetNodeValue();
     if (!type) return TValue::From(text);
     // The conversion decodes strings and Variants itself: hand it the text in XML form again.

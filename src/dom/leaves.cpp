@@ -38,7 +38,7 @@ TVnDOMCharacterData::TVnDOMCharacterData() {
 UnicodeString TVnDOMCharacterData::GetNodeValue() const { return detail::DecodeEscaped(FNodeValue); }
 
 void TVnDOMCharacterData::SetNodeValue(std::u16string_view AValue) {
-  TouchPool();
+  Changing();
   FNodeValue = VnStrToXML(AValue, true, true);
 }
 
@@ -106,7 +106,7 @@ TVnDOMComment::TVnDOMComment() {
 
 UnicodeString TVnDOMComment::GetNodeValue() const { return FNodeValue.str(); }
 void TVnDOMComment::SetNodeValue(std::u16string_view AValue) {
-  TouchPool();
+  Changing();
   FNodeValue.assign(AValue);
 }
 
@@ -118,7 +118,7 @@ TVnDOMCDATA::TVnDOMCDATA() {
 
 UnicodeString TVnDOMCDATA::GetNodeValue() const { return FNodeValue.str(); }
 void TVnDOMCDATA::SetNodeValue(std::u16string_view AValue) {
-  TouchPool();
+  Changing();
   FNodeValue.assign(AValue);
 }
 
@@ -129,13 +129,13 @@ TVnDOMAttribute::TVnDOMAttribute() { FNodeType = ntAttribute; }
 UnicodeString TVnDOMAttribute::GetNodeValue() const { return detail::DecodeEscaped(FNodeValue); }
 
 void TVnDOMAttribute::SetNodeValue(std::u16string_view AValue) {
-  TouchPool();
+  Changing();
   FNodeValue = VnStrToXML(AValue, false, true);
   if (IsNamespace()) detail::NamespacesChanged(FDOMDocument);
 }
 
 void TVnDOMAttribute::SetStoredValue(std::u16string_view AValue) {
-  TouchPool();
+  Changing();
   FNodeValue.assign(AValue);
   if (IsNamespace()) detail::NamespacesChanged(FDOMDocument);
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dom/node_extras.h"
+#include "dom/tree_builder.h"
 #include "vnxml/common/rtl_messages.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_document.h"
@@ -206,24 +207,25 @@ void TVnDOMNode::SetInnerXML(std::u16string_view) { throw EVnDomNotSupported(cVn
 
 void TVnDOMNode::SetPrefix(std::u16string_view AValue) {
   if (AValue == FName.Prefix()) return;
-  TouchPool();
+  Changing();
   FName.SetPrefix(AValue, NameTableOf(FDOMDocument));
 }
 
 void TVnDOMNode::SetQualifiedName(std::u16string_view AName) {
-  TouchPool();
+  Changing();
   FName.Set(AName, NameTableOf(FDOMDocument));
   std::u16string prefix(FName.Prefix());
   SetPrefix(prefix);
 }
 
 void TVnDOMNode::SetQualifiedNameIn(TVnDOMDocument* ADocument, std::u16string_view AName) {
-  TouchPool();
+  Changing();
   if (!FDOMDocument) FName.Set(AName, NameTableOf(ADocument));
   SetQualifiedName(AName);
 }
 
 void TVnDOMNode::RefreshNamespaces() {
+  OpenSubtree();
   RefreshNamespacesSelf();
   // Pre-order: a parent's scope is ready before its children compute theirs. A node whose
   // children are leaves (each element of a load) needs no stack.
@@ -299,6 +301,7 @@ void TVnDOMNode::DoDOMParseFatalError(IVnSAXLocator* ALocator, std::u16string_vi
 // ---- the tree ----
 
 void TVnDOMNode::InsertIntoChildren(TVnDOMNode* ANode, TVnDOMNode* ARefNode, TVnDOMPosition APosition) {
+  EnsureOpen();
   detail::InsertByPosition(FChildren, ANode, ARefNode, APosition);
 }
 
@@ -336,6 +339,10 @@ void TVnDOMNode::RemoveChild(TVnDOMNode* ANode) {
   // alive until the call is done.
   TVnDOMObjectImpl* self = GetDOMImpl();
   if (self) self->KeepAlive();
+  EnsureOpen();
+  // A child that goes with this call takes the load's records below it along unread.
+  if (ANode->FInPool && !ANode->FHasImpl && ANode->GetRefCount() == 0 && !ANode->FDestroying)
+    detail::TreeBuilder::Forget(ANode);
   ANode->SetParentNode(nullptr);
   int64_t i = FChildren.IndexOf(ANode, true);
   if (i >= 0) FChildren.erase(static_cast<uint32_t>(i));
@@ -347,6 +354,7 @@ void TVnDOMNode::RemoveChild(TVnDOMNode* ANode) {
 }
 
 void TVnDOMNode::Clear() {
+  EnsureOpen();
   while (!FChildren.empty()) {
     TVnDOMNode* c = FChildren.back();
     RemoveChild(c);
@@ -370,7 +378,7 @@ std::unique_ptr<TVnDOMNode> TVnDOMNode::CloneNode(bool ADeep) const {
     auto [src, dst] = stack.back();
     stack.pop_back();
     size_t mark = stack.size();
-    for (TVnDOMNode* c : src->FChildren) {
+    for (TVnDOMNode* c : src->ChildrenView()) {
       std::unique_ptr<TVnDOMNode> copy = c->CreateClone();
       TVnDOMNode* added = dst->AddChild(copy.get(), nullptr, rdpAfter);
       copy.release();
@@ -386,6 +394,7 @@ bool TVnDOMNode::HasAttributes() const { return false; }
 
 TVnDOMNodeList* TVnDOMNode::GetChildNodes() {
   auto& x = Extras();
+  EnsureOpen();
   if (!x.ChildNodes) x.ChildNodes = std::make_unique<TVnDOMNodeList>(this, &FChildren);
   return x.ChildNodes.get();
 }
@@ -440,6 +449,7 @@ UnicodeString TVnDOMNode::NodePath(bool AUseLocalName, std::u16string_view AKeyA
 // ---- the object model ----
 
 void TVnDOMNode::SetDOMDocument(TVnDOMDocument* ADocument) {
+  OpenSubtree();
   detail::NameTable* names = NameTableOf(ADocument);
   std::vector<TVnDOMNode*> stack{this};
   while (!stack.empty()) {
@@ -453,16 +463,28 @@ void TVnDOMNode::SetDOMDocument(TVnDOMDocument* ADocument) {
 }
 
 void TVnDOMNode::SetDOMImpl(TVnDOMObjectImpl* AImpl) {
-  TouchPool();
+  // A node held by an interface may outlive its tree: what it holds is made now, while the
+  // load's context is there to make it.
+  if (AImpl)
+    Changing();
+  else
+    TouchPool();
   TVnDOMObject::SetDOMImpl(AImpl);
 }
 
 void TVnDOMNode::SetParentNode(TVnDOMObject* AParent) {
   TVnDOMObject* old = FParent;
   // Parents of nodes are nodes.
-  TouchPool();
-  if (old) static_cast<TVnDOMNode*>(old)->TouchPool();
-  if (AParent) static_cast<TVnDOMNode*>(AParent)->TouchPool();
+  Changing();
+  // An attribute's element reads the load's records below it by its attributes.
+  for (TVnDOMObject* parent : {old, AParent}) {
+    if (!parent) continue;
+    auto* p = static_cast<TVnDOMNode*>(parent);
+    if (FNodeType == ntAttribute)
+      p->Changing();
+    else
+      p->TouchPool();
+  }
   TVnDOMObject::SetParentNode(AParent);
   if (FDestroying) return;
   if (AParent) {

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "dom/load_tape.h"
 #include "dom/ns_scope.h"
 #include "internal/huge_pages.h"
 #include "vnxml/dom_element.h"
@@ -137,6 +138,7 @@ class BlockCache {
 NodePool* NodePool::Create() { return new NodePool(); }
 
 NodePool::~NodePool() {
+  delete FTape;
   if (Held* held = FHeld) {
     for (NameRec* rec : held->Names) {
       if (rec->Holder == this) rec->Holder = nullptr;  // another pool may come at this address
@@ -265,6 +267,11 @@ size_t NodePool::ExtrasCount() const noexcept { return FHeld ? FHeld->WithExtras
 TVnDOMNode* NodePool::ExtrasAt(size_t AIndex) const noexcept { return FHeld->WithExtras[AIndex]; }
 
 void NodePool::Drop() noexcept { delete this; }
+
+void NodePool::DropTape() noexcept {
+  delete FTape;
+  FTape = nullptr;
+}
 
 }  // namespace vn::detail
 

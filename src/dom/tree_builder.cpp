@@ -55,14 +55,16 @@ std::u16string_view DecodeUtf8Bytes(std::string_view ABytes, std::u16string& ASc
   return DecodeUtf8(p, p + ABytes.size(), AScratch);
 }
 
-// Under the default collation only a name of nine ASCII characters with a colon at the fourth,
-// or a name with other characters, can be "xml:space".
-bool MayBeXmlSpace(std::u16string_view AName) {
+}  // namespace
+
+bool TreeBuilder::MayBeXmlSpace(std::u16string_view AName) {
   if (AName.size() == 9 && AName[3] == u':') return true;
   for (char16_t c : AName)
     if (c >= 0x80) return true;
   return false;
 }
+
+namespace {
 
 // Waiting children carry their kind in the two low bits of the pointer (nodes are 8-aligned).
 constexpr uintptr_t kOtherKind = 0, kElementKind = 1, kCharKind = 2, kKindMask = 3;
@@ -90,7 +92,8 @@ TreeBuilder::TreeBuilder(TVnDOMNode* ATarget)
       FPool(NodePool::Create()) {
   // The target's arrays change: a pool it came from can't be dropped whole any more. Without a
   // document the names are not shared, and each node counts its own: no drop either.
-  ATarget->TouchPool();
+  // A loaded target's own records become nodes first: the new children come after them.
+  ATarget->Changing();
   if (!FNames) FPool->Touch();
   if (ATarget->FNodeType == ntElement) FTargetScope = static_cast<TVnDOMElement*>(ATarget)->FScope;
   SetCurrent(ATarget);

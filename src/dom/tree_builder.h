@@ -61,7 +61,35 @@ class TreeBuilder {
   /// cut short is dropped. Runs at the end of a load and before anyone hears of a failure.
   void Finish();
 
+  // ---- content left on a load's tape (tree_builder_replay.cpp) ----
+  /// Makes the children of AElement from its content on the tape, as the load would have made
+  /// them; child elements with content of their own stay on the tape, unless AWhole.
+  static void OpenElement(TVnDOMElement* AElement, bool AWhole);
+  /// Opens every element below ARoot whose content is still on the tape.
+  static void OpenAll(TVnDOMNode* ARoot);
+  /// ARoot is about to be freed: the content below it stays on the tape, unread.
+  static void Forget(TVnDOMNode* ARoot);
+  /// Under the default collation only a name of nine ASCII characters with a colon at the
+  /// fourth, or a name with other characters, can be "xml:space".
+  static bool MayBeXmlSpace(std::u16string_view AName);
+
  private:
+  friend class LoadRecorder;
+  struct Saved;
+  /// Goes on filling AElement, a loaded element, as the load that made it would: same pool,
+  /// same declarations in force. AStacks are those of the last element opened in this load.
+  TreeBuilder(TVnDOMElement* AElement, Saved& AStacks);
+  /// The stacks move from the elements of FPath to AElement: popped up to its parent, pushed
+  /// from there (from the load's root when the parent is not on the path).
+  void MoveTo(TVnDOMElement* AElement);
+  /// Pushes what AElement's start tag declared, as the load pushed it.
+  void EnterStacks(TVnDOMElement* AElement);
+  void SwapStacks(Saved& AStacks) noexcept;
+  /// Feeds the records from AFrom to ATo to this builder; child elements with content are left
+  /// on the tape unless AWhole.
+  void Replay(const char* AFrom, const char* ATo, bool AWhole);
+  /// AElement's record on the tape is at ABegin; with AContent its children stay there.
+  void LeaveOnTape(TVnDOMElement* AElement, const char* ABegin, bool AContent);
   template <class T>
   T* Make();
   TVnDOMAttribute* MakeAttribute();
@@ -136,6 +164,18 @@ class TreeBuilder {
   uint8_t FNextHit = 0;
   std::vector<UnicodeString> FDeclaredURIs;  // the start tag's declarations as read
   const NsScope* FTargetScope = nullptr;     // what is in force at the target
+  // Opening: the elements whose declarations are on the stacks, from the root down, each with
+  // the size of FPushed before its own.
+  std::vector<std::pair<const TVnDOMElement*, uint32_t>> FPath;
+  struct Saved {
+    decltype(FByName) ByName;
+    decltype(FByPrefix) ByPrefix;
+    decltype(FPushed) PushedList;
+    decltype(FVisibleEmpty) VisibleEmpty;
+    uint64_t Seq = 0;
+    uint64_t Generation = 0;
+    decltype(FPath) Path;
+  };
   bool FTargetEmptyKnown = false;
   std::vector<TVnDOMAttribute*> FTargetEmpty;  // its declarations of the empty URI
 

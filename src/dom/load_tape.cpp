@@ -1,0 +1,177 @@
+// LoadTape: records written front to back in blocks that never move.
+#include "dom/load_tape.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "vnxml/dom_storage.h"
+
+namespace vn::detail {
+
+namespace {
+
+constexpr size_t kFirstBlock = size_t{4} << 10;
+constexpr size_t kBlock = size_t{1} << 20;
+// a jump record closes every block, so each block keeps room for one
+constexpr size_t kJumpBytes = sizeof(LoadTape::Head) + sizeof(char*);
+constexpr uint64_t kMaxLength = (uint64_t{1} << 48) - 1;
+
+constexpr size_t Rounded(size_t ABytes) noexcept { return (ABytes + 7) & ~size_t{7}; }
+
+}  // namespace
+
+LoadTape::~LoadTape() {
+  for (const Block& b : FBlocks) std::free(b.Start);
+}
+
+size_t LoadTape::PayloadOffset(Kind AKind) noexcept {
+  switch (AKind) {
+    case kAttr:
+    case kAttrUtf8:
+    case kInstruction:
+      return sizeof(Named);
+    default:
+      return sizeof(Head);
+  }
+}
+
+char* LoadTape::Reserve(size_t ABytes) {
+  if (static_cast<size_t>(FEnd - FNext) >= ABytes + kJumpBytes) {
+    char* p = FNext;
+    FNext += ABytes;
+    reinterpret_cast<Head*>(FNext)->Word = 0;  // the end, until a record or a jump comes
+    return p;
+  }
+  // small loads take small blocks; big ones get to kBlock soon
+  const size_t grown = FBlocks.empty() ? kFirstBlock : std::min(kBlock, FBlocks.back().Size * 2);
+  const size_t size = std::max(grown, ABytes + kJumpBytes);
+  char* block = static_cast<char*>(std::malloc(size));
+  if (!block) throw std::bad_alloc();
+  try {
+    FBlocks.push_back({block, size});
+  } catch (...) {
+    std::free(block);
+    throw;
+  }
+  if (FNext) {
+    auto* jump = reinterpret_cast<Head*>(FNext);
+    jump->Word = kJump;
+    std::memcpy(FNext + sizeof(Head), &block, sizeof(char*));
+  }
+  FNext = block + ABytes;
+  FEnd = block + size;
+  reinterpret_cast<Head*>(FNext)->Word = 0;
+  return block;
+}
+
+const char* LoadTape::Position() const noexcept { return FNext; }
+
+char* LoadTape::AddHead(Kind AKind, uint8_t AFlags, size_t ALength, size_t AExtra, size_t APayload) {
+  if (ALength > kMaxLength) throw std::bad_alloc();
+  char* p = Reserve(Rounded(AExtra + APayload));
+  reinterpret_cast<Head*>(p)->Word = AKind | (uint64_t{AFlags} << 8) | (uint64_t{ALength} << 16);
+  return p;
+}
+
+LoadTape::Begin* LoadTape::AddBegin(const NameRec* AName) {
+  auto* b = reinterpret_cast<Begin*>(AddHead(kBegin, 0, 0, sizeof(Begin), 0));
+  b->Name = AName;
+  b->ContentEnd = nullptr;
+  return b;
+}
+
+void LoadTape::AddAttr(const NameRec* AName, std::u16string_view AValue, bool AMayHoldQuote) {
+  const size_t bytes = AValue.size() * sizeof(char16_t);
+  char* p = AddHead(kAttr, AMayHoldQuote ? kMayHoldQuote : 0, AValue.size(), sizeof(Named), bytes);
+  reinterpret_cast<Named*>(p)->Name = AName;
+  if (bytes) std::memcpy(p + sizeof(Named), AValue.data(), bytes);
+}
+
+void LoadTape::AddAttrUtf8(const NameRec* AName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
+  const uint8_t flags = (AMayHoldQuote ? kMayHoldQuote : 0) | (AHigh ? kHigh : 0);
+  char* p = AddHead(kAttrUtf8, flags, AValue.size(), sizeof(Named), AValue.size());
+  reinterpret_cast<Named*>(p)->Name = AName;
+  if (!AValue.empty()) std::memcpy(p + sizeof(Named), AValue.data(), AValue.size());
+}
+
+void LoadTape::AddText(Kind AKind, std::u16string_view AValue) {
+  const size_t bytes = AValue.size() * sizeof(char16_t);
+  char* p = AddHead(AKind, 0, AValue.size(), sizeof(Head), bytes);
+  if (bytes) std::memcpy(p + sizeof(Head), AValue.data(), bytes);
+}
+
+void LoadTape::AddTextUtf8(Kind AKind, std::string_view AValue, bool AHigh) {
+  char* p = AddHead(AKind, AHigh ? kHigh : 0, AValue.size(), sizeof(Head), AValue.size());
+  if (!AValue.empty()) std::memcpy(p + sizeof(Head), AValue.data(), AValue.size());
+}
+
+void LoadTape::AddInstruction(const NameRec* ATarget, std::u16string_view AData) {
+  const size_t bytes = AData.size() * sizeof(char16_t);
+  char* p = AddHead(kInstruction, 0, AData.size(), sizeof(Named), bytes);
+  reinterpret_cast<Named*>(p)->Name = ATarget;
+  if (bytes) std::memcpy(p + sizeof(Named), AData.data(), bytes);
+}
+
+void LoadTape::Truncate(const char* APosition) noexcept {
+  while (!FBlocks.empty()) {
+    Block& b = FBlocks.back();
+    if (APosition >= b.Start && APosition <= b.Start + b.Size) {
+      FNext = const_cast<char*>(APosition);
+      FEnd = b.Start + b.Size;
+      reinterpret_cast<Head*>(FNext)->Word = 0;
+      return;
+    }
+    std::free(b.Start);
+    FBlocks.pop_back();
+  }
+}
+
+const char* LoadTape::Resolve(const char* APosition) noexcept {
+  if (reinterpret_cast<const Head*>(APosition)->GetKind() == kJump)
+    std::memcpy(&APosition, APosition + sizeof(Head), sizeof(char*));
+  return APosition;
+}
+
+const LoadTape::Head* LoadTape::Next(const char*& APosition) noexcept {
+  APosition = Resolve(APosition);
+  auto* h = reinterpret_cast<const Head*>(APosition);
+  const Kind kind = h->GetKind();
+  size_t size;
+  switch (kind) {
+    case kBegin:
+      size = sizeof(Begin);
+      break;
+    case kAttr:
+    case kText:
+    case kSpace:
+    case kCData:
+    case kComment:
+    case kInstruction:
+      size = PayloadOffset(kind) + h->Length() * sizeof(char16_t);
+      break;
+    default:
+      size = PayloadOffset(kind) + h->Length();
+      break;
+  }
+  APosition += Rounded(size);
+  return h;
+}
+
+std::u16string_view LoadTape::Units(const Head* ARec) noexcept {
+  return {reinterpret_cast<const char16_t*>(reinterpret_cast<const char*>(ARec) + PayloadOffset(ARec->GetKind())),
+          ARec->Length()};
+}
+
+std::string_view LoadTape::Bytes(const Head* ARec) noexcept {
+  return {reinterpret_cast<const char*>(ARec) + PayloadOffset(ARec->GetKind()), ARec->Length()};
+}
+
+std::u16string_view LoadTape::NameOf(const Head* ARec) noexcept {
+  const NameRec* rec =
+      ARec->GetKind() == kBegin ? reinterpret_cast<const Begin*>(ARec)->Name : reinterpret_cast<const Named*>(ARec)->Name;
+  return rec ? std::u16string_view(rec->Chars, rec->Length) : std::u16string_view();
+}
+
+}  // namespace vn::detail

@@ -1,0 +1,114 @@
+// LoadTape: what a document load read below its root element, kept as compact records instead
+// of nodes. An element whose content is still on the tape makes its children on first access
+// (see TVnDOMNode::EnsureOpen), through the same builder steps the load would have taken, so a
+// loaded document costs records until somebody looks.
+//
+// Records follow each other in blocks, front to back, in the order the reader reported them:
+//   Begin        name, where the element's content ends; its attributes follow, then its content
+//   Attr         name, value (UTF-8 bytes or UTF-16 units, as the reader gave it)
+//   Text/Space   the value
+//   CDATA, Comment, Instruction (target name, data)
+// An element's content is everything between its last attribute and its end; a Begin inside it
+// lets the replay jump over a whole grandchild.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace vn::detail {
+
+struct NameRec;
+
+class LoadTape {
+ public:
+  enum Kind : uint8_t {
+    kEnd = 0,  // nothing written here yet
+    kBegin,
+    kAttr,      // UTF-16 value
+    kAttrUtf8,  // UTF-8 value
+    kText,
+    kTextUtf8,
+    kSpace,
+    kSpaceUtf8,
+    kCData,
+    kComment,
+    kInstruction,
+    kJump,  // the records go on in the next block
+  };
+  enum Flag : uint8_t {
+    kMayHoldQuote = 1,
+    kHigh = 2,
+    kJoinFails = 4,  // a Begin whose element failed to join (a declaration that does not decode)
+  };
+
+  /// Every record starts with one word: kind, flags and the length of its value.
+  struct Head {
+    uint64_t Word;
+    Kind GetKind() const noexcept { return static_cast<Kind>(Word & 0xFF); }
+    uint8_t Flags() const noexcept { return static_cast<uint8_t>(Word >> 8); }
+    size_t Length() const noexcept { return static_cast<size_t>(Word >> 16); }
+  };
+  struct Begin {
+    Head H;
+    const NameRec* Name;    // nil for the empty name
+    const char* ContentEnd;  // where the element's content ends (patched by its end tag)
+  };
+  struct Named {
+    Head H;
+    const NameRec* Name;
+    // the value follows
+  };
+
+  LoadTape() = default;
+  LoadTape(const LoadTape&) = delete;
+  LoadTape& operator=(const LoadTape&) = delete;
+  ~LoadTape();
+
+  // ---- writing ----
+  /// The position the next record takes.
+  const char* Position() const noexcept;
+  Begin* AddBegin(const NameRec* AName);
+  static void SetFlag(Head* ARec, Flag AFlag) noexcept { ARec->Word |= uint64_t{AFlag} << 8; }
+  void AddAttr(const NameRec* AName, std::u16string_view AValue, bool AMayHoldQuote);
+  void AddAttrUtf8(const NameRec* AName, std::string_view AValue, bool AMayHoldQuote, bool AHigh);
+  void AddText(Kind AKind, std::u16string_view AValue);
+  void AddTextUtf8(Kind AKind, std::string_view AValue, bool AHigh);
+  void AddInstruction(const NameRec* ATarget, std::u16string_view AData);
+  /// Drops every record from APosition on (a start tag cut short).
+  void Truncate(const char* APosition) noexcept;
+
+  /// Elements whose content is still here: none left, and nothing needs opening.
+  size_t Lazy = 0;
+  /// What the builder of the last open knew, for the next one (the builder's own type).
+  std::shared_ptr<void> Resume;
+
+  // ---- reading ----
+  // A position read back is resolved before it is compared: the end of a block and the start
+  // of the next are the same place.
+  static const char* Resolve(const char* APosition) noexcept;
+  /// The record at APosition, passing over block jumps; APosition moves past it.
+  static const Head* Next(const char*& APosition) noexcept;
+  /// The value of a record that has one.
+  static std::u16string_view Units(const Head* ARec) noexcept;
+  static std::string_view Bytes(const Head* ARec) noexcept;
+  /// The name of a Begin, Attr or Instruction record.
+  static std::u16string_view NameOf(const Head* ARec) noexcept;
+
+ private:
+  char* Reserve(size_t ABytes);
+  char* AddHead(Kind AKind, uint8_t AFlags, size_t ALength, size_t AExtra, size_t APayload);
+  static size_t PayloadOffset(Kind AKind) noexcept;
+
+  struct Block {
+    char* Start;
+    size_t Size;
+  };
+  std::vector<Block> FBlocks;
+  char* FNext = nullptr;
+  char* FEnd = nullptr;
+};
+
+}  // namespace vn::detail
