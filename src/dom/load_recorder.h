@@ -38,7 +38,7 @@ class LoadRecorder {
   void AddWhitespace(std::u16string_view AText);
   void AddWhitespaceUtf8(std::string_view AText);
   /// Inside the root, white space is kept unless no element of the load can keep it.
-  bool KeepsWhitespace() const;
+  bool KeepsWhitespace() const { return Recording() ? FKeepSpace : BuilderKeepsWhitespace(); }
   void AddCDATA(std::u16string_view AText);
   void AddComment(std::u16string_view AText);
   void AddInstruction(std::u16string_view ATarget, std::u16string_view AData);
@@ -47,6 +47,7 @@ class LoadRecorder {
 
  private:
   bool Recording() const noexcept { return !FOpen.empty(); }
+  bool BuilderKeepsWhitespace() const;
   /// AName's record, held by the load's pool for as long as the tape.
   const NameRec* Intern(std::u16string_view AName);
   /// The root's content is complete: it is left on the tape.
@@ -67,8 +68,15 @@ class LoadRecorder {
   // The pending start tag's declarations that hold references: the element's join decodes
   // them, and fails where one does not decode.
   std::vector<UnicodeString> FEscapedDeclarations;
-  void NoteDeclaration(std::u16string_view AQName, std::u16string_view AValue);
-  static constexpr size_t kNameCache = 64;
+  /// Does the attribute AQName declare a namespace?
+  static bool IsDeclaration(std::u16string_view AQName) {
+    // "xmlns" or "xmlns:", in any case, maybe behind a colon: most names fail on the first unit
+    return AQName.size() >= 5 && (AQName[0] == u'x' || AQName[0] == u'X' || AQName[0] == u':') &&
+           IsDeclarationSlow(AQName);
+  }
+  static bool IsDeclarationSlow(std::u16string_view AQName);
+  void NoteEscaped(std::u16string_view AValue, bool AMayHoldQuote);
+  static constexpr size_t kNameCache = 256;
   NameRec* FNameCache[kNameCache] = {};
 };
 

@@ -14,9 +14,6 @@ namespace {
 
 constexpr size_t kFirstBlock = size_t{4} << 10;
 constexpr size_t kBlock = size_t{1} << 20;
-// a jump record closes every block, so each block keeps room for one
-constexpr size_t kJumpBytes = sizeof(LoadTape::Head) + sizeof(char*);
-constexpr uint64_t kMaxLength = (uint64_t{1} << 48) - 1;
 
 constexpr size_t Rounded(size_t ABytes) noexcept { return (ABytes + 7) & ~size_t{7}; }
 
@@ -37,13 +34,9 @@ size_t LoadTape::PayloadOffset(Kind AKind) noexcept {
   }
 }
 
-char* LoadTape::Reserve(size_t ABytes) {
-  if (static_cast<size_t>(FEnd - FNext) >= ABytes + kJumpBytes) {
-    char* p = FNext;
-    FNext += ABytes;
-    reinterpret_cast<Head*>(FNext)->Word = 0;  // the end, until a record or a jump comes
-    return p;
-  }
+void LoadTape::TooLong() { throw std::bad_alloc(); }
+
+char* LoadTape::ReserveInNewBlock(size_t ABytes) {
   // small loads take small blocks; big ones get to kBlock soon
   const size_t grown = FBlocks.empty() ? kFirstBlock : std::min(kBlock, FBlocks.back().Size * 2);
   const size_t size = std::max(grown, ABytes + kJumpBytes);
@@ -66,22 +59,6 @@ char* LoadTape::Reserve(size_t ABytes) {
   return block;
 }
 
-const char* LoadTape::Position() const noexcept { return FNext; }
-
-char* LoadTape::AddHead(Kind AKind, uint8_t AFlags, size_t ALength, size_t AExtra, size_t APayload) {
-  if (ALength > kMaxLength) throw std::bad_alloc();
-  char* p = Reserve(Rounded(AExtra + APayload));
-  reinterpret_cast<Head*>(p)->Word = AKind | (uint64_t{AFlags} << 8) | (uint64_t{ALength} << 16);
-  return p;
-}
-
-LoadTape::Begin* LoadTape::AddBegin(const NameRec* AName) {
-  auto* b = reinterpret_cast<Begin*>(AddHead(kBegin, 0, 0, sizeof(Begin), 0));
-  b->Name = AName;
-  b->ContentEnd = nullptr;
-  return b;
-}
-
 void LoadTape::AddAttr(const NameRec* AName, std::u16string_view AValue, bool AMayHoldQuote) {
   const size_t bytes = AValue.size() * sizeof(char16_t);
   char* p = AddHead(kAttr, AMayHoldQuote ? kMayHoldQuote : 0, AValue.size(), sizeof(Named), bytes);
@@ -89,22 +66,10 @@ void LoadTape::AddAttr(const NameRec* AName, std::u16string_view AValue, bool AM
   if (bytes) std::memcpy(p + sizeof(Named), AValue.data(), bytes);
 }
 
-void LoadTape::AddAttrUtf8(const NameRec* AName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
-  const uint8_t flags = (AMayHoldQuote ? kMayHoldQuote : 0) | (AHigh ? kHigh : 0);
-  char* p = AddHead(kAttrUtf8, flags, AValue.size(), sizeof(Named), AValue.size());
-  reinterpret_cast<Named*>(p)->Name = AName;
-  if (!AValue.empty()) std::memcpy(p + sizeof(Named), AValue.data(), AValue.size());
-}
-
 void LoadTape::AddText(Kind AKind, std::u16string_view AValue) {
   const size_t bytes = AValue.size() * sizeof(char16_t);
   char* p = AddHead(AKind, 0, AValue.size(), sizeof(Head), bytes);
   if (bytes) std::memcpy(p + sizeof(Head), AValue.data(), bytes);
-}
-
-void LoadTape::AddTextUtf8(Kind AKind, std::string_view AValue, bool AHigh) {
-  char* p = AddHead(AKind, AHigh ? kHigh : 0, AValue.size(), sizeof(Head), AValue.size());
-  if (!AValue.empty()) std::memcpy(p + sizeof(Head), AValue.data(), AValue.size());
 }
 
 void LoadTape::AddInstruction(const NameRec* ATarget, std::u16string_view AData) {

@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -69,13 +70,26 @@ class LoadTape {
 
   // ---- writing ----
   /// The position the next record takes.
-  const char* Position() const noexcept;
-  Begin* AddBegin(const NameRec* AName);
+  const char* Position() const noexcept { return FNext; }
+  Begin* AddBegin(const NameRec* AName) {
+    auto* b = reinterpret_cast<Begin*>(AddHead(kBegin, 0, 0, sizeof(Begin), 0));
+    b->Name = AName;
+    b->ContentEnd = nullptr;
+    return b;
+  }
   static void SetFlag(Head* ARec, Flag AFlag) noexcept { ARec->Word |= uint64_t{AFlag} << 8; }
   void AddAttr(const NameRec* AName, std::u16string_view AValue, bool AMayHoldQuote);
-  void AddAttrUtf8(const NameRec* AName, std::string_view AValue, bool AMayHoldQuote, bool AHigh);
+  void AddAttrUtf8(const NameRec* AName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
+    const uint8_t flags = (AMayHoldQuote ? kMayHoldQuote : 0) | (AHigh ? kHigh : 0);
+    char* p = AddHead(kAttrUtf8, flags, AValue.size(), sizeof(Named), AValue.size());
+    reinterpret_cast<Named*>(p)->Name = AName;
+    if (!AValue.empty()) std::memcpy(p + sizeof(Named), AValue.data(), AValue.size());
+  }
   void AddText(Kind AKind, std::u16string_view AValue);
-  void AddTextUtf8(Kind AKind, std::string_view AValue, bool AHigh);
+  void AddTextUtf8(Kind AKind, std::string_view AValue, bool AHigh) {
+    char* p = AddHead(AKind, AHigh ? kHigh : 0, AValue.size(), sizeof(Head), AValue.size());
+    if (!AValue.empty()) std::memcpy(p + sizeof(Head), AValue.data(), AValue.size());
+  }
   void AddInstruction(const NameRec* ATarget, std::u16string_view AData);
   /// Drops every record from APosition on (a start tag cut short).
   void Truncate(const char* APosition) noexcept;
@@ -98,8 +112,25 @@ class LoadTape {
   static std::u16string_view NameOf(const Head* ARec) noexcept;
 
  private:
-  char* Reserve(size_t ABytes);
-  char* AddHead(Kind AKind, uint8_t AFlags, size_t ALength, size_t AExtra, size_t APayload);
+  // a jump record closes every block, so each block keeps room for one
+  static constexpr size_t kJumpBytes = sizeof(Head) + sizeof(char*);
+  static constexpr uint64_t kMaxLength = (uint64_t{1} << 48) - 1;
+
+  char* Reserve(size_t ABytes) {
+    if (static_cast<size_t>(FEnd - FNext) < ABytes + kJumpBytes) return ReserveInNewBlock(ABytes);
+    char* p = FNext;
+    FNext += ABytes;
+    reinterpret_cast<Head*>(FNext)->Word = 0;  // the end, until a record or a jump comes
+    return p;
+  }
+  char* ReserveInNewBlock(size_t ABytes);
+  char* AddHead(Kind AKind, uint8_t AFlags, size_t ALength, size_t AExtra, size_t APayload) {
+    if (ALength > kMaxLength) TooLong();
+    char* p = Reserve((AExtra + APayload + 7) & ~size_t{7});
+    reinterpret_cast<Head*>(p)->Word = AKind | (uint64_t{AFlags} << 8) | (uint64_t{ALength} << 16);
+    return p;
+  }
+  [[noreturn]] static void TooLong();
   static size_t PayloadOffset(Kind AKind) noexcept;
 
   struct Block {

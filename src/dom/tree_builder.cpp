@@ -55,17 +55,6 @@ std::u16string_view DecodeUtf8Bytes(std::string_view ABytes, std::u16string& ASc
   return DecodeUtf8(p, p + ABytes.size(), AScratch);
 }
 
-}  // namespace
-
-bool TreeBuilder::MayBeXmlSpace(std::u16string_view AName) {
-  if (AName.size() == 9 && AName[3] == u':') return true;
-  for (char16_t c : AName)
-    if (c >= 0x80) return true;
-  return false;
-}
-
-namespace {
-
 // Waiting children carry their kind in the two low bits of the pointer (nodes are 8-aligned).
 constexpr uintptr_t kOtherKind = 0, kElementKind = 1, kCharKind = 2, kKindMask = 3;
 

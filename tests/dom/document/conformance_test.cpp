@@ -18,6 +18,7 @@
 #include "vnxml/dom.h"
 #include "vnxml/dom_parser.h"
 #include "support/files.h"
+#include "support/same_tree.h"
 #include "common/message_of.h"
 
 namespace vn {
@@ -108,32 +109,6 @@ std::pair<std::unique_ptr<TVnDOMDocument>, UnicodeString> Build(const std::strin
   return {std::move(doc), UnicodeString()};
 }
 
-// Both trees, node by node: kinds, names, values, namespaces, space handling and every list.
-// Some files nest deeply: the walk keeps its own stack.
-void ExpectSameTree(TVnDOMNode* ARootA, TVnDOMNode* ARootB, const std::string& AWhere) {
-  std::vector<std::pair<TVnDOMNode*, TVnDOMNode*>> stack{{ARootA, ARootB}};
-  while (!stack.empty()) {
-    auto [a, b] = stack.back();
-    stack.pop_back();
-    ASSERT_EQ(a->GetNodeType(), b->GetNodeType()) << AWhere;
-    EXPECT_EQ(a->GetQualifiedName(), b->GetQualifiedName()) << AWhere;
-    EXPECT_EQ(a->GetNamespaceURI(), b->GetNamespaceURI()) << AWhere;
-    EXPECT_EQ(a->GetPreserveSpace(), b->GetPreserveSpace()) << AWhere;
-    if (a->GetNodeType() == ntElement) {
-      auto* ea = static_cast<TVnDOMElement*>(a);
-      auto* eb = static_cast<TVnDOMElement*>(b);
-      EXPECT_EQ(ea->AttributeCount(), eb->AttributeCount()) << AWhere;
-      EXPECT_EQ(ea->ElementCount(), eb->ElementCount()) << AWhere;
-      EXPECT_EQ(ea->CharNodesView().size(), eb->CharNodesView().size()) << AWhere;
-    } else if (a->GetNodeType() != ntDocument) {
-      // The text as stored: decoding may rightly fail on a bad reference.
-      EXPECT_EQ(a->GetXML(), b->GetXML()) << AWhere;
-    }
-    ASSERT_EQ(a->NodeCount(), b->NodeCount()) << AWhere;
-    for (Integer i = 0; i < a->NodeCount(); ++i) stack.emplace_back(a->ChildAt(i), b->ChildAt(i));
-  }
-}
-
 TEST(DomConformance, EventsAndDirectReadingBuildTheSameTree) {
   int compared = 0;
   ForEachConformanceFile([&](const std::string& name) {
@@ -141,7 +116,7 @@ TEST(DomConformance, EventsAndDirectReadingBuildTheSameTree) {
     auto [direct, directError] = Build<TVnDOMParser>(bytes);
     auto [events, eventsError] = Build<EventParser>(bytes);
     EXPECT_EQ(UnicodeToUtf8(directError), UnicodeToUtf8(eventsError)) << name;
-    ExpectSameTree(direct.get(), events.get(), name);
+    test::ExpectSameTree(direct.get(), events.get(), name);
     ++compared;
   });
   EXPECT_GT(compared, 500);

@@ -64,6 +64,16 @@ TEST(DomHostile, ManySiblingsAttributesAndElementsUnderManyDeclarations) {
         return std::pair{s, head + n * 8 + 4};
       },
       5000);
+
+  // A declaration at every level: the nodes made as the save reads down work each level once.
+  ExpectLinear(
+      [](size_t n) {
+        std::u16string s;
+        for (size_t i = 0; i < n; ++i) s += u"<d xmlns:p=\"u\">";
+        for (size_t i = 0; i < n; ++i) s += u"</d>";
+        return std::pair{s, n * 19 - 2};
+      },
+      20000);
 }
 
 TEST(DomHostile, LongTextRunAndDeepNesting) {
