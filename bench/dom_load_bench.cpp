@@ -42,12 +42,18 @@ using namespace vn;
 
 using Holder = std::shared_ptr<void>;
 
-Holder LoadVn(const std::string& ABytes) {
+Holder LoadVnAs(const std::string& ABytes, bool ADefer) {
   auto doc = std::make_shared<TVnDOMDocument>();
+  doc->SetDeferChildren(ADefer);
   TVnMemoryStream in(ABytes.data(), static_cast<Int64>(ABytes.size()));
   doc->LoadFromStream(in);
   return doc;
 }
+
+// Deferred (the default): the root's content stays records until read. Eager: every node made
+// during the load, the cost a program pays that reads the whole tree.
+Holder LoadVn(const std::string& ABytes) { return LoadVnAs(ABytes, true); }
+Holder LoadVnEager(const std::string& ABytes) { return LoadVnAs(ABytes, false); }
 
 size_t SaveVn(void* ADoc) {
   TVnStringStream out(cVnCodePageUTF8);
@@ -107,7 +113,7 @@ struct Library {
 };
 
 std::vector<Library> Libraries() {
-  std::vector<Library> libs{{"vnxml", LoadVn, SaveVn}};
+  std::vector<Library> libs{{"vnxml", LoadVn, SaveVn}, {"vnxml_eager", LoadVnEager, SaveVn}};
 #ifdef VNXML_HAVE_PUGIXML
   libs.push_back({"pugixml", LoadPugi, SavePugi});
 #endif

@@ -17,6 +17,11 @@
 
 namespace vn::detail {
 
+/// An opened element makes the content of a child with at most this many bytes of records at
+/// once, so that its nodes lie beside it as a walk reads them; larger parts wait for their own
+/// first access. Tests set 0 to open one level at a time.
+inline ptrdiff_t SmallContentBytes = 4096;
+
 class NameTable;
 struct NsScope;
 

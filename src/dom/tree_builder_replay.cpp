@@ -162,7 +162,9 @@ void TreeBuilder::Replay(const char* AFrom, const char* ATo, bool AWhole) {
         }
         if (p == contentEnd) {
           EndElement();
-        } else if (AWhole) {
+        } else if (AWhole || (contentEnd > p && contentEnd - p <= SmallContentBytes)) {
+          // a small part is made at once: its nodes then lie beside their element, as a walk
+          // reads them
           ends.push_back(contentEnd);
         } else {
           LeaveOnTape(static_cast<TVnDOMElement*>(FCurrent), record, true);

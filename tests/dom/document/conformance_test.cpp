@@ -17,6 +17,7 @@
 #include "vnxml/common/vn_streams.h"
 #include "vnxml/dom.h"
 #include "vnxml/dom_parser.h"
+#include "dom/tree_builder.h"
 #include "support/files.h"
 #include "support/same_tree.h"
 #include "common/message_of.h"
@@ -110,6 +111,8 @@ std::pair<std::unique_ptr<TVnDOMDocument>, UnicodeString> Build(const std::strin
 }
 
 TEST(DomConformance, EventsAndDirectReadingBuildTheSameTree) {
+  // The direct reader defers the root's content, and the small files here open level by level.
+  const ptrdiff_t small = std::exchange(detail::SmallContentBytes, 0);
   int compared = 0;
   ForEachConformanceFile([&](const std::string& name) {
     const std::string bytes = test::ReadFile(name);
@@ -120,6 +123,7 @@ TEST(DomConformance, EventsAndDirectReadingBuildTheSameTree) {
     ++compared;
   });
   EXPECT_GT(compared, 500);
+  detail::SmallContentBytes = small;
 }
 
 }  // namespace
