@@ -53,6 +53,7 @@ int Format(const std::vector<std::string>& AArgs) {
   if (input.Kind(forced) == InputKind::Json) return JsonFormat(input.Stream(), formatted, codePage, bom);
   try {
     vn::TVnDOMDocument doc;
+    doc.SetDeferChildren(false);  // all of it is written: every node is made during the load
     doc.LoadFromStream(input.Stream());
     vn::TVnStringStream out(codePage);
     doc.SaveToStream(out, codePage, formatted, bom);

@@ -34,6 +34,7 @@ int LoadForBridge(const std::string& ACommand, const std::string& APath, vn::TVn
     return kExitUsage;
   }
   try {
+    ADocument.SetDeferChildren(false);  // all of it is written: every node is made during the load
     ADocument.LoadFromStream(input.Stream());
   } catch (const vn::Exception& e) {
     std::fprintf(stderr, "%s: %s\n", APath.c_str(), vn::UnicodeToUtf8(e.Message()).c_str());
