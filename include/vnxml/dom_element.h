@@ -233,8 +233,6 @@ class TVnDOMElement : public TVnDOMNode {
   detail::PtrVector<TVnDOMNode> FChars;
   detail::NsScope* FScope = nullptr;
   TVnDOMAttribute* FNamespace = nullptr;
-  /// The element's record on its load's tape (kept once opened: its declarations as read).
-  const char* FTapeBegin = nullptr;
 
   friend class TVnDOMAttribute;
   friend class detail::TreeBuilder;

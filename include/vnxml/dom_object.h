@@ -161,10 +161,11 @@ class TVnDOMObject : public TVnObject {
   bool FInPool : 1 = false;
   /// Elements: the namespace scope is held by the pool, not counted by the element.
   bool FScopeHeld : 1 = false;
+  TVnDOMNodeType FNodeType = ntUnknown;
+  // The load state shares its byte with a flag: nodes stay 40 bytes before their own fields.
+  TVnDOMLoadState FLoadState : 7 = lsUninitialized;
   /// Elements of a load: the children are still records on the load's tape.
   bool FLazy : 1 = false;
-  TVnDOMNodeType FNodeType = ntUnknown;
-  TVnDOMLoadState FLoadState = lsUninitialized;
   TVnDOMDocument* FDOMDocument = nullptr;
   TVnDOMObject* FParent = nullptr;
 

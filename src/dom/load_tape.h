@@ -17,6 +17,7 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace vn::detail {
@@ -96,6 +97,9 @@ class LoadTape {
 
   /// Elements whose content is still here: none left, and nothing needs opening.
   size_t Lazy = 0;
+  /// The record of each element left lazy, kept once it is open: its declarations as read are
+  /// asked for while its descendants open.
+  std::unordered_map<const void*, const char*> Begins;
   /// What the builder of the last open knew, for the next one (the builder's own type).
   std::shared_ptr<void> Resume;
 

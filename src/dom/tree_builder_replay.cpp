@@ -98,7 +98,7 @@ void TreeBuilder::MoveTo(TVnDOMElement* AElement) {
 void TreeBuilder::EnterStacks(TVnDOMElement* AElement) {
   FPath.emplace_back(AElement, static_cast<uint32_t>(FPushed.size()));
   // The reader's view: each declaration as read, in the order of the start tag.
-  const char* p = AElement->FTapeBegin;
+  const char* p = FPool->Tape()->Begins.at(AElement);
   const auto* begin = reinterpret_cast<const Tape::Begin*>(Tape::Next(p));
   const char* end = Tape::Resolve(begin->ContentEnd);
   p = Tape::Resolve(p);
@@ -202,8 +202,8 @@ void TreeBuilder::Replay(const char* AFrom, const char* ATo, bool AWhole) {
 }
 
 void TreeBuilder::LeaveOnTape(TVnDOMElement* AElement, const char* ABegin, bool AContent) {
-  AElement->FTapeBegin = ABegin;
   if (!AContent) return;
+  FPool->Tape()->Begins.emplace(AElement, ABegin);
   AElement->FLazy = true;
   ++FPool->Tape()->Lazy;
 }
@@ -212,7 +212,7 @@ void TreeBuilder::OpenElement(TVnDOMElement* AElement, bool AWhole) {
   NodePool* pool = NodePool::Of(AElement);
   AElement->FLazy = false;
   --pool->Tape()->Lazy;
-  const char* p = AElement->FTapeBegin;
+  const char* p = pool->Tape()->Begins.at(AElement);
   const auto* begin = reinterpret_cast<const Tape::Begin*>(Tape::Next(p));
   const char* end = Tape::Resolve(begin->ContentEnd);
   // The stacks of the last open are taken up; should this open fail, they are dropped.
