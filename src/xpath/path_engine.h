@@ -229,6 +229,9 @@ class PathProgram {
   PathStep* SimpleStep();
   /// Whether AStep (a simple step) finds anything at ANode, without collecting.
   bool AnyMatch(PathStep& AStep, TVnDOMNode* ANode);
+  /// Whether the attribute step AStep (a name, not "*") finds an attribute of AElement, within
+  /// a selection: what it finds out about a name record holds until the selection ends.
+  bool AnyAttribute(PathStep& AStep, const TVnDOMElement* AElement, bool AAnyPrefix);
 
   std::vector<std::unique_ptr<Alternative>> FAlternatives;
   TVnXPathCollationClass FCollation;

@@ -309,44 +309,67 @@ void PathProgram::RunAttributeSearch(PathStep& AStep, TVnDOMNode* ANode, PathRun
   PathProgram& inner = *AStep.FAttributeProgram;
   PathStep& attribute = *AStep.FAttributeStep;
   const bool anyPrefix = AStep.FPrefix == u"*";
-  // Every element is a candidate once, from its one parent: what is found holds no node twice.
-  std::vector<TVnDOMNode*> found;
-  auto test = [&](TVnDOMNode* ACand) {
-    if (!anyPrefix && !FCollation->SameText(ACand->PrefixView(), AStep.FPrefix)) return;
-    if (inner.AnyMatch(attribute, ACand)) found.push_back(ACand);
+  // The general walk tests the children of each node it reaches, together. A loaded tree lies
+  // in memory in document order, which that order reads by leaps over whole subtrees; here each
+  // element is tested when the walk reaches it, which reads the tree front to back, and is
+  // marked with the number of the node whose child it is. Sorting what was found by that
+  // number (stable) gives the general walk's order.
+  constexpr uint32_t kNoParent = UINT32_MAX;
+  struct Visit {
+    TVnDOMNode* FNode;
+    uint32_t FParent;  // the number of the node that offers it as a candidate, or kNoParent
   };
-  std::vector<TVnDOMNode*> stack{ANode};
+  struct Found {
+    uint32_t FParent;
+    TVnDOMNode* FNode;
+  };
+  // Every element is a candidate once, from its one parent: what is found holds no node twice.
+  std::vector<Found> found;
+  attribute.FAttributeMemo.Renew(tSelection);
+  const bool anyAttributePrefix = attribute.FPrefix == u"*";
+  auto test = [&](TVnDOMElement* ACand, uint32_t AParent) {
+    if (!anyPrefix && !FCollation->SameText(ACand->PrefixView(), AStep.FPrefix)) return;
+    if (inner.AnyAttribute(attribute, ACand, anyAttributePrefix)) found.push_back({AParent, ACand});
+  };
+  std::vector<Visit> stack{{ANode, kNoParent}};
+  uint32_t number = 0;
   while (!stack.empty()) {
-    TVnDOMNode* node = stack.back();
+    const Visit visit = stack.back();
     stack.pop_back();
-    ++tWork;
-    TVnDOMElement* element = AsElement(node);
-    if (element) {
+    if (number == kNoParent) throw std::bad_alloc();
+    const uint32_t self = number++;
+    TVnDOMNode* node = visit.FNode;
+    if (TVnDOMElement* element = AsElement(node)) {
+      if (visit.FParent != kNoParent) test(element, visit.FParent);
       const auto& elements = element->ElementsView();
-      const uint32_t count = elements.size();
-      // Candidates are read node, attribute array, first attribute: each asked for ahead.
-      for (uint32_t i = 0; i < count && i < cPrefetchNode; ++i) __builtin_prefetch(elements[i]);
-      for (uint32_t i = 0; i < count; ++i) {
-        if (i + cPrefetchNode < count) __builtin_prefetch(elements[i + cPrefetchNode]);
-        if (i + cPrefetchArray < count) PrefetchArrays(elements[i + cPrefetchArray], false);
-        if (i + cPrefetchFirst < count) PrefetchArrays(elements[i + cPrefetchFirst], true);
-        test(elements[i]);
-      }
-      for (uint32_t i = count; i-- > 0;) stack.push_back(elements[i]);
+      for (uint32_t i = elements.size(); i-- > 0;) stack.push_back({elements[i], self});
       continue;
     }
     if (node->GetNodeType() == ntDocument) {
-      if (TVnDOMElement* root = static_cast<TVnDOMDocument*>(node)->GetRootNode()) test(root);
+      if (TVnDOMElement* root = static_cast<TVnDOMDocument*>(node)->GetRootNode()) test(root, self);
     }
     const auto& children = node->ChildrenView();
     for (size_t i = children.size(); i-- > 0;) {
       TVnDOMNode* child = children[i];
       TVnDOMNodeType type = child->GetNodeType();
       if (type == ntAttribute || (type != ntElement && !child->HasChilds())) continue;
-      stack.push_back(child);
+      stack.push_back({child, kNoParent});
     }
   }
-  ARun.FResult.AddDistinct(found);
+  tWork += number;
+  std::vector<TVnDOMNode*> ordered(found.size());
+  const bool inOrder = std::is_sorted(found.begin(), found.end(),
+                                      [](const Found& A, const Found& B) { return A.FParent < B.FParent; });
+  if (inOrder) {
+    for (size_t i = 0; i < found.size(); ++i) ordered[i] = found[i].FNode;
+  } else {
+    // A counting sort: linear in the nodes walked.
+    std::vector<uint32_t> starts(size_t(number) + 1, 0);
+    for (const Found& f : found) ++starts[f.FParent + 1];
+    for (uint32_t i = 0; i < number; ++i) starts[i + 1] += starts[i];
+    for (const Found& f : found) ordered[starts[f.FParent]++] = f.FNode;
+  }
+  ARun.FResult.AddDistinct(ordered);
 }
 
 void PathProgram::RunStepAt(PathStep& AStep, TVnDOMNode* ANode, bool APrevWasDot, bool ADeep, PathRun& ARun) {
@@ -553,17 +576,15 @@ bool PathProgram::AnyMatch(PathStep& AStep, TVnDOMNode* ANode) {
   };
   TVnDOMElement* element = AsElement(ANode);
   if (AStep.FForm == StepForm::Attribute && element && AStep.FLocal != u"*") {
-    // The test depends on the attribute's name alone, which its document shares between nodes.
-    auto passes = [&](const TVnDOMNode* a) {
-      return matches(a) && (FLocalNameMatch || !static_cast<const TVnDOMAttribute*>(a)->IsNamespace());
-    };
-    const auto& attributes = element->AttributesView();
     // Outside a selection (a host evaluating a filter itself) the tree may change between calls.
-    if (tDepth == 0) return std::any_of(attributes.begin(), attributes.end(), passes);
+    if (tDepth == 0) {
+      const auto& attributes = element->AttributesView();
+      return std::any_of(attributes.begin(), attributes.end(), [&](const TVnDOMNode* a) {
+        return matches(a) && (FLocalNameMatch || !static_cast<const TVnDOMAttribute*>(a)->IsNamespace());
+      });
+    }
     AStep.FAttributeMemo.Renew(tSelection);
-    for (TVnDOMNode* a : attributes)
-      if (AStep.FAttributeMemo.Test(a, passes)) return true;
-    return false;
+    return AnyAttribute(AStep, element, anyPrefix);
   }
   if (AStep.FForm == StepForm::Name && element) {
     for (TVnDOMNode* c : element->ChildrenView())
@@ -574,6 +595,19 @@ bool PathProgram::AnyMatch(PathStep& AStep, TVnDOMNode* ANode) {
   std::vector<TVnDOMNode*>& cands = Candidates();
   Collect(AStep, ANode, false, false, cands, 1);
   return !cands.empty();
+}
+
+bool PathProgram::AnyAttribute(PathStep& AStep, const TVnDOMElement* AElement, bool AAnyPrefix) {
+  // The test depends on the attribute's name alone, which its document shares between nodes.
+  auto passes = [&](const TVnDOMNode* a) {
+    return AStep.FLocalMemo.Matches(a->LocalNameView(),
+                                    [&](std::u16string_view AName) { return FCollation->SameText(AName, AStep.FLocal); }) &&
+           (AAnyPrefix || FCollation->SameText(a->PrefixView(), AStep.FPrefix)) &&
+           (FLocalNameMatch || !static_cast<const TVnDOMAttribute*>(a)->IsNamespace());
+  };
+  for (TVnDOMNode* a : AElement->AttributesView())
+    if (AStep.FAttributeMemo.Test(a, passes)) return true;
+  return false;
 }
 
 bool PathProgram::Exists(TVnDOMNode* AContext) {
