@@ -104,11 +104,6 @@ class TVnDOMElement : public TVnDOMNode {
     EnsureOpen();
     return FElems;
   }
-  /// Asks the memory for the child and attribute arrays ahead of a walk; changes nothing.
-  void PrefetchArrays() const noexcept {
-    __builtin_prefetch(FElems.begin());
-    __builtin_prefetch(FAttrs.begin());
-  }
   const detail::PtrVector<TVnDOMNode>& CharNodesView() const {
     EnsureOpen();
     return FChars;

@@ -222,7 +222,7 @@ class PathProgram {
   /// Whether AStep is "*" (any prefix or one) with a single filter "[@name]" and nothing behind
   /// it, which a "//" search runs by testing each element's attributes in place.
   bool IsAttributeSearch(PathStep& AStep);
-  /// The "//" walk of such a step from ANode: each element below is tested once, by its parent.
+  /// The "//" walk of such a step from ANode: each element below is tested once, when reached.
   void RunAttributeSearch(PathStep& AStep, TVnDOMNode* ANode, PathRun& ARun);
   /// The one step of a path that is a plain name, "*", "@name", node() or text() from the
   /// context node, without filters: it runs without the machinery of a full selection.
