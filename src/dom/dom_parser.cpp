@@ -52,6 +52,7 @@ class BuildSink {
       B.AddText(AText);
   }
   void CharactersUtf8(std::string_view AText, bool AHigh) { B.AddTextUtf8(AText, AHigh); }
+  void CDataUtf8(std::string_view AText, bool AHigh) { B.AddCDATAUtf8(AText, AHigh); }
   void IgnorableWhitespaceUtf8(std::string_view AText) { B.AddWhitespaceUtf8(AText); }
   bool KeepsWhitespace() const { return B.KeepsWhitespace(); }
   void IgnorableWhitespace(std::u16string_view AText) { B.AddWhitespace(AText); }

@@ -189,6 +189,11 @@ void LoadRecorder::AddCDATA(std::u16string_view AText) {
   FTape->AddText(LoadTape::kCData, AText);
 }
 
+void LoadRecorder::AddCDATAUtf8(std::string_view AText, bool AHigh) {
+  if (!Recording()) return B.AddCDATAUtf8(AText, AHigh);
+  FTape->AddTextUtf8(LoadTape::kCDataUtf8, AText, AHigh);
+}
+
 void LoadRecorder::AddComment(std::u16string_view AText) {
   if (!Recording()) return B.AddComment(AText);
   FTape->AddText(LoadTape::kComment, AText);

@@ -40,6 +40,7 @@ class LoadRecorder {
   /// Inside the root, white space is kept unless no element of the load can keep it.
   bool KeepsWhitespace() const { return Recording() ? FKeepSpace : BuilderKeepsWhitespace(); }
   void AddCDATA(std::u16string_view AText);
+  void AddCDATAUtf8(std::string_view AText, bool AHigh);
   void AddComment(std::u16string_view AText);
   void AddInstruction(std::u16string_view ATarget, std::u16string_view AData);
   /// As TreeBuilder::Finish: a start tag cut short is dropped, open elements end here.

@@ -36,6 +36,7 @@ class LoadTape {
     kSpace,
     kSpaceUtf8,
     kCData,
+    kCDataUtf8,
     kComment,
     kInstruction,
     kJump,  // the records go on in the next block

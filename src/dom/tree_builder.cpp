@@ -369,6 +369,17 @@ void TreeBuilder::AddCDATA(std::u16string_view AText) {
   Place(c);
 }
 
+void TreeBuilder::AddCDATAUtf8(std::string_view AText, bool AHigh) {
+  if (AHigh && !IsWellFormedUtf8(AText)) {
+    AddCDATA(DecodeUtf8Bytes(AText, FDecoded));
+    return;
+  }
+  if (Current()->GetNodeType() != ntElement) throw EInvalidCast(cRtlInvalidCast);
+  auto* c = Make<TVnDOMCDATA>();
+  c->FNodeValue.AssignUtf8In(*FPool, AText);
+  Place(c);
+}
+
 void TreeBuilder::AddComment(std::u16string_view AText) {
   Current();
   auto* c = Make<TVnDOMComment>();

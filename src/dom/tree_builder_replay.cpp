@@ -188,6 +188,9 @@ void TreeBuilder::Replay(const char* AFrom, const char* ATo, bool AWhole) {
       case Tape::kCData:
         AddCDATA(Tape::Units(h));
         break;
+      case Tape::kCDataUtf8:
+        AddCDATAUtf8(Tape::Bytes(h), h->Flags() & Tape::kHigh);
+        break;
       case Tape::kComment:
         AddComment(Tape::Units(h));
         break;

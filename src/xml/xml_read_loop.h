@@ -443,6 +443,12 @@ class XmlReadLoop {
 
   void ParseAttributes() {
     MarkStart();
+    if constexpr (kRawUtf8) {
+      if (FastUtf8) {
+        ParseAttributesUtf8();
+        return;
+      }
+    }
     do {
       AttributeName name = ReadAttributeName();
       // Whatever stands between the name and the quote is dropped.
@@ -451,16 +457,6 @@ class XmlReadLoop {
       if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
       U quote = p < end ? *p : U(0);
       Next();
-      if constexpr (kRawUtf8) {
-        if (FastUtf8) {
-          const U* start = p;
-          ScanNotes notes;
-          p = FindUnitNoting(p, end, quote, notes);
-          S.AttributeUtf8(name.QName, Bytes(start, p), quote == U('\'') && notes.Quote, notes.High);
-          p = SkipInClass(p, end, read_loop::kQuotesAndWhite);
-          continue;
-        }
-      }
       std::u16string_view value = ReadValue(quote);
       const bool singleQuoted = quote == U('\'');
       if constexpr (!Sink::kNamespaces) {
@@ -476,6 +472,36 @@ class XmlReadLoop {
       } else {
         S.Attribute(name.Local, name.QName, URIOf(name.Prefix), value, singleQuoted);
       }
+      p = SkipInClass(p, end, read_loop::kQuotesAndWhite);
+    } while (p < end && *p != U('>') && *p != U('/'));
+  }
+
+  // The attributes of a sink that takes values as their bytes: it needs the whole name only,
+  // which ASCII names give without splitting it.
+  void ParseAttributesUtf8() {
+    do {
+      std::u16string_view qname;
+      const U* nameStart = p;
+      size_t n = 0;
+      p = ScanAscii(p, end, StopAt<false, '=', '<', '>'>{}, AttrQNameBuf, n);
+      if (p < end && *p >= 0x80) {
+        p = nameStart;
+        qname = ReadAttributeName().QName;
+      } else {
+        char16_t c = Cur();
+        if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+        qname = read_loop::TrimView({AttrQNameBuf.data(), n});
+      }
+      // Whatever stands between the name and the quote is dropped.
+      p = FindInClass(p, end, read_loop::kQuoteOrTagEnd);
+      char16_t c = Cur();
+      if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
+      U quote = p < end ? *p : U(0);
+      Next();
+      const U* start = p;
+      ScanNotes notes;
+      p = FindUnitNoting(p, end, quote, notes);
+      S.AttributeUtf8(qname, Bytes(start, p), quote == U('\'') && notes.Quote, notes.High);
       p = SkipInClass(p, end, read_loop::kQuotesAndWhite);
     } while (p < end && *p != U('>') && *p != U('/'));
   }
@@ -551,6 +577,18 @@ class XmlReadLoop {
     const U* text = p;
     FindCloser(U(']'));
     Sync();
+    if constexpr (kRawUtf8) {
+      if (FastUtf8) {
+        // Kept as read; a section with bytes above 0x7F is checked by the sink.
+        uint8_t any = 0;
+        for (const U* q = text; q < p; ++q) any |= *q;
+        S.CDataUtf8(Bytes(text, p), any >= 0x80);
+        S.EndCDATA();
+        p = FindUnit(p, end, U('>'));
+        Next();
+        return;
+      }
+    }
     S.Characters(Sel(text, p, TextBuf));
     S.EndCDATA();
     p = FindUnit(p, end, U('>'));

@@ -85,18 +85,25 @@ TEST(DomUtf8Values, ReadAndSavedAsTheSameTextLoadedFromUtf16) {
 }
 
 TEST(DomUtf8Values, MalformedBytesKeepTheirDecodingThroughASave) {
-  // an overlong form, a lone surrogate, a cut sequence and a stray byte
+  // an overlong form, a lone surrogate, a cut sequence and a stray byte (in a section too)
   TVnDOMDocument doc;
-  doc.LoadFromAnsiXML(std::string(kDecl) + "<r a='\xC0\x80' b='\xED\xA0\x80'>0123456789abcdefx\xE2\x82</r><!--\xFF-->");
+  doc.LoadFromAnsiXML(std::string(kDecl) +
+                      "<r a='\xC0\x80' b='\xED\xA0\x80'>0123456789abcdefx\xE2\x82<k><![CDATA[\xFF\xC3\xA9]]></k></r>"
+                      "<!--\xFF-->");
   TVnDOMElement* r = doc.GetRootNode();
-  const UnicodeString a = r->GetAttribute(u"a"), b = r->GetAttribute(u"b"), text = r->GetNodeValue();
+  auto section = [](TVnDOMElement* ARoot) { return ARoot->FirstElement()->CharNodesView()[0]; };
+  const UnicodeString a = r->GetAttribute(u"a"), b = r->GetAttribute(u"b"), text = r->GetNodeValue(),
+                      cdata = section(r)->GetNodeValue();
   EXPECT_FALSE(a.empty());
+  EXPECT_EQ(cdata.substr(1), u"\u00e9");
   EXPECT_FALSE(static_cast<TVnDOMText*>(r->CharNodesView()[0])->StoredText().IsUtf8());
+  EXPECT_FALSE(static_cast<TVnDOMCharacterData*>(section(r))->StoredText().IsUtf8());
   TVnDOMDocument again;
   again.LoadFromAnsiXML(Save(doc, cVnCodePageUTF8));
   TVnDOMElement* back = again.GetRootNode();
-  EXPECT_EQ((std::tuple{back->GetAttribute(u"a"), back->GetAttribute(u"b"), back->GetNodeValue()}),
-            std::tuple(a, b, text));
+  EXPECT_EQ((std::tuple{back->GetAttribute(u"a"), back->GetAttribute(u"b"), back->GetNodeValue(),
+                        section(back)->GetNodeValue()}),
+            std::tuple(a, b, text, cdata));
 }
 
 TEST(DomUtf8Values, LoadedValuesEditCloneAndMoveAsBefore) {
