@@ -3,6 +3,7 @@
 #include "bridge/json_dom_load.h"
 
 #include "bridge/json_events.h"
+#include "dom/load_recorder.h"
 #include "dom/tree_builder.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/sax_json_reader.h"
@@ -11,9 +12,12 @@ namespace vn::detail {
 
 namespace {
 
+// Builder: the TreeBuilder, or the LoadRecorder of a deferred load, which takes the same calls.
+template <class Builder>
 class TreeOut {
  public:
-  explicit TreeOut(TreeBuilder& ABuilder) : B(ABuilder) {}
+  static constexpr bool kEndNames = false;  // the builder closes the element it is in
+  explicit TreeOut(Builder& ABuilder) : B(ABuilder) {}
 
   void StartDocument() {}
   void EndDocument() {}
@@ -25,28 +29,37 @@ class TreeOut {
   }
   void StartElement(std::u16string_view, std::u16string_view AQName, int AKind) {
     B.BeginElement(AQName);
-    if (AKind != kNoValue) B.AddAttribute(kBridgeTypeMarks[AKind].QName, kBridgeTypeMarks[AKind].Value, false);
+    if (AKind != kNoValue)
+      B.AddAttributeUtf8(kBridgeTypeMarks[AKind].QName, kBridgeTypeMarks[AKind].Utf8Value, false, false);
     B.EnterElement();
   }
   void Characters(std::u16string_view AText) { B.AddText(AText); }
+  /// AHigh: not plain ASCII (the builder checks the bytes then).
+  void CharactersUtf8(std::string_view AText, bool AHigh) { B.AddTextUtf8(AText, AHigh); }
   void EndElement(std::u16string_view) { B.EndElement(); }
 
  private:
-  TreeBuilder& B;
+  Builder& B;
 };
 
 class TreeReader final : public TVnSAXJSONReader {
  public:
-  explicit TreeReader(TreeBuilder& ABuilder) : FBuilder(ABuilder) {}
+  TreeReader(TreeBuilder& ABuilder, LoadRecorder* ARecorder) : FBuilder(ABuilder), FRecorder(ARecorder) {}
 
  protected:
   void ReadContent() override {
-    TreeOut out(FBuilder);
-    RunXmlEventLoop(*GetJSONParser(), out);
+    if (FRecorder) {
+      TreeOut<LoadRecorder> out(*FRecorder);
+      RunXmlEventLoop(*GetJSONParser(), out);
+    } else {
+      TreeOut<TreeBuilder> out(FBuilder);
+      RunXmlEventLoop(*GetJSONParser(), out);
+    }
   }
 
  private:
   TreeBuilder& FBuilder;
+  LoadRecorder* FRecorder;
 };
 
 }  // namespace
@@ -68,8 +81,8 @@ bool IsJSONLoadText(const void* AData, size_t ASize, Word ACodePage) {
   return first != '<';
 }
 
-std::unique_ptr<TVnSAXReader> MakeJSONLoadReader(TreeBuilder* ABuilder) {
-  if (ABuilder) return std::make_unique<TreeReader>(*ABuilder);
+std::unique_ptr<TVnSAXReader> MakeJSONLoadReader(TreeBuilder* ABuilder, LoadRecorder* ARecorder) {
+  if (ABuilder) return std::make_unique<TreeReader>(*ABuilder, ARecorder);
   return std::make_unique<TVnSAXJSONReader>();
 }
 

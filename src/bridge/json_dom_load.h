@@ -14,12 +14,14 @@ class TVnSAXReader;
 namespace vn::detail {
 
 class TreeBuilder;
+class LoadRecorder;
 
 /// Whether the text at AData, standing on its first significant character in units of
 /// ACodePage, is JSON for the loader: it has such a character, and it isn't "<".
 bool IsJSONLoadText(const void* AData, size_t ASize, Word ACodePage);
-/// A JSON reader that builds its elements with ABuilder, straight from the scan; with a null
-/// ABuilder, a plain TVnSAXJSONReader whose handlers hear every event.
-std::unique_ptr<TVnSAXReader> MakeJSONLoadReader(TreeBuilder* ABuilder);
+/// A JSON reader that builds its elements with ABuilder, straight from the scan, or records
+/// them with ARecorder when one is given (a deferred document load); with a null ABuilder, a
+/// plain TVnSAXJSONReader whose handlers hear every event.
+std::unique_ptr<TVnSAXReader> MakeJSONLoadReader(TreeBuilder* ABuilder, LoadRecorder* ARecorder);
 
 }  // namespace vn::detail

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "common/text_parser_scan.h"
@@ -39,12 +40,13 @@ inline constexpr char16_t cVnBridgeXsdDeclaration[] = u"xmlns:xsd";
 struct BridgeTypeMark {
   std::u16string_view LocalName, QName, Value;
   bool Xsi;
+  std::string_view Utf8Value;  // Value as UTF-8, for builders that keep the bytes
 };
 inline constexpr BridgeTypeMark kBridgeTypeMarks[4] = {
-    {u"nil", u"xsi:nil", u"true", true},
-    {u"type", u"xsd:type", u"string", false},
-    {u"type", u"xsd:type", u"decimal", false},
-    {u"type", u"xsd:type", u"boolean", false},
+    {u"nil", u"xsi:nil", u"true", true, "true"},
+    {u"type", u"xsd:type", u"string", false, "string"},
+    {u"type", u"xsd:type", u"decimal", false, "decimal"},
+    {u"type", u"xsd:type", u"boolean", false, "boolean"},
 };
 
 /// AName made a valid XML name, one character for one; appended to AOut.
@@ -61,6 +63,7 @@ class XmlEventSink {
   void StartDocument() { O.StartDocument(); }
   void EndDocument() { O.EndDocument(); }
   void StartRoot(bool AIsObject) {
+    ++NamesVersion;
     Names.assign(AIsObject ? cVnBridgeObjectRoot : cVnBridgeArrayRoot);
     RootLen = static_cast<uint32_t>(Names.size());
     O.StartRoot(Names);
@@ -75,6 +78,7 @@ class XmlEventSink {
 
   template <class U>
   void StartMember(std::basic_string_view<U> AName) {
+    ++NamesVersion;
     const auto at = static_cast<uint32_t>(Names.size());
     AppendBridgeName(Names, Text(AName));
     Members.push_back({at, static_cast<uint32_t>(Names.size()) - at, false});
@@ -82,30 +86,48 @@ class XmlEventSink {
   void EndMember() {
     const Member m = Members.back();
     Members.pop_back();
-    if (m.IsArray)
+    if (!kEndNames)
+      O.EndElement({});
+    else if (m.IsArray)
       O.EndElement(Suffixed(m.Off, m.Len, cVnBridgeArraySuffix));
     else
       O.EndElement(Name(m.Off, m.Len));
     Names.resize(m.Off);
+    ++NamesVersion;
   }
 
   template <class U>
   void Value(TVnJSONSimpleDataType AKind, std::basic_string_view<U> AText) {
+    if constexpr (std::is_same_v<U, uint8_t> && requires(Out& AO) { AO.CharactersUtf8(std::string_view(), false); }) {
+      // UTF-8 text goes on as its bytes to an output that keeps them, unless it needs references.
+      if (Utf8) {
+        bool high = false, markup = false;
+        if (AKind == jdtString) {
+          uint8_t any = 0;
+          for (uint8_t c : AText) {
+            any |= c;
+            markup |= c == '&' || c == '<' || c == '>';
+          }
+          high = any >= 0x80;
+        }
+        if (!markup) {
+          const std::string_view bytes(reinterpret_cast<const char*>(AText.data()), AText.size());
+          Emit(AKind, [&] { O.CharactersUtf8(bytes, high); });
+          return;
+        }
+      }
+    }
     // Numbers and literals are made of characters that need no reference.
     const std::u16string_view text = AKind == jdtString ? BridgeXmlText(Text(AText), Escaped) : Plain(AText);
-    if (Levels.back().IsArray) {
-      const Level& l = Levels.back();
-      O.StartElement(Name(l.Off, l.Len), Name(l.Off, l.Len), AKind);
-      O.Characters(text);
-      O.EndElement(Name(l.Off, l.Len));
-      return;
-    }
-    const Member& m = Members.back();
-    O.StartElement(Name(m.Off, m.Len), Name(m.Off, m.Len), AKind);
-    O.Characters(text);
+    Emit(AKind, [&] { O.Characters(text); });
   }
 
  private:
+  /// Whether the output reads the names of end tags (an output may say it does not).
+  static constexpr bool kEndNames = [] {
+    if constexpr (requires { Out::kEndNames; }) return Out::kEndNames;
+    return true;
+  }();
   enum : uint8_t { CloseNone, CloseItem, CloseItemArray };
   struct Level {
     uint32_t Off, Len;  // arrays: the name of their items; objects in arrays: their own
@@ -118,14 +140,35 @@ class XmlEventSink {
   };
 
   std::u16string_view Name(uint32_t AOff, uint32_t ALen) const { return {Names.data() + AOff, ALen}; }
+  /// A value's element, with its text from ACharacters.
+  template <class F>
+  void Emit(TVnJSONSimpleDataType AKind, F&& ACharacters) {
+    if (Levels.back().IsArray) {
+      const Level& l = Levels.back();
+      O.StartElement(Name(l.Off, l.Len), Name(l.Off, l.Len), AKind);
+      ACharacters();
+      O.EndElement(kEndNames ? Name(l.Off, l.Len) : std::u16string_view());
+      return;
+    }
+    const Member& m = Members.back();
+    O.StartElement(Name(m.Off, m.Len), Name(m.Off, m.Len), AKind);
+    ACharacters();
+  }
   std::u16string_view Suffixed(uint32_t AOff, uint32_t ALen, std::u16string_view ASuffix,
                                std::u16string& AInto) {
     AInto.assign(Names, AOff, ALen);
     AInto += ASuffix;
     return AInto;
   }
+  /// The items of nested arrays ask for the same suffixed name again and again: it is made
+  /// once while the names it comes from stay as they are.
   std::u16string_view Suffixed(uint32_t AOff, uint32_t ALen, std::u16string_view ASuffix) {
-    return Suffixed(AOff, ALen, ASuffix, Scratch);
+    if (ScratchKey.Off != AOff || ScratchKey.Len != ALen || ScratchKey.Suffix != ASuffix.data() ||
+        ScratchKey.Version != NamesVersion) {
+      Suffixed(AOff, ALen, ASuffix, Scratch);
+      ScratchKey = {AOff, ALen, ASuffix.data(), NamesVersion};
+    }
+    return Scratch;
   }
 
   void Open(bool AIsArray) {
@@ -160,9 +203,12 @@ class XmlEventSink {
   void Close() {
     const Level l = Levels.back();
     Levels.pop_back();
-    if (l.Close == CloseItem)
+    if (l.Close == CloseNone) return;
+    if (!kEndNames)
+      O.EndElement({});
+    else if (l.Close == CloseItem)
       O.EndElement(Name(l.Off, l.Len));
-    else if (l.Close == CloseItemArray)
+    else
       O.EndElement(Suffixed(l.Off, l.Len, cVnBridgeArraySuffix));
   }
 
@@ -188,6 +234,13 @@ class XmlEventSink {
   std::vector<Level> Levels;
   std::vector<Member> Members;
   std::u16string Scratch, LocalScratch, Decoded, Escaped;
+  // What Scratch holds: a name of Names (as it stood at NamesVersion) and its suffix.
+  struct {
+    uint32_t Off = UINT32_MAX, Len = 0;
+    const char16_t* Suffix = nullptr;
+    uint64_t Version = 0;
+  } ScratchKey;
+  uint64_t NamesVersion = 0;
 };
 
 /// Reads the JSON text of AParser as XML events into AOut.

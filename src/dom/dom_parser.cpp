@@ -115,13 +115,13 @@ void TVnDOMParser::Parse(const void* AText, Int64 ASize, Word ACodePage) {
   // This class builds straight from the scan; a subclass hears every event as a handler.
   const bool plain = typeid(*this) == typeid(TVnDOMParser);
   std::unique_ptr<TVnSAXReader> owned;
+  if (plain && DeferChildren && FTarget->GetNodeType() == ntDocument)
+    FRecorder = std::make_unique<detail::LoadRecorder>(*FBuilder);
   if (detail::IsJSONLoadText(source.Data(), source.Size(), ACodePage)) {
-    owned = detail::MakeJSONLoadReader(plain ? FBuilder.get() : nullptr);
+    owned = detail::MakeJSONLoadReader(plain ? FBuilder.get() : nullptr, FRecorder.get());
   } else {
     std::unique_ptr<TVnSAXXMLReader> xml;
     if (plain) {
-      if (DeferChildren && FTarget->GetNodeType() == ntDocument)
-        FRecorder = std::make_unique<detail::LoadRecorder>(*FBuilder);
       xml = std::make_unique<BuildingReader>(*FBuilder, FRecorder.get());
     }
     else

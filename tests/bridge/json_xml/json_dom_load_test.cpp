@@ -6,6 +6,7 @@
 
 #include "support/files.h"
 #include "support/raises.h"
+#include "support/same_tree.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/common/vn_streams.h"
@@ -61,6 +62,26 @@ TEST(JsonDomLoad, EveryRoadBuildsTheSameTree) {
   // The text reads back as the JSON wrote it, escapes and all.
   auto doc = TVnDOMDocument::FromAnsiXML(kLoads[1].Json);
   EXPECT_EQ(test::U8(doc->GetRootNode()->SelectSingleElement(u"//a")->GetNodeValue()), "<&>\\n");
+}
+
+// A document load keeps what lies inside the root on the side until it is read, and keeps
+// UTF-8 text as its bytes: the tree read is the one a whole load or a hearing parser builds.
+TEST(JsonDomLoad, DeferredLoadsReadAsWholeOnes) {
+  const char* const kTexts[] = {
+      R"({"a":[[1,2],[3]],"b":[[{"c":[[4]]}]],"bb":[["x"]]})",  // arrays in arrays, names alike
+      "{\"s\":\"\xC3\xA9 <&> \xF0\x9D\x84\x9E\",\"e\":\"\",\"n\":null,\"t\":false,\"d\":-1.5e3}",
+      "[\"\xFF\xC3\xA9\", \"a\xE2\x82\", \"\xED\xA0\x80&\"]",  // malformed bytes, beside markup too
+  };
+  for (const char* text : kTexts) {
+    const std::string json = text;
+    TVnDOMDocument deferred, whole, heard;
+    whole.SetDeferChildren(false);
+    deferred.LoadFromAnsiXML(json);
+    whole.LoadFromAnsiXML(json);
+    HearingParser(&heard).Parse(json.data(), static_cast<Int64>(json.size()), cVnCodePageUTF8);
+    test::ExpectSameTree(&deferred, &whole, json);
+    test::ExpectSameTree(&deferred, &heard, json);
+  }
 }
 
 // A failed load raises EVnDomSyntax with the position, keeps what was built and ends the load;
