@@ -17,28 +17,9 @@ LoadRecorder::LoadRecorder(TreeBuilder& ABuilder)
   FPool->HoldTape(FTape);
 }
 
-namespace {
-
-// Names are short: eight bytes a step, in registers, beat a call.
-bool SameUnits(const char16_t* A, const char16_t* B, size_t N) noexcept {
-  for (; N >= 4; A += 4, B += 4, N -= 4) {
-    uint64_t a, b;
-    std::memcpy(&a, A, 8);
-    std::memcpy(&b, B, 8);
-    if (a != b) return false;
-  }
-  for (; N; --N)
-    if (*A++ != *B++) return false;
-  return true;
-}
-
-}  // namespace
-
-const NameRec* LoadRecorder::Intern(std::u16string_view AName) {
+const NameRec* LoadRecorder::InternSlow(std::u16string_view AName) {
   if (AName.empty()) return nullptr;
-  const size_t n = AName.size();
-  NameRec*& cached = FNameCache[(n * 31 + AName[0] * 7 + AName[n - 1] * 3 + AName[n / 2] * 13) & (kNameCache - 1)];
-  if (cached && cached->Length == n && SameUnits(cached->Chars, AName.data(), n)) return cached;
+  NameRec*& cached = FNameCache[CacheSlot(AName)];
   NameRec* rec = FNames->Acquire(AName);
   FPool->HoldName(rec);
   cached = rec;
@@ -47,7 +28,7 @@ const NameRec* LoadRecorder::Intern(std::u16string_view AName) {
 
 // ---- start and end tags ----
 
-void LoadRecorder::BeginElement(std::u16string_view AQName) {
+void LoadRecorder::BeginElementSlow(std::u16string_view AQName) {
   if (!Recording()) B.BeginElement(AQName);
   if (!FTape) return;  // finished: the builder takes what still comes
   FPending = FTape->AddBegin(Intern(AQName));
@@ -84,8 +65,8 @@ void LoadRecorder::AddAttribute(std::u16string_view AQName, std::u16string_view 
   if (FPending) FTape->AddAttr(Intern(AQName), AValue, AMayHoldQuote);
 }
 
-void LoadRecorder::AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote,
-                                    bool AHigh) {
+void LoadRecorder::AddAttributeUtf8Slow(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote,
+                                        bool AHigh) {
   if (!Recording()) {
     B.AddAttributeUtf8(AQName, AValue, AMayHoldQuote, AHigh);
   } else {
@@ -99,7 +80,7 @@ void LoadRecorder::AddAttributeUtf8(std::u16string_view AQName, std::string_view
   if (FPending) FTape->AddAttrUtf8(Intern(AQName), AValue, AMayHoldQuote, AHigh);
 }
 
-void LoadRecorder::EnterElement() {
+void LoadRecorder::EnterElementSlow() {
   if (!Recording()) {
     B.EnterElement();
     FRoot = static_cast<TVnDOMElement*>(B.FCurrent);
@@ -124,7 +105,7 @@ void LoadRecorder::EnterElement() {
   }
 }
 
-void LoadRecorder::EndElement() {
+void LoadRecorder::EndElementSlow() {
   if (!Recording()) {
     B.EndElement();
     return;
@@ -168,20 +149,12 @@ void LoadRecorder::AddText(std::u16string_view AStoredValue) {
   FTape->AddText(LoadTape::kText, AStoredValue);
 }
 
-void LoadRecorder::AddTextUtf8(std::string_view AStoredValue, bool AHigh) {
-  if (!Recording()) return B.AddTextUtf8(AStoredValue, AHigh);
-  FTape->AddTextUtf8(LoadTape::kTextUtf8, AStoredValue, AHigh);
-}
 
 void LoadRecorder::AddWhitespace(std::u16string_view AText) {
   if (!Recording()) return B.AddWhitespace(AText);
   if (FKeepSpace) FTape->AddText(LoadTape::kSpace, AText);
 }
 
-void LoadRecorder::AddWhitespaceUtf8(std::string_view AText) {
-  if (!Recording()) return B.AddWhitespaceUtf8(AText);
-  if (FKeepSpace) FTape->AddTextUtf8(LoadTape::kSpaceUtf8, AText, false);
-}
 
 
 void LoadRecorder::AddCDATA(std::u16string_view AText) {
@@ -189,10 +162,6 @@ void LoadRecorder::AddCDATA(std::u16string_view AText) {
   FTape->AddText(LoadTape::kCData, AText);
 }
 
-void LoadRecorder::AddCDATAUtf8(std::string_view AText, bool AHigh) {
-  if (!Recording()) return B.AddCDATAUtf8(AText, AHigh);
-  FTape->AddTextUtf8(LoadTape::kCDataUtf8, AText, AHigh);
-}
 
 void LoadRecorder::AddComment(std::u16string_view AText) {
   if (!Recording()) return B.AddComment(AText);

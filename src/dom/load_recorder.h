@@ -4,10 +4,13 @@
 // the tape, made into nodes when first asked for.
 #pragma once
 
+#include <cstring>
 #include <string_view>
 #include <vector>
 
 #include "dom/load_tape.h"
+#include "dom/name_table.h"
+#include "dom/tree_builder.h"
 #include "vnxml/common/types.h"
 
 namespace vn {
@@ -27,20 +30,44 @@ class LoadRecorder {
   LoadRecorder(const LoadRecorder&) = delete;
   LoadRecorder& operator=(const LoadRecorder&) = delete;
 
-  // The builder's events, in the same order.
-  void BeginElement(std::u16string_view AQName);
+  // The builder's events, in the same order. What most events inside the root do is written
+  // here, where the reading loop's code takes it in; the rest is out of line.
+  void BeginElement(std::u16string_view AQName) {
+    if (!Recording() || !FEscapedDeclarations.empty()) return BeginElementSlow(AQName);
+    FPending = FTape->AddBegin(Intern(AQName));
+  }
   void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true);
-  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh);
-  void EnterElement();
-  void EndElement();
+  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
+    if (!Recording() || !FPending || IsDeclaration(AQName)) return AddAttributeUtf8Slow(AQName, AValue, AMayHoldQuote, AHigh);
+    if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName)) FKeepSpace = true;
+    FTape->AddAttrUtf8(Intern(AQName), AValue, AMayHoldQuote, AHigh);
+  }
+  void EnterElement() {
+    if (!Recording() || !FEscapedDeclarations.empty()) return EnterElementSlow();
+    if (LoadTape::Begin* begin = std::exchange(FPending, nullptr)) FOpen.push_back({begin, FTape->Position()});
+  }
+  void EndElement() {
+    if (FOpen.size() < 2) return EndElementSlow();
+    FOpen.back().Begin->ContentEnd = FTape->Position();
+    FOpen.pop_back();
+  }
   void AddText(std::u16string_view AStoredValue);
-  void AddTextUtf8(std::string_view AStoredValue, bool AHigh);
+  void AddTextUtf8(std::string_view AStoredValue, bool AHigh) {
+    if (!Recording()) return B.AddTextUtf8(AStoredValue, AHigh);
+    FTape->AddTextUtf8(LoadTape::kTextUtf8, AStoredValue, AHigh);
+  }
   void AddWhitespace(std::u16string_view AText);
-  void AddWhitespaceUtf8(std::string_view AText);
+  void AddWhitespaceUtf8(std::string_view AText) {
+    if (!Recording()) return B.AddWhitespaceUtf8(AText);
+    if (FKeepSpace) FTape->AddTextUtf8(LoadTape::kSpaceUtf8, AText, false);
+  }
   /// Inside the root, white space is kept unless no element of the load can keep it.
   bool KeepsWhitespace() const { return Recording() ? FKeepSpace : BuilderKeepsWhitespace(); }
   void AddCDATA(std::u16string_view AText);
-  void AddCDATAUtf8(std::string_view AText, bool AHigh);
+  void AddCDATAUtf8(std::string_view AText, bool AHigh) {
+    if (!Recording()) return B.AddCDATAUtf8(AText, AHigh);
+    FTape->AddTextUtf8(LoadTape::kCDataUtf8, AText, AHigh);
+  }
   void AddComment(std::u16string_view AText);
   void AddInstruction(std::u16string_view ATarget, std::u16string_view AData);
   /// As TreeBuilder::Finish: a start tag cut short is dropped, open elements end here.
@@ -50,7 +77,35 @@ class LoadRecorder {
   bool Recording() const noexcept { return !FOpen.empty(); }
   bool BuilderKeepsWhitespace() const;
   /// AName's record, held by the load's pool for as long as the tape.
-  const NameRec* Intern(std::u16string_view AName);
+  const NameRec* Intern(std::u16string_view AName) {
+    const size_t n = AName.size();
+    if (n) {
+      NameRec* cached = FNameCache[CacheSlot(AName)];
+      if (cached && cached->Length == n && SameUnits(cached->Chars, AName.data(), n)) return cached;
+    }
+    return InternSlow(AName);
+  }
+  const NameRec* InternSlow(std::u16string_view AName);
+  static size_t CacheSlot(std::u16string_view AName) noexcept {
+    const size_t n = AName.size();
+    return (n * 31 + AName[0] * 7 + AName[n - 1] * 3 + AName[n / 2] * 13) & (kNameCache - 1);
+  }
+  // Names are short: eight bytes a step, in registers, beat a call.
+  static bool SameUnits(const char16_t* A, const char16_t* B, size_t N) noexcept {
+    for (; N >= 4; A += 4, B += 4, N -= 4) {
+      uint64_t a, b;
+      std::memcpy(&a, A, 8);
+      std::memcpy(&b, B, 8);
+      if (a != b) return false;
+    }
+    for (; N; --N)
+      if (*A++ != *B++) return false;
+    return true;
+  }
+  void BeginElementSlow(std::u16string_view AQName);
+  void AddAttributeUtf8Slow(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh);
+  void EnterElementSlow();
+  void EndElementSlow();
   /// The root's content is complete: it is left on the tape.
   struct Open {
     LoadTape::Begin* Begin;
