@@ -108,13 +108,17 @@ T* TreeBuilder::Make() {
 
 TVnDOMAttribute* TreeBuilder::MakeAttribute() { return Make<TVnDOMAttribute>(); }
 
-void TreeBuilder::SetName(TVnDOMNode* ANode, std::u16string_view AName) {
+void TreeBuilder::SetName(TVnDOMNode* ANode, std::u16string_view AName, const NameRec* AKnown) {
   if (!FNames) {
     ANode->FName.Set(AName);
     return;
   }
   if (AName.empty() || AName[0] == u':') {  // rare: left to the general rules
     ANode->FName.SetHeld(AName, *FNames, *FPool);
+    return;
+  }
+  if (AKnown) {
+    ANode->FName.TakeHeld(const_cast<NameRec*>(AKnown));
     return;
   }
   NameRec*& cached = FNameCache[(AName.size() * 31 + AName.front() * 7 + AName.back()) & (kNameCache - 1)];
@@ -143,29 +147,30 @@ TVnDOMNode* TreeBuilder::Current() {
 
 // ---- start tags ----
 
-void TreeBuilder::BeginElement(std::u16string_view AQName) {
+void TreeBuilder::BeginElement(std::u16string_view AQName, const NameRec* AKnown) {
   Current();
   DropPending();
   FSchemaInstance = false;
   FMaybeSpace = false;
   FPending = Make<TVnDOMElement>();
-  SetName(FPending, AQName);
+  SetName(FPending, AQName, AKnown);
   FDeclaredURIs.clear();
 }
 
-TVnDOMAttribute* TreeBuilder::NewAttribute(std::u16string_view AQName) {
+TVnDOMAttribute* TreeBuilder::NewAttribute(std::u16string_view AQName, const NameRec* AKnown) {
   // The slot comes first: a node made is always found again, should anything below fail.
   FAttributes.push_back(nullptr);
   auto* a = Make<TVnDOMAttribute>();
   FAttributes.back() = a;
   a->FParent = FPending;
-  SetName(a, AQName);
+  SetName(a, AQName, AKnown);
   if (!FMaybeSpace) FMaybeSpace = MayBeXmlSpace(AQName);
   return a;
 }
 
-void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote) {
-  TVnDOMAttribute* a = NewAttribute(AQName);
+void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote,
+                               const NameRec* AKnown) {
+  TVnDOMAttribute* a = NewAttribute(AQName, AKnown);
   if (AMayHoldQuote && HasQuote(AValue))
     a->FNodeValue.AssignIn(*FPool, QuotesAsReferences(AValue));
   else
@@ -175,12 +180,12 @@ void TreeBuilder::AddAttribute(std::u16string_view AQName, std::u16string_view A
 }
 
 void TreeBuilder::AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote,
-                                   bool AHigh) {
+                                   bool AHigh, const NameRec* AKnown) {
   if (AHigh && !IsWellFormedUtf8(AValue)) {
-    AddAttribute(AQName, DecodeUtf8Bytes(AValue, FDecoded), AMayHoldQuote);
+    AddAttribute(AQName, DecodeUtf8Bytes(AValue, FDecoded), AMayHoldQuote, AKnown);
     return;
   }
-  TVnDOMAttribute* a = NewAttribute(AQName);
+  TVnDOMAttribute* a = NewAttribute(AQName, AKnown);
   if (AMayHoldQuote && AValue.find('"') != std::string_view::npos) {
     FQuoted.clear();
     for (char c : AValue) {

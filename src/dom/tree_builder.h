@@ -35,15 +35,17 @@ class TreeBuilder {
   TreeBuilder(const TreeBuilder&) = delete;
   TreeBuilder& operator=(const TreeBuilder&) = delete;
 
-  // A start tag: BeginElement, each attribute, then EnterElement.
-  void BeginElement(std::u16string_view AQName);
+  // A start tag: BeginElement, each attribute, then EnterElement. AKnown, when given, is the
+  // record of the name that this load's pool holds already (a load's records, read again).
+  void BeginElement(std::u16string_view AQName, const NameRec* AKnown = nullptr);
   /// AValue as read. Values are written back in double quotes, so one that may hold a double
   /// quote (read from single quotes) keeps it as a reference and the saved text loads the same.
-  void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true);
+  void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true,
+                    const NameRec* AKnown = nullptr);
   /// As AddAttribute for a value of UTF-8 bytes, kept as they are when well-formed; without
   /// AHigh the reader saw only ASCII, which needs no check.
   void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote = true,
-                        bool AHigh = true);
+                        bool AHigh = true, const NameRec* AKnown = nullptr);
   /// The element of the start tag joins the node being filled and is filled next.
   void EnterElement();
   /// An end tag: the element being filled is complete. One for the target itself ends the load
@@ -106,9 +108,9 @@ class TreeBuilder {
   T* Make();
   TVnDOMAttribute* MakeAttribute();
   /// A named attribute of the pending element, its value still to be set.
-  TVnDOMAttribute* NewAttribute(std::u16string_view AQName);
+  TVnDOMAttribute* NewAttribute(std::u16string_view AQName, const NameRec* AKnown);
   /// Names a node of the load; the pool holds the name when the document shares names.
-  void SetName(TVnDOMNode* ANode, std::u16string_view AName);
+  void SetName(TVnDOMNode* ANode, std::u16string_view AName, const NameRec* AKnown = nullptr);
   /// The node being filled; fails once a stray end tag has left none.
   TVnDOMNode* Current();
   void SetCurrent(TVnDOMNode* ANode);

@@ -142,14 +142,16 @@ void TreeBuilder::Replay(const char* AFrom, const char* ATo, bool AWhole) {
       case Tape::kBegin: {
         const auto* begin = reinterpret_cast<const Tape::Begin*>(h);
         const char* contentEnd = Tape::Resolve(begin->ContentEnd);
-        BeginElement(Tape::NameOf(h));
+        // The records' names are the pool's already: the nodes take them without a look-up.
+        BeginElement(Tape::NameOf(h), begin->Name);
         for (p = Tape::Resolve(p); p != contentEnd && IsAttributeRecord(p); p = Tape::Resolve(p)) {
           const Tape::Head* a = Tape::Next(p);
           const bool mayHoldQuote = a->Flags() & Tape::kMayHoldQuote;
+          const NameRec* name = reinterpret_cast<const Tape::Named*>(a)->Name;
           if (a->GetKind() == Tape::kAttr)
-            AddAttribute(Tape::NameOf(a), Tape::Units(a), mayHoldQuote);
+            AddAttribute(Tape::NameOf(a), Tape::Units(a), mayHoldQuote, name);
           else
-            AddAttributeUtf8(Tape::NameOf(a), Tape::Bytes(a), mayHoldQuote, a->Flags() & Tape::kHigh);
+            AddAttributeUtf8(Tape::NameOf(a), Tape::Bytes(a), mayHoldQuote, a->Flags() & Tape::kHigh, name);
         }
         if (h->Flags() & Tape::kJoinFails) {
           try {
