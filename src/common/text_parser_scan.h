@@ -102,6 +102,24 @@ inline const U* SkipAtMost(const U* p, const U* e, unsigned ALimit) {
   return p;
 }
 
+/// As above for bytes: the indentation between tags is mostly passed in one step of sixteen.
+inline const uint8_t* SkipAtMost(const uint8_t* p, const uint8_t* e, unsigned ALimit) {
+#if defined(__SSE2__)
+  if (ALimit < 0xFF) {
+    const __m128i limit = _mm_set1_epi8(static_cast<char>(ALimit));
+    while (e - p >= 16) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+      // bytes at or below the limit are those the unsigned minimum leaves as they are
+      const auto above = ~static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(v, limit), v))) & 0xFFFFu;
+      if (above) return p + std::countr_zero(above);
+      p += 16;
+    }
+  }
+#endif
+  while (p < e && *p <= ALimit) ++p;
+  return p;
+}
+
 template <class U>
 inline const U* SkipEqual(const U* p, const U* e, U c) {
   while (p < e && *p == c) ++p;
