@@ -375,7 +375,9 @@ void TreeBuilder::AddCDATA(std::u16string_view AText) {
 }
 
 void TreeBuilder::AddCDATAUtf8(std::string_view AText, bool AHigh) {
-  if (AHigh && !IsWellFormedUtf8(AText)) {
+  // Sections often hold long runs of text beyond ASCII, which every read would decode again:
+  // such a section is decoded once, here.
+  if (AHigh) {
     AddCDATA(DecodeUtf8Bytes(AText, FDecoded));
     return;
   }

@@ -61,7 +61,7 @@ class TreeBuilder {
   /// Would AddWhitespace keep it? True when there is no node to fill, which AddWhitespace reports.
   bool KeepsWhitespace() const { return FKeepsWhitespace; }
   void AddCDATA(std::u16string_view AText);
-  /// As AddCDATA for UTF-8 bytes, kept as they are when well-formed (ASCII without AHigh).
+  /// As AddCDATA for UTF-8 bytes, kept as they are when ASCII (without AHigh).
   void AddCDATAUtf8(std::string_view AText, bool AHigh);
   void AddComment(std::u16string_view AText);
   void AddInstruction(std::u16string_view ATarget, std::u16string_view AData);

@@ -76,12 +76,16 @@ TEST(DomUtf8Values, ReadAndSavedAsTheSameTextLoadedFromUtf16) {
       EXPECT_EQ(Save(narrow, page), Save(wide, page)) << page;
     EXPECT_EQ(narrow.GetRootNode()->GetFormattedXML(), wide.GetRootNode()->GetFormattedXML());
   }
-  // The design holds: a UTF-8 load keeps its text as bytes, others as UTF-16.
+  // The design holds: a UTF-8 load keeps its text as bytes, others as UTF-16; a section beyond
+  // ASCII is decoded once at load.
   TVnDOMDocument narrow, wide;
-  narrow.LoadFromAnsiXML(std::string(kDecl) + "<r>t</r>");
+  narrow.LoadFromAnsiXML(std::string(kDecl) + "<r>t<![CDATA[a]]><![CDATA[\xC3\xA9]]></r>");
   wide.LoadFromXML(u"<r>t</r>");
-  EXPECT_TRUE(static_cast<TVnDOMText*>(narrow.GetRootNode()->CharNodesView()[0])->StoredText().IsUtf8());
-  EXPECT_FALSE(static_cast<TVnDOMText*>(wide.GetRootNode()->CharNodesView()[0])->StoredText().IsUtf8());
+  auto utf8 = [](TVnDOMDocument& ADoc, uint32_t AIndex) {
+    return static_cast<TVnDOMCharacterData*>(ADoc.GetRootNode()->CharNodesView()[AIndex])->StoredText().IsUtf8();
+  };
+  EXPECT_EQ((std::tuple{utf8(narrow, 0), utf8(narrow, 1), utf8(narrow, 2)}), std::tuple(true, true, false));
+  EXPECT_FALSE(utf8(wide, 0));
 }
 
 TEST(DomUtf8Values, MalformedBytesKeepTheirDecodingThroughASave) {
