@@ -105,8 +105,8 @@ class TVnDOMDocument : public TVnDOMNode {
   void SetSelectMatchOption(TVnDOMSelectMatchOption AValue) { FSelectMatchOption = AValue; }
   TVnDOMSelectCheckOption GetSelectCheckOption() const noexcept { return FSelectCheckOption; }
   void SetSelectCheckOption(TVnDOMSelectCheckOption AValue) { FSelectCheckOption = AValue; }
-  /// Loads keep the root element's content as compact records and make child nodes on first
-  /// access (the default): a loaded document costs little until it is read, and a part never
+  /// Loads, of XML or of JSON through the bridge, keep the root element's content as compact
+  /// records and make child nodes on first access (the default): a loaded document costs little until it is read, and a part never
   /// read costs no nodes; the tree is the same either way. As reading makes nodes, threads that
   /// share a document read it under one lock, or load it with this off (every node made during
   /// the load).
