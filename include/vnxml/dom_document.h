@@ -106,10 +106,10 @@ class TVnDOMDocument : public TVnDOMNode {
   TVnDOMSelectCheckOption GetSelectCheckOption() const noexcept { return FSelectCheckOption; }
   void SetSelectCheckOption(TVnDOMSelectCheckOption AValue) { FSelectCheckOption = AValue; }
   /// Loads, of XML or of JSON through the bridge, keep the root element's content as compact
-  /// records and make child nodes on first access (the default): a loaded document costs little until it is read, and a part never
-  /// read costs no nodes; the tree is the same either way. As reading makes nodes, threads that
-  /// share a document read it under one lock, or load it with this off (every node made during
-  /// the load).
+  /// records and make child nodes on first access (the default): a loaded document costs little
+  /// until it is read, and a part never read costs no nodes; the tree is the same either way. As
+  /// reading makes nodes, threads that share a document read it under one lock, or load it with
+  /// this off (every node made during the load).
   bool GetDeferChildren() const noexcept { return FDeferChildren; }
   void SetDeferChildren(bool AValue) noexcept { FDeferChildren = AValue; }
   bool GetUseSchemaInstance() const noexcept { return FUseSchemaInstance; }

@@ -579,7 +579,7 @@ class XmlReadLoop {
     Sync();
     if constexpr (kRawUtf8) {
       if (FastUtf8) {
-        // Kept as read; a section with bytes above 0x7F is checked by the sink.
+        // Handed on as read; the sink decodes a section with bytes above 0x7F.
         uint8_t any = 0;
         for (const U* q = text; q < p; ++q) any |= *q;
         S.CDataUtf8(Bytes(text, p), any >= 0x80);
