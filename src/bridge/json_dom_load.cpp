@@ -2,6 +2,9 @@
 // or attribute records between.
 #include "bridge/json_dom_load.h"
 
+#include <iterator>
+#include <type_traits>
+
 #include "bridge/json_events.h"
 #include "dom/load_recorder.h"
 #include "dom/tree_builder.h"
@@ -17,6 +20,7 @@ template <class Builder>
 class TreeOut {
  public:
   static constexpr bool kEndNames = false;  // the builder closes the element it is in
+  static constexpr bool kRecords = std::is_same_v<Builder, LoadRecorder>;
   explicit TreeOut(Builder& ABuilder) : B(ABuilder) {}
 
   void StartDocument() {}
@@ -28,9 +32,24 @@ class TreeOut {
     B.EnterElement();
   }
   void StartElement(std::u16string_view, std::u16string_view AQName, int AKind) {
-    B.BeginElement(AQName);
-    if (AKind != kNoValue)
-      B.AddAttributeUtf8(kBridgeTypeMarks[AKind].QName, kBridgeTypeMarks[AKind].Utf8Value, false, false);
+    if constexpr (kRecords) {
+      B.BeginElement(AQName);
+      if (AKind != kNoValue) Mark(AKind);
+      B.EnterElement();
+    } else {
+      B.BeginElement(AQName);
+      if (AKind != kNoValue)
+        B.AddAttributeUtf8(kBridgeTypeMarks[AKind].QName, kBridgeTypeMarks[AKind].Utf8Value, false, false);
+      B.EnterElement();
+    }
+  }
+  /// The items of an array repeat one name: the recorder looks it up once, AHandle keeps it.
+  void StartNamedElement(std::u16string_view AQName, int AKind, const void*& AHandle)
+    requires(kRecords)
+  {
+    if (!AHandle) AHandle = B.InternName(AQName);
+    B.BeginNamedElement(static_cast<const NameRec*>(AHandle), AQName);
+    if (AKind != kNoValue) Mark(AKind);
     B.EnterElement();
   }
   void Characters(std::u16string_view AText) { B.AddText(AText); }
@@ -39,7 +58,15 @@ class TreeOut {
   void EndElement(std::u16string_view) { B.EndElement(); }
 
  private:
+  void Mark(int AKind) {
+    const BridgeTypeMark& mark = kBridgeTypeMarks[AKind];
+    const NameRec*& name = MarkNames[AKind];
+    if (!name) name = B.InternName(mark.QName);
+    B.AddPlainAttributeUtf8(name, mark.QName, mark.Utf8Value);
+  }
+
   Builder& B;
+  const NameRec* MarkNames[std::size(kBridgeTypeMarks)] = {};
 };
 
 class TreeReader final : public TVnSAXJSONReader {

@@ -7,6 +7,10 @@
 //   void Characters(std::u16string_view AText);         // in XML form
 //   void EndElement(std::u16string_view AName);
 // AKind is the TVnJSONSimpleDataType of a value element (its type mark), or kNoValue.
+// An output may also take, for an element whose local and qualified names are one,
+//   void StartNamedElement(std::u16string_view AName, int AKind, const void*& AHandle);
+// where AHandle is nil at first and kept by the sink for as long as the name repeats (the items
+// of an array): the output looks the name up once.
 // Names and open levels live in two flat stacks: depth costs memory in proportion to the
 // text, never call stack.
 #pragma once
@@ -133,6 +137,9 @@ class XmlEventSink {
     uint32_t Off, Len;  // arrays: the name of their items; objects in arrays: their own
     bool IsArray;
     uint8_t Close;  // what ends with the container: nothing, the item, or the item's array
+    // the output's handles of an array's item name and of the name of arrays among its items
+    const void* Item = nullptr;
+    const void* Nested = nullptr;
   };
   struct Member {
     uint32_t Off, Len;
@@ -140,12 +147,22 @@ class XmlEventSink {
   };
 
   std::u16string_view Name(uint32_t AOff, uint32_t ALen) const { return {Names.data() + AOff, ALen}; }
+  static constexpr bool kHandles = requires(Out& AO, const void*& AHandle) {
+    AO.StartNamedElement(std::u16string_view(), 0, AHandle);
+  };
+  /// An element named AName alone, through AHandle where the output keeps one.
+  void Start(std::u16string_view AName, int AKind, const void*& AHandle) {
+    if constexpr (kHandles)
+      O.StartNamedElement(AName, AKind, AHandle);
+    else
+      O.StartElement(AName, AName, AKind);
+  }
   /// A value's element, with its text from ACharacters.
   template <class F>
   void Emit(TVnJSONSimpleDataType AKind, F&& ACharacters) {
     if (Levels.back().IsArray) {
-      const Level& l = Levels.back();
-      O.StartElement(Name(l.Off, l.Len), Name(l.Off, l.Len), AKind);
+      Level& l = Levels.back();
+      Start(Name(l.Off, l.Len), AKind, l.Item);
       ACharacters();
       O.EndElement(kEndNames ? Name(l.Off, l.Len) : std::u16string_view());
       return;
@@ -178,14 +195,16 @@ class XmlEventSink {
       return;
     }
     if (Levels.back().IsArray) {
-      const Level l = Levels.back();
+      Level& l = Levels.back();
       if (AIsArray) {
-        const std::u16string_view name = Suffixed(l.Off, l.Len, cVnBridgeArraySuffix);
-        O.StartElement(name, name, kNoValue);
-        Levels.push_back({l.Off, l.Len, true, CloseItemArray});
+        Start(Suffixed(l.Off, l.Len, cVnBridgeArraySuffix), kNoValue, l.Nested);
+        // the inner array's items bear the same names as the outer's
+        const Level inner{l.Off, l.Len, true, CloseItemArray, l.Item, l.Nested};
+        Levels.push_back(inner);
       } else {
-        O.StartElement(Name(l.Off, l.Len), Name(l.Off, l.Len), kNoValue);
-        Levels.push_back({l.Off, l.Len, false, CloseItem});
+        Start(Name(l.Off, l.Len), kNoValue, l.Item);
+        const Level item{l.Off, l.Len, false, CloseItem};
+        Levels.push_back(item);
       }
       return;
     }
@@ -202,6 +221,12 @@ class XmlEventSink {
 
   void Close() {
     const Level l = Levels.back();
+    if (l.Close == CloseItemArray) {
+      // the outer array's items bear the same names: the next inner array finds their handles
+      Level& outer = Levels[Levels.size() - 2];
+      outer.Item = l.Item;
+      outer.Nested = l.Nested;
+    }
     Levels.pop_back();
     if (l.Close == CloseNone) return;
     if (!kEndNames)

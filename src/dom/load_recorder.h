@@ -37,6 +37,21 @@ class LoadRecorder {
     FPending = FTape->AddBegin(Intern(AQName));
   }
   void AddAttribute(std::u16string_view AQName, std::u16string_view AValue, bool AMayHoldQuote = true);
+
+  // A source that repeats a few names (the JSON bridge) looks each up once: InternName gives a
+  // handle that stands for the name for the rest of the load.
+  const NameRec* InternName(std::u16string_view AName) { return Intern(AName); }
+  /// As BeginElement, with AName from InternName(AQName).
+  void BeginNamedElement(const NameRec* AName, std::u16string_view AQName) {
+    if (!Recording() || !FEscapedDeclarations.empty()) return BeginElementSlow(AQName);
+    FPending = FTape->AddBegin(AName);
+  }
+  /// As AddAttributeUtf8 for a plain value (no double quote, ASCII), AName from
+  /// InternName(AQName), for a name that neither declares a namespace nor may be xml:space.
+  void AddPlainAttributeUtf8(const NameRec* AName, std::u16string_view AQName, std::string_view AValue) {
+    if (!Recording() || !FPending) return AddAttributeUtf8Slow(AQName, AValue, false, false);
+    FTape->AddAttrUtf8(AName, AValue, false, false);
+  }
   void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
     if (!Recording() || !FPending || IsDeclaration(AQName)) return AddAttributeUtf8Slow(AQName, AValue, AMayHoldQuote, AHigh);
     if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName)) FKeepSpace = true;

@@ -69,6 +69,9 @@ TEST(JsonDomLoad, EveryRoadBuildsTheSameTree) {
 TEST(JsonDomLoad, DeferredLoadsReadAsWholeOnes) {
   const char* const kTexts[] = {
       R"({"a":[[1,2],[3]],"b":[[{"c":[[4]]}]],"bb":[["x"]]})",  // arrays in arrays, names alike
+      // items and inner arrays mixed at every depth, a member without a name, an item's member
+      // named as its array
+      R"({"p":[[1,[2,[3]],4],{"q":[5]},[6],7],"":[[8],9],"r":[{"r":[[10]]},[11]]})",
       "{\"s\":\"\xC3\xA9 <&> \xF0\x9D\x84\x9E\",\"e\":\"\",\"n\":null,\"t\":false,\"d\":-1.5e3}",
       "[\"\xFF\xC3\xA9\", \"a\xE2\x82\", \"\xED\xA0\x80&\"]",  // malformed bytes, beside markup too
   };
