@@ -52,17 +52,29 @@ class TreeOut {
     if (AKind != kNoValue) Mark(AKind);
     B.EnterElement();
   }
+  /// A value's element as a whole: start, type mark, text and end.
+  void LeafUtf8(std::u16string_view AQName, int AKind, const void*& AHandle, std::string_view AText, bool AHigh)
+    requires(kRecords)
+  {
+    if (!AHandle) AHandle = B.InternName(AQName);
+    LoadRecorder::PlainAttribute mark{};
+    if (AKind != kNoValue) mark = {MarkName(AKind), kBridgeTypeMarks[AKind].QName, kBridgeTypeMarks[AKind].Utf8Value};
+    B.AddLeafUtf8(static_cast<const NameRec*>(AHandle), AQName, mark, AText, AHigh);
+  }
   void Characters(std::u16string_view AText) { B.AddText(AText); }
   /// AHigh: not plain ASCII (the builder checks the bytes then).
   void CharactersUtf8(std::string_view AText, bool AHigh) { B.AddTextUtf8(AText, AHigh); }
   void EndElement(std::u16string_view) { B.EndElement(); }
 
  private:
+  const NameRec* MarkName(int AKind) {
+    const NameRec*& name = MarkNames[AKind];
+    if (!name) name = B.InternName(kBridgeTypeMarks[AKind].QName);
+    return name;
+  }
   void Mark(int AKind) {
     const BridgeTypeMark& mark = kBridgeTypeMarks[AKind];
-    const NameRec*& name = MarkNames[AKind];
-    if (!name) name = B.InternName(mark.QName);
-    B.AddPlainAttributeUtf8(name, mark.QName, mark.Utf8Value);
+    B.AddPlainAttributeUtf8(MarkName(AKind), mark.QName, mark.Utf8Value);
   }
 
   Builder& B;

@@ -10,7 +10,9 @@
 // An output may also take, for an element whose local and qualified names are one,
 //   void StartNamedElement(std::u16string_view AName, int AKind, const void*& AHandle);
 // where AHandle is nil at first and kept by the sink for as long as the name repeats (the items
-// of an array): the output looks the name up once.
+// of an array): the output looks the name up once. An output that takes UTF-8 bytes may also
+// take an array item's value element whole:
+//   void LeafUtf8(std::u16string_view AName, int AKind, const void*& AHandle, std::string_view AText, bool AHigh);
 // Names and open levels live in two flat stacks: depth costs memory in proportion to the
 // text, never call stack.
 #pragma once
@@ -85,17 +87,19 @@ class XmlEventSink {
     ++NamesVersion;
     const auto at = static_cast<uint32_t>(Names.size());
     AppendBridgeName(Names, Text(AName));
-    Members.push_back({at, static_cast<uint32_t>(Names.size()) - at, false});
+    Members.push_back({at, static_cast<uint32_t>(Names.size()) - at, false, false});
   }
   void EndMember() {
     const Member m = Members.back();
     Members.pop_back();
-    if (!kEndNames)
-      O.EndElement({});
-    else if (m.IsArray)
-      O.EndElement(Suffixed(m.Off, m.Len, cVnBridgeArraySuffix));
-    else
-      O.EndElement(Name(m.Off, m.Len));
+    if (!m.Ended) {
+      if (!kEndNames)
+        O.EndElement({});
+      else if (m.IsArray)
+        O.EndElement(Suffixed(m.Off, m.Len, cVnBridgeArraySuffix));
+      else
+        O.EndElement(Name(m.Off, m.Len));
+    }
     Names.resize(m.Off);
     ++NamesVersion;
   }
@@ -116,6 +120,14 @@ class XmlEventSink {
         }
         if (!markup) {
           const std::string_view bytes(reinterpret_cast<const char*>(AText.data()), AText.size());
+          if constexpr (kLeaves) {
+            if (Level& l = Levels.back(); l.IsArray) return O.LeafUtf8(Name(l.Off, l.Len), AKind, l.Item, bytes, high);
+            Member& m = Members.back();
+            const void* handle = nullptr;  // a member's name seldom comes twice in a row
+            O.LeafUtf8(Name(m.Off, m.Len), AKind, handle, bytes, high);
+            m.Ended = true;
+            return;
+          }
           Emit(AKind, [&] { O.CharactersUtf8(bytes, high); });
           return;
         }
@@ -144,11 +156,15 @@ class XmlEventSink {
   struct Member {
     uint32_t Off, Len;
     bool IsArray;
+    bool Ended;  // its element was given whole
   };
 
   std::u16string_view Name(uint32_t AOff, uint32_t ALen) const { return {Names.data() + AOff, ALen}; }
   static constexpr bool kHandles = requires(Out& AO, const void*& AHandle) {
     AO.StartNamedElement(std::u16string_view(), 0, AHandle);
+  };
+  static constexpr bool kLeaves = requires(Out& AO, const void*& AHandle) {
+    AO.LeafUtf8(std::u16string_view(), 0, AHandle, std::string_view(), false);
   };
   /// An element named AName alone, through AHandle where the output keeps one.
   void Start(std::u16string_view AName, int AKind, const void*& AHandle) {

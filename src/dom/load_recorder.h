@@ -52,6 +52,28 @@ class LoadRecorder {
     if (!Recording() || !FPending) return AddAttributeUtf8Slow(AQName, AValue, false, false);
     FTape->AddAttrUtf8(AName, AValue, false, false);
   }
+  /// An attribute as AddPlainAttributeUtf8 takes it.
+  struct PlainAttribute {
+    const NameRec* Name;
+    std::u16string_view QName;
+    std::string_view Value;
+  };
+  /// A whole element of one text, with AAttribute unless its name is nil: the calls from
+  /// BeginNamedElement to EndElement in one, without keeping the element open between.
+  void AddLeafUtf8(const NameRec* AName, std::u16string_view AQName, const PlainAttribute& AAttribute,
+                   std::string_view AText, bool AHigh) {
+    if (!Recording() || !FEscapedDeclarations.empty() || FPending) {
+      BeginNamedElement(AName, AQName);
+      if (AAttribute.Name) AddPlainAttributeUtf8(AAttribute.Name, AAttribute.QName, AAttribute.Value);
+      EnterElement();
+      AddTextUtf8(AText, AHigh);
+      return EndElement();
+    }
+    LoadTape::Begin* begin = FTape->AddBegin(AName);
+    if (AAttribute.Name) FTape->AddAttrUtf8(AAttribute.Name, AAttribute.Value, false, false);
+    FTape->AddTextUtf8(LoadTape::kTextUtf8, AText, AHigh);
+    begin->ContentEnd = FTape->Position();
+  }
   void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
     if (!Recording() || !FPending || IsDeclaration(AQName)) return AddAttributeUtf8Slow(AQName, AValue, AMayHoldQuote, AHigh);
     if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName)) FKeepSpace = true;
