@@ -39,9 +39,14 @@ class BuildSink {
                  bool ASingleQuoted) {
     B.AddAttribute(AQName, AValue, ASingleQuoted);
   }
-  /// AMayHoldQuote: read from single quotes and holding a double quote; AHigh: not plain ASCII.
-  void AttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
-    B.AddAttributeUtf8(AQName, AValue, AMayHoldQuote, AHigh);
+  /// AMayHoldQuote: read from single quotes and holding a double quote; AHigh: not plain ASCII;
+  /// AAsciiName: nor is the name.
+  void AttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh,
+                     bool AAsciiName) {
+    if constexpr (std::is_same_v<Builder, detail::LoadRecorder>)
+      B.AddAttributeUtf8(AQName, AValue, AMayHoldQuote, AHigh, AAsciiName);
+    else
+      B.AddAttributeUtf8(AQName, AValue, AMayHoldQuote, AHigh);
   }
   void StartElement(std::u16string_view, std::u16string_view, std::u16string_view, bool) { B.EnterElement(); }
   void EndElement(std::u16string_view, std::u16string_view, std::u16string_view) { B.EndElement(); }

@@ -74,9 +74,11 @@ class LoadRecorder {
     FTape->AddTextUtf8(LoadTape::kTextUtf8, AText, AHigh);
     begin->ContentEnd = FTape->Position();
   }
-  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh) {
+  /// AAsciiName: the reader knows the name is plain ASCII.
+  void AddAttributeUtf8(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh,
+                        bool AAsciiName = false) {
     if (!Recording() || !FPending || IsDeclaration(AQName)) return AddAttributeUtf8Slow(AQName, AValue, AMayHoldQuote, AHigh);
-    if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName)) FKeepSpace = true;
+    if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName, AAsciiName)) FKeepSpace = true;
     FTape->AddAttrUtf8(Intern(AQName), AValue, AMayHoldQuote, AHigh);
   }
   void EnterElement() {
@@ -127,17 +129,22 @@ class LoadRecorder {
     const size_t n = AName.size();
     return (n * 31 + AName[0] * 7 + AName[n - 1] * 3 + AName[n / 2] * 13) & (kNameCache - 1);
   }
-  // Names are short: eight bytes a step, in registers, beat a call.
+  // Names are short: eight bytes a step, in registers, beat a call; the last step overlaps the
+  // one before it rather than going unit by unit.
   static bool SameUnits(const char16_t* A, const char16_t* B, size_t N) noexcept {
-    for (; N >= 4; A += 4, B += 4, N -= 4) {
-      uint64_t a, b;
-      std::memcpy(&a, A, 8);
-      std::memcpy(&b, B, 8);
-      if (a != b) return false;
+    auto same = [&](size_t AAt, auto AWord) {
+      decltype(AWord) a, b;
+      std::memcpy(&a, A + AAt, sizeof a);
+      std::memcpy(&b, B + AAt, sizeof b);
+      return a == b;
+    };
+    if (N < 4) {
+      if (N >= 2) return same(0, uint32_t{}) && same(N - 2, uint32_t{});
+      return N == 0 || A[0] == B[0];
     }
-    for (; N; --N)
-      if (*A++ != *B++) return false;
-    return true;
+    for (size_t i = 0; i + 4 < N; i += 4)
+      if (!same(i, uint64_t{})) return false;
+    return same(N - 4, uint64_t{});
   }
   void BeginElementSlow(std::u16string_view AQName);
   void AddAttributeUtf8Slow(std::u16string_view AQName, std::string_view AValue, bool AMayHoldQuote, bool AHigh);

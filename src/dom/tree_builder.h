@@ -80,8 +80,9 @@ class TreeBuilder {
   static void Forget(TVnDOMNode* ARoot);
   /// Under the default collation only a name of nine ASCII characters with a colon at the
   /// fourth, or a name with other characters, can be "xml:space".
-  static bool MayBeXmlSpace(std::u16string_view AName) {
+  static bool MayBeXmlSpace(std::u16string_view AName, bool AAscii = false) {
     if (AName.size() == 9 && AName[3] == u':') return true;
+    if (AAscii) return false;
     for (char16_t c : AName)
       if (c >= 0x80) return true;
     return false;

@@ -11,6 +11,7 @@
 //   StartDocument(), EndDocument()
 //   StartTag(qname)                      // a start tag opens; its attributes follow
 //   Attribute(local, qname, uri, value, singleQuoted)
+//   AttributeUtf8(qname, bytes, mayHoldQuote, high, asciiName)   // a sink with kUtf8Values
 //   StartElement(uri, local, qname, hasAttributes), EndElement(uri, local, qname)
 //   Characters(text), IgnorableWhitespace(text), ProcessingInstruction(target, data)
 //   StartCDATA(), EndCDATA(), WantsComments(), Comment(text), StartDTD(), EndDTD()
@@ -139,6 +140,14 @@ class XmlReadLoop {
     }
     p = Enc::Next(p, end);
   }
+  // Past a unit known to be ASCII (markup the loop has just looked at), or EOF at the end.
+  void NextAscii() {
+    if (p >= end) {
+      Sync();
+      TVnTextParser::RaiseEOF();
+    }
+    ++p;
+  }
   void MarkStart() { R.MarkConstructStart(p - reinterpret_cast<const U*>(C.Begin)); }
 
   std::u16string_view Sel(const U* a, const U* b, std::u16string& buf) const {
@@ -238,9 +247,9 @@ class XmlReadLoop {
   void Element() {
     MarkStart();
     CheckCurr(u'<');
-    Next();
+    ++p;
     bool endTag = Cur() == u'/';
-    if (endTag) Next();
+    if (endTag) ++p;
     CheckNameStart();
     bool prefixed = false;
     std::u16string_view qname;
@@ -285,13 +294,12 @@ class XmlReadLoop {
       }
     }
     if (p >= end || *p != U('>')) p = FindUnit(p, end, U('>'));
+    NextAscii();
     if (Level == 0) {
       // The root has closed: what follows is read by the tail step, in this same loop.
-      Next();
       Tail = true;
       return;
     }
-    Next();
     if (p < end && *p != U('<')) Characters();
   }
 
@@ -310,7 +318,7 @@ class XmlReadLoop {
           prefixed = Cur() == u':';
           if (!prefixed) return {QNameBuf.data(), n};
           const U* colon = p;
-          Next();
+          NextAscii();
           CheckNameStart();
           p = ScanAscii(colon, end, StopAt<true, '>', '/'>{}, QNameBuf, n);
           if (p >= end || *p < 0x80) return {QNameBuf.data(), n};
@@ -328,7 +336,7 @@ class XmlReadLoop {
     if (Cur() == u'<') FailElementNotClosed();
     prefixed = Cur() == u':';
     if (prefixed) {
-      Next();
+      NextAscii();
       CheckNameStart();
       p = FindInClass(p, end, read_loop::kElementLocalName);
     }
@@ -456,7 +464,7 @@ class XmlReadLoop {
       char16_t c = Cur();
       if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
       U quote = p < end ? *p : U(0);
-      Next();
+      NextAscii();
       std::u16string_view value = ReadValue(quote);
       const bool singleQuoted = quote == U('\'');
       if constexpr (!Sink::kNamespaces) {
@@ -484,7 +492,8 @@ class XmlReadLoop {
       const U* nameStart = p;
       size_t n = 0;
       p = ScanAscii(p, end, StopAt<false, '=', '<', '>'>{}, AttrQNameBuf, n);
-      if (p < end && *p >= 0x80) {
+      const bool ascii = p >= end || *p < 0x80;
+      if (!ascii) {
         p = nameStart;
         qname = ReadAttributeName().QName;
       } else {
@@ -497,11 +506,11 @@ class XmlReadLoop {
       char16_t c = Cur();
       if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
       U quote = p < end ? *p : U(0);
-      Next();
+      NextAscii();
       const U* start = p;
       ScanNotes notes;
       p = FindUnitNoting(p, end, quote, notes);
-      S.AttributeUtf8(qname, Bytes(start, p), quote == U('\'') && notes.Quote, notes.High);
+      S.AttributeUtf8(qname, Bytes(start, p), quote == U('\'') && notes.Quote, notes.High, ascii);
       p = SkipInClass(p, end, read_loop::kQuotesAndWhite);
     } while (p < end && *p != U('>') && *p != U('/'));
   }
