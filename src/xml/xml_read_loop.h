@@ -499,7 +499,10 @@ class XmlReadLoop {
       } else {
         char16_t c = Cur();
         if (c == u'<' || c == u'>') Fail(cVnXMLErrMissingAttribute, _cVnXMLMissingAttribute);
-        qname = read_loop::TrimView({AttrQNameBuf.data(), n});
+        // the raw bytes tell whether there is white space to trim, the units just made don't
+        // need to be read back
+        qname = {AttrQNameBuf.data(), n};
+        if (n == 0 || *nameStart <= ' ' || p[-1] <= ' ') qname = read_loop::TrimView(qname);
       }
       // Whatever stands between the name and the quote is dropped.
       p = FindInClass(p, end, read_loop::kQuoteOrTagEnd);
