@@ -32,6 +32,13 @@ TEST(DomLoad, StreamSkipsMarkAndBlanksReadsDeclaredEncodingAndShapesTheTree) {
   auto doc = FromBytes("\xEF\xBB\xBF \r\n\t<a>\xC3\xA9</a>");
   ASSERT_NE(doc->GetRootNode(), nullptr);
   EXPECT_EQ(doc->GetRootNode()->GetText(), u"\u00e9");
+  // Blanks around attribute names go, in a whole load and in a deferred one's records alike.
+  for (bool whole : {false, true}) {
+    TVnDOMDocument blanks;
+    blanks.SetDeferChildren(!whole);
+    blanks.LoadFromAnsiXML("<r\ta =\"1\"><e b= '2'  c\n=\"3\" \xC3\xA9 =\"4\"/></r>");
+    EXPECT_EQ(blanks.GetRootNode()->GetXML(), u"<r a=\"1\"><e b=\"2\" c=\"3\" \u00e9=\"4\" /></r>");
+  }
   // No mark, a Latin-1 declaration: the byte E9 is one character; the document keeps "UTF-8" for output.
   doc = FromBytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE9</a>");
   EXPECT_EQ((std::tuple{doc->GetRootNode()->GetText(), doc->GetEncoding()}), std::tuple(u"\u00e9", u"UTF-8"));
