@@ -11,7 +11,7 @@
 //   void StartNamedElement(std::u16string_view AName, int AKind, const void*& AHandle);
 // where AHandle is nil at first and kept by the sink for as long as the name repeats (the items
 // of an array): the output looks the name up once. An output that takes UTF-8 bytes may also
-// take an array item's value element whole:
+// take a value's element whole, start to end (a member's then ends with no call of its own):
 //   void LeafUtf8(std::u16string_view AName, int AKind, const void*& AHandle, std::string_view AText, bool AHigh);
 // Names and open levels live in two flat stacks: depth costs memory in proportion to the
 // text, never call stack.
