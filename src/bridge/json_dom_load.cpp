@@ -32,16 +32,9 @@ class TreeOut {
     B.EnterElement();
   }
   void StartElement(std::u16string_view, std::u16string_view AQName, int AKind) {
-    if constexpr (kRecords) {
-      B.BeginElement(AQName);
-      if (AKind != kNoValue) Mark(AKind);
-      B.EnterElement();
-    } else {
-      B.BeginElement(AQName);
-      if (AKind != kNoValue)
-        B.AddAttributeUtf8(kBridgeTypeMarks[AKind].QName, kBridgeTypeMarks[AKind].Utf8Value, false, false);
-      B.EnterElement();
-    }
+    B.BeginElement(AQName);
+    if (AKind != kNoValue) Mark(AKind);
+    B.EnterElement();
   }
   /// The items of an array repeat one name: the recorder looks it up once, AHandle keeps it.
   void StartNamedElement(std::u16string_view AQName, int AKind, const void*& AHandle)
@@ -67,14 +60,20 @@ class TreeOut {
   void EndElement(std::u16string_view) { B.EndElement(); }
 
  private:
-  const NameRec* MarkName(int AKind) {
+  const NameRec* MarkName(int AKind)
+    requires(kRecords)
+  {
     const NameRec*& name = MarkNames[AKind];
     if (!name) name = B.InternName(kBridgeTypeMarks[AKind].QName);
     return name;
   }
+  /// The type mark of a value of kind AKind; the recorder takes it without a lookup.
   void Mark(int AKind) {
     const BridgeTypeMark& mark = kBridgeTypeMarks[AKind];
-    B.AddPlainAttributeUtf8(MarkName(AKind), mark.QName, mark.Utf8Value);
+    if constexpr (kRecords)
+      B.AddPlainAttributeUtf8(MarkName(AKind), mark.QName, mark.Utf8Value);
+    else
+      B.AddAttributeUtf8(mark.QName, mark.Utf8Value, false, false);
   }
 
   Builder& B;

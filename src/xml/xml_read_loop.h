@@ -247,7 +247,7 @@ class XmlReadLoop {
   void Element() {
     MarkStart();
     CheckCurr(u'<');
-    ++p;
+    ++p;  // the checks found a unit here
     bool endTag = Cur() == u'/';
     if (endTag) ++p;
     CheckNameStart();
