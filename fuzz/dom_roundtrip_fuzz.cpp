@@ -7,7 +7,8 @@
 // text); it is checked on trees of bounded depth only, its indentation being quadratic in depth.
 // A load that defers its nodes gives the tree of one that makes them all at once: read as it
 // is, and after a change that makes the deferred part whole (same failures, same nodes, names,
-// namespaces and space handling).
+// namespaces and space handling). Its JSON is the whole load's too, written before any node is
+// made (from the load's records) and after the root alone was opened.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -21,6 +22,7 @@
 #include "vnxml/common/vn_streams.h"
 #include "dom/tree_builder.h"
 #include "vnxml/dom.h"
+#include "vnxml/dom_json_writer.h"
 
 namespace {
 constexpr int cFormattedDepth = 64;
@@ -105,6 +107,28 @@ std::string LoadAndDump(std::string_view ABytes, bool ADefer, AChange AChangeIt)
   return Dump(doc);
 }
 
+// The document of ABytes as compact JSON in UTF-8 (formatted when AFormatted), or the failure;
+// with AOpenRoot the root's children are made first.
+std::string LoadAsJson(std::string_view ABytes, bool ADefer, bool AOpenRoot, bool AFormatted) {
+  vn::TVnDOMDocument doc;
+  doc.SetDeferChildren(ADefer);
+  std::string out;
+  try {
+    vn::TVnStringStream in(ABytes, vn::cVnCodePageDefault);
+    doc.LoadFromStream(in);
+  } catch (const vn::Exception& e) {
+    out = "failed: " + vn::UnicodeToUtf8(e.Message()) + "\n";
+  }
+  if (AOpenRoot && doc.GetRootNode()) (void)doc.GetRootNode()->ElementCount();
+  vn::TVnStringStream json(vn::cVnCodePageUTF8);
+  try {
+    vn::SaveToJSONStream(static_cast<const vn::TVnDOMNode&>(doc), json, vn::cVnCodePageUTF8, AFormatted);
+  } catch (const vn::Exception& e) {
+    out += "failed: " + vn::UnicodeToUtf8(e.Message()) + "\n";
+  }
+  return out + std::string(json.GetBytesView());
+}
+
 void ExpectSameDump(const std::string& AWant, const std::string& AGot, const char* AWhat) {
   if (AWant == AGot) return;
   Expect(false, AWhat, vn::Utf8ToUnicode(AWant), vn::Utf8ToUnicode(AGot));
@@ -149,6 +173,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* AData, size_t ASize) {
       }
     };
     ExpectSameDump(LoadAndDump(bytes, false, change), LoadAndDump(bytes, true, change), "deferred nodes changed");
+    // formatted JSON grows with the square of the depth; fuzzed inputs are short
+    for (const bool formatted : {false, ASize < 1024}) {
+      const std::string whole = LoadAsJson(bytes, false, false, formatted);
+      ExpectSameDump(whole, LoadAsJson(bytes, true, false, formatted), "JSON of deferred nodes");
+      ExpectSameDump(whole, LoadAsJson(bytes, true, true, formatted), "JSON of deferred nodes, the root open");
+    }
   }
   vn::TVnDOMDocument doc;
   try {

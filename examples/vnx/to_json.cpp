@@ -34,7 +34,6 @@ int LoadForBridge(const std::string& ACommand, const std::string& APath, vn::TVn
     return kExitUsage;
   }
   try {
-    ADocument.SetDeferChildren(false);  // all of it is written: every node is made during the load
     ADocument.LoadFromStream(input.Stream());
   } catch (const vn::Exception& e) {
     std::fprintf(stderr, "%s: %s\n", APath.c_str(), vn::UnicodeToUtf8(e.Message()).c_str());
@@ -50,6 +49,8 @@ int ToJson(const std::vector<std::string>& AArgs) {
     std::fprintf(stderr, "usage: vnx to-json [--plain] FILE|-\n");
     return kExitUsage;
   }
+  // The load keeps the root's content as records, and the JSON is written from them: no node is
+  // made of it.
   vn::TVnDOMDocument doc;
   if (int code = LoadForBridge("to-json", path, doc); code >= 0) return code;
   if (!doc.GetRootNode()) {

@@ -19,6 +19,7 @@ int ToXml(const std::vector<std::string>& AArgs) {
     return kExitUsage;
   }
   vn::TVnDOMDocument doc;
+  doc.SetDeferChildren(false);  // all of it is written: every node is made during the load
   if (int code = LoadForBridge("to-xml", path, doc); code >= 0) return code;
   vn::TVnStringStream out(vn::cVnCodePageUTF8);
   doc.SaveToStream(out, vn::cVnCodePageUTF8, formatted, false);

@@ -192,6 +192,8 @@ class TVnDOMNode : public TVnDOMObject {
   void EnsureOpen() const {
     if (FLazy) OpenLazy();
   }
+  /// The children are still the load's records, to be made on first access.
+  bool IsDeferred() const noexcept { return FLazy; }
 
  protected:
   TVnDOMObjectImpl* CreateDOMImpl() override;

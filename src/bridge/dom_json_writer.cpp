@@ -6,11 +6,15 @@
 #include <type_traits>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <typeinfo>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "bridge/dom_json_tape.h"
+#include "bridge/json_name_pieces.h"
+#include "bridge/json_text_put.h"
 #include "dom/output_writer.h"
 #include "json/json_escape.h"
 #include "vnxml/common/code_page.h"
@@ -105,222 +109,6 @@ const TVnDOMNode* OnlyText(const TVnDOMElement* AElement) {
   return chars.size() == 1 && chars[0]->GetNodeType() == ntText ? chars[0] : nullptr;
 }
 
-constexpr char kHex[] = "0123456789ABCDEF";
-
-/// The JSON escape of one UTF-16 unit at AOut, as VnStrToJSON makes it, in UTF-8; the end.
-char* PutEscapedUnit(char* AOut, char16_t c) noexcept {
-  const char16_t e = detail::kStrToJSONEscapes[c];
-  if (e == 0) {
-    if (c < 0x80) {
-      *AOut++ = static_cast<char>(c);
-    } else {
-      *AOut++ = static_cast<char>(0xC0 | (c >> 6));
-      *AOut++ = static_cast<char>(0x80 | (c & 0x3F));
-    }
-  } else if (e == 0xFFFF) {
-    const char escape[6] = {'\\', 'u', kHex[c >> 12], kHex[(c >> 8) & 15], kHex[(c >> 4) & 15], kHex[c & 15]};
-    std::memcpy(AOut, escape, 6);
-    AOut += 6;
-  } else if (e != 1) {
-    *AOut++ = '\\';
-    *AOut++ = static_cast<char>(e);
-  }
-  return AOut;
-}
-
-/// The bytes of UTF-8 text that go out as they are: ASCII that needs no escape, and no "&".
-struct StaysInUtf8 {
-  bool Of[256] = {};
-  constexpr StaysInUtf8() {
-    for (int c = 0x20; c < 0x80; ++c) Of[c] = detail::kStrToJSONEscapes[static_cast<char16_t>(c)] == 0 && c != '&';
-  }
-  constexpr bool operator[](uint8_t AByte) const noexcept { return Of[AByte]; }
-};
-constexpr StaysInUtf8 kStaysInUtf8;
-
-/// Well-formed UTF-8 text escaped as VnStrToJSON escapes its UTF-16 form, at AOut, which has
-/// room for 6 bytes a byte; the end, or nil at a "&": text with references must be decoded
-/// first. What stays as it is goes in runs, sixteen bytes a step.
-char* PutJSONFromUtf8(char* AOut, std::string_view AText) noexcept {
-  const auto* p = reinterpret_cast<const uint8_t*>(AText.data());
-  const uint8_t* const end = p + AText.size();
-  while (p < end) {
-#if defined(__SSE2__)
-    // a byte stays when it lies in 0x20..0x7F and is none of " / backslash &; signed, bytes from
-    // 0x80 up compare below the blank
-    const __m128i space = _mm_set1_epi8(0x20);
-    const __m128i quote = _mm_set1_epi8('"'), slash = _mm_set1_epi8('/'), backslash = _mm_set1_epi8('\\');
-    const __m128i amp = _mm_set1_epi8('&');
-    while (end - p >= 16) {
-      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-      __m128i stop = _mm_or_si128(_mm_cmplt_epi8(v, space), _mm_cmpeq_epi8(v, quote));
-      stop = _mm_or_si128(stop, _mm_or_si128(_mm_cmpeq_epi8(v, slash), _mm_cmpeq_epi8(v, backslash)));
-      stop = _mm_or_si128(stop, _mm_cmpeq_epi8(v, amp));
-      const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(stop));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(AOut), v);
-      if (mask != 0) {
-        const unsigned keep = static_cast<unsigned>(__builtin_ctz(mask));
-        p += keep;
-        AOut += keep;
-        break;
-      }
-      p += 16;
-      AOut += 16;
-    }
-#endif
-    while (p < end && kStaysInUtf8[*p]) *AOut++ = static_cast<char>(*p++);
-    if (p == end) break;
-    const uint8_t c = *p;
-    if (c == '&') return nullptr;
-    if (c < 0x80) {
-      AOut = PutEscapedUnit(AOut, c);
-      ++p;
-    } else if (c < 0xE0) {
-      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(((c & 0x1F) << 6) | (p[1] & 0x3F)));
-      p += 2;
-    } else if (c < 0xF0) {
-      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(((c & 0x0F) << 12) | ((p[1] & 0x3F) << 6) | (p[2] & 0x3F)));
-      p += 3;
-    } else {
-      const uint32_t cp = ((c & 0x07u) << 18) | ((p[1] & 0x3Fu) << 12) | ((p[2] & 0x3Fu) << 6) | (p[3] & 0x3Fu);
-      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10)));
-      AOut = PutEscapedUnit(AOut, static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
-      p += 4;
-    }
-  }
-  return AOut;
-}
-
-/// AText escaped as VnStrToJSON does, encoded as UTF-8 at AOut, which has room for 6 bytes a
-/// unit; the end. Plain ASCII goes eight units a step.
-char* PutJSONUtf8(char* AOut, std::u16string_view AText) noexcept {
-  const char16_t* p = AText.data();
-  const char16_t* const end = p + AText.size();
-  while (p < end) {
-#if defined(__SSE2__)
-    // a unit is plain when it lies in 0x20..0x7F and is none of " / backslash
-    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
-    const __m128i space = _mm_set1_epi16(0x20);
-    const __m128i quote = _mm_set1_epi16('"'), slash = _mm_set1_epi16('/'), backslash = _mm_set1_epi16('\\');
-    while (end - p >= 8) {
-      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-      __m128i stop = _mm_cmpeq_epi16(_mm_and_si128(v, high), _mm_setzero_si128());  // below 0x80
-      stop = _mm_andnot_si128(_mm_cmplt_epi16(v, space), stop);
-      stop = _mm_andnot_si128(_mm_cmpeq_epi16(v, quote), stop);
-      stop = _mm_andnot_si128(_mm_cmpeq_epi16(v, slash), stop);
-      stop = _mm_andnot_si128(_mm_cmpeq_epi16(v, backslash), stop);
-      if (_mm_movemask_epi8(stop) != 0xFFFF) break;
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(AOut), _mm_packus_epi16(v, v));
-      p += 8;
-      AOut += 8;
-    }
-    if (p == end) break;
-#endif
-    AOut = PutEscapedUnit(AOut, *p++);
-  }
-  return AOut;
-}
-
-/// Whether a member name must be escaped to stay inside its JSON string.
-bool NeedsEscape(std::u16string_view AName) noexcept {
-  return std::any_of(AName.begin(), AName.end(), [](char16_t c) { return c == u'"' || c == u'\\' || c < 0x20; });
-}
-
-/// The member names of one UTF-8 write as they go out, `"name": `, found again by the address of
-/// the names they are made of: names are shared within a document, so each is made once and
-/// then copied. The tree is read only meanwhile, so an address keeps its text.
-class NamePieces {
- public:
-  enum Form : uint8_t { Member, ArrayName, AttributeName };
-  /// The bytes readable behind each piece.
-  static constexpr size_t kSlack = 32;
-  struct Piece {
-    std::string_view Bytes;
-    std::u16string_view Name;  // the name itself, for the attribute form only
-  };
-
-  Piece Get(Form AForm, std::u16string_view AFirst, std::u16string_view ASecond = {}) {
-    if (Count * 2 >= Table.size()) Grow();
-    const size_t mask = Table.size() - 1;
-    size_t i = Slot(AForm, AFirst.data(), ASecond.data(), mask);
-    for (; Table[i].Used; i = (i + 1) & mask) {
-      const Entry& e = Table[i];
-      if (e.First == AFirst.data() && e.Second == ASecond.data() && e.FirstSize == AFirst.size() &&
-          e.SecondSize == ASecond.size() && e.F == AForm)
-        return PieceOf(e);
-    }
-    Table[i] = Make(AForm, AFirst, ASecond);
-    ++Count;
-    return PieceOf(Table[i]);
-  }
-
- private:
-  struct Entry {
-    const char16_t* First = nullptr;
-    const char16_t* Second = nullptr;
-    uint32_t FirstSize = 0, SecondSize = 0;
-    uint32_t BytesAt = 0, BytesSize = 0, NameAt = 0, NameSize = 0;
-    Form F = Member;
-    bool Used = false;
-  };
-  static size_t Slot(Form AForm, const char16_t* AFirst, const char16_t* ASecond, size_t AMask) noexcept {
-    const uint64_t h = (reinterpret_cast<uintptr_t>(AFirst) ^ (reinterpret_cast<uintptr_t>(ASecond) * 31) ^ AForm) *
-                       0x9E3779B97F4A7C15ull;
-    return static_cast<size_t>(h >> 40) & AMask;
-  }
-  Piece PieceOf(const Entry& AEntry) const noexcept {
-    return {std::string_view(Bytes).substr(AEntry.BytesAt, AEntry.BytesSize),
-            std::u16string_view(Names).substr(AEntry.NameAt, AEntry.NameSize)};
-  }
-  [[gnu::noinline]] void Grow() {
-    std::vector<Entry> old(Table.size() < 64 ? 64 : Table.size() * 2);
-    old.swap(Table);
-    const size_t mask = Table.size() - 1;
-    for (const Entry& e : old) {
-      if (!e.Used) continue;
-      size_t i = Slot(e.F, e.First, e.Second, mask);
-      while (Table[i].Used) i = (i + 1) & mask;
-      Table[i] = e;
-    }
-  }
-  /// The name of the form: an element's local name with dots as "_" for a member, as it is for
-  /// an array; the owner's local name, "_" and the attribute's, dots as "_", for an attribute.
-  [[gnu::noinline]] Entry Make(Form AForm, std::u16string_view AFirst, std::u16string_view ASecond) {
-    Entry e{AFirst.data(), ASecond.data(), static_cast<uint32_t>(AFirst.size()), static_cast<uint32_t>(ASecond.size())};
-    e.F = AForm;
-    e.Used = true;
-    e.NameAt = static_cast<uint32_t>(Names.size());
-    Names.append(AFirst);
-    if (AForm == AttributeName) {
-      Names += u'_';
-      Names.append(ASecond);
-    }
-    if (AForm != ArrayName) std::replace(Names.begin() + e.NameAt, Names.end(), u'.', u'_');
-    const std::u16string_view name = std::u16string_view(Names).substr(e.NameAt);
-    e.BytesAt = static_cast<uint32_t>(Bytes.size());
-    Bytes.resize(Bytes.size() + name.size() * 6 + 4);
-    char* out = Bytes.data() + e.BytesAt;
-    *out++ = '"';
-    out = NeedsEscape(name) ? PutJSONUtf8(out, name) : detail::PutUtf8(out, name);
-    std::memcpy(out, "\": ", 3);
-    out += 3;
-    e.BytesSize = static_cast<uint32_t>(out - Bytes.data() - e.BytesAt);
-    // room behind every piece, so that a short one can be copied in one fixed-size step
-    Bytes.resize(e.BytesAt + e.BytesSize + kSlack);
-    if (AForm == AttributeName) {
-      e.NameSize = static_cast<uint32_t>(name.size());
-    } else {
-      Names.resize(e.NameAt);  // only the attribute form asks for its name again
-    }
-    return e;
-  }
-
-  std::vector<Entry> Table;
-  size_t Count = 0;
-  std::string Bytes;
-  std::u16string Names;
-};
-
 /// Names are shared within a document, so equal names mostly share their characters too.
 bool SameName(std::u16string_view A, std::u16string_view B) noexcept {
   return A.size() == B.size() && (A.data() == B.data() || A == B);
@@ -332,13 +120,27 @@ bool StartsLikeNumber(std::u16string_view AText) {
   return c == u'+' || c == u'-' || c == u'.' || (c >= u'0' && c <= u'9');
 }
 
-template <class Out>
+/// The tree's nodes as the walk reads them.
+struct NodeSource {
+  using Element = const TVnDOMElement*;
+  using Attribute = const TVnDOMNode*;
+  static std::u16string_view LocalName(Element AElement) noexcept { return AElement->LocalNameView(); }
+};
+
+template <class Out, class Src>
 class JsonTreeWriter {
+  static constexpr bool kNodes = std::is_same_v<Src, NodeSource>;
+  static constexpr bool kUtf8 = std::is_same_v<Out, detail::Utf8Output>;
+
  public:
-  JsonTreeWriter(Out& AOut, bool AFormatted, Integer& ALevel) : O(AOut), Formatted(AFormatted), Level(ALevel) {}
+  using Element = typename Src::Element;
+  using Attr = typename Src::Attribute;
+
+  JsonTreeWriter(Out& AOut, bool AFormatted, Integer& ALevel, detail::NamePieces& APieces)
+      : O(AOut), Formatted(AFormatted), Level(ALevel), Pieces(APieces) {}
 
   /// The node's own form: an element's member, an attribute's pair, a document's children.
-  void Node(const TVnDOMNode* ANode) {
+  void Node(const TVnDOMNode* ANode) requires kNodes {
     switch (ANode->GetNodeType()) {
       case ntElement: Run(&AsElement(ANode)); break;
       case ntAttribute:
@@ -353,12 +155,19 @@ class JsonTreeWriter {
   }
 
   /// The element form: the member inside braces of its own.
-  void Object(const TVnDOMElement* AElement) {
+  void Object(const TVnDOMElement* AElement) requires kNodes {
     O.Ascii("{");
     LineBreak();
     Run(AElement);
     LineBreak();
     O.Ascii("}");
+  }
+
+  /// The member or array item of ANode, written from its load's record ATop.
+  void FromTape(const TVnDOMElement* ANode, Element ATop, bool AItem) requires(!kNodes) {
+    S.Start(ANode, ATop);
+    AItem ? Item(ATop) : Member(ATop);
+    Drain();
   }
 
  private:
@@ -368,16 +177,22 @@ class JsonTreeWriter {
   enum Kind : uint8_t { Groups, Items, Members };
   struct Frame {
     Kind K;
-    const TVnDOMElement* E;
+    Element E;
     uint32_t Next;     // Groups, Items: position in FPlan; Members: index among the elements
     uint32_t End;      // the end of the same
     uint32_t PlanAt;   // Groups: where the element's plan starts, dropped with the frame
+    uint32_t KidsAt;   // records: where the source keeps E's child elements
     bool First;        // nothing written at this level yet
+    bool Preserves;    // records: E keeps white space
   };
 
   // ---- the walk ----
-  void Run(const TVnDOMElement* ARoot) {
+  void Run(Element ARoot) {
     Member(ARoot);
+    Drain();
+  }
+
+  void Drain() {
     while (!Stack.empty()) {
       Frame& f = Stack.back();
       if (f.Next == f.End) {
@@ -391,20 +206,19 @@ class JsonTreeWriter {
           const uint32_t at = f.Next;
           const uint32_t count = Plan[at];
           f.Next = at + 1 + count;
-          const TVnDOMElement* parent = f.E;
           if (count == 1)
-            Member(Child(parent, Plan[at + 1]));
+            Member(Kid(f, Plan[at + 1]));
           else
-            Array(parent, at);
+            Array(f, at);
           break;
         }
         case Items: {
-          const TVnDOMElement* item = Child(f.E, Plan[f.Next++]);
+          const Element item = Kid(f, Plan[f.Next++]);
           Item(item);
           break;
         }
         case Members: {
-          const TVnDOMElement* child = &AsElement(f.E->ElementsView()[f.Next++]);
+          const Element child = Kid(f, f.Next++);
           Member(child);
           break;
         }
@@ -422,19 +236,59 @@ class JsonTreeWriter {
     }
     O.Ascii(f.K == Items ? "]" : "}");
     if (f.K == Groups) Plan.resize(f.PlanAt);
+    if constexpr (!kNodes)
+      if (f.K != Items) S.Unpin(f.KidsAt);
   }
 
-  static const TVnDOMElement* Child(const TVnDOMElement* AParent, uint32_t AIndex) {
-    return &AsElement(AParent->ElementsView()[AIndex]);
+  /// Child AIndex of the element of AFrame.
+  Element Kid(const Frame& AFrame, uint32_t AIndex) {
+    if constexpr (kNodes)
+      return &AsElement(AFrame.E->ElementsView()[AIndex]);
+    else
+      return S.Kid(AFrame.KidsAt, AIndex);
+  }
+  const auto& Kids(Element AElement) {
+    if constexpr (kNodes)
+      return AElement->ElementsView();
+    else
+      return S.Kids(AElement);
+  }
+  bool HasChildElements(Element AElement) {
+    if constexpr (kNodes)
+      return AElement->HasChildElements();
+    else
+      return S.HasChildElements(AElement);
+  }
+  /// A frame of AElement; the source keeps its child elements meanwhile.
+  void Push(Kind AKind, Element AElement, uint32_t ANext, uint32_t AEnd, uint32_t APlanAt, bool AFirst) {
+    uint32_t kids = 0;
+    if constexpr (!kNodes) kids = S.Pin(AElement);
+    Stack.push_back({AKind, AElement, ANext, AEnd, APlanAt, kids, AFirst, Preserves});
+  }
+
+  /// A content that its load still keeps as records goes from there, when they answer for it:
+  /// its nodes are not made for the write.
+  bool WrittenFromTape(Element AElement, bool AItem) {
+    if constexpr (kNodes && kUtf8) {
+      if (!AElement->IsDeferred()) return false;
+      const auto record = detail::TapeSource::DeferredRecord(AElement);
+      if (!record) return false;
+      if (!Tape) Tape = std::make_unique<JsonTreeWriter<Out, detail::TapeSource>>(O, Formatted, Level, Pieces);
+      Tape->FromTape(AElement, record, AItem);
+      return true;
+    } else {
+      return false;
+    }
   }
 
   // ---- the three forms ----
   /// "name": and the value, or the opening of the object that the children fill.
-  void Member(const TVnDOMElement* AElement) {
+  void Member(Element AElement) {
+    if (WrittenFromTape(AElement, false)) return;
     Pad();
-    Name(AElement->LocalNameView(), true);
+    Name(Src::LocalName(AElement), true);
     CollectAttributes(AElement);
-    if (!AElement->HasChildElements()) {
+    if (!HasChildElements(AElement)) {
       Value(AElement);
       // The attributes of a leaf follow its value as members of the enclosing object.
       for (size_t i = 0; i < Attrs.size(); ++i) {
@@ -443,7 +297,7 @@ class JsonTreeWriter {
           LineBreak();
           Pad();
         }
-        Attribute(Attrs[i], false);
+        Attribute(AElement, Attrs[i], false);
       }
       return;
     }
@@ -451,9 +305,9 @@ class JsonTreeWriter {
     PushGroups(AElement);
     if (!Attrs.empty()) O.Ascii("{");
     ++Level;
-    for (const TVnDOMNode* a : Attrs) {
+    for (const Attr a : Attrs) {
       LineBreak();
-      Attribute(a, Formatted);
+      Attribute(AElement, a, Formatted);
       O.Ascii(",");
     }
     if (Attrs.empty()) O.Ascii("{");
@@ -461,21 +315,24 @@ class JsonTreeWriter {
   }
 
   /// The siblings of one local name as an array, at the place of the first of them.
-  void Array(const TVnDOMElement* AParent, uint32_t AGroup) {
+  void Array(const Frame& AParent, uint32_t AGroup) {
     Pad();
-    Name(Child(AParent, Plan[AGroup + 1])->LocalNameView(), false);
+    Name(Src::LocalName(Kid(AParent, Plan[AGroup + 1])), false);
     O.Ascii("[");
     LineBreak();
     ++Level;
-    Stack.push_back({Items, AParent, AGroup + 1, AGroup + 1 + Plan[AGroup], 0, true});
+    // the items are the parent's children, which the source keeps for the parent's frame
+    const Frame f = AParent;
+    Stack.push_back({Items, f.E, AGroup + 1, AGroup + 1 + Plan[AGroup], 0, f.KidsAt, true, f.Preserves});
   }
 
   /// One element of an array: its value, or an object of its attributes and child elements,
   /// where repeated names are not gathered.
-  void Item(const TVnDOMElement* AElement) {
+  void Item(Element AElement) {
+    if (WrittenFromTape(AElement, true)) return;
     Pad();
     CollectAttributes(AElement);
-    if (!AElement->HasChildElements()) {
+    if (!HasChildElements(AElement)) {
       Value(AElement);
       return;
     }
@@ -484,100 +341,135 @@ class JsonTreeWriter {
     ++Level;
     for (size_t i = 0; i < Attrs.size(); ++i) {
       if (i) Separator();
-      Attribute(Attrs[i], Formatted);
+      Attribute(AElement, Attrs[i], Formatted);
     }
-    Stack.push_back({Members, AElement, 0, static_cast<uint32_t>(AElement->ElementCount()), 0, Attrs.empty()});
+    Push(Members, AElement, 0, static_cast<uint32_t>(Kids(AElement).size()), 0, Attrs.empty());
   }
 
   /// "element_attribute": "value", with "_" in front while a child element has that name; the
   /// attribute is one that Counts.
-  void Attribute(const TVnDOMNode* AAttribute, bool APad) {
+  void Attribute(const TVnDOMNode* AAttribute, bool APad) requires kNodes {
     const TVnDOMNode* owner = AAttribute->ParentNode();
+    Attribute(owner && owner->GetNodeType() == ntElement ? &AsElement(owner) : nullptr, AAttribute, APad);
+  }
+  /// The same for an attribute of AOwner, nil for one without an element.
+  void Attribute(Element AOwner, Attr AAttribute, bool APad) {
+    const std::u16string_view ownerName = OwnerName(AOwner, AAttribute);
+    const std::u16string_view local = AttributeLocalName(AAttribute);
+    const bool checked = AOwner && HasChildElements(AOwner);
     if constexpr (kUtf8) {
       // the made name serves unless a child element of the owner bears it
-      const auto piece =
-          Pieces.Get(NamePieces::AttributeName, owner ? owner->LocalNameView() : std::u16string_view(),
-                     AAttribute->LocalNameView());
-      if (!owner || owner->GetNodeType() != ntElement || !AsElement(owner).HasChildElements() ||
-          !HasChildNamed(AsElement(owner), piece.Name)) {
+      const auto piece = Pieces.Get(detail::NamePieces::AttributeName, ownerName, local);
+      if (!checked || !HasChildNamed(AOwner, piece.Name)) {
         if (APad) Pad();
         PutPiece(piece.Bytes);
         return QuotedValue(AAttribute);
       }
     }
-    Text.clear();
-    if (owner) Text.append(owner->LocalNameView());
+    Text.assign(ownerName);
     Text += u'_';
-    Text.append(AAttribute->LocalNameView());
+    Text.append(local);
     for (char16_t& c : Text)
       if (c == u'.') c = u'_';
-    if (owner && owner->GetNodeType() == ntElement && AsElement(owner).HasChildElements()) {
-      while (HasChildNamed(AsElement(owner), Text)) Text.insert(Text.begin(), u'_');
+    if (checked) {
+      while (HasChildNamed(AOwner, Text)) Text.insert(Text.begin(), u'_');
     }
     if (APad) Pad();
     QuotedName(Text);
     QuotedValue(AAttribute);
   }
+  /// The owner's local name: a node's parent of any type names it.
+  static std::u16string_view OwnerName(Element AOwner, Attr AAttribute) {
+    if constexpr (kNodes) {
+      const TVnDOMNode* owner = AAttribute->ParentNode();
+      return owner ? owner->LocalNameView() : std::u16string_view();
+    } else {
+      return Src::LocalName(AOwner);
+    }
+  }
+  static std::u16string_view AttributeLocalName(Attr AAttribute) {
+    if constexpr (kNodes)
+      return AAttribute->LocalNameView();
+    else
+      return Src::LocalName(AAttribute->Name);
+  }
 
   // ---- values ----
   /// The value of an element without child elements, by the kind of its typed value.
   /// The attributes of AElement are collected.
-  void Value(const TVnDOMElement* AElement) {
-    // Without an attribute in the xsi namespace there is neither xsi:nil nor xsi:type: the
-    // text as a string, or null.
-    if (!XsiSeen) {
-      if (AElement->CharNodesView().empty())
-        O.Ascii("null");
-      else
-        QuotedText(AElement);
-      return;
-    }
-    const TValue value = AElement->GetAsValue();
-    if (value.IsEmpty()) return O.Ascii("null");
-    const TVnTypeKind kind = TypeKind(value);
-    if (kind == vtkEnumeration || kind == vtkSet) return O.Text(VnValToJSON(value));
-    switch (MainTypeKind(value)) {
-      case mtkInteger:
-      case mtkFloat: {
-        // A number as its text; text that doesn't start like one stays a string, so the
-        // output stays JSON.
-        const UnicodeString text = AElement->GetNodeValue();
-        if (text.empty())
+  void Value(Element AElement) {
+    if constexpr (!kNodes) {
+      // no attribute of a record is in the xsi namespace: the text as a string, or null
+      return QuotedTapeValue(S.LeafValue(AElement, Preserves));
+    } else {
+      // Without an attribute in the xsi namespace there is neither xsi:nil nor xsi:type: the
+      // text as a string, or null.
+      if (!XsiSeen) {
+        if (AElement->CharNodesView().empty())
           O.Ascii("null");
-        else if (StartsLikeNumber(text))
-          O.Text(text);
         else
-          QuotedString(text);
+          QuotedText(AElement);
         return;
       }
-      case mtkString:
-      case mtkDateTime: return QuotedText(AElement);
-      case mtkBoolean: return O.Ascii(ToBoolean(value) ? "true" : "false");
-      default: return O.Ascii("null");
+      const TValue value = AElement->GetAsValue();
+      if (value.IsEmpty()) return O.Ascii("null");
+      const TVnTypeKind kind = TypeKind(value);
+      if (kind == vtkEnumeration || kind == vtkSet) return O.Text(VnValToJSON(value));
+      switch (MainTypeKind(value)) {
+        case mtkInteger:
+        case mtkFloat: {
+          // A number as its text; text that doesn't start like one stays a string, so the
+          // output stays JSON.
+          const UnicodeString text = AElement->GetNodeValue();
+          if (text.empty())
+            O.Ascii("null");
+          else if (StartsLikeNumber(text))
+            O.Text(text);
+          else
+            QuotedString(text);
+          return;
+        }
+        case mtkString:
+        case mtkDateTime: return QuotedText(AElement);
+        case mtkBoolean: return O.Ascii(ToBoolean(value) ? "true" : "false");
+        default: return O.Ascii("null");
+      }
     }
   }
 
   /// The value of a text node or attribute as a JSON string; UTF-8 kept without references
   /// goes to UTF-8 output without a detour through UTF-16.
-  void QuotedValue(const TVnDOMNode* ANode) {
-    if constexpr (std::is_same_v<Out, detail::Utf8Output>) {
-      const detail::CompactString* kept = KeptText(ANode);
-      if (kept && kept->IsUtf8()) {
-        const std::string_view bytes = kept->Utf8();
-        // the quotes around: one byte before the text, one after
-        char* const out = O.Reserve(bytes.size() * 6 + 2);
-        *out = '"';
-        if (char* const last = PutJSONFromUtf8(out + 1, bytes)) {
-          *last = '"';
-          O.Advance(last + 1);
-          return;
-        }
+  void QuotedValue(Attr ANode) {
+    if constexpr (!kNodes) {
+      return QuotedTapeValue(S.AttributeValue(ANode));
+    } else {
+      if constexpr (kUtf8) {
+        const detail::CompactString* kept = KeptText(ANode);
+        if (kept && kept->IsUtf8() && QuotedUtf8(kept->Utf8())) return;
       }
+      QuotedString(DecodedValue(ANode, Value16));
     }
-    QuotedString(DecodedValue(ANode, Value16));
+  }
+  /// A value read from the records: UTF-8 as it is unless it holds a reference.
+  void QuotedTapeValue(const detail::TapeSource::Value& AValue) requires(!kNodes) {
+    using V = detail::TapeSource::Value;
+    if (AValue.Is == V::None) return O.Ascii("null");
+    if (AValue.Is == V::Units) return QuotedString(AValue.Text);
+    if (!QuotedUtf8(AValue.Utf8)) QuotedString(S.Decoded(AValue.Utf8));
+  }
+  /// UTF-8 text as a JSON string, unless it holds a reference: then nothing is written.
+  bool QuotedUtf8(std::string_view ABytes) requires kUtf8 {
+    // the quotes around: one byte before the text, one after
+    char* const out = O.Reserve(ABytes.size() * 6 + 2);
+    *out = '"';
+    char* const last = detail::PutJSONFromUtf8(out + 1, ABytes);
+    if (!last) return false;
+    *last = '"';
+    O.Advance(last + 1);
+    return true;
   }
   /// An element's value text as a JSON string.
-  void QuotedText(const TVnDOMElement* AElement) {
+  void QuotedText(const TVnDOMElement* AElement) requires kNodes {
     if (const TVnDOMNode* text = OnlyText(AElement)) return QuotedValue(text);
     QuotedString(AElement->GetNodeValue());
   }
@@ -590,8 +482,8 @@ class JsonTreeWriter {
 
   /// AText escaped as VnStrToJSON does, straight into the output: unchanged runs go whole.
   void Escape(std::u16string_view AText) {
-    if constexpr (std::is_same_v<Out, detail::Utf8Output>) {
-      O.Advance(PutJSONUtf8(O.Reserve(AText.size() * 6), AText));
+    if constexpr (kUtf8) {
+      O.Advance(detail::PutJSONUtf8(O.Reserve(AText.size() * 6), AText));
       return;
     }
     size_t run = 0;
@@ -606,6 +498,7 @@ class JsonTreeWriter {
         const char escape[2] = {'\\', static_cast<char>(e)};
         O.Ascii({escape, 2});
       } else {
+        using detail::kHex;
         const char escape[6] = {'\\', 'u', kHex[c >> 12], kHex[(c >> 8) & 15], kHex[(c >> 4) & 15], kHex[c & 15]};
         O.Ascii({escape, 6});
       }
@@ -616,7 +509,8 @@ class JsonTreeWriter {
   // ---- pieces ----
   void Name(std::u16string_view ALocalName, bool AUnderscoreDots) {
     if constexpr (kUtf8) {
-      const auto piece = Pieces.Get(AUnderscoreDots ? NamePieces::Member : NamePieces::ArrayName, ALocalName);
+      const auto piece =
+          Pieces.Get(AUnderscoreDots ? detail::NamePieces::Member : detail::NamePieces::ArrayName, ALocalName);
       return PutPiece(piece.Bytes);
     }
     if (AUnderscoreDots && ALocalName.find(u'.') != std::u16string_view::npos) {
@@ -630,7 +524,7 @@ class JsonTreeWriter {
   /// A name goes as it is, unless it holds what would end or break the JSON string: then it is
   /// escaped as values are, so that the output stays JSON.
   void QuotedName(std::u16string_view AName) {
-    if (NeedsEscape(AName)) {
+    if (detail::NeedsEscape(AName)) {
       O.Ascii("\"");
       Escape(AName);
       O.Ascii("\": ");
@@ -640,9 +534,10 @@ class JsonTreeWriter {
   }
   /// A piece of NamePieces: most are short and go in one fixed-size copy.
   void PutPiece(std::string_view APiece) {
-    char* const out = O.Reserve(APiece.size() + NamePieces::kSlack);
-    if (APiece.size() <= NamePieces::kSlack)
-      std::memcpy(out, APiece.data(), NamePieces::kSlack);
+    constexpr size_t kSlack = detail::NamePieces::kSlack;
+    char* const out = O.Reserve(APiece.size() + kSlack);
+    if (APiece.size() <= kSlack)
+      std::memcpy(out, APiece.data(), kSlack);
     else
       std::memcpy(out, APiece.data(), APiece.size());
     O.Advance(out + APiece.size());
@@ -658,18 +553,24 @@ class JsonTreeWriter {
     LineBreak();
   }
 
-  void CollectAttributes(const TVnDOMElement* AElement) {
-    Attrs.clear();
-    XsiSeen = false;
-    for (const TVnDOMNode* a : AElement->AttributesView()) {
-      bool xsi;
-      if (Filter.Counts(a, xsi)) Attrs.push_back(a);
-      XsiSeen = XsiSeen || xsi;
+  /// The attributes of AElement that take part into Attrs; for records, the space rule of
+  /// AElement into Preserves (its parent's until then, in the frame on top).
+  void CollectAttributes(Element AElement) {
+    if constexpr (kNodes) {
+      Attrs.clear();
+      XsiSeen = false;
+      for (const TVnDOMNode* a : AElement->AttributesView()) {
+        bool xsi;
+        if (Filter.Counts(a, xsi)) Attrs.push_back(a);
+        XsiSeen = XsiSeen || xsi;
+      }
+    } else {
+      Preserves = S.Attributes(AElement, Attrs, Stack.empty() ? false : Stack.back().Preserves);
     }
   }
 
   /// Whether AElement has a child element of local name AName.
-  bool HasChildNamed(const TVnDOMElement& AElement, std::u16string_view AName) {
+  bool HasChildNamed(Element AElement, std::u16string_view AName) {
     GatherNames(AElement);
     if (GroupName.size() <= 8)
       return std::any_of(GroupName.begin(), GroupName.end(), [&](std::u16string_view n) { return SameName(n, AName); });
@@ -679,25 +580,31 @@ class JsonTreeWriter {
   /// The local names of AElement's child elements, each read once: Group[i] is the group of
   /// element i, groups numbered by first appearance, with their names and sizes. The names of
   /// the element last gathered stay, so its attributes check against them without a scan.
-  void GatherNames(const TVnDOMElement& AElement) {
-    if (NamesOf == &AElement) return;
-    NamesOf = &AElement;
-    const auto& elements = AElement.ElementsView();
+  void GatherNames(Element AElement) {
+    if (NamesOf == AElement) return;
+    NamesOf = AElement;
+    const auto& elements = Kids(AElement);
     const auto n = static_cast<uint32_t>(elements.size());
     Group.assign(n, 0);
     GroupSize.clear();
     GroupName.clear();
     if (!GroupOf.empty()) GroupOf.clear();  // clearing sweeps every bucket, even of an empty map
     constexpr uint32_t kAhead = 8;
-    for (uint32_t i = 0; i < n && i < kAhead; ++i) __builtin_prefetch(elements[i]);
+    if constexpr (kNodes)
+      for (uint32_t i = 0; i < n && i < kAhead; ++i) __builtin_prefetch(elements[i]);
     for (uint32_t i = 0; i < n; ++i) {
-      if (i + kAhead < n) __builtin_prefetch(elements[i + kAhead]);
-      const auto* e = static_cast<const TVnDOMElement*>(elements[i]);
-      // The walk reaches these lists soon: asked for now, they load meanwhile.
-      __builtin_prefetch(e->AttributesView().begin());
-      __builtin_prefetch(e->CharNodesView().begin());
-      __builtin_prefetch(e->ElementsView().begin());
-      const std::u16string_view name = e->LocalNameView();
+      Element e;
+      if constexpr (kNodes) {
+        if (i + kAhead < n) __builtin_prefetch(elements[i + kAhead]);
+        e = static_cast<Element>(elements[i]);
+        // The walk reaches these lists soon: asked for now, they load meanwhile.
+        __builtin_prefetch(e->AttributesView().begin());
+        __builtin_prefetch(e->CharNodesView().begin());
+        __builtin_prefetch(e->ElementsView().begin());
+      } else {
+        e = elements[i];
+      }
+      const std::u16string_view name = Src::LocalName(e);
       uint32_t g = static_cast<uint32_t>(GroupName.size());
       if (g <= 8) {
         for (uint32_t k = 0; k < GroupName.size(); ++k)
@@ -721,8 +628,8 @@ class JsonTreeWriter {
 
   /// The plan of AElement's children: per local name, in the order of first appearance, the
   /// count and the indexes of the elements that bear it.
-  void PushGroups(const TVnDOMElement* AElement) {
-    GatherNames(*AElement);
+  void PushGroups(Element AElement) {
+    GatherNames(AElement);
     const auto at = static_cast<uint32_t>(Plan.size());
     const auto n = static_cast<uint32_t>(Group.size());
     // Lay the groups out: count, then the indexes; Fill[g] is where group g's next index goes.
@@ -735,27 +642,30 @@ class JsonTreeWriter {
     Plan.resize(cursor);
     for (size_t g = 0; g < GroupSize.size(); ++g) Plan[Fill[g] - 1] = GroupSize[g];
     for (uint32_t i = 0; i < n; ++i) Plan[Fill[Group[i]]++] = i;
-    Stack.push_back({Groups, AElement, at, cursor, at, true});
+    Push(Groups, AElement, at, cursor, at, true);
   }
-
-  static constexpr bool kUtf8 = std::is_same_v<Out, detail::Utf8Output>;
 
   Out& O;
   bool Formatted;
   Integer& Level;
+  detail::NamePieces& Pieces;  // UTF-8 output only
   std::vector<Frame> Stack;
   std::vector<uint32_t> Plan;
-  std::vector<const TVnDOMNode*> Attrs;
-  AttributeFilter Filter;
-  NamePieces Pieces;  // UTF-8 output only
-  bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
-  std::u16string Value16;
+  std::vector<Attr> Attrs;
   std::u16string Text;
   // The child names of NamesOf (GatherNames) and the scratch of PushGroups.
   std::vector<uint32_t> Group, GroupSize, Fill;
   std::vector<std::u16string_view> GroupName;
   std::unordered_map<std::u16string_view, uint32_t> GroupOf;
-  const TVnDOMElement* NamesOf = nullptr;
+  Element NamesOf = nullptr;
+  // nodes
+  AttributeFilter Filter;
+  bool XsiSeen = false;  // an attribute of the last collected element is in the xsi namespace
+  std::u16string Value16;
+  std::unique_ptr<JsonTreeWriter<Out, detail::TapeSource>> Tape;  // for contents left as records
+  // records
+  detail::TapeSource S;
+  bool Preserves = false;  // the last collected element keeps white space
 };
 
 // Runs AWrite(JsonTreeWriter&) with the output for ACodePage. What was written before a
@@ -764,7 +674,8 @@ template <class Fn>
 void WriteJSON(TStream& AStream, Word ACodePage, bool AFormatted, Fn&& AWrite) {
   auto run = [&](auto& AOut) {
     Integer level = 1;
-    JsonTreeWriter<std::remove_reference_t<decltype(AOut)>> writer(AOut, AFormatted, level);
+    detail::NamePieces pieces;
+    JsonTreeWriter<std::remove_reference_t<decltype(AOut)>, NodeSource> writer(AOut, AFormatted, level, pieces);
     try {
       AWrite(writer);
     } catch (...) {

@@ -60,7 +60,10 @@ void LoadRecorder::AddAttribute(std::u16string_view AQName, std::u16string_view 
     B.AddAttribute(AQName, AValue, AMayHoldQuote);
   } else {
     if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName)) FKeepSpace = true;
-    if (IsDeclaration(AQName) && AValue.find(u'&') != AValue.npos) NoteEscaped(AValue, AMayHoldQuote);
+    if (IsDeclaration(AQName)) {
+      FTape->Declarations = true;
+      if (AValue.find(u'&') != AValue.npos) NoteEscaped(AValue, AMayHoldQuote);
+    }
   }
   if (FPending) FTape->AddAttr(Intern(AQName), AValue, AMayHoldQuote);
 }
@@ -71,6 +74,7 @@ void LoadRecorder::AddAttributeUtf8Slow(std::u16string_view AQName, std::string_
     B.AddAttributeUtf8(AQName, AValue, AMayHoldQuote, AHigh);
   } else {
     if (!FKeepSpace && TreeBuilder::MayBeXmlSpace(AQName)) FKeepSpace = true;
+    if (IsDeclaration(AQName)) FTape->Declarations = true;
     if (IsDeclaration(AQName) && AValue.find('&') != AValue.npos) {
       std::u16string decoded;
       const auto* b = reinterpret_cast<const uint8_t*>(AValue.data());

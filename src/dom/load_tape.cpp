@@ -15,8 +15,6 @@ namespace {
 constexpr size_t kFirstBlock = size_t{4} << 10;
 constexpr size_t kBlock = size_t{1} << 20;
 
-constexpr size_t Rounded(size_t ABytes) noexcept { return (ABytes + 7) & ~size_t{7}; }
-
 }  // namespace
 
 LoadTape::~LoadTape() {
@@ -91,37 +89,6 @@ void LoadTape::Truncate(const char* APosition) noexcept {
     std::free(b.Start);
     FBlocks.pop_back();
   }
-}
-
-const char* LoadTape::Resolve(const char* APosition) noexcept {
-  if (reinterpret_cast<const Head*>(APosition)->GetKind() == kJump)
-    std::memcpy(&APosition, APosition + sizeof(Head), sizeof(char*));
-  return APosition;
-}
-
-const LoadTape::Head* LoadTape::Next(const char*& APosition) noexcept {
-  APosition = Resolve(APosition);
-  auto* h = reinterpret_cast<const Head*>(APosition);
-  const Kind kind = h->GetKind();
-  size_t size;
-  switch (kind) {
-    case kBegin:
-      size = sizeof(Begin);
-      break;
-    case kAttr:
-    case kText:
-    case kSpace:
-    case kCData:
-    case kComment:
-    case kInstruction:
-      size = PayloadOffset(kind) + h->Length() * sizeof(char16_t);
-      break;
-    default:
-      size = PayloadOffset(kind) + h->Length();
-      break;
-  }
-  APosition += Rounded(size);
-  return h;
 }
 
 std::u16string_view LoadTape::Units(const Head* ARec) noexcept {

@@ -98,6 +98,8 @@ class LoadTape {
 
   /// Elements whose content is still here: none left, and nothing needs opening.
   size_t Lazy = 0;
+  /// A start tag below the load's root declared a namespace.
+  bool Declarations = false;
   /// The record of each element left lazy, kept once it is open: its declarations as read are
   /// asked for while its descendants open.
   std::unordered_map<const void*, const char*> Begins;
@@ -107,9 +109,30 @@ class LoadTape {
   // ---- reading ----
   // A position read back is resolved before it is compared: the end of a block and the start
   // of the next are the same place.
-  static const char* Resolve(const char* APosition) noexcept;
+  static const char* Resolve(const char* APosition) noexcept {
+    if (reinterpret_cast<const Head*>(APosition)->GetKind() == kJump) [[unlikely]]
+      std::memcpy(&APosition, APosition + sizeof(Head), sizeof(char*));
+    return APosition;
+  }
   /// The record at APosition, passing over block jumps; APosition moves past it.
-  static const Head* Next(const char*& APosition) noexcept;
+  static const Head* Next(const char*& APosition) noexcept {
+    APosition = Resolve(APosition);
+    auto* h = reinterpret_cast<const Head*>(APosition);
+    const Kind kind = h->GetKind();
+    size_t size;
+    if (kind == kBegin) {
+      size = sizeof(Begin);
+    } else {
+      // attribute and instruction records carry a name before their value; UTF-16 values
+      // take two bytes a unit
+      constexpr uint32_t kNamed = 1u << kAttr | 1u << kAttrUtf8 | 1u << kInstruction;
+      constexpr uint32_t kWide = 1u << kAttr | 1u << kText | 1u << kSpace | 1u << kCData | 1u << kComment |
+                                 1u << kInstruction;
+      size = ((kNamed >> kind) & 1 ? sizeof(Named) : sizeof(Head)) + (h->Length() << ((kWide >> kind) & 1));
+    }
+    APosition += (size + 7) & ~size_t{7};
+    return h;
+  }
   /// The value of a record that has one.
   static std::u16string_view Units(const Head* ARec) noexcept;
   static std::string_view Bytes(const Head* ARec) noexcept;

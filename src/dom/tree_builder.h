@@ -22,6 +22,7 @@ namespace vn::detail {
 /// first access. Tests set 0 to open one level at a time.
 inline ptrdiff_t SmallContentBytes = 4096;
 
+class LoadTape;
 class NameTable;
 struct NsScope;
 
@@ -78,6 +79,8 @@ class TreeBuilder {
   static void OpenAll(TVnDOMNode* ARoot);
   /// ARoot is about to be freed: the content below it stays on the tape, unread.
   static void Forget(TVnDOMNode* ARoot);
+  /// The tape and record of AElement while its content is still on the tape, else nil.
+  static const char* DeferredBegin(const TVnDOMElement* AElement, const LoadTape** ATape) noexcept;
   /// Under the default collation only a name of nine ASCII characters with a colon at the
   /// fourth, or a name with other characters, can be "xml:space".
   static bool MayBeXmlSpace(std::u16string_view AName, bool AAscii = false) {

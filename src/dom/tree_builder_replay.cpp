@@ -247,6 +247,15 @@ void TreeBuilder::OpenAll(TVnDOMNode* ARoot) {
   }
 }
 
+const char* TreeBuilder::DeferredBegin(const TVnDOMElement* AElement, const LoadTape** ATape) noexcept {
+  if (!AElement->FLazy) return nullptr;
+  const LoadTape* tape = NodePool::Of(AElement)->Tape();
+  const auto at = tape->Begins.find(AElement);
+  if (at == tape->Begins.end()) return nullptr;
+  *ATape = tape;
+  return at->second;
+}
+
 void TreeBuilder::Forget(TVnDOMNode* ARoot) {
   LoadTape* tape = NodePool::Of(ARoot)->Tape();
   if (!tape || !tape->Lazy) return;

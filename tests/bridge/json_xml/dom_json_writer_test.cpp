@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <span>
 
+#include "dom/tree_builder.h"
 #include "support/raises.h"
 #include "vnxml/common/code_page.h"
 #include "vnxml/common/vn_streams.h"
@@ -158,9 +159,76 @@ TEST(DomJsonWriter, CodePagesEscapeAlike) {
         << page;
 }
 
+// A load that defers its nodes is written from its records while they answer for the JSON
+// (no declaration below the root, none of the xsi or xsd namespace in scope), and then makes no
+// node; either way it writes what the whole load writes, compact and formatted, as read and
+// with only the root opened.
+struct DeferredCase {
+  std::string_view Xml;
+  bool FromRecords;
+};
+const DeferredCase kDeferred[] = {
+    // white space kept by xml:space, any case, nested and taken back; and dropped
+    {R"(<r xml:space="preserve"><a> </a><b xml:space="default"><c> </c><c>x</c></b><d XML:SPACE="Preserve"> <e> </e></d></r>)", true},
+    {"<r>\n  <a> </a>\n  <b>\t<c/>\n</b></r>", true},
+    // leaves of several text nodes: comments count as nodes but add no text
+    {"<r><a>x<!--c-->y</a><b><![CDATA[<&>]]></b><c>t<![CDATA[u]]>&amp;</c><d><!--only--></d><e><?p x?></e></r>", true},
+    // references, and double quotes read from single quotes beside them
+    {R"(<r a='say "&amp;" &quot;' b="&#233;"><c d='&amp"x' e="&lt;">&#233;&lt;&amp</c><c>&#x1F600;</c></r>)", true},
+    // malformed UTF-8 in text and attribute values, and well-formed text beyond ASCII
+    {"<r a=\"\xC3(\"><b>\xE2\x82</b><c>\xC3\xA9\xF0\x9F\x98\x80</c></r>", true},
+    // names: prefixes, dots, clashes with child names
+    {R"(<r><p:c k="2">3</p:c><q:c>4</q:c><e.f>6</e.f><e.f>7</e.f></r>)", true},
+    {R"(<x id="1" p:id="0"><x_id>2</x_id><_x_id>3</_x_id><y k="1"><y_k/></y></x>)", true},
+    // arrays gathered at their first place, items with children, attributes of items dropped
+    {R"(<r><a i="1">1</a><b/><a><c>2</c><c>3</c></a><a/></r>)", true},
+    // declarations on the root only: they are no members, their prefixes are no namespace of schemas
+    {R"(<r xmlns="urn:d" xmlns:p="urn:p" p:a="1"><p:b p:c="2">x</p:b></r>)", true},
+    // from nodes: a declaration below the root, the schema instance namespace in scope
+    {R"(<r><a xmlns:p="urn:p" p:k="1">x</a></r>)", false},
+    {R"(<r xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><a xsi:nil="true">x</a></r>)", false},
+};
+
+/// AXml loaded whole or deferred, the root opened first when AOpenRoot; its JSON, and whether
+/// the root's children still wait on the load's records after the write.
+std::pair<std::string, bool> JSONOfLoad(std::string_view AXml, bool ADefer, bool AOpenRoot, bool AFormatted) {
+  TVnDOMDocument doc;
+  doc.SetDeferChildren(ADefer);
+  TVnMemoryStream in(AXml.data(), Int64(AXml.size()));
+  doc.LoadFromStream(in);
+  if (AOpenRoot) (void)doc.GetRootNode()->ElementCount();
+  const std::string json = Saved(static_cast<TVnDOMNode&>(doc), cVnCodePageUTF8, cVnCodePageUTF8, AFormatted);
+  return {json, doc.GetRootNode()->IsDeferred()};
+}
+
+TEST(DomJsonWriter, DeferredLoadsWriteWhatWholeLoadsWrite) {
+  const ptrdiff_t small = std::exchange(detail::SmallContentBytes, 0);  // opening the root leaves its children
+  for (const DeferredCase& c : kDeferred)
+    for (const bool formatted : {false, true}) {
+      const std::string whole = JSONOfLoad(c.Xml, false, false, formatted).first;
+      EXPECT_EQ(JSONOfLoad(c.Xml, true, false, formatted), std::pair(whole, c.FromRecords)) << c.Xml;
+      EXPECT_EQ(JSONOfLoad(c.Xml, true, true, formatted).first, whole) << c.Xml;
+    }
+  detail::SmallContentBytes = small;
+  // UTF-16 input keeps its records in UTF-16
+  const std::u16string wide = u"<r a=\"&amp;\u00e9\"><b> x&lt;</b><b>\U0001F600</b><c><![CDATA[&]]>y</c></r>";
+  std::string bytes = "\xFF\xFE" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
+  EXPECT_EQ(JSONOfLoad(bytes, true, false, false), std::pair(JSONOfLoad(bytes, false, false, false).first, true));
+}
+
 // Width costs no quadratic work: a hundred thousand siblings of distinct names beside as many
-// of one name (depth is tested through the JSON loader).
-TEST(DomJsonWriter, WideTrees) {
+// of one name. Depth costs no call stack, from records as from nodes.
+TEST(DomJsonWriter, WideAndDeepTrees) {
+  const int depth = 100000;
+  std::string deep;
+  for (int i = 0; i < depth; ++i) deep += "<a>";
+  for (int i = 0; i < depth; ++i) deep += "</a>";
+  for (const bool defer : {true, false}) {
+    const std::string json = JSONOfLoad(deep, defer, false, false).first;
+    // "a": { a level, and the last one's null
+    EXPECT_EQ(json.size(), size_t(depth) * 7 + 2);
+    EXPECT_EQ(json.substr(size_t(depth - 1) * 6, 10), R"("a": null})");
+  }
   std::u16string wide = u"<r>";
   for (int i = 0; i < 100000; ++i) wide += u"<n" + Utf8ToUnicode(std::to_string(i)) + u"/><s/>";
   auto doc = TVnDOMDocument::FromXML(wide + u"</r>");

@@ -1,0 +1,259 @@
+// TapeSource: a load's records read as the nodes made from them would read.
+#include "bridge/dom_json_tape.h"
+
+#include <cstring>
+
+#include "common/text_parser_scan.h"
+#include "dom/stored_text.h"
+#include "dom/tree_builder.h"
+#include "vnxml/common/sysutils.h"
+#include "vnxml/dom_document.h"
+#include "vnxml/xml_escape.h"
+
+namespace vn::detail {
+
+namespace {
+
+using Tape = LoadTape;
+
+bool IsAttributeRecord(const char* APosition) noexcept {
+  const Tape::Kind kind = reinterpret_cast<const Tape::Head*>(APosition)->GetKind();
+  return kind == Tape::kAttr || kind == Tape::kAttrUtf8;
+}
+
+/// Where the records after a Begin start: its attributes, then its content.
+const char* AfterBegin(TapeSource::Element AElement) noexcept {
+  return Tape::Resolve(reinterpret_cast<const char*>(AElement) + sizeof(Tape::Begin));
+}
+
+/// Does the node attribute declare a namespace, as the writer's filter asks it?
+bool IsDeclaration(const TVnDOMAttribute* AAttribute) {
+  const std::u16string_view prefix = AAttribute->PrefixView();
+  return (prefix.empty() ? AAttribute->LocalNameView() : prefix).size() == 5 && AAttribute->IsNamespace();
+}
+
+bool IsSchemaURI(std::u16string_view AURI) {
+  auto is = [&](std::u16string_view AOf) { return AURI.size() == AOf.size() && SameText(AURI, AOf); };
+  return is(cVnXSINamespaceURI) || is(cVnXSDNamespaceURI);
+}
+
+/// Whether a declaration of the xsi or xsd namespace is in scope at AElement.
+bool SchemaDeclared(const TVnDOMElement* AElement) {
+  for (const TVnDOMNode* n = AElement; n && n->GetNodeType() == ntElement; n = n->ParentNode())
+    for (const TVnDOMNode* a : static_cast<const TVnDOMElement*>(n)->AttributesView()) {
+      const auto* attribute = static_cast<const TVnDOMAttribute*>(a);
+      if (attribute->IsNamespace() && IsSchemaURI(attribute->GetNodeValue())) return true;
+    }
+  return false;
+}
+
+/// "xml:space" as the default collation matches a qualified name (the node's: one leading colon
+/// dropped).
+bool IsXmlSpace(const NameRec* AName) {
+  if (!AName) return false;
+  std::u16string_view name(AName->Chars, AName->Length);
+  if (name[0] == u':') name.remove_prefix(1);
+  if (name.size() != 9) return false;
+  for (size_t i = 0; i < 9; ++i) {
+    char16_t c = name[i];
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
+    if (c != u"xml:space"[i]) return false;
+  }
+  return true;
+}
+
+bool IsTextRecord(Tape::Kind AKind) noexcept {
+  return AKind == Tape::kText || AKind == Tape::kTextUtf8 || AKind == Tape::kSpace || AKind == Tape::kSpaceUtf8;
+}
+
+/// Units stored with references as the loader stores them: a double quote of a value that may
+/// hold one as "&quot;"; then decoded.
+UnicodeString DecodedStored(std::u16string_view AUnits, bool AQuotesAsReferences) {
+  if (!AQuotesAsReferences || AUnits.find(u'"') == AUnits.npos) return VnXMLToStr(AUnits);
+  UnicodeString stored;
+  stored.reserve(AUnits.size() + 8);
+  for (char16_t c : AUnits) {
+    if (c == u'"')
+      stored += u"&quot;";
+    else
+      stored.push_back(c);
+  }
+  return VnXMLToStr(stored);
+}
+
+}  // namespace
+
+TapeSource::Element TapeSource::DeferredRecord(const TVnDOMElement* AElement) {
+  const LoadTape* tape = nullptr;
+  const char* p = TreeBuilder::DeferredBegin(AElement, &tape);
+  if (!p || tape->Declarations || AElement->GetCollation() != TVnXPathCollationASCIICI::Class()) return nullptr;
+  const auto* begin = reinterpret_cast<Element>(Tape::Next(p));
+  // The node's attributes are the record's, one for one.
+  const char* end = Tape::Resolve(begin->ContentEnd);
+  uint32_t records = 0;
+  for (p = Tape::Resolve(p); p != end && IsAttributeRecord(p); p = Tape::Resolve(p)) {
+    Tape::Next(p);
+    ++records;
+  }
+  if (records != AElement->AttributesView().size()) return nullptr;
+  try {
+    if (SchemaDeclared(AElement)) return nullptr;
+  } catch (...) {
+    return nullptr;  // a declaration that does not decode: the nodes tell what follows
+  }
+  return begin;
+}
+
+void TapeSource::ReadRecords(Element AElement) {
+  FRead = AElement;
+  FAttributes.clear();
+  FKids.clear();
+  FFirstText = FFirstSpace = nullptr;
+  FTexts = FSpaces = 0;
+  const char* end = Tape::Resolve(AElement->ContentEnd);
+  const char* p = AfterBegin(AElement);
+  while (p != end && IsAttributeRecord(p)) {
+    FAttributes.push_back(reinterpret_cast<Attribute>(Tape::Next(p)));
+    p = Tape::Resolve(p);
+  }
+  FContent = p;
+  while (p != end) {
+    const Tape::Head* h = Tape::Next(p);
+    switch (h->GetKind()) {
+      case Tape::kBegin: {
+        const auto* kid = reinterpret_cast<Element>(h);
+        FKids.push_back(kid);
+        p = kid->ContentEnd;  // over the kid's attributes and content
+        break;
+      }
+      case Tape::kSpace:
+      case Tape::kSpaceUtf8:
+        if (FSpaces++ == 0) FFirstSpace = h;
+        break;
+      case Tape::kText:
+      case Tape::kTextUtf8:
+      case Tape::kCData:
+      case Tape::kCDataUtf8:
+      case Tape::kComment:
+        if (FTexts++ == 0) FFirstText = h;
+        break;
+      default: break;  // instructions make no text node
+    }
+    p = Tape::Resolve(p);
+  }
+}
+
+bool TapeSource::Attributes(Element AElement, std::vector<Attribute>& AOut, bool AParentPreserves) {
+  Read(AElement);
+  AOut.clear();
+  const bool top = AElement == FTop;
+  Attribute space = nullptr;
+  for (uint32_t j = 0; j < FAttributes.size(); ++j) {
+    const Attribute a = FAttributes[j];
+    if (top) {
+      if (IsDeclaration(static_cast<const TVnDOMAttribute*>(FTopNode->AttributesView()[j]))) continue;
+    } else if (IsXmlSpace(a->Name)) {
+      space = a;  // the last one rules
+    }
+    AOut.push_back(a);
+  }
+  if (top) return FTopNode->GetPreserveSpace();
+  if (!space) return AParentPreserves;
+  const Value v = AttributeValue(space);
+  FScratch.clear();
+  const std::u16string_view stored =
+      v.Is == Value::Bytes ? DecodeUtf8(reinterpret_cast<const uint8_t*>(v.Utf8.data()),
+                                        reinterpret_cast<const uint8_t*>(v.Utf8.data() + v.Utf8.size()), FScratch)
+                           : v.Text;
+  return SameText(stored, u"preserve");
+}
+
+TapeSource::Value TapeSource::AttributeValue(Attribute AAttribute) {
+  const bool quotes = AAttribute->H.Flags() & Tape::kMayHoldQuote;
+  if (AAttribute->H.GetKind() == Tape::kAttr) {
+    FText = DecodedStored(Tape::Units(&AAttribute->H), quotes);
+    return {Value::Units, {}, FText};
+  }
+  const std::string_view bytes = Tape::Bytes(&AAttribute->H);
+  if ((AAttribute->H.Flags() & Tape::kHigh) && !IsWellFormedUtf8(bytes)) {
+    FScratch.clear();
+    const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
+    FText = DecodedStored(DecodeUtf8(b, b + bytes.size(), FScratch), quotes);
+    return {Value::Units, {}, FText};
+  }
+  // Quotes stored as references change what a reference next to them reads as.
+  if (quotes && bytes.find('"') != bytes.npos && bytes.find('&') != bytes.npos) {
+    FText = DecodedStored(CompactString::DecodeUtf8Text(bytes), true);
+    return {Value::Units, {}, FText};
+  }
+  return {Value::Bytes, bytes, {}};
+}
+
+std::u16string_view TapeSource::Decoded(std::string_view AUtf8) {
+  FText = VnXMLToStr(CompactString::DecodeUtf8Text(AUtf8));
+  return FText;
+}
+
+void TapeSource::AppendValue(const Tape::Head* ARecord) {
+  switch (ARecord->GetKind()) {
+    case Tape::kText:
+    case Tape::kSpace: {
+      const std::u16string_view units = Tape::Units(ARecord);
+      if (units.find(u'&') == units.npos)
+        FText.append(units);
+      else
+        FText += VnXMLToStr(units);
+      break;
+    }
+    case Tape::kTextUtf8:
+    case Tape::kSpaceUtf8: {
+      const std::string_view bytes = Tape::Bytes(ARecord);
+      const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
+      if ((ARecord->Flags() & Tape::kHigh) && !IsWellFormedUtf8(bytes)) {
+        FScratch.clear();
+        FText += VnXMLToStr(DecodeUtf8(b, b + bytes.size(), FScratch));
+      } else if (bytes.find('&') == bytes.npos) {
+        FText += CompactString::DecodeUtf8Text(bytes);
+      } else {
+        FText += VnXMLToStr(CompactString::DecodeUtf8Text(bytes));
+      }
+      break;
+    }
+    case Tape::kCData: FText.append(Tape::Units(ARecord)); break;
+    case Tape::kCDataUtf8: {
+      const std::string_view bytes = Tape::Bytes(ARecord);
+      const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
+      FScratch.clear();
+      FText.append(DecodeUtf8(b, b + bytes.size(), FScratch));
+      break;
+    }
+    default: break;  // comments count as text nodes but add no text
+  }
+}
+
+TapeSource::Value TapeSource::LeafValue(Element AElement, bool APreserves) {
+  Read(AElement);
+  const uint32_t count = FTexts + (APreserves ? FSpaces : 0);
+  if (count == 0) return {};
+  const Tape::Head* only = FTexts ? FFirstText : FFirstSpace;
+  const Tape::Kind kind = only->GetKind();
+  if (count == 1 && (kind == Tape::kTextUtf8 || kind == Tape::kSpaceUtf8) &&
+      (!(only->Flags() & Tape::kHigh) || IsWellFormedUtf8(Tape::Bytes(only))))
+    return {Value::Bytes, Tape::Bytes(only), {}};
+  // One text of another form, or the text of several nodes as the element's value joins it.
+  FText.clear();
+  if (count == 1 && IsTextRecord(kind)) {
+    AppendValue(only);
+  } else {
+    const char* end = Tape::Resolve(AElement->ContentEnd);
+    for (const char* p = FContent; p != end; p = Tape::Resolve(p)) {
+      const Tape::Head* h = Tape::Next(p);
+      const Tape::Kind k = h->GetKind();
+      if (k == Tape::kBegin) break;  // a leaf has none
+      if ((k != Tape::kSpace && k != Tape::kSpaceUtf8) || APreserves) AppendValue(h);
+    }
+  }
+  return {Value::Units, {}, FText};
+}
+
+}  // namespace vn::detail
