@@ -70,15 +70,7 @@ bool IsTextRecord(Tape::Kind AKind) noexcept {
 /// hold one as "&quot;"; then decoded.
 UnicodeString DecodedStored(std::u16string_view AUnits, bool AQuotesAsReferences) {
   if (!AQuotesAsReferences || AUnits.find(u'"') == AUnits.npos) return VnXMLToStr(AUnits);
-  UnicodeString stored;
-  stored.reserve(AUnits.size() + 8);
-  for (char16_t c : AUnits) {
-    if (c == u'"')
-      stored += u"&quot;";
-    else
-      stored.push_back(c);
-  }
-  return VnXMLToStr(stored);
+  return VnXMLToStr(QuotesAsReferences(AUnits));
 }
 
 }  // namespace

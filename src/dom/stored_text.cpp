@@ -77,6 +77,18 @@ std::u16string CompactString::DecodeUtf8Text(std::string_view AText) {
   return out;
 }
 
+UnicodeString QuotesAsReferences(std::u16string_view AValue) {
+  UnicodeString out;
+  out.reserve(AValue.size() + 8);
+  for (char16_t c : AValue) {
+    if (c == u'"')
+      out += u"&quot;";
+    else
+      out.push_back(c);
+  }
+  return out;
+}
+
 UnicodeString DecodeEscaped(const CompactString& AStored) {
   if (!AStored.IsUtf8()) return VnXMLToStr(AStored.Wide());
   const std::string_view bytes = AStored.Utf8();

@@ -13,6 +13,9 @@ namespace vn::detail {
 /// decoding it and encoding the result again gives the same bytes.
 bool IsWellFormedUtf8(std::string_view AText) noexcept;
 
+/// An attribute value as stored, written back in double quotes: its double quotes as "&quot;".
+UnicodeString QuotesAsReferences(std::u16string_view AValue);
+
 /// A text stored escaped (text nodes, attributes), decoded: references resolved, in UTF-16.
 UnicodeString DecodeEscaped(const CompactString& AStored);
 

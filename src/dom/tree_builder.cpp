@@ -34,18 +34,6 @@ bool HasQuote(std::u16string_view AText) {
   return false;
 }
 
-UnicodeString QuotesAsReferences(std::u16string_view AValue) {
-  UnicodeString out;
-  out.reserve(AValue.size() + 8);
-  for (char16_t c : AValue) {
-    if (c == u'"')
-      out += u"&quot;";
-    else
-      out.push_back(c);
-  }
-  return out;
-}
-
 bool IsSchemaInstanceURI(std::u16string_view AValue) {
   return AValue.size() == std::size(cVnXSINamespaceURI) - 1 && SameText(AValue, cVnXSINamespaceURI);
 }
