@@ -107,9 +107,9 @@ std::string LoadAndDump(std::string_view ABytes, bool ADefer, AChange AChangeIt)
   return Dump(doc);
 }
 
-// The document of ABytes as compact JSON in UTF-8 (formatted when AFormatted), or the failure;
-// with AOpenRoot the root's children are made first.
-std::string LoadAsJson(std::string_view ABytes, bool ADefer, bool AOpenRoot, bool AFormatted) {
+// The document of ABytes as compact JSON in ACodePage (formatted when AFormatted), or the
+// failure; with AOpenRoot the root's children are made first.
+std::string LoadAsJson(std::string_view ABytes, bool ADefer, bool AOpenRoot, bool AFormatted, vn::Word ACodePage) {
   vn::TVnDOMDocument doc;
   doc.SetDeferChildren(ADefer);
   std::string out;
@@ -120,9 +120,9 @@ std::string LoadAsJson(std::string_view ABytes, bool ADefer, bool AOpenRoot, boo
     out = "failed: " + vn::UnicodeToUtf8(e.Message()) + "\n";
   }
   if (AOpenRoot && doc.GetRootNode()) (void)doc.GetRootNode()->ElementCount();
-  vn::TVnStringStream json(vn::cVnCodePageUTF8);
+  vn::TVnStringStream json(ACodePage);
   try {
-    vn::SaveToJSONStream(static_cast<const vn::TVnDOMNode&>(doc), json, vn::cVnCodePageUTF8, AFormatted);
+    vn::SaveToJSONStream(static_cast<const vn::TVnDOMNode&>(doc), json, ACodePage, AFormatted);
   } catch (const vn::Exception& e) {
     out += "failed: " + vn::UnicodeToUtf8(e.Message()) + "\n";
   }
@@ -175,9 +175,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* AData, size_t ASize) {
     ExpectSameDump(LoadAndDump(bytes, false, change), LoadAndDump(bytes, true, change), "deferred nodes changed");
     // formatted JSON grows with the square of the depth; fuzzed inputs are short
     for (const bool formatted : {false, ASize < 1024}) {
-      const std::string whole = LoadAsJson(bytes, false, false, formatted);
-      ExpectSameDump(whole, LoadAsJson(bytes, true, false, formatted), "JSON of deferred nodes");
-      ExpectSameDump(whole, LoadAsJson(bytes, true, true, formatted), "JSON of deferred nodes, the root open");
+      const std::string whole = LoadAsJson(bytes, false, false, formatted, vn::cVnCodePageUTF8);
+      ExpectSameDump(whole, LoadAsJson(bytes, true, false, formatted, vn::cVnCodePageUTF8), "JSON of deferred nodes");
+      ExpectSameDump(whole, LoadAsJson(bytes, true, true, formatted, vn::cVnCodePageUTF8),
+                     "JSON of deferred nodes, the root open");
+    }
+    // UTF-16 output decodes the values that UTF-8 output copies
+    const std::string wide = LoadAsJson(bytes, false, false, false, vn::cVnCodePageUTF16LE);
+    if (wide != LoadAsJson(bytes, true, false, false, vn::cVnCodePageUTF16LE)) {
+      std::fprintf(stderr, "round trip: UTF-16 JSON of deferred nodes\n");
+      std::abort();
     }
   }
   vn::TVnDOMDocument doc;

@@ -40,6 +40,14 @@ void Bridges() {
       u"<item><title>Coffee</title><price xsi:type=\"xsd:double\">2</price></item></shop>");
   std::printf("as JSON: %s\n", vn::UnicodeToUtf8(vn::GetJSON(*shop->GetRootNode())).c_str());
   std::printf("formatted:\n%s\n", vn::UnicodeToUtf8(vn::GetJSON(*shop->GetRootNode(), true)).c_str());
+
+  // A load keeps the root's content as what it read until somebody looks; written as JSON, a
+  // document without typed values is read from there, and its tree is never built.
+  vn::TVnDOMDocument catalog;
+  catalog.LoadXML(u"<catalog><book id=\"1\">Dune</book><book id=\"2\">Emma</book><shelf>A</shelf></catalog>");
+  const vn::UnicodeString json = vn::GetJSON(*catalog.GetRootNode());
+  std::printf("catalog as JSON: %s (tree built: %s)\n", vn::UnicodeToUtf8(json).c_str(),
+              catalog.GetRootNode()->IsDeferred() ? "no" : "yes");
 }
 
 }  // namespace tour

@@ -47,19 +47,13 @@ bool SchemaDeclared(const TVnDOMElement* AElement) {
   return false;
 }
 
-/// "xml:space" as the default collation matches a qualified name (the node's: one leading colon
-/// dropped).
+/// Whether an attribute is "xml:space" as the default collation matches the node's qualified
+/// name (one leading colon dropped): beyond ASCII, by what the collation tells apart.
 bool IsXmlSpace(const NameRec* AName) {
   if (!AName) return false;
   std::u16string_view name(AName->Chars, AName->Length);
   if (name[0] == u':') name.remove_prefix(1);
-  if (name.size() != 9) return false;
-  for (size_t i = 0; i < 9; ++i) {
-    char16_t c = name[i];
-    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
-    if (c != u"xml:space"[i]) return false;
-  }
-  return true;
+  return TreeBuilder::MayBeXmlSpace(name) && TVnXPathCollationASCIICI::Class()->SameText(name, u"xml:space");
 }
 
 bool IsTextRecord(Tape::Kind AKind) noexcept {
@@ -151,12 +145,16 @@ bool TapeSource::Attributes(Element AElement, std::vector<Attribute>& AOut, bool
   }
   if (top) return FTopNode->GetPreserveSpace();
   if (!space) return AParentPreserves;
-  const Value v = AttributeValue(space);
+  // the value as stored, references and all
   FScratch.clear();
-  const std::u16string_view stored =
-      v.Is == Value::Bytes ? DecodeUtf8(reinterpret_cast<const uint8_t*>(v.Utf8.data()),
-                                        reinterpret_cast<const uint8_t*>(v.Utf8.data() + v.Utf8.size()), FScratch)
-                           : v.Text;
+  std::u16string_view stored;
+  if (space->H.GetKind() == Tape::kAttr) {
+    stored = Tape::Units(&space->H);
+  } else {
+    const std::string_view bytes = Tape::Bytes(&space->H);
+    const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
+    stored = DecodeUtf8(b, b + bytes.size(), FScratch);
+  }
   return SameText(stored, u"preserve");
 }
 
@@ -182,7 +180,8 @@ TapeSource::Value TapeSource::AttributeValue(Attribute AAttribute) {
 }
 
 std::u16string_view TapeSource::Decoded(std::string_view AUtf8) {
-  FText = VnXMLToStr(CompactString::DecodeUtf8Text(AUtf8));
+  FText = CompactString::DecodeUtf8Text(AUtf8);
+  if (AUtf8.find('&') != AUtf8.npos) FText = VnXMLToStr(FText);
   return FText;
 }
 

@@ -269,7 +269,7 @@ class JsonTreeWriter {
   /// A content that its load still keeps as records goes from there, when they answer for it:
   /// its nodes are not made for the write.
   bool WrittenFromTape(Element AElement, bool AItem) {
-    if constexpr (kNodes && kUtf8) {
+    if constexpr (kNodes) {
       if (!AElement->IsDeferred()) return false;
       const auto record = detail::TapeSource::DeferredRecord(AElement);
       if (!record) return false;
@@ -455,7 +455,9 @@ class JsonTreeWriter {
     using V = detail::TapeSource::Value;
     if (AValue.Is == V::None) return O.Ascii("null");
     if (AValue.Is == V::Units) return QuotedString(AValue.Text);
-    if (!QuotedUtf8(AValue.Utf8)) QuotedString(S.Decoded(AValue.Utf8));
+    if constexpr (kUtf8)
+      if (QuotedUtf8(AValue.Utf8)) return;
+    QuotedString(S.Decoded(AValue.Utf8));
   }
   /// UTF-8 text as a JSON string, unless it holds a reference: then nothing is written.
   bool QuotedUtf8(std::string_view ABytes) requires kUtf8 {

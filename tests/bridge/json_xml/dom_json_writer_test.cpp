@@ -171,6 +171,9 @@ const DeferredCase kDeferred[] = {
     // white space kept by xml:space, any case, nested and taken back; and dropped
     {R"(<r xml:space="preserve"><a> </a><b xml:space="default"><c> </c><c>x</c></b><d XML:SPACE="Preserve"> <e> </e></d></r>)", true},
     {"<r>\n  <a> </a>\n  <b>\t<c/>\n</b></r>", true},
+    // the name as the collation matches it (a soft hyphen is ignored), the
+    // value as stored
+    {"<r><a xml:spa\xC2\xAD" "ce=\"preserve\"> </a><b xml:space=\"&#112;reserve\"> </b></r>", true},
     // leaves of several text nodes: comments count as nodes but add no text
     {"<r><a>x<!--c-->y</a><b><![CDATA[<&>]]></b><c>t<![CDATA[u]]>&amp;</c><d><!--only--></d><e><?p x?></e></r>", true},
     // references, and double quotes read from single quotes beside them
@@ -189,15 +192,16 @@ const DeferredCase kDeferred[] = {
     {R"(<r xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><a xsi:nil="true">x</a></r>)", false},
 };
 
-/// AXml loaded whole or deferred, the root opened first when AOpenRoot; its JSON, and whether
-/// the root's children still wait on the load's records after the write.
-std::pair<std::string, bool> JSONOfLoad(std::string_view AXml, bool ADefer, bool AOpenRoot, bool AFormatted) {
+/// AXml loaded whole or deferred, the root opened first when AOpenRoot; its JSON in ACodePage,
+/// and whether the root's children still wait on the load's records after the write.
+std::pair<std::string, bool> JSONOfLoad(std::string_view AXml, bool ADefer, bool AOpenRoot, bool AFormatted,
+                                        Word ACodePage = cVnCodePageUTF8) {
   TVnDOMDocument doc;
   doc.SetDeferChildren(ADefer);
   TVnMemoryStream in(AXml.data(), Int64(AXml.size()));
   doc.LoadFromStream(in);
   if (AOpenRoot) (void)doc.GetRootNode()->ElementCount();
-  const std::string json = Saved(static_cast<TVnDOMNode&>(doc), cVnCodePageUTF8, cVnCodePageUTF8, AFormatted);
+  const std::string json = Saved(static_cast<TVnDOMNode&>(doc), ACodePage, ACodePage, AFormatted);
   return {json, doc.GetRootNode()->IsDeferred()};
 }
 
@@ -208,6 +212,10 @@ TEST(DomJsonWriter, DeferredLoadsWriteWhatWholeLoadsWrite) {
       const std::string whole = JSONOfLoad(c.Xml, false, false, formatted).first;
       EXPECT_EQ(JSONOfLoad(c.Xml, true, false, formatted), std::pair(whole, c.FromRecords)) << c.Xml;
       EXPECT_EQ(JSONOfLoad(c.Xml, true, true, formatted).first, whole) << c.Xml;
+      for (const Word page : {cVnCodePageUTF16LE, Word(1252)})
+        EXPECT_EQ(JSONOfLoad(c.Xml, true, false, formatted, page),
+                  std::pair(JSONOfLoad(c.Xml, false, false, formatted, page).first, c.FromRecords))
+            << c.Xml << page;
     }
   detail::SmallContentBytes = small;
   // UTF-16 input keeps its records in UTF-16
