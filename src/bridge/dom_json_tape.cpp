@@ -6,6 +6,7 @@
 #include "common/text_parser_scan.h"
 #include "dom/stored_text.h"
 #include "dom/tree_builder.h"
+#include "vnxml/common/exception.h"
 #include "vnxml/common/sysutils.h"
 #include "vnxml/dom_document.h"
 #include "vnxml/xml_escape.h"
@@ -84,7 +85,7 @@ TapeSource::Element TapeSource::DeferredRecord(const TVnDOMElement* AElement) {
   if (records != AElement->AttributesView().size()) return nullptr;
   try {
     if (SchemaDeclared(AElement)) return nullptr;
-  } catch (...) {
+  } catch (const Exception&) {
     return nullptr;  // a declaration that does not decode: the nodes tell what follows
   }
   return begin;
