@@ -1,7 +1,9 @@
 // TapeSource: a load's records read as the nodes made from them would read.
 #include "bridge/dom_json_tape.h"
 
+#include <algorithm>
 #include <cstring>
+#include <unordered_map>
 
 #include "common/text_parser_scan.h"
 #include "dom/stored_text.h"
@@ -38,13 +40,55 @@ bool IsSchemaURI(std::u16string_view AURI) {
   return is(cVnXSINamespaceURI) || is(cVnXSDNamespaceURI);
 }
 
-/// Whether a declaration of the xsi or xsd namespace is in scope at AElement.
-bool SchemaDeclared(const TVnDOMElement* AElement) {
+/// The prefixes that the declarations in scope at AElement bind to the xsi or xsd namespace,
+/// into AOut; false when one of them binds the default namespace.
+bool SchemaPrefixes(const TVnDOMElement* AElement, std::vector<std::u16string>& AOut) {
   for (const TVnDOMNode* n = AElement; n && n->GetNodeType() == ntElement; n = n->ParentNode())
     for (const TVnDOMNode* a : static_cast<const TVnDOMElement*>(n)->AttributesView()) {
       const auto* attribute = static_cast<const TVnDOMAttribute*>(a);
-      if (attribute->IsNamespace() && IsSchemaURI(attribute->GetNodeValue())) return true;
+      if (!attribute->IsNamespace() || !IsSchemaURI(attribute->GetNodeValue())) continue;
+      if (attribute->PrefixView().empty()) return false;
+      AOut.emplace_back(attribute->LocalNameView());
     }
+  return true;
+}
+
+/// The prefix of the node a record's name makes (one leading colon dropped, the part before the
+/// first colon of the rest).
+std::u16string_view PrefixOf(const NameRec* AName) noexcept {
+  if (!AName) return {};
+  std::u16string_view name(AName->Chars, AName->Length);
+  if (name[0] == u':') name.remove_prefix(1);
+  const size_t colon = name.find(u':');
+  return colon == name.npos ? std::u16string_view() : name.substr(0, colon);
+}
+
+/// Whether APrefix may resolve to one of ABound: the tree folds prefixes to ASCII lower case, the
+/// collation's match takes in more.
+bool MayBeBound(std::u16string_view APrefix, const std::vector<std::u16string>& ABound) {
+  auto folded = [](char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c; };
+  for (const std::u16string& bound : ABound) {
+    if (TVnXPathCollationASCIICI::Class()->SameText(APrefix, bound)) return true;
+    if (APrefix.size() == bound.size() &&
+        std::equal(APrefix.begin(), APrefix.end(), bound.begin(), [&](char16_t a, char16_t b) { return folded(a) == folded(b); }))
+      return true;
+  }
+  return false;
+}
+
+/// Whether the records from AContent to AEnd name an attribute whose prefix may be bound to the
+/// xsi or xsd namespace (ABound); each name is looked at once.
+bool SchemaAttributeIn(const char* AContent, const char* AEnd, const std::vector<std::u16string>& ABound) {
+  std::unordered_map<const NameRec*, bool> seen;
+  for (const char* p = AContent; p != AEnd; p = Tape::Resolve(p)) {
+    const Tape::Head* h = Tape::Next(p);
+    if (h->GetKind() != Tape::kAttr && h->GetKind() != Tape::kAttrUtf8) continue;
+    const NameRec* name = reinterpret_cast<const Tape::Named*>(h)->Name;
+    if (PrefixOf(name).empty()) continue;
+    const auto [at, fresh] = seen.try_emplace(name, false);
+    if (fresh) at->second = MayBeBound(PrefixOf(name), ABound);
+    if (at->second) return true;
+  }
   return false;
 }
 
@@ -83,12 +127,25 @@ TapeSource::Element TapeSource::DeferredRecord(const TVnDOMElement* AElement) {
     ++records;
   }
   if (records != AElement->AttributesView().size()) return nullptr;
+  // Declarations of the schema namespaces in scope (on the node and above it: none below) type
+  // no attribute of the records when no attribute there bears a prefix they bind; the node's
+  // own such attributes are left out, and on a leaf they would type its value.
+  std::vector<std::u16string> bound;
   try {
-    if (SchemaDeclared(AElement)) return nullptr;
+    if (!SchemaPrefixes(AElement, bound)) return nullptr;
+    if (bound.empty()) return begin;
+    bool typed = false;
+    for (const TVnDOMNode* a : AElement->AttributesView())
+      typed = typed || SameText(a->GetNamespaceURI(), cVnXSINamespaceURI);
+    if (typed) {
+      bool leaf = true;
+      for (const char* q = p; q != end && leaf; q = Tape::Resolve(q)) leaf = Tape::Next(q)->GetKind() != Tape::kBegin;
+      if (leaf) return nullptr;
+    }
   } catch (const Exception&) {
     return nullptr;  // a declaration that does not decode: the nodes tell what follows
   }
-  return begin;
+  return SchemaAttributeIn(p, end, bound) ? nullptr : begin;
 }
 
 void TapeSource::ReadRecords(Element AElement) {
@@ -138,7 +195,8 @@ bool TapeSource::Attributes(Element AElement, std::vector<Attribute>& AOut, bool
   for (uint32_t j = 0; j < FAttributes.size(); ++j) {
     const Attribute a = FAttributes[j];
     if (top) {
-      if (IsDeclaration(static_cast<const TVnDOMAttribute*>(FTopNode->AttributesView()[j]))) continue;
+      const auto* node = static_cast<const TVnDOMAttribute*>(FTopNode->AttributesView()[j]);
+      if (IsDeclaration(node) || IsSchemaURI(node->GetNamespaceURI())) continue;
     } else if (IsXmlSpace(a->Name)) {
       space = a;  // the last one rules
     }

@@ -187,9 +187,18 @@ const DeferredCase kDeferred[] = {
     {R"(<r><a i="1">1</a><b/><a><c>2</c><c>3</c></a><a/></r>)", true},
     // declarations on the root only: they are no members, their prefixes are no namespace of schemas
     {R"(<r xmlns="urn:d" xmlns:p="urn:p" p:a="1"><p:b p:c="2">x</p:b></r>)", true},
-    // from nodes: a declaration below the root, the schema instance namespace in scope
+    // the schema namespaces declared on the root, their attributes on the root only: left out
+    {R"(<r xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xmlns:xsd="http://www.w3.org/2001/XMLSchema")"
+     R"( xsi:noNamespaceSchemaLocation="s.xsd" k="1"><a>1</a><b t="2"><c>3</c></b></r>)", true},
+    // from nodes: a declaration below the root; an attribute in the schema instance namespace
+    // below the root, its prefix in any case, or on a root without child elements; the schema
+    // namespace as the default one
     {R"(<r><a xmlns:p="urn:p" p:k="1">x</a></r>)", false},
     {R"(<r xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><a xsi:nil="true">x</a></r>)", false},
+    {R"(<r xmlns:XSI="http://www.w3.org/2001/XMLSchema-instance"><a xsi:nil="true">x</a></r>)", false},
+    {R"(<r xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xmlns:xsd="http://www.w3.org/2001/XMLSchema")"
+     R"( xsi:type="xsd:int">5</r>)", false},
+    {R"(<r xmlns="http://www.w3.org/2001/XMLSchema-instance"><a k="1">x</a></r>)", false},
 };
 
 /// AXml loaded whole or deferred, the root opened first when AOpenRoot; its JSON in ACodePage,
