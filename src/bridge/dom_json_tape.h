@@ -1,8 +1,9 @@
 // TapeSource: the content of an element that a load left on its tape, read for the JSON writer
 // from the records themselves, where reading the tree would first make every node of it. What
 // the records give (names, attribute values, the text of leaves, the space rule) is what the
-// nodes made from them would give; elements whose JSON needs more (a declaration of the xsi or
-// xsd namespace in scope, one below the load's root, another collation) are written from nodes.
+// nodes made from them would give; elements whose JSON needs more (an attribute in the xsi or
+// xsd namespace among the records, a declaration below the load's root, another collation) are
+// written from nodes.
 #pragma once
 
 #include <cstdint>
