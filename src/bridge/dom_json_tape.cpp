@@ -29,6 +29,30 @@ const char* AfterBegin(TapeSource::Element AElement) noexcept {
   return Tape::Resolve(reinterpret_cast<const char*>(AElement) + sizeof(Tape::Begin));
 }
 
+/// The qualified name of the node a record's name makes: one leading colon dropped.
+std::u16string_view NodeName(const NameRec* AName) noexcept {
+  if (!AName) return {};
+  std::u16string_view name(AName->Chars, AName->Length);
+  if (name[0] == u':') name.remove_prefix(1);
+  return name;
+}
+
+/// Bytes the loader could not keep as they are: it kept their decoded units instead.
+bool Malformed(const Tape::Head* ARecord) { return (ARecord->Flags() & Tape::kHigh) && !IsWellFormedUtf8(Tape::Bytes(ARecord)); }
+
+/// Units of UTF-8 bytes that may be malformed, decoded as the loader decodes them.
+std::u16string_view Units(std::string_view ABytes, std::u16string& AScratch) {
+  const auto* b = reinterpret_cast<const uint8_t*>(ABytes.data());
+  AScratch.clear();
+  return DecodeUtf8(b, b + ABytes.size(), AScratch);
+}
+
+/// Well-formed UTF-8 text stored with its references, decoded as its node decodes it.
+UnicodeString DecodedUtf8(std::string_view ABytes) {
+  UnicodeString text = CompactString::DecodeUtf8Text(ABytes);
+  return ABytes.find('&') == ABytes.npos ? text : VnXMLToStr(text);
+}
+
 /// Does the node attribute declare a namespace, as the writer's filter asks it?
 bool IsDeclaration(const TVnDOMAttribute* AAttribute) {
   const std::u16string_view prefix = AAttribute->PrefixView();
@@ -56,9 +80,7 @@ bool SchemaPrefixes(const TVnDOMElement* AElement, std::vector<std::u16string>& 
 /// The prefix of the node a record's name makes (one leading colon dropped, the part before the
 /// first colon of the rest).
 std::u16string_view PrefixOf(const NameRec* AName) noexcept {
-  if (!AName) return {};
-  std::u16string_view name(AName->Chars, AName->Length);
-  if (name[0] == u':') name.remove_prefix(1);
+  const std::u16string_view name = NodeName(AName);
   const size_t colon = name.find(u':');
   return colon == name.npos ? std::u16string_view() : name.substr(0, colon);
 }
@@ -95,10 +117,8 @@ bool SchemaAttributeIn(const char* AContent, const char* AEnd, const std::vector
 /// Whether an attribute is "xml:space" as the default collation matches the node's qualified
 /// name (one leading colon dropped): beyond ASCII, by what the collation tells apart.
 bool IsXmlSpace(const NameRec* AName) {
-  if (!AName) return false;
-  std::u16string_view name(AName->Chars, AName->Length);
-  if (name[0] == u':') name.remove_prefix(1);
-  return TreeBuilder::MayBeXmlSpace(name) && TVnXPathCollationASCIICI::Class()->SameText(name, u"xml:space");
+  const std::u16string_view name = NodeName(AName);
+  return !name.empty() && TreeBuilder::MayBeXmlSpace(name) && TVnXPathCollationASCIICI::Class()->SameText(name, u"xml:space");
 }
 
 bool IsTextRecord(Tape::Kind AKind) noexcept {
@@ -205,16 +225,8 @@ bool TapeSource::Attributes(Element AElement, std::vector<Attribute>& AOut, bool
   if (top) return FTopNode->GetPreserveSpace();
   if (!space) return AParentPreserves;
   // the value as stored, references and all
-  FScratch.clear();
-  std::u16string_view stored;
-  if (space->H.GetKind() == Tape::kAttr) {
-    stored = Tape::Units(&space->H);
-  } else {
-    const std::string_view bytes = Tape::Bytes(&space->H);
-    const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
-    stored = DecodeUtf8(b, b + bytes.size(), FScratch);
-  }
-  return SameText(stored, u"preserve");
+  return SameText(space->H.GetKind() == Tape::kAttr ? Tape::Units(&space->H) : Units(Tape::Bytes(&space->H), FScratch),
+                  u"preserve");
 }
 
 TapeSource::Value TapeSource::AttributeValue(Attribute AAttribute) {
@@ -224,10 +236,8 @@ TapeSource::Value TapeSource::AttributeValue(Attribute AAttribute) {
     return {Value::Units, {}, FText};
   }
   const std::string_view bytes = Tape::Bytes(&AAttribute->H);
-  if ((AAttribute->H.Flags() & Tape::kHigh) && !IsWellFormedUtf8(bytes)) {
-    FScratch.clear();
-    const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
-    FText = DecodedStored(DecodeUtf8(b, b + bytes.size(), FScratch), quotes);
+  if (Malformed(&AAttribute->H)) {
+    FText = DecodedStored(Units(bytes, FScratch), quotes);
     return {Value::Units, {}, FText};
   }
   // Quotes stored as references change what a reference next to them reads as.
@@ -239,8 +249,7 @@ TapeSource::Value TapeSource::AttributeValue(Attribute AAttribute) {
 }
 
 std::u16string_view TapeSource::Decoded(std::string_view AUtf8) {
-  FText = CompactString::DecodeUtf8Text(AUtf8);
-  if (AUtf8.find('&') != AUtf8.npos) FText = VnXMLToStr(FText);
+  FText = DecodedUtf8(AUtf8);
   return FText;
 }
 
@@ -258,25 +267,11 @@ void TapeSource::AppendValue(const Tape::Head* ARecord) {
     case Tape::kTextUtf8:
     case Tape::kSpaceUtf8: {
       const std::string_view bytes = Tape::Bytes(ARecord);
-      const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
-      if ((ARecord->Flags() & Tape::kHigh) && !IsWellFormedUtf8(bytes)) {
-        FScratch.clear();
-        FText += VnXMLToStr(DecodeUtf8(b, b + bytes.size(), FScratch));
-      } else if (bytes.find('&') == bytes.npos) {
-        FText += CompactString::DecodeUtf8Text(bytes);
-      } else {
-        FText += VnXMLToStr(CompactString::DecodeUtf8Text(bytes));
-      }
+      FText += Malformed(ARecord) ? VnXMLToStr(Units(bytes, FScratch)) : DecodedUtf8(bytes);
       break;
     }
     case Tape::kCData: FText.append(Tape::Units(ARecord)); break;
-    case Tape::kCDataUtf8: {
-      const std::string_view bytes = Tape::Bytes(ARecord);
-      const auto* b = reinterpret_cast<const uint8_t*>(bytes.data());
-      FScratch.clear();
-      FText.append(DecodeUtf8(b, b + bytes.size(), FScratch));
-      break;
-    }
+    case Tape::kCDataUtf8: FText.append(Units(Tape::Bytes(ARecord), FScratch)); break;
     default: break;  // comments count as text nodes but add no text
   }
 }
@@ -287,8 +282,7 @@ TapeSource::Value TapeSource::LeafValue(Element AElement, bool APreserves) {
   if (count == 0) return {};
   const Tape::Head* only = FTexts ? FFirstText : FFirstSpace;
   const Tape::Kind kind = only->GetKind();
-  if (count == 1 && (kind == Tape::kTextUtf8 || kind == Tape::kSpaceUtf8) &&
-      (!(only->Flags() & Tape::kHigh) || IsWellFormedUtf8(Tape::Bytes(only))))
+  if (count == 1 && (kind == Tape::kTextUtf8 || kind == Tape::kSpaceUtf8) && !Malformed(only))
     return {Value::Bytes, Tape::Bytes(only), {}};
   // One text of another form, or the text of several nodes as the element's value joins it.
   FText.clear();
